@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QtCore/QString>
+
+namespace Vorn::Util {
+
+/// True when \a text holds a character outside 7-bit ASCII.
+bool isUnicodeText(const QString &text);
+
+} // namespace Vorn::Util

@@ -1,0 +1,242 @@
+#include <Utility/AsyncTaskProcessor.h>
+
+#include <Utility/AsyncTask.h>
+#include <Utility/AsyncTaskMonitor.h>
+#include <Utility/Log.h>
+#include <Utility/System.h>
+
+#include <QtCore/QChildEvent>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QPointer>
+#include <QtCore/QScopedValueRollback>
+
+#include <algorithm>
+
+namespace Vorn::Util {
+
+namespace {
+
+// The task that the processor itself is deleting, so that its going is not searched in the queue.
+thread_local const QObject *taskBeingDeleted = nullptr;
+
+} // namespace
+
+AsyncTaskProcessor::AsyncTaskProcessor(QObject *parent)
+    : QObject(parent)
+{
+}
+
+AsyncTaskProcessor::~AsyncTaskProcessor() = default;
+
+void AsyncTaskProcessor::addTask(AsyncTask *task)
+{
+    if (!task)
+        return;
+    task->setLog(log_);
+    tasks_.append(task);
+    task->setParent(this);
+}
+
+void AsyncTaskProcessor::setCleanUpTask(AsyncTask *task, AsyncTask *cleanUpTask)
+{
+    cleanUpTasks_.insert(task, cleanUpTask);
+    if (!cleanUpTask)
+        return;
+    connect(cleanUpTask, &QObject::destroyed, this, [this, task, cleanUpTask] {
+        if (cleanUpTasks_.value(task) == cleanUpTask)
+            cleanUpTasks_.insert(task, nullptr);
+    });
+}
+
+void AsyncTaskProcessor::setExitEventLoopWhenDone(bool exitEventLoopWhenDone)
+{
+    exitEventLoopWhenDone_ = exitEventLoopWhenDone;
+}
+
+bool AsyncTaskProcessor::exitEventLoopWhenDone() const
+{
+    return exitEventLoopWhenDone_;
+}
+
+void AsyncTaskProcessor::setExitOnError(bool exitOnError)
+{
+    exitOnError_ = exitOnError;
+}
+
+bool AsyncTaskProcessor::exitOnError() const
+{
+    return exitOnError_;
+}
+
+void AsyncTaskProcessor::setLog(Log *log)
+{
+    log_ = log;
+}
+
+void AsyncTaskProcessor::setTaskMonitor(AsyncTaskMonitor *monitor)
+{
+    monitor_ = monitor;
+}
+
+bool AsyncTaskProcessor::isFinished() const
+{
+    // The running task is not in the queue, so this is true while the last one runs: callers
+    // count on it.
+    return tasks_.isEmpty();
+}
+
+bool AsyncTaskProcessor::isOk() const
+{
+    return ok_;
+}
+
+void AsyncTaskProcessor::startLater()
+{
+    if (tasks_.isEmpty())
+        return;
+    log(QStringLiteral("Start processing tasks"));
+    timer_.start();
+    startTaskLater();
+}
+
+void AsyncTaskProcessor::startTaskLater()
+{
+    QMetaObject::invokeMethod(this, "startTaskFromQueue", Qt::QueuedConnection);
+}
+
+void AsyncTaskProcessor::startTaskFromQueue()
+{
+    // A second startLater(), or a queue that its owner emptied meanwhile.
+    if (currentTask_ || tasks_.isEmpty())
+        return;
+    AsyncTask *task = tasks_.takeFirst();
+    currentTask_ = task;
+    connect(task, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
+    connect(task, &AsyncTask::progress, this, &AsyncTaskProcessor::handleProgressFromTask);
+    log(QStringLiteral("Starting task: %1").arg(task->name()));
+
+    const QPointer<AsyncTaskProcessor> self(this);
+    Q_EMIT started(task);
+    if (self && currentTask_ == task)
+        task->start();
+}
+
+void AsyncTaskProcessor::handleProgressFromTask(const QString &text)
+{
+    Q_EMIT progress(currentTask_, text);
+}
+
+void AsyncTaskProcessor::handleFinishedTask()
+{
+    AsyncTask *task = currentTask_;
+    if (!task || sender() != task)
+        return;
+    const QPointer<AsyncTaskProcessor> self(this);
+    Q_EMIT finished(task);
+    if (!self || currentTask_ != task)
+        return; // a slot deleted the processor or the task
+
+    ok_ = ok_ && (task->isOk() || task->ignoreError());
+    logResult();
+    if (!task->isOk() && !task->ignoreError())
+        stopAfterError();
+    stopWhenCanceled();
+
+    currentTask_ = nullptr;
+    deleteTask(task);
+    if (tasks_.isEmpty())
+        finishRun();
+    else
+        startTaskLater();
+}
+
+void AsyncTaskProcessor::logResult()
+{
+    const QString time = System::getElapsedTimeString(currentTask_->elapsedTime());
+    if (currentTask_->isOk()) {
+        log(QStringLiteral("Task finished in %1").arg(time));
+    } else {
+        log(QStringLiteral("Task finished with errors in %1: error = %2")
+                .arg(time, currentTask_->error()));
+    }
+}
+
+void AsyncTaskProcessor::stopAfterError()
+{
+    if (!exitOnError_ || stopping_)
+        return;
+    stopping_ = true;
+    if (AsyncTask *cleanUpTask = cleanUpTasks_.value(currentTask_))
+        skipToCleanUpTask(cleanUpTask);
+    else
+        tasks_.clear(); // the dropped tasks live on as children
+}
+
+void AsyncTaskProcessor::stopWhenCanceled()
+{
+    if (!monitor_ || !monitor_->isCanceled() || stopping_)
+        return;
+    stopping_ = true;
+    log(QStringLiteral("Task processing has been canceled"));
+    // Unlike an error, a cancel without a clean-up task leaves the queue as it is: the remaining
+    // tasks of such a run see the monitor for themselves.
+    if (AsyncTask *cleanUpTask = cleanUpTasks_.value(currentTask_))
+        skipToCleanUpTask(cleanUpTask);
+}
+
+void AsyncTaskProcessor::skipToCleanUpTask(AsyncTask *cleanUpTask)
+{
+    log(QStringLiteral("Skipping to clean-up task: %1").arg(cleanUpTask->name()));
+    skipToTask(cleanUpTask);
+}
+
+void AsyncTaskProcessor::skipToTask(AsyncTask *target)
+{
+    while (!tasks_.isEmpty() && tasks_.first() != target)
+        deleteTask(tasks_.takeFirst());
+}
+
+void AsyncTaskProcessor::finishRun()
+{
+    log(QStringLiteral("Finished processing tasks in %1")
+            .arg(System::getElapsedTimeString(timer_.elapsed())));
+    if (exitEventLoopWhenDone_)
+        QCoreApplication::exit(ok_ ? 0 : 1);
+}
+
+void AsyncTaskProcessor::deleteTask(AsyncTask *task)
+{
+    const QScopedValueRollback<const QObject *> mark(taskBeingDeleted, task);
+    delete task;
+}
+
+void AsyncTaskProcessor::childEvent(QChildEvent *event)
+{
+    if (event->removed() && event->child() != taskBeingDeleted)
+        forgetTask(event->child());
+}
+
+// The task was deleted, or given another parent, by somebody else: only its address is of use.
+void AsyncTaskProcessor::forgetTask(QObject *task)
+{
+    if (task != currentTask_) {
+        const auto isTask = [task](const AsyncTask *queued) { return queued == task; };
+        tasks_.erase(std::remove_if(tasks_.begin(), tasks_.end(), isTask), tasks_.end());
+        return;
+    }
+    ok_ = false;
+    stopAfterError();
+    currentTask_ = nullptr;
+    if (tasks_.isEmpty())
+        finishRun();
+    else
+        startTaskLater();
+}
+
+void AsyncTaskProcessor::log(const QString &text)
+{
+    if (log_)
+        log_->fastAppend(text);
+}
+
+} // namespace Vorn::Util

@@ -1,0 +1,234 @@
+#include <Utility/Log.h>
+
+#include <Utility/LogTruncation.h>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QMutexLocker>
+#include <QtCore/QTextStream>
+
+namespace Vorn::Util {
+
+const qint64 Log::MaxLogSize = 5242880;
+const qint64 Log::AmountToTruncate = 1048576;
+const int Log::MaxLogCount = 10;
+
+namespace {
+
+// A name filter that matches exactly \a text.
+QString escapeWildcards(const QString &text)
+{
+    QString escaped;
+    for (const QChar character : text) {
+        if (character == QLatin1Char('*') || character == QLatin1Char('?')
+            || character == QLatin1Char('[')) {
+            escaped += QLatin1Char('[') + character + QLatin1Char(']');
+        } else {
+            escaped += character;
+        }
+    }
+    return escaped;
+}
+
+} // namespace
+
+Log::Log()
+    : file_(std::make_unique<QFile>())
+{
+}
+
+Log::Log(const QString &name, Log::FileTimeStamp fileTimeStamp)
+    : Log()
+{
+    setName(name, fileTimeStamp);
+}
+
+Log::~Log() = default;
+
+void Log::setName(const QString &name, Log::FileTimeStamp fileTimeStamp)
+{
+    const QFileInfo info(name);
+    path_ = info.path();
+    baseName_ = info.completeBaseName();
+    suffix_ = info.suffix();
+    fileTimeStamp_ = fileTimeStamp;
+    name_ = name;
+    if (fileTimeStamp == WithFileTimeStamp) {
+        fileTimeStampString_ = getFileTimeStamp();
+        name_ = QStringLiteral("%1/%2_%3.%4").arg(path_, baseName_, fileTimeStampString_, suffix_);
+        removeOldTimeStampedLogFiles();
+    }
+    file_->setFileName(name_);
+}
+
+QString Log::name() const
+{
+    return file_->fileName();
+}
+
+bool Log::open(bool append)
+{
+    checkSizeAndTruncate();
+    if (file_->isOpen())
+        return true;
+    QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text;
+    if (append)
+        mode |= QIODevice::Append;
+    return file_->open(mode);
+}
+
+void Log::close()
+{
+    file_->close();
+}
+
+void Log::flush()
+{
+    file_->flush();
+}
+
+void Log::append(const QString &text)
+{
+    const QMutexLocker locker(&mutex_);
+    checkSizeAndTruncate();
+    fastAppend(text);
+}
+
+void Log::fastAppend(const QString &text)
+{
+    // The blank stands there without a prefix too: programs that read the logs count on it.
+    write(QStringLiteral("%1 %2\n").arg(getPrefix(), rstrip(text)));
+}
+
+Log &Log::operator<<(const QString &text)
+{
+    checkSizeAndTruncate();
+    write<const QString &>(text);
+    return *this;
+}
+
+Log &Log::operator<<(char character)
+{
+    checkSizeAndTruncate();
+    write(character);
+    return *this;
+}
+
+Log &Log::operator<<(int number)
+{
+    checkSizeAndTruncate();
+    write(number);
+    return *this;
+}
+
+Log &Log::operator<<(double number)
+{
+    checkSizeAndTruncate();
+    write(number);
+    return *this;
+}
+
+void Log::setTimeStamp(Log::TimeStamp timeStamp)
+{
+    timeStamp_ = timeStamp;
+}
+
+Log::TimeStamp Log::timeStamp() const
+{
+    return timeStamp_;
+}
+
+QString Log::fileTimeStampString() const
+{
+    return fileTimeStamp_ == WithFileTimeStamp ? fileTimeStampString_ : QString();
+}
+
+bool Log::removeOldTimeStampedLogFiles(const QString &path, const QString &baseName,
+                                       const QString &suffix, int maxCount)
+{
+    QDir folder(path);
+    if (!folder.exists())
+        return false;
+    const QStringList filter {
+        QStringLiteral("%1_20*.%2").arg(escapeWildcards(baseName), escapeWildcards(suffix))};
+    const QDir::Filters plainFiles = QDir::Files | QDir::Hidden;
+
+    // Each deletion overwrites the result of those before it: callers ask about the last one.
+    bool ok = true;
+    const QFileInfoList all = folder.entryInfoList(filter, plainFiles, QDir::Unsorted);
+    for (const QFileInfo &file : all) {
+        if (file.size() == 0)
+            ok = folder.remove(file.fileName());
+    }
+    QStringList names = folder.entryList(filter, plainFiles, QDir::Name);
+    while (!names.isEmpty() && names.size() > maxCount)
+        ok = folder.remove(names.takeFirst());
+    return ok;
+}
+
+void Log::checkSizeAndTruncate()
+{
+    if (getSize() <= MaxLogSize)
+        return;
+    if (!file_->isOpen()) {
+        truncate();
+        return;
+    }
+    file_.reset();
+    truncate();
+    file_ = std::make_unique<QFile>(name_);
+    file_->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text);
+}
+
+void Log::truncate()
+{
+    truncateLogFile(name_);
+}
+
+qint64 Log::getSize() const
+{
+    return file_->isOpen() ? file_->size() : QFileInfo(name_).size();
+}
+
+QString Log::getPrefix() const
+{
+    switch (timeStamp_) {
+    case TimeOnly:
+        return QStringLiteral("[%1]").arg(QTime::currentTime().toString(Qt::TextDate));
+    case DateAndTime:
+        return QStringLiteral("[%1]").arg(QDateTime::currentDateTime().toString(Qt::TextDate));
+    case NoTimeStamp:
+        break;
+    }
+    return QString();
+}
+
+QString Log::rstrip(const QString &text) const
+{
+    int length = text.size();
+    while (length > 0 && text.at(length - 1).isSpace())
+        --length;
+    return text.left(length);
+}
+
+QString Log::getFileTimeStamp()
+{
+    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd-hhmmss"));
+}
+
+bool Log::removeOldTimeStampedLogFiles()
+{
+    return removeOldTimeStampedLogFiles(path_, baseName_, suffix_, MaxLogCount);
+}
+
+// The stream's end pushes the text through the file to the system.
+template <typename Value> void Log::write(Value value)
+{
+    QTextStream stream(file_.get());
+    stream.setCodec("UTF-8");
+    stream << value;
+}
+
+} // namespace Vorn::Util

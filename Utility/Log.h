@@ -1,0 +1,123 @@
+#pragma once
+
+#include <Utility/Export.h>
+
+#include <QtCore/QMutex>
+#include <QtCore/QString>
+#include <QtCore/QtGlobal>
+
+#include <memory>
+
+class QFile;
+
+namespace Vorn::Util {
+
+/// A log file: UTF-8, one line per message, each line prefixed by the time of writing.
+///
+/// A log larger than MaxLogSize loses about its first AmountToTruncate bytes. On request the file
+/// name carries the start time; then at most MaxLogCount older files are kept beside the new one.
+///
+/// \code
+/// Log log(folder + "/run.log", Log::WithFileTimeStamp);
+/// if (log.open(true))
+///     log.append("Mesh read");           // "[14:23:10] Mesh read"
+/// \endcode
+///
+/// Threads: any number of threads may call append() at the same time. Every other member is for
+/// one thread at a time and must not run beside an append(). Writing to a log that is not open
+/// writes nothing; no member throws.
+///
+/// Two processes may append to one file below the size limit. When one of them truncates the
+/// file, the other goes on writing to the file that was replaced until it opens the log again.
+class VORNUTILITY_EXPORT Log
+{
+public:
+    /// What stands in front of a line. Any other value behaves as NoTimeStamp.
+    enum TimeStamp : int {
+        NoTimeStamp = 0, ///< nothing
+        TimeOnly = 1,    ///< "[hh:mm:ss]", local time
+        DateAndTime = 2  ///< "[ddd MMM d hh:mm:ss yyyy]", local time
+    };
+
+    /// Whether the file name carries the time at which it was set.
+    enum FileTimeStamp : int {
+        NoFileTimeStamp = 0,  ///< the name is used as given
+        WithFileTimeStamp = 1 ///< "run.log" becomes "run_yyyy-MM-dd-hhmmss.log"
+    };
+
+    static const qint64 MaxLogSize;       ///< 5 MiB; a larger log is truncated
+    static const qint64 AmountToTruncate; ///< 1 MiB; what truncation takes from the head
+    static const int MaxLogCount;         ///< older time-stamped files that are kept
+
+    /// A log without a name; timeStamp() is TimeOnly.
+    Log();
+
+    /// As setName(). The file is not opened.
+    Log(const QString &name, Log::FileTimeStamp fileTimeStamp);
+
+    /// Closes the file.
+    ~Log();
+
+    /// Names the file and, with a time stamp, prunes old files of the same base name. Call it
+    /// before open(): it neither opens nor creates the new file.
+    void setName(const QString &name, Log::FileTimeStamp fileTimeStamp);
+
+    /// The path of the file that is written, with its time stamp.
+    QString name() const;
+
+    /// Opens the file for writing, at its end or (without \a append) emptied. Returns true when
+    /// the file is open, also when it was so before; false when it cannot be opened.
+    bool open(bool append);
+
+    void close();
+    void flush();
+
+    /// Writes one line, truncating the file first when it is too large. Thread-safe. Trailing
+    /// white space of \a text is dropped. The line is on disk when the call returns.
+    void append(const QString &text);
+
+    /// As append(), but without the lock and without the size check.
+    void fastAppend(const QString &text);
+
+    /// Write the value alone: no prefix, no line end. They check the size, but take no lock.
+    Log &operator<<(const QString &text);
+    Log &operator<<(char character);
+    Log &operator<<(int number);
+    Log &operator<<(double number);
+
+    void setTimeStamp(Log::TimeStamp timeStamp);
+    Log::TimeStamp timeStamp() const;
+
+    /// The "yyyy-MM-dd-hhmmss" in the file name; empty for a log named without one.
+    QString fileTimeStampString() const;
+
+    /// Deletes the empty files "baseName_20*.suffix" of the folder \a path, then the oldest by
+    /// name until \a maxCount are left. Returns false when the folder does not exist, true when
+    /// nothing had to be deleted, otherwise whether the last deletion succeeded.
+    static bool removeOldTimeStampedLogFiles(const QString &path, const QString &baseName,
+                                             const QString &suffix, int maxCount);
+
+private:
+    Q_DISABLE_COPY(Log)
+
+    void checkSizeAndTruncate();
+    void truncate();
+    qint64 getSize() const;
+    QString getPrefix() const;
+    QString rstrip(const QString &text) const;
+    static QString getFileTimeStamp();
+    bool removeOldTimeStampedLogFiles();
+    template <typename Value> void write(Value value);
+
+    QString name_;
+    QString path_;
+    QString baseName_;
+    QString suffix_;
+    std::unique_ptr<QFile> file_; // never null
+    QMutex mutex_;
+    Log::TimeStamp timeStamp_ = TimeOnly;
+    Log::FileTimeStamp fileTimeStamp_ = NoFileTimeStamp;
+    QString fileTimeStampString_;
+};
+
+} // namespace Vorn::Util

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+namespace Vorn::Util {
+
+/// How many bytes from a log's beginning logCutPosition() needs at the most.
+extern const int LogCutHeadSize;
+
+/// Where the kept part of a log begins. A log is taken as a row of pieces: lines with their line
+/// ends, longer lines in pieces of 255 bytes. The kept part begins at the first piece that starts
+/// more than Log::AmountToTruncate bytes into the file, so it may begin within a long line (and
+/// within a character): readers of the logs know that.
+///
+/// \a head is the beginning of the log, LogCutHeadSize bytes long or, for a shorter log, all of
+/// it. Returns the length of \a head when nothing is kept.
+qint64 logCutPosition(const QByteArray &head);
+
+/// Replaces the file \a name by its own tail. Whatever fails (reading, a full disk, another file
+/// system, a file that cannot be replaced), the file stays as it was. Permissions are kept.
+void truncateLogFile(const QString &name);
+
+} // namespace Vorn::Util

@@ -1,0 +1,92 @@
+#include <Utility/Platform/Settings.h>
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QSettings>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+namespace Vorn::Util::Platform {
+
+namespace {
+
+constexpr int LongestValue = 1024; // characters, as in the registry's buffer
+
+// A key path "SOFTWARE\ORGANISATION\APPLICATION\GROUP..." in Qt's system-wide settings.
+struct Location
+{
+    QString organisation;
+    QString application;
+    QString group;
+};
+
+bool isPlainName(const QString &name)
+{
+    return !name.isEmpty() && !name.contains(QLatin1Char('/')) && name != QLatin1String(".")
+        && name != QLatin1String("..");
+}
+
+// False for a path that names no application, or that would lead out of the settings' folder.
+bool locate(const QString &keyPath, Location &location)
+{
+    QStringList parts = keyPath.split(QLatin1Char('\\'));
+    if (parts.size() < 3
+        || parts.takeFirst().compare(QLatin1String("SOFTWARE"), Qt::CaseInsensitive) != 0)
+        return false;
+    for (const QString &part : qAsConst(parts)) {
+        if (!isPlainName(part))
+            return false;
+    }
+    location.organisation = parts.takeFirst();
+    location.application = parts.takeFirst();
+    location.group = parts.join(QLatin1Char('/'));
+    return true;
+}
+
+// The settings with the key's group opened; null when there is no such key.
+std::unique_ptr<QSettings> openKey(const QString &keyPath)
+{
+    Location location;
+    if (!locate(keyPath, location))
+        return nullptr;
+    auto settings = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::SystemScope,
+                                                location.organisation, location.application);
+    settings->setFallbacksEnabled(false);
+    if (!QFileInfo(settings->fileName()).isReadable())
+        return nullptr;
+    if (location.group.isEmpty())
+        return settings;
+    settings->beginGroup(location.group);
+    return settings->allKeys().isEmpty() ? nullptr : std::move(settings);
+}
+
+SettingsValue failure(SettingsValue::Outcome outcome, int code)
+{
+    const QString message = QString::fromLocal8Bit(std::strerror(code));
+    return {outcome, QString(), code, message + QLatin1Char('\n')};
+}
+
+} // namespace
+
+SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
+{
+    const std::unique_ptr<QSettings> key = openKey(keyPath);
+    if (!key)
+        return failure(SettingsValue::NoKey, ENOENT);
+    if (!isPlainName(name) || !key->contains(name))
+        return failure(SettingsValue::NoValue, ENOENT);
+    // An unquoted comma in the file makes a list of the value.
+    const QString text = key->value(name).toStringList().join(QLatin1String(", "));
+    if (text.size() > LongestValue)
+        return failure(SettingsValue::NoValue, EMSGSIZE);
+    return {SettingsValue::Found, text.left(text.indexOf(QChar())), 0, QString()};
+}
+
+QStringList settingsSubkeys(const QString &keyPath)
+{
+    const std::unique_ptr<QSettings> key = openKey(keyPath);
+    return key ? key->childGroups() : QStringList();
+}
+
+} // namespace Vorn::Util::Platform

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace Vorn::Util::Platform {
+
+/// What became of reading a text from the machine-wide settings.
+struct SettingsValue
+{
+    enum Outcome { Found, NoKey, NoValue };
+
+    Outcome outcome;
+    QString text;    ///< Found: the value up to its first null, 1024 characters at the most
+    int code;        ///< otherwise: the system's code of the failed call
+    QString message; ///< otherwise: the system's text, with its own line end
+};
+
+/// Reads the value \a name of the key \a keyPath, whose parts are separated by "\\".
+SettingsValue readSettingsValue(const QString &keyPath, const QString &name);
+
+/// The names of the subkeys of \a keyPath in the store's order; none when there is no such key.
+QStringList settingsSubkeys(const QString &keyPath);
+
+} // namespace Vorn::Util::Platform

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <Utility/Export.h>
+
+#include <QtCore/QString>
+
+namespace Vorn::Util {
+
+/// Reads the product's machine-wide settings and builds the paths of its translators, into
+/// buffers of the caller, so that programs without Qt strings can use it too. Static only.
+///
+/// \code
+/// wchar_t folder[1024];
+/// if (Registry::readProductInstallationFolder(folder, nullptr))
+///     use(folder);
+/// \endcode
+///
+/// The buffer of a value holds at least 1024 wide characters, that of a folder at least 512.
+/// What does not fit counts as not there. No text is an empty text, never an exception.
+///
+/// Settings that cannot be read print one line to the standard output.
+class VORNUTILITY_EXPORT Registry
+{
+public:
+    Registry() = delete;
+
+    /// Reads a text of the product's key, or of \a keyPath below the machine-wide settings. A
+    /// last part such as "24.x" of \a keyPath stands for its greatest release; any other last
+    /// part is joined to the part before it without a separator.
+    static void readRegistryValue(const wchar_t *valueName, wchar_t *out, const wchar_t *keyPath);
+
+    /// Reads "InstallationDirectory"; true when there is one.
+    static bool readProductInstallationFolder(wchar_t *out, const wchar_t *keyPath);
+
+    /// The same as Latin-1 text, into 512 bytes.
+    static bool readProductInstallationFolder(char *out, const wchar_t *keyPath);
+
+    static void readOrlithTranslatorsFolder(wchar_t *const out);
+    static void readOrlith_HLXServerFolder(wchar_t *const out);
+    static void getOrlith_HLXServer_exe(wchar_t *const out);
+
+private:
+    static QString toQString(const char *text);
+    static QString toQString(const wchar_t *text);
+};
+
+} // namespace Vorn::Util

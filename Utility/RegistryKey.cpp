@@ -1,0 +1,68 @@
+#include <Utility/RegistryKey.h>
+
+#include <QtCore/QRegExp>
+
+#include <algorithm>
+#include <limits>
+
+namespace Vorn::Util {
+
+namespace {
+
+// A whole decimal number in the range of a 32-bit long, as wcstol reads it (blanks and a sign in
+// front are allowed); -1 for anything else.
+int releaseNumber(const QString &text)
+{
+    static_assert(std::numeric_limits<int>::max() == 2147483647);
+    int digits = 0;
+    while (digits < text.size() && text.at(digits).isSpace())
+        ++digits;
+    QString number = text.mid(digits);
+    if (number.startsWith(QLatin1Char('+')))
+        number.remove(0, 1);
+    const bool isPlain = std::all_of(number.cbegin(), number.cend(), [](QChar character) {
+        return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+    });
+    bool ok = false;
+    const int value = number.toInt(&ok);
+    return ok && isPlain ? value : -1;
+}
+
+} // namespace
+
+QString greatestRelease(const QString &release, const QStringList &names)
+{
+    const QString prefix = release.left(release.indexOf(QRegExp(QStringLiteral("[.x]"))));
+    QString best;
+    int bestNumber = -1;
+    for (const QString &name : names) {
+        const int point = name.indexOf(QLatin1Char('.'));
+        if (point < 0 || point == name.size() - 1 || name.left(point) != prefix)
+            continue;
+        const int number = releaseNumber(name.mid(point + 1));
+        if (number > bestNumber) {
+            bestNumber = number;
+            best = name;
+        }
+    }
+    return best;
+}
+
+QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys)
+{
+    QString key = QStringLiteral("SOFTWARE\\Vantorel\\VORN\\");
+    QString release = QStringLiteral("24.0");
+    if (!keyPath.isNull()) {
+        const int separator = keyPath.lastIndexOf(QRegExp(QStringLiteral("[/\\\\]")));
+        key = keyPath.left(std::max(separator, 0));
+        release = keyPath.mid(separator + 1);
+    }
+    // The separator at which a caller's path was split is not put back: installed programs have
+    // their keys under such names.
+    if (!release.contains(QLatin1String(".x")))
+        return key + release;
+    const QString found = greatestRelease(release, subkeys(key));
+    return key + QLatin1Char('\\') + (found.isNull() ? release : found);
+}
+
+} // namespace Vorn::Util

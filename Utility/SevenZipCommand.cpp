@@ -1,0 +1,291 @@
+#include <Utility/SevenZipCommand.h>
+
+#include <Utility/Platform/Archiver.h>
+#include <Utility/SevenZip.h>
+#include <Utility/System.h>
+
+#include <QtCore/QDebug>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTextStream>
+
+namespace Vorn::Util {
+
+namespace {
+
+constexpr int MostFilesOnCommandLine = 32;
+
+// Only these two of the archiver's codes count: callers look at the files for the others.
+SevenZip::Error errorOf(int exitCode, QProcess::ExitStatus exitStatus)
+{
+    if (exitStatus == QProcess::CrashExit || exitCode == 2)
+        return SevenZip::FatalError;
+    return exitCode == 1 ? SevenZip::Warning : SevenZip::NoError;
+}
+
+Platform::ArchiverOperation operationOf(int kind)
+{
+    if (kind == SevenZipCommand::Compress)
+        return Platform::ArchiverOperation::Compress;
+    return kind == SevenZipCommand::Extract ? Platform::ArchiverOperation::Extract
+                                            : Platform::ArchiverOperation::List;
+}
+
+// What follows the first \a count blanks; nothing when there are fewer.
+QString afterBlanks(const QString &line, int count)
+{
+    return line.section(QLatin1Char(' '), count);
+}
+
+bool exists(const QString &name)
+{
+    const QFileInfo info(name);
+    return info.exists() || info.isSymLink(); // a link to nowhere is in the way too
+}
+
+bool writeNames(QFile &file, const QStringList &names)
+{
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    for (const QString &name : names)
+        stream << name << '\n';
+    stream.flush();
+    return stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError;
+}
+
+} // namespace
+
+SevenZipCommand::SevenZipCommand(int kind, SevenZip *owner)
+    : QObject(owner)
+    , kind_(kind)
+    , owner_(owner)
+{
+}
+
+SevenZipCommand::~SevenZipCommand() = default;
+
+int SevenZipCommand::kind() const
+{
+    return kind_;
+}
+
+void SevenZipCommand::start()
+{
+    owner_->setError(SevenZip::NoError);
+    owner_->setOutput(QString());
+    if (!owner_->currentPath().isEmpty()) {
+        savedPath_ = QDir::currentPath();
+        QDir::setCurrent(owner_->currentPath());
+    }
+    process_ = new QProcess;
+    process_->setProcessChannelMode(QProcess::MergedChannels);
+    connect(process_, &QProcess::readyReadStandardOutput, this, &SevenZipCommand::readOutput);
+    connect(process_, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
+            &SevenZipCommand::handleFinished);
+
+    const Platform::Archiver archiver = Platform::findArchiver(System::getCurrentExePath());
+    const Platform::ArchiverOperation operation = operationOf(kind_);
+    decoder_ = std::make_unique<Platform::ArchiverLineDecoder>(archiver.dialect, operation);
+    const QStringList all = Platform::archiverArguments(archiver.dialect, operation, arguments());
+    qDebug().noquote() << all.join(QLatin1Char(' '));
+    process_->start(archiver.program, all, QIODevice::ReadWrite);
+    process_->closeWriteChannel();
+}
+
+bool SevenZipCommand::waitForFinished()
+{
+    return process_->waitForFinished(-1);
+}
+
+void SevenZipCommand::readOutput()
+{
+    owner_->setOutput(QString::fromUtf8(process_->readAllStandardOutput()));
+}
+
+template <typename Handler> void SevenZipCommand::readLines(Handler handle)
+{
+    while (process_->canReadLine()) {
+        const QString line = decoder_->decode(process_->readLine());
+        if (!line.isNull())
+            handle(line);
+    }
+}
+
+void SevenZipCommand::handleFinished(int exitCode, QProcess::ExitStatus exitStatus)
+{
+    if (!owner_->currentPath().isEmpty())
+        QDir::setCurrent(savedPath_);
+    owner_->setError(errorOf(exitCode, exitStatus));
+    owner_->setCommandFinished();
+}
+
+SevenZipCompressCommand::SevenZipCompressCommand(const QStringList &files, SevenZip *owner)
+    : SevenZipCommand(Compress, owner)
+{
+    owner->setFiles(files);
+    if (files.size() > MostFilesOnCommandLine)
+        writeListFile();
+}
+
+SevenZipCompressCommand::~SevenZipCompressCommand() = default;
+
+QStringList SevenZipCompressCommand::arguments()
+{
+    const SevenZip::Type type = owner()->type();
+    const SevenZip::Method method = owner()->method();
+    QStringList all {QStringLiteral("a"), SevenZip::typeArg(type), owner()->archiveFile()};
+    if (listFile_.isEmpty())
+        all << fileNames();
+    else
+        all << QStringLiteral("@%1").arg(listFile_);
+    all << SevenZip::methodArg(type, method) << SevenZip::levelArg(owner()->level());
+    if (type == SevenZip::Type7z && (method == SevenZip::LZMA || method == SevenZip::LZMA2))
+        all << SevenZip::modeArg(owner()->mode());
+    all << SevenZip::multithreadArg(owner()->useThreads());
+    return all;
+}
+
+// Relative to the current path, where they lie below it.
+QStringList SevenZipCompressCommand::fileNames() const
+{
+    QStringList names = owner()->files();
+    const QString currentPath = owner()->currentPath();
+    if (currentPath.isEmpty())
+        return names;
+    const QString prefix = QDir::toNativeSeparators(currentPath + QLatin1Char('/'));
+    for (QString &name : names)
+        name = QDir::toNativeSeparators(name).remove(prefix);
+    return names;
+}
+
+// The name is predictable, so the file is made here or not at all, and never through a link. A
+// list that is not whole is taken away: the archiver then reports a missing list instead of
+// leaving files out.
+void SevenZipCompressCommand::writeListFile()
+{
+    const QString folder = System::getTempDirPath();
+    QFile file;
+    for (int number = 0;; ++number) {
+        listFile_ = number == 0
+            ? QStringLiteral("%1/listfile.tmp").arg(folder)
+            : QStringLiteral("%1/listfile%2.tmp").arg(folder, QString::number(number));
+        if (exists(listFile_))
+            continue;
+        file.setFileName(listFile_);
+        if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Text))
+            break;
+        if (!exists(listFile_))
+            return;
+    }
+    if (!writeNames(file, fileNames()))
+        file.remove();
+}
+
+void SevenZipCompressCommand::handleFinished(int exitCode, QProcess::ExitStatus exitStatus)
+{
+    owner()->setCompressedSize(SevenZip::fileSize(owner()->archiveFile()));
+    owner()->setUncompressedSize(SevenZip::fileSizes(owner()->files()));
+    if (!listFile_.isEmpty())
+        QFile::remove(listFile_);
+    SevenZipCommand::handleFinished(exitCode, exitStatus);
+}
+
+SevenZipExtractCommand::SevenZipExtractCommand(const QString &folder, SevenZip *owner)
+    : SevenZipCommand(Extract, owner)
+{
+    owner->setFolder(folder);
+    owner->setFiles(QStringList());
+}
+
+SevenZipExtractCommand::~SevenZipExtractCommand() = default;
+
+QStringList SevenZipExtractCommand::arguments()
+{
+    return {QStringLiteral("x"), owner()->archiveFile(),
+            QStringLiteral("-o%1").arg(owner()->folder()), QStringLiteral("-aoa")};
+}
+
+void SevenZipExtractCommand::readOutput()
+{
+    readLines([this](const QString &line) { readLine(line); });
+}
+
+void SevenZipExtractCommand::readLine(const QString &line)
+{
+    const QString rest = afterBlanks(line, 1);
+    if (line.startsWith(QLatin1String("Extracting")))
+        owner()->addFile(rest);
+    else if (line.startsWith(QLatin1String("Size:")))
+        owner()->setUncompressedSize(rest.toLongLong());
+    else if (line.startsWith(QLatin1String("Compressed:")))
+        owner()->setCompressedSize(rest.toLongLong());
+}
+
+SevenZipListCommand::SevenZipListCommand(SevenZip *owner)
+    : SevenZipCommand(List, owner)
+{
+}
+
+SevenZipListCommand::~SevenZipListCommand() = default;
+
+QStringList SevenZipListCommand::arguments()
+{
+    return {QStringLiteral("l"), owner()->archiveFile()};
+}
+
+void SevenZipListCommand::readOutput()
+{
+    readLines([this](const QString &line) { readLine(line); });
+}
+
+void SevenZipListCommand::readLine(const QString &line)
+{
+    switch (state_) {
+    case Header:
+        readHeader(line);
+        break;
+    case Entries:
+        readEntry(line);
+        break;
+    default:
+        readTotals(line);
+    }
+}
+
+void SevenZipListCommand::readHeader(const QString &line)
+{
+    if (line.startsWith(QLatin1String("Type")))
+        owner()->setType(SevenZip::toType(afterBlanks(line, 2)));
+    else if (line.startsWith(QLatin1String("Method")))
+        owner()->setMethod(SevenZip::toMethod(afterBlanks(line, 2)));
+    else if (line.startsWith(QLatin1String("--------")))
+        state_ = Entries;
+}
+
+// Date, time, attributes, size, then the packed size where there is one. A name whose first word
+// is a number loses it when there is none; what the column holds cannot be told from the line.
+void SevenZipListCommand::readEntry(const QString &line)
+{
+    if (line.startsWith(QLatin1String("--------"))) {
+        state_ = Totals;
+        return;
+    }
+    QStringList parts = afterBlanks(line, 4).split(QLatin1Char(' '));
+    if (parts.size() > 1) {
+        bool isNumber = false;
+        parts.first().toLongLong(&isNumber);
+        if (isNumber)
+            parts.removeFirst();
+    }
+    owner()->addFile(parts.join(QLatin1Char(' ')));
+}
+
+// Every line after the table counts, so the last one holds.
+void SevenZipListCommand::readTotals(const QString &line)
+{
+    owner()->setUncompressedSize(line.section(QLatin1Char(' '), 0, 0).toLongLong());
+    owner()->setCompressedSize(line.section(QLatin1Char(' '), 1, 1).toLongLong());
+}
+
+} // namespace Vorn::Util

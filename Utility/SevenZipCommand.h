@@ -1,0 +1,123 @@
+#pragma once
+
+#include <Utility/Platform/ArchiverDialect.h>
+
+#include <QtCore/QObject>
+#include <QtCore/QProcess>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <memory>
+
+namespace Vorn::Util {
+
+class SevenZip;
+
+/// One run of the archiver for a SevenZip, which owns it and gets its results.
+class SevenZipCommand : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum Kind : int { Compress = 0, Extract = 1, List = 2 };
+
+    SevenZipCommand(int kind, SevenZip *owner);
+    ~SevenZipCommand() override;
+
+    int kind() const;
+
+    /// Starts the archiver and returns. Call it once.
+    void start();
+
+    /// Waits for its end without a time limit; false when it did not start.
+    bool waitForFinished();
+
+protected:
+    virtual QStringList arguments() = 0;
+
+protected Q_SLOTS:
+    virtual void readOutput();
+    virtual void handleFinished(int exitCode, QProcess::ExitStatus exitStatus);
+
+protected:
+    SevenZip *owner() const { return owner_; }
+    QProcess *process() const { return process_; }
+
+    /// Hands every whole line that is there to \a handle, in the form that the readers expect.
+    template <typename Handler> void readLines(Handler handle);
+
+private:
+    int kind_;
+    SevenZip *owner_;
+    QProcess *process_ = nullptr; // never deleted: that would end a program that still runs
+    QString savedPath_;
+    std::unique_ptr<Platform::ArchiverLineDecoder> decoder_;
+};
+
+class SevenZipCompressCommand : public SevenZipCommand
+{
+    Q_OBJECT
+
+public:
+    /// More than 32 files are handed over in a list file, which is written here.
+    SevenZipCompressCommand(const QStringList &files, SevenZip *owner);
+    ~SevenZipCompressCommand() override;
+
+protected:
+    QStringList arguments() override;
+
+protected Q_SLOTS:
+    void handleFinished(int exitCode, QProcess::ExitStatus exitStatus) override;
+
+private:
+    QStringList fileNames() const;
+    void writeListFile();
+
+    QString listFile_;
+};
+
+class SevenZipExtractCommand : public SevenZipCommand
+{
+    Q_OBJECT
+
+public:
+    SevenZipExtractCommand(const QString &folder, SevenZip *owner);
+    ~SevenZipExtractCommand() override;
+
+protected:
+    QStringList arguments() override;
+
+protected Q_SLOTS:
+    void readOutput() override;
+
+private:
+    void readLine(const QString &line);
+};
+
+class SevenZipListCommand : public SevenZipCommand
+{
+    Q_OBJECT
+
+public:
+    /// The owner's files stay: what is listed is appended to them, as callers count on.
+    explicit SevenZipListCommand(SevenZip *owner);
+    ~SevenZipListCommand() override;
+
+protected:
+    QStringList arguments() override;
+
+protected Q_SLOTS:
+    void readOutput() override;
+
+private:
+    enum State : int { Header = 0, Entries = 1, Totals = 2 };
+
+    void readLine(const QString &line);
+    void readHeader(const QString &line);
+    void readEntry(const QString &line);
+    void readTotals(const QString &line);
+
+    int state_ = Header;
+};
+
+} // namespace Vorn::Util

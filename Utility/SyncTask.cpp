@@ -1,0 +1,40 @@
+#include <Utility/SyncTask.h>
+
+#include <QtCore/QMetaObject>
+
+namespace Vorn::Util {
+
+namespace {
+
+QString taskName(const QObject *receiver, const QString &method)
+{
+    const char *className = receiver ? receiver->metaObject()->className() : "";
+    return QStringLiteral("%1::%2").arg(QString::fromUtf8(className)).arg(method);
+}
+
+} // namespace
+
+SyncTask::SyncTask(QObject *receiver, const QString &method, QObject *parent)
+    : AsyncTask(taskName(receiver, method), parent)
+    , receiver_(receiver)
+    , method_(method)
+{
+}
+
+SyncTask::~SyncTask() = default;
+
+void SyncTask::execute()
+{
+    const QPointer<SyncTask> self(this);
+    const bool called = receiver_
+        && QMetaObject::invokeMethod(receiver_, method_.toLatin1().constData(),
+                                     Qt::DirectConnection);
+    if (!self)
+        return; // the method deleted the task or its processor
+    if (called)
+        setFinished();
+    else // The missing finished() is deliberate: the run stands still where it was set up wrongly.
+        setError(QStringLiteral("Unable to run sync task: %1").arg(name()));
+}
+
+} // namespace Vorn::Util

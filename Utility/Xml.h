@@ -1,0 +1,39 @@
+#pragma once
+
+#include <Utility/Export.h>
+
+#include <QtCore/QString>
+#include <QtXml/QDomDocument>
+
+namespace Vorn::Util {
+
+/// Helpers for small XML documents built with the Qt DOM. Static members only; stateless.
+///
+/// \code
+/// QDomElement root = document.documentElement();
+/// root.appendChild(Xml::textElement("cores", "8", document));
+/// int cores = Xml::valueOf("cores", root, "1").toInt();
+/// \endcode
+class VORNUTILITY_EXPORT Xml
+{
+public:
+    Xml() = delete;
+
+    /// "true" or "false".
+    static QString boolToString(bool value);
+
+    /// True for exactly "true" and "Y", false for every other text.
+    static bool stringToBool(const QString &text);
+
+    /// Creates an element that holds one text node. It belongs to \a document but stands nowhere
+    /// in it yet: the caller appends it to its parent.
+    static QDomElement textElement(const QString &tagName, const QString &text,
+                                   QDomDocument &document);
+
+    /// The text of the first child of \a element named \a name; \a defaultValue when there is no
+    /// such child, an empty string when the child holds no text.
+    static QString valueOf(const QString &name, const QDomElement &element,
+                           const QString &defaultValue);
+};
+
+} // namespace Vorn::Util

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# The Linux test suite: release build, address and undefined-behaviour sanitizers (with debug
+# assertions), the tests with threads under the thread sanitizer, clang-tidy on the library.
+# "test.sh PRESET..." runs only those of linux-release, linux-asan, linux-tsan, tidy.
+. "$(dirname "$0")/common.sh"
+need_build_tools
+cd "$project"
+
+[ $# -gt 0 ] || set -- linux-release tidy linux-asan linux-tsan
+
+run_tidy() {
+    need clang-tidy
+    cmake --preset linux-release >/dev/null
+    # The moc files are needed for nothing but the headers' own checks.
+    say "clang-tidy"
+    find Utility -name '*.cpp' -not -path '*/Windows/*' -print0 |
+        xargs -0 -P "$(nproc)" -n 4 clang-tidy --quiet -p build/linux-release 2> build/tidy.log ||
+        { cat build/tidy.log; exit 1; }
+}
+
+run_preset() {
+    say "$1"
+    cmake --preset "$1" >/dev/null
+    cmake --build --preset "$1"
+    # The thread sanitizer cannot lay out its memory where addresses are spread too widely.
+    setarch "$(uname -m)" -R ctest --preset "$1"
+}
+
+for part in "$@"; do
+    if [ "$part" = tidy ]; then run_tidy; else run_preset "$part"; fi
+done

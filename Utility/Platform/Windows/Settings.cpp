@@ -1,0 +1,82 @@
+#include <Utility/Platform/Settings.h>
+
+#include <Utility/Platform/Windows/WindowsApi.h>
+
+namespace Vorn::Util::Platform {
+
+namespace {
+
+class RegistryKey
+{
+public:
+    explicit RegistryKey(const QString &keyPath)
+        : code_(RegOpenKeyExW(HKEY_LOCAL_MACHINE, wide(keyPath), 0, KEY_READ, &key_))
+    {
+    }
+    ~RegistryKey()
+    {
+        if (isOpen())
+            RegCloseKey(key_);
+    }
+    RegistryKey(const RegistryKey &) = delete;
+    RegistryKey &operator=(const RegistryKey &) = delete;
+
+    bool isOpen() const { return code_ == ERROR_SUCCESS; }
+    LONG code() const { return code_; }
+    HKEY get() const { return key_; }
+
+private:
+    HKEY key_ = nullptr;
+    LONG code_;
+};
+
+QString messageOf(DWORD code)
+{
+    wchar_t message[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
+                   message, 512, nullptr);
+    return textOf(message);
+}
+
+} // namespace
+
+SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
+{
+    const RegistryKey key(keyPath);
+    if (!key.isOpen()) {
+        return {SettingsValue::NoKey, QString(), static_cast<int>(key.code()),
+                messageOf(static_cast<DWORD>(key.code()))};
+    }
+    wchar_t value[1024] = {};
+    static_assert(sizeof value == 2048);
+    DWORD size = sizeof value;
+    const LONG code = RegQueryValueExW(key.get(), wide(name), nullptr, nullptr,
+                                       reinterpret_cast<BYTE *>(value), &size);
+    if (code == ERROR_SUCCESS)
+        return {SettingsValue::Found, textOf(value), 0, QString()};
+    // The thread's last error, which need not be the code returned: the line printed has always
+    // held both.
+    return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(GetLastError())};
+}
+
+QStringList settingsSubkeys(const QString &keyPath)
+{
+    QStringList names;
+    const RegistryKey key(keyPath);
+    DWORD count = 0;
+    if (!key.isOpen()
+        || RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr,
+                            nullptr, nullptr, nullptr, nullptr)
+            != ERROR_SUCCESS)
+        return names;
+    for (DWORD index = 0; index < count; ++index) {
+        wchar_t name[512] = {};
+        DWORD length = 512;
+        if (RegEnumKeyExW(key.get(), index, name, &length, nullptr, nullptr, nullptr, nullptr)
+            == ERROR_SUCCESS)
+            names.append(textOf(name));
+    }
+    return names;
+}
+
+} // namespace Vorn::Util::Platform

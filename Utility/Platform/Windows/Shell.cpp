@@ -1,0 +1,39 @@
+#include <Utility/Platform/Shell.h>
+
+#include <Utility/Platform/Windows/WindowsApi.h>
+
+#include <QtCore/QDir>
+
+namespace Vorn::Util::Platform {
+
+namespace {
+
+// By its full path: a "cmd.exe" that lies in the current folder is never run.
+QString interpreter()
+{
+    const QString name = QStringLiteral("cmd.exe");
+    wchar_t folder[MAX_PATH] = {};
+    const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH)
+        return name;
+    return QDir(textOf(folder)).filePath(name);
+}
+
+ShellCall shell(const QString &argument)
+{
+    return {interpreter(), QStringLiteral("cmd.exe"), {QStringLiteral("/C"), argument}};
+}
+
+} // namespace
+
+ShellCall callOfScript(const QString &fileName)
+{
+    return shell(fileName);
+}
+
+ShellCall callOfText(const QString &text)
+{
+    return shell(text);
+}
+
+} // namespace Vorn::Util::Platform

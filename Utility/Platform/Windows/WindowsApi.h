@@ -1,0 +1,42 @@
+#pragma once
+
+// The only place that includes <windows.h>.
+
+#ifndef WINVER
+#define WINVER 0x0601
+#endif
+#ifndef _WIN32_WINNT
+#define _WIN32_WINNT 0x0601
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef UNICODE
+#define UNICODE
+#endif
+
+#include <windows.h>
+
+#include <QtCore/QString>
+
+namespace Vorn::Util::Platform {
+
+/// A file's path in the form that the wide-character calls take.
+inline const wchar_t *wide(const QString &text)
+{
+    return reinterpret_cast<const wchar_t *>(text.utf16());
+}
+
+/// The text of a buffer that need not be terminated.
+template <std::size_t Size> QString textOf(const wchar_t (&buffer)[Size])
+{
+    std::size_t length = 0;
+    while (length < Size && buffer[length] != L'\0')
+        ++length;
+    return QString::fromWCharArray(buffer, static_cast<int>(length));
+}
+
+} // namespace Vorn::Util::Platform

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Builds the library, its tests and its example for Windows x86-64 and runs the tests under Wine
+# in a private prefix. The first run builds Qt for Windows, which is kept in the cache folder.
+. "$(dirname "$0")/common.sh"
+need_build_tools
+need g++-mingw-w64-x86-64-posix wine wine64 python3
+cd "$project"
+
+VORNUTILITY_QT_WINDOWS=$(scripts/qt-windows.sh)
+export VORNUTILITY_QT_WINDOWS
+
+say "windows-release"
+cmake --preset windows-release >/dev/null
+cmake --build --preset windows-release
+
+# Where the programs find their libraries.
+windows_path() { printf 'Z:%s' "${1//\//\\}"; }
+compiler_file() { dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name="$1")"; }
+WINEPATH=$(windows_path "$project/build/windows-release/Utility")
+for folder in "$VORNUTILITY_QT_WINDOWS/bin" "$(compiler_file libstdc++-6.dll)" \
+    "$(compiler_file libwinpthread-1.dll)"; do
+    WINEPATH="$WINEPATH;$(windows_path "$(cd "$folder" && pwd)")"
+done
+export WINEPATH WINEPREFIX=$project/build/wine WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+mkdir -p "$WINEPREFIX"
+wine wineboot --init >/dev/null 2>&1
+trap 'wineserver -k 2>/dev/null || true' EXIT
+
+status=0
+ctest --preset windows-release || status=$?
+python3 scripts/test-table.py build/linux-release/tests/run build/windows-release/tests/run
+exit $status

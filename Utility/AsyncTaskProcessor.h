@@ -37,7 +37,8 @@ class Log;
 ///
 /// Ownership: the processor owns the tasks added to it and deletes each when it has finished. A
 /// waiting task that the caller deletes or gives another parent leaves the queue; a running one
-/// counts as failed. The log and the monitor are not owned and may be null. A processor is meant for one run.
+/// counts as failed. The log and the monitor are not owned and may be null. A processor is meant
+/// for one run.
 ///
 /// Thread: everything happens in the thread of the event loop that owns the processor.
 class VORNUTILITY_EXPORT AsyncTaskProcessor : public QObject

@@ -57,7 +57,7 @@ using LineHandler = std::function<void(const QString &)>;
 // a read that fails counts as an empty line: callers have been built around both.
 void readLines(QProcess &process, int maxLines, const LineHandler &handle)
 {
-    std::array<char, LineBufferSize> buffer {};
+    std::array<char, LineBufferSize> buffer{};
     int count = 0;
     while (process.readLine(buffer.data(), LineBufferSize) != 0) {
         handle(QString::fromUtf8(buffer.data()));

@@ -151,7 +151,7 @@ bool Log::removeOldTimeStampedLogFiles(const QString &path, const QString &baseN
     QDir folder(path);
     if (!folder.exists())
         return false;
-    const QStringList filter {
+    const QStringList filter{
         QStringLiteral("%1_20*.%2").arg(escapeWildcards(baseName), escapeWildcards(suffix))};
     const QDir::Filters plainFiles = QDir::Files | QDir::Hidden;
 

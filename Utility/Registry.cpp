@@ -15,9 +15,9 @@ namespace Vorn::Util {
 
 namespace {
 
-constexpr int ValueSize = 1024;  // wide characters of a caller's buffer for a value
-constexpr int FolderSize = 512;  // wide characters of a caller's buffer for a folder, of a key path
-constexpr int NarrowSize = 512;  // bytes of a caller's buffer for the installation folder
+constexpr int ValueSize = 1024; // wide characters of a caller's buffer for a value
+constexpr int FolderSize = 512; // wide characters of a caller's buffer for a folder, of a key path
+constexpr int NarrowSize = 512; // bytes of a caller's buffer for the installation folder
 
 // A text that does not fit leaves the buffer empty: half a path is worse than none.
 void copyBounded(const QString &text, wchar_t *out, int size)
@@ -34,13 +34,14 @@ QString translatorsFolder(const QStringList &lastParts)
     QString base = Platform::environmentVariable("AllUsersProfile");
     if (base.size() >= FolderSize)
         base.clear(); // as a read into a buffer of that size
-    const QStringList parts {base, QStringLiteral("Vantorel"), QStringLiteral("VORN 2024")};
+    const QStringList parts{base, QStringLiteral("Vantorel"), QStringLiteral("VORN 2024")};
     return (parts + lastParts).join(QDir::separator());
 }
 
 QString serverFolder()
 {
-    return translatorsFolder({QStringLiteral("VORN_Translators"), QStringLiteral("VORN_HLXServer")});
+    return translatorsFolder(
+        {QStringLiteral("VORN_Translators"), QStringLiteral("VORN_HLXServer")});
 }
 
 void print(const Platform::SettingsValue &value, const QString &keyPath)
@@ -64,8 +65,7 @@ void Registry::readRegistryValue(const wchar_t *valueName, wchar_t *out, const w
     const QString key = resolveKeyPath(toQString(keyPath), Platform::settingsSubkeys);
     if (key.size() >= FolderSize)
         return;
-    const Platform::SettingsValue value
-        = Platform::readSettingsValue(key, toQString(valueName));
+    const Platform::SettingsValue value = Platform::readSettingsValue(key, toQString(valueName));
     if (value.outcome == Platform::SettingsValue::Found)
         copyBounded(value.text, out, ValueSize);
     else
@@ -85,7 +85,7 @@ bool Registry::readProductInstallationFolder(char *out, const wchar_t *keyPath)
     if (!out)
         return false;
     out[0] = '\0';
-    std::array<wchar_t, ValueSize> wide {};
+    std::array<wchar_t, ValueSize> wide{};
     if (!readProductInstallationFolder(wide.data(), keyPath))
         return false;
     const QByteArray narrow = toQString(wide.data()).toLatin1();

@@ -38,10 +38,7 @@ class VORNUTILITY_EXPORT SevenZip : public QObject
     Q_OBJECT
 
 public:
-    enum Type : int {
-        Type7z = 0,
-        TypeZip = 1
-    };
+    enum Type : int { Type7z = 0, TypeZip = 1 };
 
     enum Method : int {
         Copy = 0, ///< stored
@@ -52,20 +49,10 @@ public:
     };
 
     /// How hard to compress. Any other number is handed to 7-Zip unchanged.
-    enum Level : int {
-        Store = 0,
-        Fastest = 1,
-        Fast = 3,
-        Normal = 5,
-        Maximum = 7,
-        Ultra = 9
-    };
+    enum Level : int { Store = 0, Fastest = 1, Fast = 3, Normal = 5, Maximum = 7, Ultra = 9 };
 
     /// 7-Zip's "-ma=" value, for LZMA and LZMA2. Any other number is handed on unchanged.
-    enum Mode : int {
-        FastMode = 0,
-        NormalMode = 1
-    };
+    enum Mode : int { FastMode = 0, NormalMode = 1 };
 
     enum Error : int {
         NoError = 0,   ///< also for exit codes other than 1 and 2

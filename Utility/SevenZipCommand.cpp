@@ -134,7 +134,7 @@ QStringList SevenZipCompressCommand::arguments()
 {
     const SevenZip::Type type = owner()->type();
     const SevenZip::Method method = owner()->method();
-    QStringList all {QStringLiteral("a"), SevenZip::typeArg(type), owner()->archiveFile()};
+    QStringList all{QStringLiteral("a"), SevenZip::typeArg(type), owner()->archiveFile()};
     if (listFile_.isEmpty())
         all << fileNames();
     else

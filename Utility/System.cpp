@@ -50,7 +50,7 @@ QString withoutLastSeparator(const QString &path)
 
 QString readSetting(const wchar_t *name)
 {
-    std::array<wchar_t, 1024> value {};
+    std::array<wchar_t, 1024> value{};
     Registry::readRegistryValue(name, value.data(), nullptr);
     return QString::fromWCharArray(value.data());
 }
@@ -85,12 +85,13 @@ QString folderOfRunningProgram()
 QString System::getAllUsersDataPath()
 {
     if (allUsersDataPath_.isEmpty()) {
-        allUsersDataPath_ = Platform::publicDocumentsRoot(maker()) + maker() + QLatin1Char('/')
-            + productFolder();
+        allUsersDataPath_
+            = Platform::publicDocumentsRoot(maker()) + maker() + QLatin1Char('/') + productFolder();
     }
     return QDir::toNativeSeparators(allUsersDataPath_);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the exported interface takes a copy.
 QString System::getProgramDataPath(QString name)
 {
     // One cache for all names, searched for a part of the path: programs count on getting the
@@ -101,7 +102,7 @@ QString System::getProgramDataPath(QString name)
         if (root.isEmpty())
             root = QDir::rootPath() + QStringLiteral("ProgramData");
         programDataPath_
-            = withoutLastSeparator(QStringList {root, maker(), name, QString()}.join(separator));
+            = withoutLastSeparator(QStringList{root, maker(), name, QString()}.join(separator));
     }
     return QDir::toNativeSeparators(programDataPath_);
 }
@@ -115,7 +116,7 @@ QString System::getPublicDocumentsDirPath()
         const QString base = publicFolder.isEmpty() ? getProgramDataPath(productFolder())
                                                     : publicFolder + QStringLiteral("/Documents");
         const QString path = QDir::toNativeSeparators(
-            QStringList {base, maker(), productFolder()}.join(QLatin1Char('/')));
+            QStringList{base, maker(), productFolder()}.join(QLatin1Char('/')));
         createOnce(path);
         publicDocumentsPath_ = path;
     }
@@ -177,8 +178,8 @@ QString System::getAnalyzeDirPath()
 QString System::getTutorialsDirPath()
 {
     if (tutorialsPath_.isEmpty()) {
-        tutorialsPath_ = QDir::toNativeSeparators(getPublicDocumentsDirPath()
-                                                  + QStringLiteral("/Tutorials"));
+        tutorialsPath_
+            = QDir::toNativeSeparators(getPublicDocumentsDirPath() + QStringLiteral("/Tutorials"));
         createOnce(tutorialsPath_);
     }
     return tutorialsPath_;
@@ -222,9 +223,8 @@ bool System::makePath(const QString &path)
     QStringList missing; // shortest first
     while (!QDir(candidate).exists()) {
         missing.prepend(candidate);
-        const int separator
-            = std::max(candidate.lastIndexOf(QLatin1Char('/')),
-                       candidate.lastIndexOf(QLatin1Char('\\')));
+        const int separator = std::max(candidate.lastIndexOf(QLatin1Char('/')),
+                                       candidate.lastIndexOf(QLatin1Char('\\')));
         if (separator < 0)
             return false;
         candidate.truncate(separator);

@@ -11,7 +11,6 @@ cd "$project"
 run_tidy() {
     need clang-tidy
     cmake --preset linux-release >/dev/null
-    # The moc files are needed for nothing but the headers' own checks.
     say "clang-tidy"
     find Utility -name '*.cpp' -not -path '*/Windows/*' -print0 |
         xargs -0 -P "$(nproc)" -n 4 clang-tidy --quiet -p build/linux-release 2> build/tidy.log ||

@@ -31,7 +31,8 @@ int endOfNumber(const QString &line, int end)
 
 Row splitRow(const QString &line)
 {
-    constexpr int DateWidth = 10, TimeAt = 11, TimeWidth = 8, AttributesAt = 20, AttributesWidth = 5;
+    constexpr int DateWidth = 10, TimeAt = 11, TimeWidth = 8, AttributesAt = 20,
+                  AttributesWidth = 5;
     constexpr int SizeAt = 26, NumberWidth = 12;
     const int sizeEnd = endOfNumber(line, SizeAt + NumberWidth);
     const int packedEnd = endOfNumber(line, sizeEnd + 1 + NumberWidth);
@@ -51,12 +52,12 @@ bool isRuler(const QString &line)
 // "LZMA2:12 BCJ" becomes "LZMA2": the first method that the product knows, without parameters.
 QString plainMethod(const QString &methods)
 {
-    static const QStringList known {QStringLiteral("Copy"), QStringLiteral("Deflate"),
-                                    QStringLiteral("LZMA"), QStringLiteral("LZMA2"),
-                                    QStringLiteral("BZip2")};
+    static const QStringList known{QStringLiteral("Copy"), QStringLiteral("Deflate"),
+                                   QStringLiteral("LZMA"), QStringLiteral("LZMA2"),
+                                   QStringLiteral("BZip2")};
     const QStringList parts = methods.split(QLatin1Char(' '));
     for (const QString &part : parts) {
-        const QString method = part.section(QLatin1Char(':'), 0, 0);
+        QString method = part.section(QLatin1Char(':'), 0, 0);
         if (known.contains(method))
             return method;
     }
@@ -155,8 +156,8 @@ QString ArchiverLineDecoder::decodeEntry(const QString &line)
         return line;
     }
     const Row row = splitRow(line);
-    return QStringList {row.date, row.time, row.attributes, row.size, row.packedSize, row.rest}
-        .join(QLatin1Char(' '));
+    return QStringList{row.date, row.time, row.attributes, row.size, row.packedSize, row.rest}.join(
+        QLatin1Char(' '));
 }
 
 // There is one line of totals; what follows it are warnings, which hold no number at its place.
@@ -166,7 +167,7 @@ QString ArchiverLineDecoder::decodeTotals(const QString &line)
     bool isNumber = false;
     row.size.toLongLong(&isNumber);
     const bool isTotals = isNumber && !row.rest.isEmpty();
-    return isTotals ? QStringList {row.size, row.packedSize, row.rest}.join(QLatin1Char(' '))
+    return isTotals ? QStringList{row.size, row.packedSize, row.rest}.join(QLatin1Char(' '))
                     : QString();
 }
 

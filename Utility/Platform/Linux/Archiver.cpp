@@ -12,8 +12,8 @@ Archiver findArchiver(const QString &productFolder)
     if (QFileInfo::exists(own))
         return {own, ArchiverDialect::Product};
 
-    const QStringList names {QStringLiteral("7z"), QStringLiteral("7zz"), QStringLiteral("7za")};
-    for (const QStringList &folders : {QStringList {productFolder}, QStringList()}) {
+    const QStringList names{QStringLiteral("7z"), QStringLiteral("7zz"), QStringLiteral("7za")};
+    for (const QStringList &folders : {QStringList{productFolder}, QStringList()}) {
         for (const QString &name : names) {
             // An empty list of folders stands for PATH.
             const QString program = QStandardPaths::findExecutable(name, folders);

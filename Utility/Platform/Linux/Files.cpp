@@ -8,8 +8,7 @@ namespace Vorn::Util::Platform {
 
 bool replaceFile(const QString &source, const QString &target)
 {
-    return std::rename(QFile::encodeName(source).constData(),
-                       QFile::encodeName(target).constData())
+    return std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData())
         == 0;
 }
 

@@ -46,9 +46,10 @@ QString uniqueFileName()
 
 QString programFile()
 {
-    std::array<char, PATH_MAX> path {};
+    std::array<char, PATH_MAX> path{};
     const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
-    return length < 0 ? QString() : QFile::decodeName(QByteArray(path.data(), static_cast<int>(length)));
+    return length < 0 ? QString()
+                      : QFile::decodeName(QByteArray(path.data(), static_cast<int>(length)));
 }
 
 } // namespace Vorn::Util::Platform

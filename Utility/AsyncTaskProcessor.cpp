@@ -19,6 +19,17 @@ namespace {
 // The task that the processor itself is deleting, so that its going is not searched in the queue.
 thread_local const QObject *taskBeingDeleted = nullptr;
 
+// Stands for a clean-up task that is gone. It is never queued, so that a jump to it finds nothing,
+// not even a later task at the same address.
+class GoneTask : public AsyncTask
+{
+public:
+    using AsyncTask::AsyncTask;
+
+protected:
+    void execute() override { }
+};
+
 } // namespace
 
 AsyncTaskProcessor::AsyncTaskProcessor(QObject *parent)
@@ -42,9 +53,10 @@ void AsyncTaskProcessor::setCleanUpTask(AsyncTask *task, AsyncTask *cleanUpTask)
     cleanUpTasks_.insert(task, cleanUpTask);
     if (!cleanUpTask)
         return;
-    connect(cleanUpTask, &QObject::destroyed, this, [this, task, cleanUpTask] {
+    const QString name = cleanUpTask->name();
+    connect(cleanUpTask, &QObject::destroyed, this, [this, task, cleanUpTask, name] {
         if (cleanUpTasks_.value(task) == cleanUpTask)
-            cleanUpTasks_.insert(task, nullptr);
+            cleanUpTasks_.insert(task, new GoneTask(name, this));
     });
 }
 
@@ -106,9 +118,13 @@ void AsyncTaskProcessor::startTaskLater()
 
 void AsyncTaskProcessor::startTaskFromQueue()
 {
-    // A second startLater(), or a queue that its owner emptied meanwhile.
-    if (currentTask_ || tasks_.isEmpty())
+    const bool isSecondStart = currentTask_ || !timer_.isValid();
+    if (isSecondStart)
         return;
+    if (tasks_.isEmpty()) { // somebody else deleted the waiting tasks
+        finishRun();
+        return;
+    }
     AsyncTask *task = tasks_.takeFirst();
     currentTask_ = task;
     connect(task, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
@@ -123,7 +139,8 @@ void AsyncTaskProcessor::startTaskFromQueue()
 
 void AsyncTaskProcessor::handleProgressFromTask(const QString &text)
 {
-    Q_EMIT progress(currentTask_, text);
+    if (sender() == currentTask_)
+        Q_EMIT progress(currentTask_, text);
 }
 
 void AsyncTaskProcessor::handleFinishedTask()
@@ -200,6 +217,7 @@ void AsyncTaskProcessor::finishRun()
 {
     log(QStringLiteral("Finished processing tasks in %1")
             .arg(System::getElapsedTimeString(timer_.elapsed())));
+    timer_.invalidate(); // the run is over
     if (exitEventLoopWhenDone_)
         QCoreApplication::exit(ok_ ? 0 : 1);
 }

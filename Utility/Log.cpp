@@ -99,7 +99,9 @@ void Log::append(const QString &text)
 void Log::fastAppend(const QString &text)
 {
     // The blank stands there without a prefix too: programs that read the logs count on it.
-    write(QStringLiteral("%1 %2\n").arg(getPrefix(), rstrip(text)));
+    const QString line = getPrefix() + QLatin1Char(' ') + rstrip(text) + QLatin1Char('\n');
+    file_->write(line.toUtf8());
+    file_->flush();
 }
 
 Log &Log::operator<<(const QString &text)
@@ -194,15 +196,21 @@ qint64 Log::getSize() const
 
 QString Log::getPrefix() const
 {
-    switch (timeStamp_) {
-    case TimeOnly:
-        return QStringLiteral("[%1]").arg(QTime::currentTime().toString(Qt::TextDate));
-    case DateAndTime:
-        return QStringLiteral("[%1]").arg(QDateTime::currentDateTime().toString(Qt::TextDate));
-    case NoTimeStamp:
-        break;
+    if (timeStamp_ != TimeOnly && timeStamp_ != DateAndTime)
+        return QString();
+    // Asking for the local time as text costs several times the writing of a line.
+    thread_local qint64 second = -1;
+    thread_local Log::TimeStamp form = NoTimeStamp;
+    thread_local QString prefix;
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    if (second != now || form != timeStamp_) {
+        second = now;
+        form = timeStamp_;
+        const QDateTime local = QDateTime::fromSecsSinceEpoch(now);
+        prefix = QStringLiteral("[%1]").arg(form == TimeOnly ? local.time().toString(Qt::TextDate)
+                                                             : local.toString(Qt::TextDate));
     }
-    return QString();
+    return prefix;
 }
 
 QString Log::rstrip(const QString &text) const

@@ -10,7 +10,7 @@ namespace Vorn::Util {
 namespace {
 
 // A whole decimal number in the range of a 32-bit long, as wcstol reads it (blanks and a sign in
-// front are allowed); -1 for anything else.
+// front are allowed); a negative one for anything else.
 int releaseNumber(const QString &text)
 {
     static_assert(std::numeric_limits<int>::max() == 2147483647);
@@ -18,14 +18,17 @@ int releaseNumber(const QString &text)
     while (digits < text.size() && text.at(digits).isSpace())
         ++digits;
     QString number = text.mid(digits);
-    if (number.startsWith(QLatin1Char('+')))
+    const bool isNegative = number.startsWith(QLatin1Char('-'));
+    if (isNegative || number.startsWith(QLatin1Char('+')))
         number.remove(0, 1);
     const bool isPlain = std::all_of(number.cbegin(), number.cend(), [](QChar character) {
         return character >= QLatin1Char('0') && character <= QLatin1Char('9');
     });
     bool ok = false;
     const int value = number.toInt(&ok);
-    return ok && isPlain ? value : -1;
+    if (!ok || !isPlain)
+        return -1;
+    return isNegative ? -value : value;
 }
 
 } // namespace

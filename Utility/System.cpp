@@ -16,8 +16,10 @@
 
 namespace Vorn::Util {
 
+QString System::hostName_;
 QString System::programFilesPath_;
 QString System::workingDirPath_;
+QString System::flagsDirPath_;
 QString System::programDataPath_;
 QString System::analyzeDirPath_;
 QString System::userDataPath_;

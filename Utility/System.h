@@ -3,6 +3,7 @@
 #include <Utility/Export.h>
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/QtGlobal>
 
 namespace Vorn::Util {
@@ -77,14 +78,100 @@ public:
     /// folder cannot be made or no part of \a path exists.
     static bool makePath(const QString &path);
 
+    /// Whether \a path starts with "/mnt", as paths of the Windows Subsystem for Linux do.
+    static bool isWslPath(const QString &path);
+    static bool isWindowsPath(const QString &path);
+
+    /// "/mnt/d/work/case1" as "D:\work\case1"; any other path unchanged. Every further "/mnt/d"
+    /// in the path is replaced too.
+    static QString toWindowsPath(const QString &path);
+
+    /// "D:\work\case1" as "/mnt/d/work/case1"; any other path unchanged.
+    static QString toWslPath(const QString &path);
+
+    /// The network path of a path on a mapped drive, or the real folder of one on a substituted
+    /// drive; any other path unchanged.
+    static QString getUniversalPath(const QString &path);
+
+    /// Whether \a host is "localhost", "MyComputer" or this machine's name, in this very letter
+    /// case.
+    static bool isLocalHost(const QString &host);
+
+    /// The id of the first running process whose program's name in upper case is in \a names;
+    /// 0 when there is none. So the names are given in upper case. Programs of other users that
+    /// may not be opened are passed over.
+    static long getPID(const QStringList &names);
+
+    /// Whether a program of exactly this file name is running.
+    static bool isProcessRunning(const QString &exeName);
+
+    /// Ends the processes whose program's name is in \a names and whose program's path contains
+    /// \a pathFilter, in any letter case; an empty filter takes all. Returns the names of those
+    /// ended, without waiting for their end.
+    static QStringList killProcesses(const QString &pathFilter, const QStringList &names);
+
+    /// Starts a program that outlives this one; false when it cannot be started.
+    static bool startProcess(const QString &program, const QStringList &arguments);
+
+    /// The value of an environment variable as Latin-1 text; empty when it is not set.
+    static QString getEnv(const QString &name);
+
+    /// The machine's name, asked for once per process.
+    static QString getHostName();
+
+    /// The name of the user who runs the process; empty when it cannot be found.
+    static QString getUserName();
+
+    /// The language of the user interface ("de-DE"), a machine-wide setting; "en-US" when it is
+    /// not set. It need not be one of validLocales().
+    static QString getLocale();
+
+    /// Windows's number of that language; that of "en-US" for an unknown one.
+    static int getLocaleID();
+
+    /// Stores the language. Without the right to do so nothing happens.
+    static void setLocale(QString locale);
+
+    /// The languages offered.
+    static QStringList validLocales();
+
+    /// Stores a text among the product's machine-wide settings; silent when that fails.
+    static void writeToRegistry(const QString &key, const QString &value);
+
+    /// The folder of the flags file; native. It is created; empty when that fails.
+    static QString getFlagsDirPath();
+
+    /// Whether a line of the file "VORN_flags.txt" in that folder begins with the word \a flag.
+    static bool isFlagSet(const QString &flag);
+
+    /// Bytes of all files below \a path, without hidden ones and without entering links; 0 for a
+    /// folder that does not exist.
+    static qint64 getDirectorySize(const QString &path);
+
+    /// Removes a folder tree. The folder itself stays with \a keepFolder or when there are
+    /// \a exceptions, names at its top level that are left alone. A link is removed, never what
+    /// it points to. False when something could not be removed; the rest is removed all the same.
+    static bool removeDir(const QString &path, bool keepFolder, const QStringList &exceptions);
+
+    /// Shares a folder on the network, to be read and written by anybody. False where there are
+    /// no such shares.
+    static bool shareFolder(const QString &shareName, const QString &path);
+    static bool isFolderShared(const QString &path);
+
+    /// The version of a program file, "24.0.75.1", which is also printed to the standard output.
+    /// "0.0.0.0" for a file without a version.
+    static QString getFileVersion(const QString &filePath);
+
     /// A duration as text, cut to hundredths: "1:05:09.07", "5:09.07", "9.07 sec".
     static QString getElapsedTimeString(qint64 milliseconds);
 
 private:
     static QString makeAndGetNativePath(const QString &path);
 
+    static QString hostName_;
     static QString programFilesPath_;
     static QString workingDirPath_;
+    static QString flagsDirPath_;
     static QString programDataPath_;
     static QString analyzeDirPath_;
     static QString userDataPath_;

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QtCore/QSettings>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+
+#include <memory>
 
 namespace Vorn::Util::Platform {
 
@@ -18,6 +21,9 @@ struct SettingsValue
 
 /// Reads the value \a name of the key \a keyPath, whose parts are separated by "\\".
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name);
+
+/// The key \a keyPath of the same store, to read from; null when there is none.
+std::unique_ptr<QSettings> openSettings(const QString &keyPath);
 
 /// The names of the subkeys of \a keyPath in the store's order; none when there is no such key.
 QStringList settingsSubkeys(const QString &keyPath);

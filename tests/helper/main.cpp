@@ -1,6 +1,11 @@
 // The child process of the tests: "helper BEHAVIOUR [ARGUMENT...]".
 
+#include "commands.h"
+#include "sevenzip.h"
+#include "systemcalls.h"
+
 #include <QtCore/QByteArray>
+#include <QtCore/QCoreApplication>
 
 #include <cstdio>
 #include <cstdlib>
@@ -20,5 +25,21 @@ int main(int argc, char *argv[])
     const QByteArray behaviour = argc > 1 ? argv[1] : "";
     if (behaviour == "exit" && argc > 2)
         return std::atoi(argv[2]);
+    if (behaviour == "system-without-application") {
+        QStringList calls;
+        for (int index = 2; index < argc; ++index)
+            calls += QString::fromLocal8Bit(argv[index]);
+        return SystemCalls().run(calls);
+    }
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments().mid(2);
+    if (behaviour == "sevenzip-convert")
+        return sevenZipConvert(arguments);
+    if (behaviour == "sevenzip-missing")
+        return sevenZipMissing(arguments);
+    if (behaviour == "system")
+        return SystemCalls().run(arguments);
+    if (runCommandBehaviour(behaviour, arguments))
+        return EXIT_SUCCESS;
     return usage();
 }

@@ -1,6 +1,5 @@
 #include <Utility/Platform/Settings.h>
 
-#include <QtCore/QFileInfo>
 #include <QtCore/QSettings>
 
 #include <cerrno>
@@ -44,23 +43,6 @@ bool locate(const QString &keyPath, Location &location)
     return true;
 }
 
-// The settings with the key's group opened; null when there is no such key.
-std::unique_ptr<QSettings> openKey(const QString &keyPath)
-{
-    Location location;
-    if (!locate(keyPath, location))
-        return nullptr;
-    auto settings = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::SystemScope,
-                                                location.organisation, location.application);
-    settings->setFallbacksEnabled(false);
-    if (!QFileInfo(settings->fileName()).isReadable())
-        return nullptr;
-    if (location.group.isEmpty())
-        return settings;
-    settings->beginGroup(location.group);
-    return settings->allKeys().isEmpty() ? nullptr : std::move(settings);
-}
-
 SettingsValue failure(SettingsValue::Outcome outcome, int code)
 {
     const QString message = QString::fromLocal8Bit(std::strerror(code));
@@ -69,9 +51,22 @@ SettingsValue failure(SettingsValue::Outcome outcome, int code)
 
 } // namespace
 
+std::unique_ptr<QSettings> openSettings(const QString &keyPath)
+{
+    Location location;
+    if (!locate(keyPath, location))
+        return nullptr;
+    auto settings = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::SystemScope,
+                                                location.organisation, location.application);
+    if (!location.group.isEmpty())
+        settings->beginGroup(location.group);
+    // Of all folders of XDG_CONFIG_DIRS: a desktop session puts one of its own in front.
+    return settings->allKeys().isEmpty() ? nullptr : std::move(settings);
+}
+
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
 {
-    const std::unique_ptr<QSettings> key = openKey(keyPath);
+    const std::unique_ptr<QSettings> key = openSettings(keyPath);
     if (!key)
         return failure(SettingsValue::NoKey, ENOENT);
     if (!isPlainName(name) || !key->contains(name))
@@ -85,7 +80,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
 
 QStringList settingsSubkeys(const QString &keyPath)
 {
-    const std::unique_ptr<QSettings> key = openKey(keyPath);
+    const std::unique_ptr<QSettings> key = openSettings(keyPath);
     return key ? key->childGroups() : QStringList();
 }
 

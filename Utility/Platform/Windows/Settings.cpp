@@ -59,6 +59,12 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(GetLastError())};
 }
 
+std::unique_ptr<QSettings> openSettings(const QString &keyPath)
+{
+    return std::make_unique<QSettings>(QStringLiteral("HKEY_LOCAL_MACHINE\\") + keyPath,
+                                       QSettings::NativeFormat);
+}
+
 QStringList settingsSubkeys(const QString &keyPath)
 {
     QStringList names;

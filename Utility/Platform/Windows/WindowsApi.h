@@ -18,6 +18,9 @@
 #define UNICODE
 #endif
 
+// Before <windows.h>, which would bring in its older form.
+#include <winsock2.h>
+
 #include <windows.h>
 
 #include <QtCore/QString>

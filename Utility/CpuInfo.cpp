@@ -1,0 +1,155 @@
+#include <Utility/CpuInfo.h>
+
+#include <Utility/Log.h>
+#include <Utility/Platform/Processors.h>
+#include <Utility/Xml.h>
+
+#include <QtCore/QDebug>
+#include <QtCore/QFile>
+#include <QtCore/QTextStream>
+#include <QtXml/QDomDocument>
+
+namespace Vorn::Util {
+
+QString CpuInfo::InfoFileName = QStringLiteral("SystemInfo.xml");
+
+CpuInfo::CpuInfo(Log *log, const QString &dir)
+    : infoFilePath_(dir + QLatin1Char('/') + InfoFileName)
+    , log_(log)
+{
+    // The messages name the file without its folder: support scripts look for them.
+    if (QFile::exists(infoFilePath_)) {
+        this->log(QStringLiteral("Reading CPU information from %1").arg(InfoFileName));
+        if (!loadFromXml())
+            this->log(QStringLiteral("Cannot read CPU information from %1").arg(InfoFileName));
+        return;
+    }
+    if (!getSystemInfo())
+        this->log(QStringLiteral("Could not get CPU information"));
+    if (!saveToXml())
+        this->log(QStringLiteral("Cannot save CPU information to %1").arg(InfoFileName));
+}
+
+int CpuInfo::processorCount() const
+{
+    return processorCount_;
+}
+
+int CpuInfo::coreCount() const
+{
+    return coreCount_;
+}
+
+int CpuInfo::coresPerProcessor() const
+{
+    // Wide enough for the smallest number over -1, which a file may lead to.
+    const qint64 cores = coreCount_;
+    return static_cast<int>(cores / (processorCount_ == 0 ? 1 : processorCount_));
+}
+
+bool CpuInfo::isHyperThreadingOn() const
+{
+    return hyperThreading_;
+}
+
+bool CpuInfo::getSystemInfo()
+{
+    const Platform::ProcessorQuery query = Platform::queryProcessors();
+    for (const QString &message : query.messages)
+        log(message);
+    if (!query.ok)
+        return false;
+    processorCount_ = query.counts.packages;
+    coreCount_ = query.counts.cores;
+    if (query.counts.tellsSmt)
+        hyperThreading_ = query.counts.smt;
+    return true;
+}
+
+bool CpuInfo::loadFromXml()
+{
+    QFile file(infoFilePath_);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return false;
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    const QString text = stream.readAll();
+    file.close();
+
+    QDomDocument document;
+    if (!document.setContent(text))
+        return false;
+    const QDomElement root = document.documentElement();
+    if (isV14Format(root)) {
+        loadV14Format(root);
+        return true;
+    }
+    const QString one = QStringLiteral("1");
+    processorCount_ = Xml::valueOf(QStringLiteral("processorCount"), root, one).toInt();
+    // Wide enough for any two numbers that a file may hold.
+    const qint64 cores = Xml::valueOf(QStringLiteral("coresPerProcessor"), root, one).toInt();
+    coreCount_ = static_cast<int>(cores * processorCount_);
+    const QString smt = Xml::valueOf(QStringLiteral("hyperThreading"), root, QString());
+    if (!smt.isEmpty()) {
+        hyperThreading_ = smt == QLatin1String("on");
+        return true;
+    }
+    log(QStringLiteral(
+        "Hyper-threading information is not stored in XML file - query system again"));
+    if (!getSystemInfo())
+        log(QStringLiteral("Could not get CPU information"));
+    return true;
+}
+
+bool CpuInfo::isV14Format(const QDomElement &root) const
+{
+    return root.firstChild().toElement().tagName() == QLatin1String("Info");
+}
+
+void CpuInfo::loadV14Format(const QDomElement &root)
+{
+    const QString value = QStringLiteral("value");
+    qint64 coresPerProcessor = 0;
+    for (QDomNode node = root.firstChild().firstChild(); !node.isNull();
+         node = node.nextSibling()) {
+        const QDomElement element = node.toElement();
+        if (element.tagName() == QLatin1String("GetNumberOfProcessors"))
+            processorCount_ = element.attribute(value).toInt();
+        else if (element.tagName() == QLatin1String("GetProcessorCoreCount"))
+            coresPerProcessor = element.attribute(value).toInt();
+    }
+    coreCount_ = static_cast<int>(coresPerProcessor * processorCount_);
+}
+
+bool CpuInfo::saveToXml() const
+{
+    QDomDocument document;
+    QDomElement root = document.createElement(QStringLiteral("SystemInformation"));
+    root.setAttribute(QStringLiteral("version"), QStringLiteral("24.0"));
+    document.appendChild(root);
+    const auto append = [&](const QString &name, const QString &text) {
+        root.appendChild(Xml::textElement(name, text, document));
+    };
+    append(QStringLiteral("processorCount"), QString::number(processorCount_));
+    append(QStringLiteral("coresPerProcessor"), QString::number(coresPerProcessor()));
+    append(QStringLiteral("hyperThreading"),
+           hyperThreading_ ? QStringLiteral("on") : QStringLiteral("off"));
+
+    QFile file(infoFilePath_);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Truncate))
+        return false;
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    stream << document.toString(1);
+    return true;
+}
+
+void CpuInfo::log(const QString &message) const
+{
+    if (log_)
+        log_->append(message);
+    else
+        qDebug().noquote() << message;
+}
+
+} // namespace Vorn::Util

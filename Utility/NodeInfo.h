@@ -1,0 +1,31 @@
+#pragma once
+
+#include <Utility/Export.h>
+
+#include <QtCore/QString>
+
+namespace Vorn::Util {
+
+/// One node of a compute cluster; a plain value.
+class VORNUTILITY_EXPORT NodeInfo
+{
+public:
+    QString name;
+    int cores = 0;
+    int sockets = 0;
+    double quantity = 0; ///< reported by the cluster tool; carried, compared and printed only
+    bool isHeadNode = false;
+    bool isComputeNode = false;
+
+    NodeInfo();
+    NodeInfo(const NodeInfo &other);
+    NodeInfo &operator=(const NodeInfo &other);
+    ~NodeInfo();
+
+    bool operator==(const NodeInfo &other) const;
+
+    /// "node01:16:2:64": name, cores, sockets, quantity.
+    QString toString() const;
+};
+
+} // namespace Vorn::Util

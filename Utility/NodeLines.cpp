@@ -1,0 +1,40 @@
+#include <Utility/NodeLines.h>
+
+namespace Vorn::Util {
+
+namespace {
+
+NodeInfo nodeOf(const QStringList &parts)
+{
+    NodeInfo node;
+    node.name = parts.at(0);
+    node.cores = parts.at(1).toInt();
+    node.sockets = parts.at(2).toInt();
+    node.quantity = parts.at(3).toDouble();
+    const QString &roles = parts.at(4);
+    node.isHeadNode = roles.contains(QLatin1String("headnodes"), Qt::CaseInsensitive);
+    node.isComputeNode = roles.contains(QLatin1String("computenodes"), Qt::CaseInsensitive);
+    return node;
+}
+
+} // namespace
+
+QList<NodeInfo> parseNodeLines(const QStringList &lines)
+{
+    constexpr int PartCount = 5;
+    QList<NodeInfo> nodes;
+    for (const QString &line : lines) {
+        const QString text = line.trimmed();
+        if (text.contains(QLatin1String("Error:")))
+            break;
+        const QStringList parts = text.split(QLatin1Char(':'), Qt::SkipEmptyParts);
+        if (parts.size() < PartCount)
+            continue;
+        const NodeInfo node = nodeOf(parts);
+        if (node.isHeadNode || node.isComputeNode)
+            nodes.append(node);
+    }
+    return nodes;
+}
+
+} // namespace Vorn::Util

@@ -1,0 +1,73 @@
+#include <Utility/Platform/ProcText.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace Vorn::Util::Platform {
+
+namespace {
+
+// The bytes of a number such as "   1024 kB"; -1 for what is not one or too large.
+qint64 kibibytesAt(const char *position)
+{
+    constexpr qint64 Unit = 1024;
+    constexpr qint64 Largest = std::numeric_limits<qint64>::max() / Unit;
+    while (*position == ' ' || *position == '\t')
+        ++position;
+    if (*position < '0' || *position > '9')
+        return -1;
+    const qint64 number = std::strtoll(position, nullptr, 10);
+    return number > Largest ? -1 : number * Unit;
+}
+
+} // namespace
+
+ProcessorTime readProcessorTime(const char *text)
+{
+    // user, nice, system, idle, iowait, irq, softirq, steal; guests are in user and nice already.
+    constexpr int Columns = 8;
+    constexpr int Idle = 3;
+    constexpr int IoWait = 4;
+    ProcessorTime time;
+    if (std::strncmp(text, "cpu ", 4) != 0)
+        return time;
+    const char *position = text + 4;
+    for (int column = 0; column < Columns; ++column) {
+        while (*position == ' ')
+            ++position;
+        if (*position < '0' || *position > '9')
+            break; // the end of the line: older systems have fewer columns
+        quint64 ticks = 0;
+        for (; *position >= '0' && *position <= '9'; ++position)
+            ticks = ticks * 10 + static_cast<quint64>(*position - '0');
+        time.total += ticks;
+        if (column != Idle && column != IoWait)
+            time.busy += ticks;
+    }
+    return time;
+}
+
+long loadBetween(const ProcessorTime &before, const ProcessorTime &after)
+{
+    if (after.total <= before.total)
+        return -1;
+    // The time spent waiting may run backwards a little.
+    const quint64 total = after.total - before.total;
+    const quint64 busy = after.busy > before.busy ? after.busy - before.busy : 0;
+    return static_cast<long>(busy >= total ? 100 : busy * 100 / total);
+}
+
+qint64 readMemoryBytes(const char *text, const char *key)
+{
+    const std::size_t length = std::strlen(key);
+    for (const char *line = text; line; line = std::strchr(line, '\n')) {
+        if (*line == '\n')
+            ++line;
+        if (std::strncmp(line, key, length) == 0)
+            return kibibytesAt(line + length);
+    }
+    return -1;
+}
+
+} // namespace Vorn::Util::Platform

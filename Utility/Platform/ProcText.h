@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QtCore/QtGlobal>
+
+namespace Vorn::Util::Platform {
+
+/// Processor time in the system's ticks, from the first line of a text such as /proc/stat.
+struct ProcessorTime
+{
+    quint64 busy = 0;
+    quint64 total = 0; ///< 0 when the text does not tell
+};
+
+/// \a text is zero-terminated.
+ProcessorTime readProcessorTime(const char *text);
+
+/// The load in percent between two readings, rounded down; -1 when no time has passed.
+long loadBetween(const ProcessorTime &before, const ProcessorTime &after);
+
+/// The bytes behind \a key (such as "MemAvailable:") in a text such as /proc/meminfo; -1 when it
+/// is not there or no number. \a text is zero-terminated.
+qint64 readMemoryBytes(const char *text, const char *key);
+
+} // namespace Vorn::Util::Platform

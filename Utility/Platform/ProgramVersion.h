@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+#include <QtCore/QtGlobal>
+
+namespace Vorn::Util::Platform {
+
+/// A file version in two words: major and minor number, build and revision, each the upper and
+/// the lower half. All 0 where there is none.
+struct ProgramVersion
+{
+    quint32 high = 0;
+    quint32 low = 0;
+};
+
+/// The version in the version block of the program file \a path.
+ProgramVersion programVersion(const QString &path);
+
+/// The same, read from the bytes of a program file, whatever they are.
+ProgramVersion versionInProgram(const QByteArray &bytes);
+
+} // namespace Vorn::Util::Platform

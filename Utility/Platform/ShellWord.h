@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+namespace Vorn::Util::Platform {
+
+/// \a bytes as one word of a POSIX shell's command line, whatever they are. The word is plain
+/// ASCII; \a bytes must not end with a line break.
+QString shellWord(const QByteArray &bytes);
+
+} // namespace Vorn::Util::Platform

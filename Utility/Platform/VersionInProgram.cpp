@@ -1,0 +1,124 @@
+// Reads the version block of a Windows program file without Windows's help. The file may hold
+// anything: every number is checked before it is used as a place.
+
+#include <Utility/Platform/ProgramVersion.h>
+
+#include <QtCore/QtEndian>
+
+namespace Vorn::Util::Platform {
+
+namespace {
+
+class Bytes
+{
+public:
+    explicit Bytes(const QByteArray &bytes)
+        : bytes_(bytes)
+    {
+    }
+
+    bool holds(quint64 offset, quint64 length) const
+    {
+        const auto size = static_cast<quint64>(bytes_.size());
+        return offset <= size && length <= size - offset;
+    }
+
+    // 0 beyond the end.
+    quint32 dword(quint64 offset) const { return number<quint32>(offset); }
+    quint16 word(quint64 offset) const { return number<quint16>(offset); }
+
+private:
+    template <typename Number> Number number(quint64 offset) const
+    {
+        return holds(offset, sizeof(Number))
+            ? qFromLittleEndian<Number>(bytes_.constData() + offset)
+            : Number(0);
+    }
+
+    const QByteArray &bytes_;
+};
+
+// The section with the resources: where it lies in the file and in memory.
+struct Section
+{
+    quint64 offset = 0;
+    quint32 size = 0;
+    quint32 address = 0;
+};
+
+constexpr quint32 DirectoryFlag = 0x80000000u;
+
+bool findResources(const Bytes &file, Section &resources)
+{
+    constexpr quint32 PeSignature = 0x00004550;
+    constexpr quint16 DosSignature = 0x5a4d;
+    constexpr quint16 Plus = 0x20b; // 64-bit form of the optional header
+    const quint64 header = file.dword(0x3c);
+    if (file.word(0) != DosSignature || file.dword(header) != PeSignature)
+        return false;
+    const quint16 sectionCount = file.word(header + 6);
+    const quint64 optional = header + 24;
+    const quint64 directories = optional + (file.word(optional) == Plus ? 112 : 96);
+    const quint32 address = file.dword(directories + 2 * 8); // the third is that of the resources
+    const quint64 sections = optional + file.word(header + 20);
+    for (quint64 index = 0; address != 0 && index < sectionCount; ++index) {
+        const quint64 section = sections + index * 40;
+        const quint32 start = file.dword(section + 12);
+        const quint32 size = file.dword(section + 16);
+        if (address >= start && address - start < size) {
+            resources = {quint64(file.dword(section + 20)) + (address - start),
+                         size - (address - start), address};
+            return file.holds(resources.offset, 16);
+        }
+    }
+    return false;
+}
+
+// The place that the entry \a id of the directory at \a directory names, or its first entry for
+// id 0; 0 when there is none.
+quint32 entryOf(const Bytes &file, const Section &resources, quint32 directory, quint32 id)
+{
+    const quint64 start = resources.offset + directory;
+    const quint32 count = quint32(file.word(start + 12)) + file.word(start + 14);
+    for (quint32 index = 0; index < count && file.holds(start + 16 + index * 8, 8); ++index) {
+        const quint64 entry = start + 16 + index * 8;
+        if (id == 0 || file.dword(entry) == id)
+            return file.dword(entry + 4);
+    }
+    return 0;
+}
+
+// Resources are a tree of three levels: kind, name, language.
+quint64 findVersionBlock(const Bytes &file, const Section &resources)
+{
+    constexpr quint32 VersionKind = 16;
+    quint32 place = entryOf(file, resources, 0, VersionKind);
+    for (int level = 0; level < 2; ++level) {
+        if (!(place & DirectoryFlag))
+            return 0;
+        place = entryOf(file, resources, place & ~DirectoryFlag, 0);
+    }
+    if (place == 0 || (place & DirectoryFlag))
+        return 0;
+    const quint32 address = file.dword(resources.offset + place);
+    return address < resources.address ? 0 : resources.offset + (address - resources.address);
+}
+
+} // namespace
+
+ProgramVersion versionInProgram(const QByteArray &bytes)
+{
+    constexpr quint32 FixedSignature = 0xfeef04bd;
+    constexpr quint64 FixedAt = 40; // behind the block's lengths, its name and the padding
+    const Bytes file(bytes);
+    Section resources;
+    if (!findResources(file, resources))
+        return ProgramVersion();
+    const quint64 block = findVersionBlock(file, resources);
+    if (block == 0 || !file.holds(block + FixedAt, 16)
+        || file.dword(block + FixedAt) != FixedSignature)
+        return ProgramVersion();
+    return {file.dword(block + FixedAt + 8), file.dword(block + FixedAt + 12)};
+}
+
+} // namespace Vorn::Util::Platform

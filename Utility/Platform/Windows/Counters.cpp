@@ -1,0 +1,61 @@
+#include <Utility/Platform/Counters.h>
+
+#include <Utility/Platform/Windows/WindowsApi.h>
+
+#include <pdh.h>
+
+#include <algorithm>
+#include <new>
+
+namespace Vorn::Util {
+
+class WindowsSysInfo : public SysInfo
+{
+public:
+    explicit WindowsSysInfo(const QString &counterPath)
+    {
+        constexpr int Longest = PathSize - 1;
+        std::copy_n(wide(counterPath), std::min(counterPath.size(), Longest), path_);
+        if (PdhOpenQueryW(nullptr, 0, &query_) != ERROR_SUCCESS
+            || PdhAddCounterW(query_, path_, 0, &counter_) != ERROR_SUCCESS)
+            return;
+        // A rate needs a sample to start from.
+        PdhCollectQueryData(query_);
+    }
+
+    ~WindowsSysInfo() override
+    {
+        // Also with null handles, which the calls refuse.
+        PdhRemoveCounter(counter_);
+        PdhCloseQuery(query_);
+    }
+
+    long getValue() override
+    {
+        PDH_FMT_COUNTERVALUE value = {};
+        if (PdhCollectQueryData(query_) != ERROR_SUCCESS
+            || PdhGetFormattedCounterValue(counter_, PDH_FMT_LONG, nullptr, &value)
+                != ERROR_SUCCESS)
+            return -1;
+        return value.longValue;
+    }
+
+private:
+    static constexpr int PathSize = 2048;
+    static const wchar_t *wide(const QString &text) { return Platform::wide(text); }
+
+    PDH_HQUERY query_ = nullptr;
+    PDH_HCOUNTER counter_ = nullptr;
+    wchar_t path_[PathSize] = {};
+};
+
+namespace Platform {
+
+std::unique_ptr<SysInfo> openCounter(const QString &path)
+{
+    return std::unique_ptr<SysInfo>(new (std::nothrow) WindowsSysInfo(path));
+}
+
+} // namespace Platform
+
+} // namespace Vorn::Util

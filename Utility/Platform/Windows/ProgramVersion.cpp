@@ -1,0 +1,32 @@
+#include <Utility/Platform/ProgramVersion.h>
+
+#include <Utility/Platform/Windows/WindowsApi.h>
+
+#include <algorithm>
+#include <winver.h>
+
+namespace Vorn::Util::Platform {
+
+ProgramVersion programVersion(const QString &path)
+{
+    constexpr int PathSize = 260;
+    if (path.size() >= PathSize)
+        return ProgramVersion();
+    wchar_t name[PathSize] = {};
+    std::copy_n(wide(path), path.size(), name);
+    DWORD handle = 0;
+    const DWORD size = GetFileVersionInfoSizeW(name, &handle);
+    if (size == 0)
+        return ProgramVersion();
+    QByteArray block(static_cast<int>(size), '\0');
+    void *info = nullptr;
+    UINT length = 0;
+    if (!GetFileVersionInfoW(name, 0, size, block.data())
+        || !VerQueryValueW(block.constData(), L"\\", &info, &length)
+        || length < sizeof(VS_FIXEDFILEINFO))
+        return ProgramVersion();
+    const auto *fixed = static_cast<const VS_FIXEDFILEINFO *>(info);
+    return {fixed->dwFileVersionMS, fixed->dwFileVersionLS};
+}
+
+} // namespace Vorn::Util::Platform

@@ -1,0 +1,67 @@
+// The language of the user interface.
+
+#include <Utility/Platform/Settings.h>
+#include <Utility/System.h>
+
+#include <QtCore/QSettings>
+
+namespace Vorn::Util {
+
+namespace {
+
+struct Language
+{
+    const char *name;
+    int id;
+};
+
+constexpr Language Languages[] = {{"en-US", 1033}, {"zh-CN", 2052}, {"zh-TW", 1028},
+                                  {"de-DE", 1031}, {"fr-FR", 1036}, {"ja-JP", 1041},
+                                  {"it-IT", 1040}, {"ko-KR", 1042}, {"ru-RU", 1049}};
+constexpr int DefaultId = 1033;
+
+} // namespace
+
+QString System::getLocale()
+{
+    const QString key = QStringLiteral("SOFTWARE\\Vantorel\\VORN\\%1").arg(QStringLiteral("24.0"));
+    const auto settings = Platform::openSettings(key);
+    const QString locale
+        = settings ? settings->value(QStringLiteral("Locale")).toString() : QString();
+    return locale.isEmpty() ? QStringLiteral("en-US") : locale;
+}
+
+int System::getLocaleID()
+{
+    const QString locale = getLocale();
+    for (const Language &language : Languages) {
+        if (locale.compare(QLatin1String(language.name), Qt::CaseInsensitive) == 0)
+            return language.id;
+    }
+    return DefaultId;
+}
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the exported interface takes a copy.
+void System::setLocale(QString locale)
+{
+    writeToRegistry(QStringLiteral("Locale"), locale);
+}
+
+QStringList System::validLocales()
+{
+    QStringList names;
+    for (const Language &language : Languages)
+        names.append(QString::fromLatin1(language.name));
+    return names;
+}
+
+void System::writeToRegistry(const QString &key, const QString &value)
+{
+    QSettings settings(QSettings::NativeFormat, QSettings::SystemScope, QStringLiteral("Vantorel"),
+                       QStringLiteral("VORN"));
+    settings.beginGroup(QStringLiteral("24.0"));
+    settings.setValue(key, value);
+    settings.endGroup();
+}
+
+} // namespace Vorn::Util

@@ -1,0 +1,62 @@
+// Path forms.
+
+#include <Utility/Platform/Drives.h>
+#include <Utility/System.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QRegExp>
+
+namespace Vorn::Util {
+
+bool System::isWslPath(const QString &path)
+{
+    return path.startsWith(QLatin1String("/mnt"));
+}
+
+bool System::isWindowsPath(const QString &path)
+{
+    return !isWslPath(path);
+}
+
+QString System::toWindowsPath(const QString &path)
+{
+    QRegExp mount(QStringLiteral("^/mnt/([a-z])/"));
+    if (!isWslPath(path) || mount.indexIn(path) < 0)
+        return path;
+    const QString letter = mount.cap(1);
+    // Every occurrence, not only the first: saved command lines hold several paths.
+    return QString(path)
+        .replace(QStringLiteral("/mnt/%1").arg(letter), letter.toUpper() + QLatin1Char(':'))
+        .replace(QLatin1Char('/'), QLatin1Char('\\'));
+}
+
+QString System::toWslPath(const QString &path)
+{
+    QRegExp drive(QStringLiteral("^([A-Z|a-z]):")); // "|" too, which existing job files hold
+    if (isWslPath(path) || drive.indexIn(path) < 0)
+        return path;
+    const QString letter = drive.cap(1);
+    return QString(path)
+        .replace(letter + QLatin1Char(':'), QStringLiteral("/mnt/%1").arg(letter.toLower()))
+        .replace(QLatin1Char('\\'), QLatin1Char('/'));
+}
+
+QString System::getUniversalPath(const QString &path)
+{
+    if (path.startsWith(QLatin1String("c:"), Qt::CaseInsensitive))
+        return path; // the system drive is never mapped
+    const QString universal = Platform::universalName(QDir::toNativeSeparators(path));
+    if (!universal.isEmpty())
+        return universal;
+    const QString prefix = QStringLiteral("\\??\\"); // of a substituted drive
+    const QString target = Platform::driveTarget(path.left(2));
+    return target.startsWith(prefix) ? target.mid(prefix.size()) + path.mid(2) : path;
+}
+
+bool System::isLocalHost(const QString &host)
+{
+    return host == QLatin1String("localhost") || host == QLatin1String("MyComputer")
+        || host == getHostName();
+}
+
+} // namespace Vorn::Util

@@ -1,0 +1,72 @@
+// Processes and their environment.
+
+#include <Utility/Platform/Processes.h>
+#include <Utility/System.h>
+
+#include <QtCore/QDebug>
+#include <QtCore/QProcess>
+#include <QtNetwork/QHostInfo>
+
+namespace Vorn::Util {
+
+long System::getPID(const QStringList &names)
+{
+    long id = 0;
+    Platform::visitProcesses([&](Platform::RunningProcess &process) {
+        if (!names.contains(process.name().toUpper()))
+            return true;
+        id = process.id();
+        return false;
+    });
+    return id;
+}
+
+bool System::isProcessRunning(const QString &exeName)
+{
+    return Platform::isProgramRunning(exeName);
+}
+
+QStringList System::killProcesses(const QString &pathFilter, const QStringList &names)
+{
+    QStringList killed;
+    Platform::visitProcesses([&](Platform::RunningProcess &process) {
+        constexpr int ExitCode = 1;
+        const QString name = process.name();
+        const bool isMeant = names.contains(name, Qt::CaseInsensitive)
+            && (pathFilter.isEmpty() || process.path().contains(pathFilter, Qt::CaseInsensitive));
+        if (isMeant && process.terminate(ExitCode))
+            killed.append(name);
+        return true;
+    });
+    return killed;
+}
+
+bool System::startProcess(const QString &program, const QStringList &arguments)
+{
+    return QProcess::startDetached(program, arguments);
+}
+
+QString System::getEnv(const QString &name)
+{
+    return QString::fromLatin1(qgetenv(name.toLatin1().constData()));
+}
+
+QString System::getHostName()
+{
+    if (hostName_.isEmpty()) {
+        hostName_ = Platform::hostName();
+        if (hostName_.isEmpty())
+            hostName_ = QHostInfo::localHostName();
+    }
+    return hostName_;
+}
+
+QString System::getUserName()
+{
+    const QString name = Platform::userName();
+    if (name.isEmpty())
+        qDebug("Cannot determine user name");
+    return name;
+}
+
+} // namespace Vorn::Util

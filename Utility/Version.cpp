@@ -1,0 +1,140 @@
+#include <Utility/Version.h>
+
+#include <Utility/Xml.h>
+
+#include <QtCore/QStringList>
+
+#include <algorithm>
+#include <tuple>
+
+namespace Vorn::Util {
+
+const int Version::Major;
+const int Version::Minor;
+const int Version::Patch;
+const int Version::Hotfix;
+const int Version::DevStage;
+
+// Constant-initialised: statics of other files may use them while they are built themselves.
+constexpr Version Version::Current(Major, Minor, Patch, DevStage);
+constexpr Version Version::CurrentRelease(Major, Minor, Hotfix, DevStage);
+const QString Version::Public = QStringLiteral("2024");
+
+namespace {
+
+// Unlike QString::toInt, no blanks around the number.
+int toNumber(const QString &text)
+{
+    const bool hasBlanks = std::any_of(text.cbegin(), text.cend(),
+                                       [](QChar character) { return character.isSpace(); });
+    return hasBlanks ? 0 : text.toInt();
+}
+
+} // namespace
+
+Version::Version(const QString &text)
+    : Version()
+{
+    fromString(text);
+}
+
+void Version::setVersion(int major, int minor, int patch, int developmentStage)
+{
+    *this = Version(major, minor, patch, developmentStage);
+}
+
+void Version::setDevelopmentStage(int developmentStage)
+{
+    developmentStage_ = developmentStage;
+}
+
+void Version::fromString(const QString &text)
+{
+    const QStringList parts = text.split(QLatin1Char('.'));
+    if (parts.size() == 3)
+        setVersion(toNumber(parts.at(0)), toNumber(parts.at(1)), toNumber(parts.at(2)), 0);
+}
+
+QString Version::toString() const
+{
+    return QStringLiteral("%1.%2.%3").arg(major_).arg(minor_).arg(patch_);
+}
+
+QString Version::toPublic() const
+{
+    // Later majors have no name of their own here; that of this build is Public.
+    switch (major_) {
+    case 9:
+        return QStringLiteral("v9");
+    case 10:
+        return QStringLiteral("v10");
+    case 11:
+        return QStringLiteral("2010");
+    case 12:
+        return QStringLiteral("2011");
+    default:
+        return QString::number(major_);
+    }
+}
+
+void Version::fromElement(const QDomElement &element)
+{
+    const QString zero = QStringLiteral("0");
+    major_ = toNumber(Xml::valueOf(QStringLiteral("major"), element, QString()));
+    minor_ = toNumber(Xml::valueOf(QStringLiteral("minor"), element, QString()));
+    patch_ = toNumber(Xml::valueOf(QStringLiteral("patch"), element, zero));
+    if (patch_ == 0)
+        patch_ = toNumber(Xml::valueOf(QStringLiteral("build"), element, zero));
+}
+
+QDomElement Version::toElement(QDomDocument &document) const
+{
+    QDomElement element = document.createElement(QStringLiteral("version"));
+    const auto append = [&](const QString &name, int number) {
+        element.appendChild(Xml::textElement(name, QString::number(number), document));
+    };
+    append(QStringLiteral("major"), major_);
+    append(QStringLiteral("minor"), minor_);
+    append(QStringLiteral("patch"), patch_);
+    return element;
+}
+
+QString Version::Branch()
+{
+    const QString reference = QStringLiteral(VORNUTILITY_BRANCH_REFERENCE);
+    if (!reference.startsWith(QLatin1String("Ref=refs/heads")))
+        return QString();
+    return QString(reference).remove(QLatin1String("Ref=refs/heads/"));
+}
+
+bool Version::operator==(const Version &other) const
+{
+    return major_ == other.major_ && minor_ == other.minor_ && patch_ == other.patch_;
+}
+
+bool Version::operator!=(const Version &other) const
+{
+    return !(*this == other);
+}
+
+bool Version::operator<(const Version &other) const
+{
+    return std::tie(major_, minor_, patch_) < std::tie(other.major_, other.minor_, other.patch_);
+}
+
+bool Version::operator<=(const Version &other) const
+{
+    return !(other < *this);
+}
+
+bool Version::operator>(const Version &other) const
+{
+    return other < *this;
+}
+
+bool Version::operator>=(const Version &other) const
+{
+    return !(*this < other);
+}
+
+} // namespace Vorn::Util

@@ -1,0 +1,67 @@
+#include "Workplace.h"
+
+#include <Utility/CpuCounter.h>
+#include <Utility/CpuInfo.h>
+
+#include <QtCore/QFile>
+#include <QtXml/QDomDocument>
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace Vorn::Util;
+
+namespace {
+
+void counterOwn(benchmark::State &state)
+{
+    CpuCounter counter(CpuCounter::CpuPercent);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(counter.getValue());
+}
+
+void counterPread(benchmark::State &state)
+{
+    const int descriptor = ::open("/proc/stat", O_RDONLY);
+    std::array<char, 512> buffer{};
+    for (auto _ : state) {
+        const ssize_t length = ::pread(descriptor, buffer.data(), buffer.size(), 0);
+        benchmark::DoNotOptimize(
+            std::memchr(buffer.data(), '\n', static_cast<std::size_t>(length)));
+    }
+    ::close(descriptor);
+}
+
+QString infoFolder()
+{
+    return Workplace::path(QString());
+}
+
+void infoOwn(benchmark::State &state)
+{
+    CpuInfo(nullptr, infoFolder()); // writes the file
+    for (auto _ : state)
+        benchmark::DoNotOptimize(CpuInfo(nullptr, infoFolder()).coreCount());
+}
+
+void infoDom(benchmark::State &state)
+{
+    CpuInfo(nullptr, infoFolder());
+    for (auto _ : state) {
+        QFile file(infoFolder() + QStringLiteral("/SystemInfo.xml"));
+        file.open(QIODevice::ReadOnly);
+        QDomDocument document;
+        benchmark::DoNotOptimize(document.setContent(&file));
+    }
+}
+
+} // namespace
+
+BENCHMARK(counterOwn)->Name("counter/own");
+BENCHMARK(counterPread)->Name("counter/pread");
+BENCHMARK(infoOwn)->Name("info/own");
+BENCHMARK(infoDom)->Name("info/dom");

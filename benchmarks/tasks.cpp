@@ -1,0 +1,117 @@
+#include "Workplace.h"
+
+#include <Utility/AsyncTask.h>
+#include <Utility/AsyncTaskProcessor.h>
+#include <Utility/Command.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+
+#include <benchmark/benchmark.h>
+
+using namespace Vorn::Util;
+
+namespace {
+
+constexpr int TaskCount = 100000;
+
+class QuickTask : public AsyncTask
+{
+public:
+    QuickTask()
+        : AsyncTask(QStringLiteral("quick"), nullptr)
+    {
+    }
+
+protected:
+    void execute() override { setFinished(); }
+};
+
+void runQueue(int count)
+{
+    AsyncTaskProcessor processor;
+    processor.setExitEventLoopWhenDone(true);
+    for (int index = 0; index < count; ++index)
+        processor.addTask(new QuickTask);
+    processor.startLater();
+    QCoreApplication::exec();
+}
+
+void queueOwn(benchmark::State &state)
+{
+    for (auto _ : state)
+        runQueue(TaskCount);
+}
+
+// The least that running one object after another from the event loop costs.
+class Turn : public QObject
+{
+public:
+    explicit Turn(int count)
+        : left_(count)
+    {
+    }
+
+    void next()
+    {
+        delete new QObject(this);
+        if (--left_ == 0)
+            QCoreApplication::exit(0);
+        else
+            QMetaObject::invokeMethod(this, [this] { next(); }, Qt::QueuedConnection);
+    }
+
+private:
+    int left_;
+};
+
+void queueTurns(benchmark::State &state)
+{
+    for (auto _ : state) {
+        Turn turn(TaskCount);
+        QMetaObject::invokeMethod(&turn, [&turn] { turn.next(); }, Qt::QueuedConnection);
+        QCoreApplication::exec();
+    }
+}
+
+void queueOfLength(benchmark::State &state)
+{
+    for (auto _ : state)
+        runQueue(static_cast<int>(state.range(0)));
+}
+
+void commandOwn(benchmark::State &state)
+{
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Command().run(QStringLiteral("echo done"), 10, false));
+}
+
+void commandProcess(benchmark::State &state)
+{
+    const QString script = Workplace::path(QStringLiteral("script"));
+    for (auto _ : state) {
+        QFile file(script);
+        file.open(QIODevice::WriteOnly);
+        file.write("echo done");
+        file.close();
+        QProcess process;
+        process.start(QStringLiteral("/bin/sh"), {script});
+        process.waitForFinished();
+        benchmark::DoNotOptimize(process.readAll());
+        QFile::remove(script);
+    }
+}
+
+} // namespace
+
+BENCHMARK(queueOwn)->Name("queue/own")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(queueTurns)->Name("queue/turns")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(queueOfLength)
+    ->Name("growth/queue")
+    ->RangeMultiplier(10)
+    ->Range(1000, 1000000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(commandOwn)->Name("command/own")->UseRealTime()->Iterations(100);
+BENCHMARK(commandProcess)->Name("command/process")->UseRealTime()->Iterations(100);

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QTemporaryDir>
+
+/// The test's side of the program in helper/archiver.cpp: the script for the programs that are
+/// started while this is the latest object of its kind, and what such a program tells of its call.
+class FakeArchiver
+{
+public:
+    FakeArchiver()
+    {
+        qputenv("FAKE_ARCHIVER", QFile::encodeName(path(QStringLiteral("script"))));
+        qputenv("FAKE_ARCHIVER_RECORD", QFile::encodeName(path(QStringLiteral("record"))));
+        save();
+    }
+
+    /// Prints in blocks of \a blockSize bytes, 0 for one block.
+    FakeArchiver &print(const QByteArray &bytes, int blockSize = 0)
+    {
+        return add(QStringLiteral("print"), QString(), bytes, blockSize);
+    }
+
+    FakeArchiver &printError(const QByteArray &bytes)
+    {
+        return add(QStringLiteral("printError"), QString(), bytes, 0);
+    }
+
+    /// A relative name lies in the current folder of the program.
+    FakeArchiver &writeFile(const QString &name, const QByteArray &bytes)
+    {
+        return add(QStringLiteral("writeFile"), name, bytes, 0);
+    }
+
+    /// Waits for goOn() with the same word.
+    FakeArchiver &waitFor(const QString &word)
+    {
+        return add(QStringLiteral("waitFor"), path(word), QByteArray(), 0);
+    }
+
+    FakeArchiver &exit(int code)
+    {
+        return add(QStringLiteral("exit"), QString(), QByteArray(), code);
+    }
+
+    FakeArchiver &crash() { return add(QStringLiteral("crash"), QString(), QByteArray(), 0); }
+
+    bool goOn(const QString &word) const
+    {
+        QFile file(path(word));
+        return file.open(QIODevice::WriteOnly);
+    }
+
+    bool wasCalled() const { return QFile::exists(path(QStringLiteral("record"))); }
+
+    QStringList arguments() const
+    {
+        QStringList all;
+        const QJsonArray values = record().value(QStringLiteral("arguments")).toArray();
+        for (const QJsonValue &value : values)
+            all << value.toString();
+        return all;
+    }
+
+    QString folder() const { return record().value(QStringLiteral("folder")).toString(); }
+
+    /// What the program read until its standard input ended.
+    QByteArray input() const { return bytesOf(QStringLiteral("input")); }
+
+    /// The list file that the command line named; hasListFile() tells whether it could be read.
+    bool hasListFile() const { return record().value(QStringLiteral("listFile")).isString(); }
+    QByteArray listFile() const { return bytesOf(QStringLiteral("listFile")); }
+
+private:
+    Q_DISABLE_COPY(FakeArchiver)
+
+    QString path(const QString &name) const { return folder_.filePath(name); }
+
+    FakeArchiver &add(const QString &action, const QString &name, const QByteArray &bytes,
+                      int number)
+    {
+        QJsonObject step;
+        step.insert(QStringLiteral("do"), action);
+        step.insert(QStringLiteral("name"), name);
+        step.insert(QStringLiteral("bytes"), QString::fromLatin1(bytes.toHex()));
+        step.insert(QStringLiteral("number"), number);
+        steps_.append(step);
+        save();
+        return *this;
+    }
+
+    void save() const
+    {
+        QFile file(path(QStringLiteral("script")));
+        if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(steps_).toJson()) < 0)
+            qFatal("The script of the fake archiver cannot be written.");
+    }
+
+    QJsonObject record() const
+    {
+        QFile file(path(QStringLiteral("record")));
+        if (!file.open(QIODevice::ReadOnly))
+            return QJsonObject();
+        return QJsonDocument::fromJson(file.readAll()).object();
+    }
+
+    QByteArray bytesOf(const QString &key) const
+    {
+        return QByteArray::fromHex(record().value(key).toString().toLatin1());
+    }
+
+    QTemporaryDir folder_;
+    QJsonArray steps_;
+};

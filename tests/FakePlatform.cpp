@@ -1,0 +1,181 @@
+#include "FakePlatform.h"
+
+#include <QtCore/QFile>
+
+namespace {
+
+// A function that gives \a result, whatever it is asked.
+template <typename Result> auto always(const Result &result)
+{
+    return [result](auto &&...) { return result; };
+}
+
+} // namespace
+
+FakePlatform &fakePlatform()
+{
+    static FakePlatform platform;
+    return platform;
+}
+
+FakePlatform::FakePlatform()
+    : findArchiver(always(Vorn::Util::Platform::Archiver{
+          QStringLiteral("no archiver"), Vorn::Util::Platform::ArchiverDialect::Product}))
+    , clusterToolCommand(always(QString()))
+    , openCounter(always(nullptr))
+    , universalName(always(QString()))
+    , driveTarget(always(QString()))
+    , environmentVariable(always(QString()))
+    , replaceFile([](const QString &source, const QString &target) {
+        return (!QFile::exists(target) || QFile::remove(target)) && QFile::rename(source, target);
+    })
+    , commonApplicationDataFolder(always(QString()))
+    , publicDocumentsRoot(always(QString()))
+    , userDataRoot(always(QString()))
+    , uniqueFileName(always(QString()))
+    , programFile(always(QString()))
+    , visitProcesses([](auto &&...) {})
+    , isProgramRunning(always(false))
+    , hostName(always(QString()))
+    , userName(always(QString()))
+    , queryProcessors(always(Vorn::Util::Platform::ProcessorQuery()))
+    , programVersion(always(Vorn::Util::Platform::ProgramVersion()))
+    , readSettingsValue(always(Vorn::Util::Platform::SettingsValue{
+          Vorn::Util::Platform::SettingsValue::NoKey, QString(), 2, QStringLiteral("Not found\n")}))
+    , openSettings(always(nullptr))
+    , settingsSubkeys(always(QStringList()))
+    , shareFolder(always(false))
+    , isFolderShared(always(false))
+    , callOfScript(always(Vorn::Util::Platform::ShellCall()))
+    , callOfText(always(Vorn::Util::Platform::ShellCall()))
+{
+}
+
+namespace Vorn::Util::Platform {
+
+Archiver findArchiver(const QString &productFolder)
+{
+    return fakePlatform().findArchiver(productFolder);
+}
+
+QString clusterToolCommand(const QString &dir, const QString &options)
+{
+    return fakePlatform().clusterToolCommand(dir, options);
+}
+
+std::unique_ptr<SysInfo> openCounter(const QString &path)
+{
+    return fakePlatform().openCounter(path);
+}
+
+QString universalName(const QString &path)
+{
+    return fakePlatform().universalName(path);
+}
+
+QString driveTarget(const QString &drive)
+{
+    return fakePlatform().driveTarget(drive);
+}
+
+QString environmentVariable(const char *name)
+{
+    return fakePlatform().environmentVariable(name);
+}
+
+bool replaceFile(const QString &source, const QString &target)
+{
+    return fakePlatform().replaceFile(source, target);
+}
+
+QString commonApplicationDataFolder(const QString &maker)
+{
+    return fakePlatform().commonApplicationDataFolder(maker);
+}
+
+QString publicDocumentsRoot(const QString &maker)
+{
+    return fakePlatform().publicDocumentsRoot(maker);
+}
+
+QString userDataRoot()
+{
+    return fakePlatform().userDataRoot();
+}
+
+QString uniqueFileName()
+{
+    return fakePlatform().uniqueFileName();
+}
+
+QString programFile()
+{
+    return fakePlatform().programFile();
+}
+
+void visitProcesses(const std::function<bool(RunningProcess &)> &visit)
+{
+    fakePlatform().visitProcesses(visit);
+}
+
+bool isProgramRunning(const QString &name)
+{
+    return fakePlatform().isProgramRunning(name);
+}
+
+QString hostName()
+{
+    return fakePlatform().hostName();
+}
+
+QString userName()
+{
+    return fakePlatform().userName();
+}
+
+ProcessorQuery queryProcessors()
+{
+    return fakePlatform().queryProcessors();
+}
+
+ProgramVersion programVersion(const QString &path)
+{
+    return fakePlatform().programVersion(path);
+}
+
+SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
+{
+    return fakePlatform().readSettingsValue(keyPath, name);
+}
+
+std::unique_ptr<QSettings> openSettings(const QString &keyPath)
+{
+    return fakePlatform().openSettings(keyPath);
+}
+
+QStringList settingsSubkeys(const QString &keyPath)
+{
+    return fakePlatform().settingsSubkeys(keyPath);
+}
+
+bool shareFolder(const QString &name, const QString &path)
+{
+    return fakePlatform().shareFolder(name, path);
+}
+
+bool isFolderShared(const QString &path)
+{
+    return fakePlatform().isFolderShared(path);
+}
+
+ShellCall callOfScript(const QString &fileName)
+{
+    return fakePlatform().callOfScript(fileName);
+}
+
+ShellCall callOfText(const QString &text)
+{
+    return fakePlatform().callOfText(text);
+}
+
+} // namespace Vorn::Util::Platform

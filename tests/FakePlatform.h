@@ -1,0 +1,58 @@
+#pragma once
+
+#include <Utility/Platform/Archiver.h>
+#include <Utility/Platform/ClusterTool.h>
+#include <Utility/Platform/Counters.h>
+#include <Utility/Platform/Drives.h>
+#include <Utility/Platform/Environment.h>
+#include <Utility/Platform/Files.h>
+#include <Utility/Platform/Folders.h>
+#include <Utility/Platform/Processes.h>
+#include <Utility/Platform/Processors.h>
+#include <Utility/Platform/ProgramVersion.h>
+#include <Utility/Platform/Settings.h>
+#include <Utility/Platform/Shares.h>
+#include <Utility/Platform/Shell.h>
+
+#include <functional>
+
+/// An operating system that a test sets up: what each function of Utility/Platform does. At first
+/// nothing is there and everything fails, but files can be replaced.
+struct FakePlatform
+{
+    template <typename Result, typename... Arguments>
+    using Function = std::function<Result(Arguments...)>;
+
+    FakePlatform();
+
+    Function<Vorn::Util::Platform::Archiver, const QString &> findArchiver;
+    Function<QString, const QString &, const QString &> clusterToolCommand;
+    Function<std::unique_ptr<Vorn::Util::SysInfo>, const QString &> openCounter;
+    Function<QString, const QString &> universalName;
+    Function<QString, const QString &> driveTarget;
+    Function<QString, const char *> environmentVariable;
+    Function<bool, const QString &, const QString &> replaceFile;
+    Function<QString, const QString &> commonApplicationDataFolder;
+    Function<QString, const QString &> publicDocumentsRoot;
+    Function<QString> userDataRoot;
+    Function<QString> uniqueFileName;
+    Function<QString> programFile;
+    Function<void, const std::function<bool(Vorn::Util::Platform::RunningProcess &)> &>
+        visitProcesses;
+    Function<bool, const QString &> isProgramRunning;
+    Function<QString> hostName;
+    Function<QString> userName;
+    Function<Vorn::Util::Platform::ProcessorQuery> queryProcessors;
+    Function<Vorn::Util::Platform::ProgramVersion, const QString &> programVersion;
+    Function<Vorn::Util::Platform::SettingsValue, const QString &, const QString &>
+        readSettingsValue;
+    Function<std::unique_ptr<QSettings>, const QString &> openSettings;
+    Function<QStringList, const QString &> settingsSubkeys;
+    Function<bool, const QString &, const QString &> shareFolder;
+    Function<bool, const QString &> isFolderShared;
+    Function<Vorn::Util::Platform::ShellCall, const QString &> callOfScript;
+    Function<Vorn::Util::Platform::ShellCall, const QString &> callOfText;
+};
+
+/// The one that the library under test sees.
+FakePlatform &fakePlatform();

@@ -1,0 +1,6 @@
+#include "../BinaryStreams.h"
+
+void useBinaryStreams()
+{
+    // They never do anything else here.
+}

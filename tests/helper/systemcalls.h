@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QtCore/QStringList>
+
+/// Runs calls of System and Registry in order, such as "getProgramDataPath=VORN 2024": a fresh
+/// process per state, because both keep what they have worked out. SystemCalls.h runs them and
+/// reads what they print:
+/// - "=RESULT" per call that has a result, percent-encoded;
+/// - "!TEXT" per message on Qt's debug channel, percent-encoded;
+/// - whatever the library itself prints to the standard output.
+///
+/// Beside the functions: "setVariable=NAME=VALUE", "removeFolder=PATH", "removeFile=PATH",
+/// "printNarrow=TEXT" and "printWide=TEXT" (as C's narrow and wide functions print it). Several
+/// arguments: "readRegistryValue=NAME" or "readRegistryValue=NAME|KEYPATH",
+/// "startProcess=PROGRAM|ARGUMENT...".
+class SystemCalls
+{
+public:
+    SystemCalls();
+    ~SystemCalls();
+    Q_DISABLE_COPY(SystemCalls)
+
+    /// False when there is no such function.
+    bool run(const QString &call);
+
+    /// The exit code of the process.
+    int run(const QStringList &calls);
+};

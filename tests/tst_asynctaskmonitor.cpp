@@ -1,0 +1,92 @@
+#include <Utility/AsyncTaskMonitor.h>
+
+#include <QtTest/QtTest>
+
+#include <memory>
+
+using Vorn::Util::AsyncTaskMonitor;
+
+namespace {
+
+class CancelButton : public AsyncTaskMonitor
+{
+public:
+    explicit CancelButton(bool *destroyed = nullptr)
+        : destroyed_(destroyed)
+    {
+    }
+
+    CancelButton(const CancelButton &) = default;
+    CancelButton &operator=(const CancelButton &) = default;
+
+    ~CancelButton() override
+    {
+        if (destroyed_)
+            *destroyed_ = true;
+    }
+
+    bool isCanceled() override { return pressed; }
+
+    bool pressed = false;
+
+private:
+    bool *destroyed_;
+};
+
+} // namespace
+
+class tst_AsyncTaskMonitor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theDerivedMonitorAnswersThroughTheInterface();
+    void aMonitorIsDestroyedThroughTheInterface();
+    void copyingCopiesOnlyWhatTheDerivedMonitorHolds();
+    void assigningThroughTheInterfaceDoesNothing();
+};
+
+void tst_AsyncTaskMonitor::theDerivedMonitorAnswersThroughTheInterface()
+{
+    CancelButton button;
+    AsyncTaskMonitor &monitor = button;
+    QVERIFY(!monitor.isCanceled());
+    button.pressed = true;
+    QVERIFY(monitor.isCanceled());
+}
+
+void tst_AsyncTaskMonitor::aMonitorIsDestroyedThroughTheInterface()
+{
+    bool destroyed = false;
+    std::unique_ptr<AsyncTaskMonitor> monitor = std::make_unique<CancelButton>(&destroyed);
+    monitor.reset();
+    QVERIFY(destroyed);
+}
+
+void tst_AsyncTaskMonitor::copyingCopiesOnlyWhatTheDerivedMonitorHolds()
+{
+    CancelButton pressed;
+    pressed.pressed = true;
+    CancelButton copy(pressed);
+    QVERIFY(copy.isCanceled());
+
+    CancelButton assigned;
+    assigned = pressed;
+    QVERIFY(assigned.isCanceled());
+    assigned.pressed = false;
+    QVERIFY(pressed.isCanceled());
+}
+
+void tst_AsyncTaskMonitor::assigningThroughTheInterfaceDoesNothing()
+{
+    CancelButton pressed;
+    pressed.pressed = true;
+    CancelButton other;
+    AsyncTaskMonitor &monitor = other;
+    monitor = pressed;
+    QVERIFY(!monitor.isCanceled());
+}
+
+QTEST_GUILESS_MAIN(tst_AsyncTaskMonitor)
+
+#include "tst_asynctaskmonitor.moc"

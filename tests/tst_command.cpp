@@ -1,0 +1,572 @@
+#include "TestFiles.h"
+#include "TestLog.h"
+#include "TestSystem.h"
+
+#include <Utility/Command.h>
+#include <Utility/Log.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+#include <limits>
+
+using namespace Vorn::Util;
+
+namespace {
+
+QString scriptName()
+{
+    return QStringLiteral("work.bat");
+}
+
+// A line of a script that runs the helper program. cmd.exe prints the lines that it runs unless
+// told not to.
+QString helperCall(const QString &arguments)
+{
+    const QString call = QStringLiteral("\"%1\" %2")
+                             .arg(QDir::toNativeSeparators(QStringLiteral(HELPER_PROGRAM)), arguments);
+    return onWindows() ? QLatin1Char('@') + call : call;
+}
+
+QString printCall(const QByteArray &bytes)
+{
+    return helperCall(QStringLiteral("print ") + QString::fromLatin1(bytes.toHex()));
+}
+
+QString printLinesCall(int count)
+{
+    return helperCall(QStringLiteral("print-lines %1").arg(count));
+}
+
+// What starts the script \a fileName of the current folder from the interpreter's command line.
+QString scriptCall(const QString &fileName)
+{
+    return onWindows() ? fileName : QStringLiteral(". ./") + fileName;
+}
+
+QString commandLine()
+{
+    return onWindows() ? QStringLiteral("Command:cmd.exe /C work.bat")
+                       : QStringLiteral("Command:/bin/sh work.bat");
+}
+
+} // namespace
+
+class tst_Command : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void runReturnsTheOutputAsRead();
+    void runLReturnsEachLineWithItsEnd();
+    void theLastLineNeedsNoEnd();
+    void aSilentCommandGivesOneEmptyLine();
+    void anEmptyCommandRuns();
+    void atMostTwoLinesMoreThanAskedForAreReturned_data();
+    void atMostTwoLinesMoreThanAskedForAreReturned();
+    void aLongLineComesInPiecesOf199Bytes();
+    void aPieceHolds199Bytes_data();
+    void aPieceHolds199Bytes();
+    void eachPieceCountsAsALine();
+    void theOutputIsReadAsUtf8();
+    void eachPieceIsDecodedByItself();
+    void aLineEndsAtItsFirstNullByte();
+    void standardErrorIsNotReturned();
+    void moreIsReadThanAPipeHolds();
+    void theExitCodeDoesNotChangeTheOutput();
+    void aCommandThatCannotBeRunPrintsNothing();
+
+    void runQReturnsTheExitCode_data();
+    void runQReturnsTheExitCode();
+    void runQWaitsForTheCommand();
+    void runQLogsNothing();
+
+    void theScriptIsTheCommandInLatin1();
+    void otherCharactersAreReplacedBeforeTheCommandRuns();
+    void theScriptRunsInTheCurrentFolder();
+    void theScriptInheritsTheEnvironment();
+    void anExistingScriptIsReplaced_data();
+    void anExistingScriptIsReplaced();
+    void noScriptIsLeft_data();
+    void noScriptIsLeft();
+    void aScriptThatCannotBeWrittenIsIgnored();
+
+    void theCallAndEachTrimmedLineAreLogged();
+    void theLinesOfRunLAreLoggedToo();
+    void eachPieceIsLogged();
+    void onlyReturnedLinesAreLogged();
+    void nothingIsLoggedUnlessAsked();
+    void nothingIsLoggedWithoutALog();
+    void theLogOutlivesTheCommand();
+    void aCopyUsesTheSameLog();
+
+    void runNoWaitRunsInTheCurrentFolder();
+    void runNoWaitRunsInTheGivenFolder();
+    void runNoWaitDoesNotWait();
+    void runNoWaitWritesNoScript();
+    void runNoWaitLogsTheCommand();
+    void runNoWaitLogsNothingUnlessAsked();
+    void runNoWaitReturnsZeroWhenNothingIsStarted();
+
+private:
+    QTemporaryDir folder_;
+    QString start_;
+    int functions_ = 0;
+};
+
+void tst_Command::initTestCase()
+{
+    QVERIFY(folder_.isValid());
+    start_ = QDir::currentPath();
+}
+
+void tst_Command::init()
+{
+    const QString name = folder_.filePath(QString::number(++functions_));
+    QVERIFY(QDir().mkdir(name));
+    QVERIFY(QDir::setCurrent(name));
+}
+
+void tst_Command::cleanup()
+{
+    QVERIFY(QDir::setCurrent(start_));
+}
+
+void tst_Command::runReturnsTheOutputAsRead()
+{
+    const QString output = QStringLiteral("  first \t\r\n\r\nsecond\nthird\r\n");
+    QCOMPARE(Command().run(printCall(output.toUtf8()), 100, false), output);
+}
+
+void tst_Command::runLReturnsEachLineWithItsEnd()
+{
+    const QStringList lines{QStringLiteral("  first \t\r\n"), QStringLiteral("\r\n"),
+                            QStringLiteral("second\n"), QStringLiteral("third\r\n")};
+    QCOMPARE(Command().runL(printCall(lines.join(QString()).toUtf8()), 100, false), lines);
+}
+
+void tst_Command::theLastLineNeedsNoEnd()
+{
+    const QStringList lines{QStringLiteral("first\r\n"), QStringLiteral("second")};
+    QCOMPARE(Command().runL(printCall("first\r\nsecond"), 100, false), lines);
+    QCOMPARE(Command().run(printCall("first\r\nsecond"), 100, false), lines.join(QString()));
+}
+
+// Nothing can be read, which counts as a line without text.
+void tst_Command::aSilentCommandGivesOneEmptyLine()
+{
+    const QString silent = helperCall(QStringLiteral("exit 0"));
+    QCOMPARE(Command().run(silent, 100, false), QString());
+    QCOMPARE(Command().runL(silent, 100, false), QStringList{QString()});
+}
+
+void tst_Command::anEmptyCommandRuns()
+{
+    QCOMPARE(Command().run(QString(), 100, false), QString());
+    QCOMPARE(Command().runL(QString(), 100, false), QStringList{QString()});
+    QCOMPARE(Command().runQ(QString()), 0);
+    QVERIFY(!QFile::exists(scriptName()));
+}
+
+void tst_Command::atMostTwoLinesMoreThanAskedForAreReturned_data()
+{
+    QTest::addColumn<int>("maxLines");
+    QTest::addColumn<int>("returned");
+
+    QTest::newRow("the least") << std::numeric_limits<int>::min() << 1;
+    QTest::newRow("-2") << -2 << 1;
+    QTest::newRow("-1") << -1 << 1;
+    QTest::newRow("0") << 0 << 2;
+    QTest::newRow("1") << 1 << 3;
+    QTest::newRow("2") << 2 << 4;
+    QTest::newRow("one line is lost") << 7 << 9;
+    QTest::newRow("just all") << 8 << 10;
+    QTest::newRow("as many as there are") << 10 << 10;
+    QTest::newRow("many") << 1000 << 10;
+    QTest::newRow("the most") << std::numeric_limits<int>::max() << 10;
+}
+
+void tst_Command::atMostTwoLinesMoreThanAskedForAreReturned()
+{
+    QFETCH(int, maxLines);
+    QFETCH(int, returned);
+
+    QStringList lines;
+    for (int number = 1; number <= returned; ++number)
+        lines += QStringLiteral("line %1\r\n").arg(number);
+    QCOMPARE(Command().runL(printLinesCall(10), maxLines, false), lines);
+    QCOMPARE(Command().run(printLinesCall(10), maxLines, false), lines.join(QString()));
+}
+
+void tst_Command::aLongLineComesInPiecesOf199Bytes()
+{
+    QByteArray line;
+    for (int column = 0; column < 450; ++column)
+        line += static_cast<char>('a' + column % 26);
+    line += "\r\n";
+    const QString text = QString::fromLatin1(line);
+    const QStringList pieces{text.left(199), text.mid(199, 199), text.mid(398)};
+    QCOMPARE(pieces.last().size(), 54);
+    QCOMPARE(Command().runL(printCall(line), 100, false), pieces);
+    QCOMPARE(Command().run(printCall(line), 100, false), text);
+}
+
+void tst_Command::aPieceHolds199Bytes_data()
+{
+    QTest::addColumn<int>("length"); // without the line end
+    QTest::addColumn<QList<int>>("pieces");
+
+    QTest::newRow("fits with its end") << 197 << QList<int>{199};
+    QTest::newRow("the end is split") << 198 << QList<int>{199, 1};
+    QTest::newRow("fits without its end") << 199 << QList<int>{199, 2};
+    QTest::newRow("one more") << 200 << QList<int>{199, 3};
+    QTest::newRow("two pieces") << 396 << QList<int>{199, 199};
+    QTest::newRow("two pieces and the end") << 398 << QList<int>{199, 199, 2};
+}
+
+void tst_Command::aPieceHolds199Bytes()
+{
+    QFETCH(int, length);
+    QFETCH(QList<int>, pieces);
+
+    const QStringList lines
+        = Command().runL(printCall(QByteArray(length, 'x') + "\r\nnext\r\n"), 100, false);
+    QList<int> sizes;
+    for (const QString &line : lines)
+        sizes += line.size();
+    QCOMPARE(sizes, pieces << 6);
+    QCOMPARE(lines.last(), QStringLiteral("next\r\n"));
+}
+
+void tst_Command::eachPieceCountsAsALine()
+{
+    const QByteArray output = QByteArray(450, 'x') + "\r\nnext\r\n";
+    QCOMPARE(Command().runL(printCall(output), 0, false).size(), 2);
+    QCOMPARE(Command().runL(printCall(output), 1, false).size(), 3);
+    QCOMPARE(Command().runL(printCall(output), 2, false).size(), 4);
+    QCOMPARE(Command().run(printCall(output), 0, false), QString(398, QLatin1Char('x')));
+}
+
+void tst_Command::theOutputIsReadAsUtf8()
+{
+    const QString text = QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e 5 \xE2\x82\xAC \xF0\x9F\x94\xA9\r\n");
+    QCOMPARE(Command().run(printCall(text.toUtf8()), 100, false), text);
+    QCOMPARE(Command().run(printCall("Gr\xF6" "e"), 100, false), QString::fromUtf8("Gr\xF6" "e"));
+}
+
+void tst_Command::eachPieceIsDecodedByItself()
+{
+    const QByteArray line = QByteArray(198, 'x') + "\xC3\xB6\r\n";
+    const QStringList pieces{QString::fromUtf8(line.left(199)), QString::fromUtf8(line.mid(199))};
+    QVERIFY(pieces.join(QString()) != QString::fromUtf8(line));
+    QCOMPARE(Command().runL(printCall(line), 100, false), pieces);
+}
+
+void tst_Command::aLineEndsAtItsFirstNullByte()
+{
+    const QStringList lines{QStringLiteral("before"), QStringLiteral("next\r\n")};
+    QCOMPARE(Command().runL(printCall(QByteArray("before\0after\r\nnext\r\n", 20)), 100, false),
+             lines);
+}
+
+void tst_Command::standardErrorIsNotReturned()
+{
+    const QString complain
+        = helperCall(QStringLiteral("print-error ") + QString::fromLatin1(QByteArray("bad").toHex()));
+    QCOMPARE(Command().run(complain, 100, false), QString());
+    const QString lineEnd = QStringLiteral("\n");
+    QCOMPARE(Command().runL(complain + lineEnd + printCall("good") + lineEnd + complain, 100, false),
+             QStringList{QStringLiteral("good")});
+}
+
+void tst_Command::moreIsReadThanAPipeHolds()
+{
+    const QStringList lines = Command().runL(printLinesCall(50000), 100000, false);
+    QCOMPARE(lines.size(), 50000);
+    QCOMPARE(lines.last(), QStringLiteral("line 50000\r\n"));
+}
+
+void tst_Command::theExitCodeDoesNotChangeTheOutput()
+{
+    const QString command = printCall("text") + QLatin1Char('\n')
+        + helperCall(QStringLiteral("exit 3"));
+    QCOMPARE(Command().run(command, 100, false), QStringLiteral("text"));
+    QCOMPARE(Command().runQ(command), 3);
+}
+
+void tst_Command::aCommandThatCannotBeRunPrintsNothing()
+{
+    const QString silently = onWindows() ? QStringLiteral("@") : QString();
+    QCOMPARE(Command().run(silently + QStringLiteral("no-such-program-anywhere"), 100, false),
+             QString());
+}
+
+void tst_Command::runQReturnsTheExitCode_data()
+{
+    QTest::addColumn<int>("exitCode");
+
+    for (const int exitCode : {0, 1, 2, 3, 77, 127, 255})
+        QTest::newRow(QByteArray::number(exitCode).constData()) << exitCode;
+}
+
+void tst_Command::runQReturnsTheExitCode()
+{
+    QFETCH(int, exitCode);
+
+    QCOMPARE(Command().runQ(helperCall(QStringLiteral("exit %1").arg(exitCode))), exitCode);
+}
+
+void tst_Command::runQWaitsForTheCommand()
+{
+    QCOMPARE(Command().runQ(helperCall(QStringLiteral("copy work.bat done.txt"))), 0);
+    QVERIFY(QFile::exists(QStringLiteral("done.txt")));
+}
+
+void tst_Command::runQLogsNothing()
+{
+    TestLog log;
+    QCOMPARE(Command(log).runQ(printLinesCall(3)), 0);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+// The script has nothing but the command: no line end, no line that switches echoing off.
+void tst_Command::theScriptIsTheCommandInLatin1()
+{
+    const QString command = helperCall(QStringLiteral("copy work.bat copy.txt "))
+        + QString::fromUtf8("\xC3\xA9\xC3\x9F\xE2\x82\xAC\xE6\x97\xA5");
+    QByteArray expected = command.toLatin1();
+    QVERIFY(expected.endsWith(" \xE9\xDF??"));
+    Command().run(command, 100, false);
+    QCOMPARE(contentOf(QStringLiteral("copy.txt")), expected);
+
+    QVERIFY(QFile::remove(QStringLiteral("copy.txt")));
+    QCOMPARE(Command().runQ(command), 0);
+    QCOMPARE(contentOf(QStringLiteral("copy.txt")), expected);
+}
+
+void tst_Command::otherCharactersAreReplacedBeforeTheCommandRuns()
+{
+    const QString command
+        = helperCall(QStringLiteral("print-arguments ")) + QString::fromUtf8("5\xE2\x82\xAC");
+    QCOMPARE(Command().run(command, 100, false), QStringLiteral("5?\r\n"));
+}
+
+void tst_Command::theScriptRunsInTheCurrentFolder()
+{
+    QVERIFY(writeFile(QStringLiteral("here.txt"), "text"));
+    Command().run(helperCall(QStringLiteral("copy here.txt copy.txt")), 100, false);
+    QCOMPARE(contentOf(QStringLiteral("copy.txt")), QByteArray("text"));
+}
+
+void tst_Command::theScriptInheritsTheEnvironment()
+{
+    qputenv("TST_COMMAND", "value");
+    const QString output
+        = Command().run(helperCall(QStringLiteral("print-variable TST_COMMAND")), 100, false);
+    qunsetenv("TST_COMMAND");
+    QCOMPARE(output, QStringLiteral("value"));
+}
+
+void tst_Command::anExistingScriptIsReplaced_data()
+{
+    QTest::addColumn<QString>("operation");
+
+    for (const char *operation : {"run", "runL", "runQ"})
+        QTest::newRow(operation) << QString::fromLatin1(operation);
+}
+
+void tst_Command::anExistingScriptIsReplaced()
+{
+    QFETCH(QString, operation);
+
+    const QByteArray older
+        = helperCall(QStringLiteral("copy work.bat older.txt\n")).toLatin1().repeated(20);
+    QVERIFY(writeFile(scriptName(), older));
+    const QString command = helperCall(QStringLiteral("copy work.bat copy.txt"));
+    if (operation == QLatin1String("run"))
+        Command().run(command, 100, false);
+    else if (operation == QLatin1String("runL"))
+        Command().runL(command, 100, false);
+    else
+        Command().runQ(command);
+    QCOMPARE(contentOf(QStringLiteral("copy.txt")), command.toLatin1());
+    QVERIFY(!QFile::exists(QStringLiteral("older.txt")));
+    QVERIFY(!QFile::exists(scriptName()));
+}
+
+void tst_Command::noScriptIsLeft_data()
+{
+    anExistingScriptIsReplaced_data();
+}
+
+void tst_Command::noScriptIsLeft()
+{
+    QFETCH(QString, operation);
+
+    const QString command = helperCall(QStringLiteral("exit 5"));
+    if (operation == QLatin1String("run"))
+        Command().run(command, 100, false);
+    else if (operation == QLatin1String("runL"))
+        Command().runL(command, 100, false);
+    else
+        QCOMPARE(Command().runQ(command), 5);
+    QVERIFY(QDir().isEmpty());
+}
+
+void tst_Command::aScriptThatCannotBeWrittenIsIgnored()
+{
+    QVERIFY(QDir().mkdir(scriptName()));
+    QCOMPARE(Command().run(printCall("text"), 100, false), QString());
+    QCOMPARE(Command().runL(printCall("text"), 100, false), QStringList{QString()});
+    QVERIFY(QFileInfo(scriptName()).isDir());
+}
+
+void tst_Command::theCallAndEachTrimmedLineAreLogged()
+{
+    TestLog log;
+    Command(log).run(printCall("  two words \t\r\n\r\nl\xC3\xB6schen\r\n"), 100, true);
+    QCOMPARE(log.lines(), QStringList{commandLine()}
+                 + texts({" output:two words", " output:", " output:l\xC3\xB6schen"}));
+}
+
+void tst_Command::theLinesOfRunLAreLoggedToo()
+{
+    TestLog log;
+    Command command(log);
+    command.runL(printLinesCall(2), 100, true);
+    command.runL(helperCall(QStringLiteral("exit 0")), 100, true);
+    QCOMPARE(log.lines(), QStringList{commandLine()} + texts({" output:line 1", " output:line 2"})
+                 + QStringList{commandLine()} + texts({" output:"}));
+}
+
+void tst_Command::eachPieceIsLogged()
+{
+    TestLog log;
+    Command(log).run(printCall(QByteArray(250, 'x') + "\r\n"), 100, true);
+    const QString prefix = QStringLiteral(" output:");
+    QCOMPARE(log.lines(), (QStringList{commandLine(), prefix + QString(199, QLatin1Char('x')),
+                                       prefix + QString(51, QLatin1Char('x'))}));
+}
+
+void tst_Command::onlyReturnedLinesAreLogged()
+{
+    TestLog log;
+    Command(log).run(printLinesCall(10), 0, true);
+    QCOMPARE(log.lines(), QStringList{commandLine()} + texts({" output:line 1", " output:line 2"}));
+}
+
+void tst_Command::nothingIsLoggedUnlessAsked()
+{
+    TestLog log;
+    Command command(log);
+    QCOMPARE(command.run(printLinesCall(1), 100, false), QStringLiteral("line 1\r\n"));
+    QCOMPARE(command.runL(printLinesCall(1), 100, false), QStringList{QStringLiteral("line 1\r\n")});
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void tst_Command::nothingIsLoggedWithoutALog()
+{
+    Command command;
+    QCOMPARE(command.run(printLinesCall(1), 100, true), QStringLiteral("line 1\r\n"));
+    QCOMPARE(command.runL(printLinesCall(1), 100, true), QStringList{QStringLiteral("line 1\r\n")});
+    QCOMPARE(Command(nullptr).run(printLinesCall(1), 100, true), QStringLiteral("line 1\r\n"));
+}
+
+void tst_Command::theLogOutlivesTheCommand()
+{
+    TestLog log;
+    Command(log).run(printLinesCall(1), 100, true);
+    static_cast<Log *>(log)->append(QStringLiteral("after"));
+    QCOMPARE(log.lines(), QStringList{commandLine()} + texts({" output:line 1", "after"}));
+}
+
+void tst_Command::aCopyUsesTheSameLog()
+{
+    TestLog log;
+    const Command command(log);
+    Command copy(command);
+    copy.run(printLinesCall(1), 100, true);
+    QCOMPARE(log.lines(), QStringList{commandLine()} + texts({" output:line 1"}));
+}
+
+void tst_Command::runNoWaitRunsInTheCurrentFolder()
+{
+    QCOMPARE(Command().runNoWait(QStringLiteral("echo here> done.txt"), false, QString()), 0);
+    QTRY_COMPARE(contentOf(QStringLiteral("done.txt")).trimmed(), QByteArray("here"));
+}
+
+void tst_Command::runNoWaitRunsInTheGivenFolder()
+{
+    QVERIFY(QDir().mkdir(QStringLiteral("other")));
+    const QString folder = QDir().filePath(QStringLiteral("other"));
+    QCOMPARE(Command().runNoWait(QStringLiteral("echo there> done.txt"), false, folder), 0);
+    QTRY_COMPARE(contentOf(QStringLiteral("other/done.txt")).trimmed(), QByteArray("there"));
+    QVERIFY(!QFile::exists(QStringLiteral("done.txt")));
+}
+
+// The command waits for what is done after the call has returned and its object is gone.
+void tst_Command::runNoWaitDoesNotWait()
+{
+    const QString script = helperCall(QStringLiteral("wait-for go.txt")) + QLatin1Char('\n')
+        + helperCall(QStringLiteral("copy go.txt done.txt"));
+    QVERIFY(writeFile(QStringLiteral("start.bat"), script.toLatin1()));
+    {
+        Command command;
+        QCOMPARE(command.runNoWait(scriptCall(QStringLiteral("start.bat")), false, QString()), 0);
+    }
+    QVERIFY(!QFile::exists(QStringLiteral("done.txt")));
+    QVERIFY(writeFile(QStringLiteral("go.new"), "go"));
+    QVERIFY(QFile::rename(QStringLiteral("go.new"), QStringLiteral("go.txt")));
+    QTRY_COMPARE(contentOf(QStringLiteral("done.txt")), QByteArray("go"));
+}
+
+void tst_Command::runNoWaitWritesNoScript()
+{
+    QCOMPARE(Command().runNoWait(QStringLiteral("echo 1> first.txt"), false, QString()), 0);
+    QVERIFY(!QFile::exists(scriptName()));
+    QTRY_VERIFY(QFile::exists(QStringLiteral("first.txt")));
+    QVERIFY(!QFile::exists(scriptName()));
+
+    QVERIFY(writeFile(scriptName(), "not mine"));
+    QCOMPARE(Command().runNoWait(QStringLiteral("echo 2> second.txt"), false, QString()), 0);
+    QTRY_VERIFY(QFile::exists(QStringLiteral("second.txt")));
+    QCOMPARE(contentOf(scriptName()), QByteArray("not mine"));
+}
+
+void tst_Command::runNoWaitLogsTheCommand()
+{
+    TestLog log;
+    Command(log).runNoWait(QStringLiteral("echo here> done.txt"), true, QString());
+    const QStringList lines = texts({onWindows() ? "Command:cmd.exe /C echo here> done.txt"
+                                                 : "Command:/bin/sh -c echo here> done.txt"});
+    QCOMPARE(log.lines(), lines);
+    QTRY_VERIFY(QFile::exists(QStringLiteral("done.txt")));
+    QCOMPARE(log.lines(), lines);
+}
+
+void tst_Command::runNoWaitLogsNothingUnlessAsked()
+{
+    TestLog log;
+    QCOMPARE(Command(log).runNoWait(QStringLiteral("echo 1> first.txt"), false, QString()), 0);
+    QCOMPARE(Command().runNoWait(QStringLiteral("echo 2> second.txt"), true, QString()), 0);
+    QTRY_VERIFY(QFile::exists(QStringLiteral("first.txt")));
+    QTRY_VERIFY(QFile::exists(QStringLiteral("second.txt")));
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void tst_Command::runNoWaitReturnsZeroWhenNothingIsStarted()
+{
+    const QString missing = QDir().filePath(QStringLiteral("missing"));
+    QCOMPARE(Command().runNoWait(QStringLiteral("echo 1> done.txt"), false, missing), 0);
+    QVERIFY(!QFile::exists(QStringLiteral("done.txt")));
+    QVERIFY(!QFile::exists(missing));
+}
+
+QTEST_GUILESS_MAIN(tst_Command)
+
+#include "tst_command.moc"

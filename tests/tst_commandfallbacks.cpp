@@ -1,0 +1,113 @@
+// Commands on a system whose interpreter cannot be started.
+
+#include "FakePlatform.h"
+#include "TestLog.h"
+
+#include <Utility/Command.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+using namespace Vorn::Util;
+
+class tst_CommandFallbacks : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanup();
+    void cleanupTestCase();
+
+    void runReturnsNothing();
+    void runLReturnsOneEmptyLine();
+    void runQReturnsZero();
+    void runNoWaitReturnsZero();
+    void theCallIsLoggedByItsDisplayedName();
+    void runNoWaitIsLoggedByItsDisplayedName();
+    void theInterpreterGetsTheFileOrTheText();
+
+private:
+    QTemporaryDir folder_;
+    QString start_;
+    QStringList asked_;
+};
+
+void tst_CommandFallbacks::initTestCase()
+{
+    QVERIFY(folder_.isValid());
+    start_ = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(folder_.path()));
+    const auto call = [this](const QString &argument) {
+        asked_ += argument;
+        return Platform::ShellCall{folder_.filePath(QStringLiteral("missing/interpreter")),
+                                   QStringLiteral("interpreter"),
+                                   {QStringLiteral("/C"), QStringLiteral("<%1>").arg(argument)}};
+    };
+    fakePlatform().callOfScript = call;
+    fakePlatform().callOfText = call;
+}
+
+// No call leaves its script behind.
+void tst_CommandFallbacks::cleanup()
+{
+    QVERIFY(QDir().isEmpty());
+    asked_.clear();
+}
+
+void tst_CommandFallbacks::cleanupTestCase()
+{
+    QVERIFY(QDir::setCurrent(start_));
+}
+
+void tst_CommandFallbacks::runReturnsNothing()
+{
+    QCOMPARE(Command().run(QStringLiteral("command"), 100, false), QString());
+}
+
+// Nothing can be read, which counts as a line without text.
+void tst_CommandFallbacks::runLReturnsOneEmptyLine()
+{
+    QCOMPARE(Command().runL(QStringLiteral("command"), 100, false), QStringList{QString()});
+}
+
+void tst_CommandFallbacks::runQReturnsZero()
+{
+    QCOMPARE(Command().runQ(QStringLiteral("command")), 0);
+}
+
+void tst_CommandFallbacks::runNoWaitReturnsZero()
+{
+    QCOMPARE(Command().runNoWait(QStringLiteral("command"), false, QString()), 0);
+}
+
+void tst_CommandFallbacks::theCallIsLoggedByItsDisplayedName()
+{
+    TestLog log;
+    Command(log).run(QStringLiteral("command"), 100, true);
+    Command(log).runL(QStringLiteral("command"), 100, true);
+    QCOMPARE(log.lines(), texts({"Command:interpreter /C <work.bat>", " output:",
+                                 "Command:interpreter /C <work.bat>", " output:"}));
+}
+
+void tst_CommandFallbacks::runNoWaitIsLoggedByItsDisplayedName()
+{
+    TestLog log;
+    Command(log).runNoWait(QStringLiteral("command %1 text"), true, QString());
+    QCOMPARE(log.lines(), texts({"Command:interpreter /C <command %1 text>"}));
+}
+
+void tst_CommandFallbacks::theInterpreterGetsTheFileOrTheText()
+{
+    Command command;
+    command.run(QStringLiteral("command"), 100, false);
+    command.runL(QStringLiteral("command"), 100, false);
+    command.runQ(QStringLiteral("command"));
+    command.runNoWait(QStringLiteral("command"), false, QString());
+    QCOMPARE(asked_, texts({"work.bat", "work.bat", "work.bat", "command"}));
+}
+
+QTEST_GUILESS_MAIN(tst_CommandFallbacks)
+
+#include "tst_commandfallbacks.moc"

@@ -1,0 +1,537 @@
+#include "TestFiles.h"
+#include "TestLog.h"
+#include "TestMessages.h"
+
+#include <Utility/CpuInfo.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+#include <limits>
+#include <type_traits>
+
+using namespace Vorn::Util;
+
+static_assert(std::is_copy_constructible<CpuInfo>::value && std::is_copy_assignable<CpuInfo>::value,
+              "it is a value");
+static_assert(!std::is_polymorphic<CpuInfo>::value, "it has no virtual operations");
+
+namespace {
+
+struct Counts
+{
+    int processors;
+    int cores;
+    int coresPerProcessor;
+    bool hyperThreading;
+};
+
+bool operator==(const Counts &left, const Counts &right)
+{
+    return left.processors == right.processors && left.cores == right.cores
+        && left.coresPerProcessor == right.coresPerProcessor
+        && left.hyperThreading == right.hyperThreading;
+}
+
+char *toString(const Counts &counts)
+{
+    return qstrdup(qPrintable(QStringLiteral("%1 processors, %2 cores, %3 per processor, %4")
+                                  .arg(counts.processors)
+                                  .arg(counts.cores)
+                                  .arg(counts.coresPerProcessor)
+                                  .arg(counts.hyperThreading ? QStringLiteral("on")
+                                                             : QStringLiteral("off"))));
+}
+
+Counts countsOf(const CpuInfo &info)
+{
+    return {info.processorCount(), info.coreCount(), info.coresPerProcessor(),
+            info.isHyperThreadingOn()};
+}
+
+const Counts Defaults{1, 1, 1, false};
+
+// A number of processors that no machine has.
+const QByteArray IncompleteFile = "<SystemInformation version=\"24.0\">"
+                                  "<processorCount>977</processorCount>"
+                                  "<coresPerProcessor>3</coresPerProcessor>%1"
+                                  "</SystemInformation>";
+
+QByteArray currentForm(const QByteArray &children)
+{
+    return "<SystemInformation version=\"24.0\">\n" + children + "</SystemInformation>\n";
+}
+
+QByteArray olderForm(const QByteArray &children)
+{
+    return "<SystemInformation>\n <Info>\n" + children + " </Info>\n</SystemInformation>\n";
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Counts)
+
+class tst_CpuInfo : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void withoutAFileTheSystemIsAskedAndTheFileWritten();
+    void theWrittenFileIsExactlyThis();
+    void theSecondConstructionReadsTheFile();
+    void theFolderMayBeRelative();
+    void theFolderMayEndWithASeparator();
+    void theFolderMayHoldAnyCharacters();
+
+    void theCurrentFormIsRead_data();
+    void theCurrentFormIsRead();
+    void theOlderFormIsRead_data();
+    void theOlderFormIsRead();
+    void anInfoElementThatIsNotFirstIsNotTheOlderForm_data();
+    void anInfoElementThatIsNotFirstIsNotTheOlderForm();
+    void numbersOfAnySizeAreSafe();
+
+    void aFileWithoutHyperThreadingHasTheSystemAskedAgain_data();
+    void aFileWithoutHyperThreadingHasTheSystemAskedAgain();
+
+    void aFileThatCannotBeParsedIsLeftAlone_data();
+    void aFileThatCannotBeParsedIsLeftAlone();
+    void aFileThatCannotBeOpenedLeavesTheDefaults();
+    void aMissingFolderMakesTheSaveFail();
+
+    void withoutALogMessagesGoToTheDebugChannel_data();
+    void withoutALogMessagesGoToTheDebugChannel();
+    void withALogTheDebugChannelStaysSilent();
+
+    void aCopyHasTheSameCounts();
+    void anAssignmentCopiesTheCounts();
+
+private:
+    QString folder() const { return folder_->path(); }
+    QString infoFile() const { return folder() + QStringLiteral("/SystemInfo.xml"); }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+};
+
+void tst_CpuInfo::init()
+{
+    folder_ = std::make_unique<QTemporaryDir>();
+    QVERIFY(folder_->isValid());
+}
+
+void tst_CpuInfo::cleanup()
+{
+    folder_.reset();
+}
+
+void tst_CpuInfo::withoutAFileTheSystemIsAskedAndTheFileWritten()
+{
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QVERIFY(info.processorCount() >= 1);
+    QVERIFY(info.coreCount() >= info.processorCount());
+    QCOMPARE(info.coresPerProcessor(), info.coreCount() / info.processorCount());
+    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
+}
+
+void tst_CpuInfo::theWrittenFileIsExactlyThis()
+{
+    const CpuInfo info(nullptr, folder());
+    QByteArray expected = "<SystemInformation version=\"24.0\">\n"
+                          " <processorCount>"
+        + QByteArray::number(info.processorCount())
+        + "</processorCount>\n"
+          " <coresPerProcessor>"
+        + QByteArray::number(info.coreCount() / info.processorCount())
+        + "</coresPerProcessor>\n"
+          " <hyperThreading>"
+        + (info.isHyperThreadingOn() ? "on" : "off")
+        + "</hyperThreading>\n"
+          "</SystemInformation>\n";
+    if (QDir::separator() == QLatin1Char('\\'))
+        expected.replace("\n", "\r\n"); // the file is written in text mode
+    QCOMPARE(contentOf(infoFile()), expected);
+}
+
+void tst_CpuInfo::theSecondConstructionReadsTheFile()
+{
+    TestLog log;
+    const CpuInfo first(log, folder());
+    const QByteArray content = contentOf(infoFile());
+    const CpuInfo second(log, folder());
+    QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
+    QCOMPARE(second.processorCount(), first.processorCount());
+    QCOMPARE(second.coresPerProcessor(), first.coresPerProcessor());
+    QCOMPARE(second.coreCount(), first.processorCount() * first.coresPerProcessor());
+    QCOMPARE(second.isHyperThreadingOn(), first.isHyperThreadingOn());
+    QCOMPARE(contentOf(infoFile()), content);
+}
+
+void tst_CpuInfo::theFolderMayBeRelative()
+{
+    QVERIFY(QDir().mkpath(QStringLiteral("relative")));
+    TestLog log;
+    const CpuInfo info(log, QStringLiteral("relative"));
+    QVERIFY(info.coreCount() >= 1);
+    QCOMPARE(entriesOf(QStringLiteral("relative")), texts({"SystemInfo.xml"}));
+    QCOMPARE(log.lines(), QStringList());
+    QVERIFY(QDir(QStringLiteral("relative")).removeRecursively());
+}
+
+void tst_CpuInfo::theFolderMayEndWithASeparator()
+{
+    TestLog log;
+    QVERIFY(writeFile(infoFile(),
+                      currentForm("<processorCount>2</processorCount>"
+                                  "<coresPerProcessor>8</coresPerProcessor>"
+                                  "<hyperThreading>on</hyperThreading>")));
+    const CpuInfo info(log, folder() + QLatin1Char('/'));
+    QCOMPARE(countsOf(info), (Counts{2, 16, 8, true}));
+    QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
+}
+
+void tst_CpuInfo::theFolderMayHoldAnyCharacters()
+{
+    // "%1" too: nothing may be put in its place.
+    const QString other = folder() + QStringLiteral("/Tr\u00e4ger %1 \u65e5\u672c");
+    QVERIFY(QDir().mkpath(other));
+    TestLog log;
+    const CpuInfo first(log, other);
+    const CpuInfo second(log, other);
+    QCOMPARE(entriesOf(other), texts({"SystemInfo.xml"}));
+    QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
+}
+
+void tst_CpuInfo::theCurrentFormIsRead_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<Counts>("counts");
+
+    const QByteArray two = " <processorCount>2</processorCount>\n";
+    const QByteArray eight = " <coresPerProcessor>8</coresPerProcessor>\n";
+    const QByteArray on = " <hyperThreading>on</hyperThreading>\n";
+    const QByteArray off = " <hyperThreading>off</hyperThreading>\n";
+    const auto threading = [](const QByteArray &text) {
+        return "<hyperThreading>" + text + "</hyperThreading>";
+    };
+
+    QTest::newRow("two processors with eight cores each")
+        << currentForm(two + eight + on) << Counts{2, 16, 8, true};
+    QTest::newRow("off") << currentForm(two + eight + off) << Counts{2, 16, 8, false};
+    QTest::newRow("only \"on\" is on: On")
+        << currentForm(two + eight + threading("On")) << Counts{2, 16, 8, false};
+    QTest::newRow("only \"on\" is on: ON")
+        << currentForm(two + eight + threading("ON")) << Counts{2, 16, 8, false};
+    QTest::newRow("only \"on\" is on: true")
+        << currentForm(two + eight + threading("true")) << Counts{2, 16, 8, false};
+    QTest::newRow("only \"on\" is on: with a blank")
+        << currentForm(two + eight + threading("on ")) << Counts{2, 16, 8, false};
+    QTest::newRow("any order") << currentForm(on + eight + two) << Counts{2, 16, 8, true};
+    QTest::newRow("no processor count is 1") << currentForm(eight + on) << Counts{1, 8, 8, true};
+    QTest::newRow("no core count is 1 for each")
+        << currentForm(two + on) << Counts{2, 2, 1, true};
+    QTest::newRow("hyper-threading only") << currentForm(on) << Counts{1, 1, 1, true};
+    QTest::newRow("not a number is 0 processors, which count as 1 below a division")
+        << currentForm("<processorCount>two</processorCount>" + eight + on)
+        << Counts{0, 0, 0, true};
+    QTest::newRow("not a number is 0 cores")
+        << currentForm(two + "<coresPerProcessor>many</coresPerProcessor>" + on)
+        << Counts{2, 0, 0, true};
+    QTest::newRow("an empty element is no number")
+        << currentForm("<processorCount/>" + eight + on) << Counts{0, 0, 0, true};
+    QTest::newRow("a fraction is no number")
+        << currentForm(two + "<coresPerProcessor>1.5</coresPerProcessor>" + on)
+        << Counts{2, 0, 0, true};
+    QTest::newRow("processor count 0")
+        << currentForm("<processorCount>0</processorCount>" + eight + off)
+        << Counts{0, 0, 0, false};
+    QTest::newRow("nested elements do not count")
+        << currentForm("<a>" + two + eight + "</a>" + on) << Counts{1, 1, 1, true};
+    QTest::newRow("the root's name and version do not matter")
+        << QByteArray("<Other version=\"1.0\">" + two + eight + on + "</Other>")
+        << Counts{2, 16, 8, true};
+    QTest::newRow("no version")
+        << QByteArray("<SystemInformation>" + two + eight + on + "</SystemInformation>")
+        << Counts{2, 16, 8, true};
+    QTest::newRow("with a declaration")
+        << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + currentForm(two + eight + on))
+        << Counts{2, 16, 8, true};
+    QTest::newRow("other elements and comments in UTF-8")
+        << currentForm("<!-- Tr\xc3\xa4ger -->" + two + "<a>\xe6\x97\xa5</a>" + eight + on)
+        << Counts{2, 16, 8, true};
+    QTest::newRow("Windows line ends")
+        << currentForm(two + eight + on).replace("\n", "\r\n") << Counts{2, 16, 8, true};
+}
+
+void tst_CpuInfo::theCurrentFormIsRead()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(Counts, counts);
+    QVERIFY(writeFile(infoFile(), content));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(countsOf(info), counts);
+    QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
+    QCOMPARE(contentOf(infoFile()), content);
+}
+
+void tst_CpuInfo::theOlderFormIsRead_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<Counts>("counts");
+
+    const QByteArray processors = "  <GetNumberOfProcessors value=\"2\"/>\n";
+    const QByteArray cores = "  <GetProcessorCoreCount value=\"4\"/>\n";
+
+    QTest::newRow("one processor with four cores")
+        << olderForm("<GetNumberOfProcessors value=\"1\"/>" + cores) << Counts{1, 4, 4, false};
+    QTest::newRow("two processors with four cores each")
+        << olderForm(processors + cores) << Counts{2, 8, 4, false};
+    QTest::newRow("the other order") << olderForm(cores + processors) << Counts{2, 8, 4, false};
+    QTest::newRow("no core count is 0 cores") << olderForm(processors) << Counts{2, 0, 0, false};
+    QTest::newRow("no processor count is 1") << olderForm(cores) << Counts{1, 4, 4, false};
+    QTest::newRow("an empty element") << olderForm("") << Counts{1, 0, 0, false};
+    QTest::newRow("the last of a name wins")
+        << olderForm("<GetNumberOfProcessors value=\"9\"/><GetProcessorCoreCount value=\"7\"/>"
+                     + processors + cores)
+        << Counts{2, 8, 4, false};
+    QTest::newRow("other nodes are skipped")
+        << olderForm("<!-- x -->" + processors + "text<GetClockRate value=\"3\"/>" + cores
+                     + "<?pi?>")
+        << Counts{2, 8, 4, false};
+    QTest::newRow("nested elements do not count")
+        << olderForm("<a><GetNumberOfProcessors value=\"9\"/></a>" + processors + cores)
+        << Counts{2, 8, 4, false};
+    QTest::newRow("the case of a name matters")
+        << olderForm("<getNumberOfProcessors value=\"9\"/>" + cores) << Counts{1, 4, 4, false};
+    QTest::newRow("not a number is 0 processors, which count as 1 below a division")
+        << olderForm("<GetNumberOfProcessors value=\"two\"/>" + cores) << Counts{0, 0, 0, false};
+    QTest::newRow("not a number is 0 cores")
+        << olderForm(processors + "<GetProcessorCoreCount value=\"\"/>") << Counts{2, 0, 0, false};
+    QTest::newRow("the number is in the attribute")
+        << olderForm("<GetNumberOfProcessors>5</GetNumberOfProcessors>" + cores)
+        << Counts{0, 0, 0, false};
+    QTest::newRow("hyper-threading stays off")
+        << olderForm(processors + cores + "<hyperThreading>on</hyperThreading>")
+               .replace("</SystemInformation>",
+                        "<hyperThreading>on</hyperThreading></SystemInformation>")
+        << Counts{2, 8, 4, false};
+    QTest::newRow("what stands behind \"Info\" does not count")
+        << olderForm(processors + cores)
+               .replace("</SystemInformation>",
+                        "<processorCount>7</processorCount></SystemInformation>")
+        << Counts{2, 8, 4, false};
+    QTest::newRow("any root and a declaration")
+        << QByteArray("<?xml version=\"1.0\"?><Root><Info>" + processors + cores
+                      + "</Info></Root>")
+        << Counts{2, 8, 4, false};
+}
+
+void tst_CpuInfo::theOlderFormIsRead()
+{
+    theCurrentFormIsRead();
+}
+
+void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm_data()
+{
+    QTest::addColumn<QByteArray>("first");
+    QTest::newRow("behind an element") << QByteArray("<a/>");
+    QTest::newRow("behind a comment") << QByteArray("<!-- Info -->");
+    QTest::newRow("behind a text") << QByteArray("Info");
+    QTest::newRow("behind another case") << QByteArray("<info/>");
+}
+
+void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm()
+{
+    QFETCH(QByteArray, first);
+    QVERIFY(writeFile(infoFile(),
+                      currentForm(first
+                                  + "<Info><GetNumberOfProcessors value=\"5\"/>"
+                                    "<GetProcessorCoreCount value=\"5\"/></Info>"
+                                    "<processorCount>2</processorCount>"
+                                    "<coresPerProcessor>8</coresPerProcessor>"
+                                    "<hyperThreading>on</hyperThreading>")));
+    QCOMPARE(countsOf(CpuInfo(nullptr, folder())), (Counts{2, 16, 8, true}));
+}
+
+void tst_CpuInfo::numbersOfAnySizeAreSafe()
+{
+    // Their product is 2^31, which wraps to the smallest number.
+    QVERIFY(writeFile(infoFile(),
+                      currentForm("<processorCount>-1</processorCount>"
+                                  "<coresPerProcessor>-2147483648</coresPerProcessor>"
+                                  "<hyperThreading>off</hyperThreading>")));
+    const int smallest = std::numeric_limits<int>::min();
+    QCOMPARE(countsOf(CpuInfo(nullptr, folder())), (Counts{-1, smallest, smallest, false}));
+
+    QVERIFY(writeFile(infoFile(),
+                      olderForm("<GetNumberOfProcessors value=\"2147483647\"/>"
+                                "<GetProcessorCoreCount value=\"2147483647\"/>")));
+    const CpuInfo info(nullptr, folder());
+    QCOMPARE(info.processorCount(), std::numeric_limits<int>::max());
+}
+
+void tst_CpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain_data()
+{
+    QTest::addColumn<QByteArray>("element");
+    QTest::newRow("missing") << QByteArray();
+    QTest::newRow("empty") << QByteArray("<hyperThreading></hyperThreading>");
+    QTest::newRow("closed at once") << QByteArray("<hyperThreading/>");
+    QTest::newRow("another case") << QByteArray("<HyperThreading>on</HyperThreading>");
+}
+
+void tst_CpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain()
+{
+    QFETCH(QByteArray, element);
+    const QTemporaryDir other;
+    const CpuInfo system(nullptr, other.path());
+
+    const QByteArray content = QByteArray(IncompleteFile).replace("%1", element);
+    QVERIFY(writeFile(infoFile(), content));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(countsOf(info), countsOf(system));
+    QVERIFY(info.processorCount() != 977);
+    QCOMPARE(log.lines(),
+             texts({"Reading CPU information from SystemInfo.xml",
+                    "Hyper-threading information is not stored in XML file - query system again"}));
+    QCOMPARE(contentOf(infoFile()), content);
+}
+
+void tst_CpuInfo::aFileThatCannotBeParsedIsLeftAlone_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("no XML") << QByteArray("processorCount=2\n");
+    QTest::newRow("not closed")
+        << QByteArray("<SystemInformation><processorCount>2</processorCount>"
+                      "<coresPerProcessor>8</coresPerProcessor>"
+                      "<hyperThreading>on</hyperThreading>");
+    QTest::newRow("cut off") << QByteArray("<SystemInformation version=\"24.0\">\n <processorCou");
+    QTest::newRow("two roots") << QByteArray("<a/><b/>");
+    QTest::newRow("any bytes") << QByteArray("\x00\xff\xfe\x01<\x80>", 7);
+}
+
+void tst_CpuInfo::aFileThatCannotBeParsedIsLeftAlone()
+{
+    QFETCH(QByteArray, content);
+    QVERIFY(writeFile(infoFile(), content));
+    TestLog log;
+    QStringList expected;
+    for (int construction = 1; construction <= 2; ++construction) {
+        const CpuInfo info(log, folder());
+        QCOMPARE(countsOf(info), Defaults);
+        expected += texts({"Reading CPU information from SystemInfo.xml",
+                           "Cannot read CPU information from SystemInfo.xml"});
+        QCOMPARE(log.lines(), expected);
+        QCOMPARE(contentOf(infoFile()), content);
+    }
+    QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
+}
+
+void tst_CpuInfo::aFileThatCannotBeOpenedLeavesTheDefaults()
+{
+    QVERIFY(QDir().mkpath(infoFile()));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(countsOf(info), Defaults);
+    QCOMPARE(log.lines(),
+             texts({"Reading CPU information from SystemInfo.xml",
+                    "Cannot read CPU information from SystemInfo.xml"}));
+    QVERIFY(QFileInfo(infoFile()).isDir());
+}
+
+void tst_CpuInfo::aMissingFolderMakesTheSaveFail()
+{
+    const CpuInfo system(nullptr, folder());
+    TestLog log;
+    const CpuInfo info(log, folder() + QStringLiteral("/missing/folder"));
+    QCOMPARE(countsOf(info), countsOf(system));
+    QCOMPARE(log.lines(), texts({"Cannot save CPU information to SystemInfo.xml"}));
+    QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
+}
+
+void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("subfolder");
+    QTest::addColumn<QStringList>("messages");
+    const QString reading = QStringLiteral("Reading CPU information from SystemInfo.xml");
+    QTest::newRow("a good file")
+        << currentForm("<hyperThreading>on</hyperThreading>") << QString() << QStringList{reading};
+    QTest::newRow("a bad file")
+        << QByteArray("<a>") << QString()
+        << QStringList{reading, QStringLiteral("Cannot read CPU information from SystemInfo.xml")};
+    QTest::newRow("no hyper-threading")
+        << currentForm("") << QString()
+        << QStringList{reading,
+                       QStringLiteral("Hyper-threading information is not stored in XML file - "
+                                      "query system again")};
+    QTest::newRow("no folder")
+        << QByteArray() << QStringLiteral("/missing")
+        << QStringList{QStringLiteral("Cannot save CPU information to SystemInfo.xml")};
+}
+
+void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, subfolder);
+    QFETCH(QStringList, messages);
+    QVERIFY(writeFile(infoFile(), content));
+    const TestMessages channel;
+    const CpuInfo info(nullptr, folder() + subfolder);
+    QCOMPARE(channel.lines(), messages);
+}
+
+void tst_CpuInfo::withALogTheDebugChannelStaysSilent()
+{
+    QVERIFY(writeFile(infoFile(), "<a>"));
+    TestLog log;
+    const TestMessages channel;
+    const CpuInfo bad(log, folder());
+    const CpuInfo lost(log, folder() + QStringLiteral("/missing"));
+    QCOMPARE(channel.lines(), QStringList());
+    QCOMPARE(log.lines().size(), 3);
+}
+
+void tst_CpuInfo::aCopyHasTheSameCounts()
+{
+    QVERIFY(writeFile(infoFile(),
+                      currentForm("<processorCount>2</processorCount>"
+                                  "<coresPerProcessor>8</coresPerProcessor>"
+                                  "<hyperThreading>on</hyperThreading>")));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QVERIFY(QFile::remove(infoFile()));
+    const CpuInfo copy(info);
+    QCOMPARE(countsOf(copy), (Counts{2, 16, 8, true}));
+    // Neither read nor asked again.
+    QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
+    QCOMPARE(entriesOf(folder()), QStringList());
+}
+
+void tst_CpuInfo::anAssignmentCopiesTheCounts()
+{
+    QVERIFY(writeFile(infoFile(),
+                      currentForm("<processorCount>2</processorCount>"
+                                  "<coresPerProcessor>8</coresPerProcessor>"
+                                  "<hyperThreading>on</hyperThreading>")));
+    const CpuInfo info(nullptr, folder());
+    QVERIFY(writeFile(infoFile(), "<a>"));
+    CpuInfo other(nullptr, folder());
+    QCOMPARE(countsOf(other), Defaults);
+    other = info;
+    QCOMPARE(countsOf(other), (Counts{2, 16, 8, true}));
+    other = *&other;
+    QCOMPARE(countsOf(other), (Counts{2, 16, 8, true}));
+}
+
+QTEST_GUILESS_MAIN(tst_CpuInfo)
+
+#include "tst_cpuinfo.moc"

@@ -1,0 +1,312 @@
+// What the processor information does with answers that a real system cannot be made to give.
+
+#include "FakePlatform.h"
+#include "TestFiles.h"
+#include "TestLog.h"
+#include "TestMessages.h"
+
+#include <Utility/CpuInfo.h>
+
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+using namespace Vorn::Util;
+
+namespace {
+
+const QString Reading = QStringLiteral("Reading CPU information from SystemInfo.xml");
+const QString AskAgain = QStringLiteral(
+    "Hyper-threading information is not stored in XML file - query system again");
+const QString CouldNotGet = QStringLiteral("Could not get CPU information");
+const QString CannotSave = QStringLiteral("Cannot save CPU information to SystemInfo.xml");
+
+Platform::ProcessorQuery answer(int packages, int cores, bool tellsSmt, bool smt)
+{
+    Platform::ProcessorQuery query;
+    query.ok = true;
+    query.counts.packages = packages;
+    query.counts.cores = cores;
+    query.counts.tellsSmt = tellsSmt;
+    query.counts.smt = smt;
+    return query;
+}
+
+Platform::ProcessorQuery failure(const QStringList &messages)
+{
+    // Counts of a failed query mean nothing.
+    Platform::ProcessorQuery query = answer(5, 50, true, true);
+    query.ok = false;
+    query.messages = messages;
+    return query;
+}
+
+} // namespace
+
+class tst_CpuInfoFallbacks : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void theAnswerIsTakenAndSaved_data();
+    void theAnswerIsTakenAndSaved();
+    void coresPerProcessorAreRoundedDown();
+    void withoutPackagesTheDivisorIsOne();
+    void anAnswerWithoutSmtLeavesHyperThreadingOff();
+    void theFileSparesTheSecondQuery();
+    void aBadFileSparesTheQueryToo();
+    void theOlderFormSparesTheQueryToo();
+
+    void aFailedQuerySavesTheDefaults();
+    void theMessagesOfTheQueryComeFirst();
+    void theMessagesOfASuccessfulQueryAreWritten();
+    void theMessagesGoToTheDebugChannelWithoutALog();
+    void aFailedQueryAndAFailedSaveAreBothReported();
+
+    void askingAgainReplacesTheCountsOfTheFile();
+    void askingAgainInVainKeepsTheCountsOfTheFile();
+    void askingAgainWithoutSmtLeavesHyperThreadingOff();
+
+private:
+    QString folder() const { return folder_->path(); }
+    QString infoFile() const { return folder() + QStringLiteral("/SystemInfo.xml"); }
+
+    void give(const Platform::ProcessorQuery &query)
+    {
+        fakePlatform().queryProcessors = [this, query] {
+            ++queries_;
+            return query;
+        };
+    }
+
+    // What the file says, with its line ends as "\n".
+    QByteArray saved() const { return contentOf(infoFile()).replace("\r\n", "\n"); }
+
+    static QByteArray fileOf(const QByteArray &processors, const QByteArray &cores,
+                             const QByteArray &threading)
+    {
+        return "<SystemInformation version=\"24.0\">\n"
+               " <processorCount>"
+            + processors
+            + "</processorCount>\n"
+              " <coresPerProcessor>"
+            + cores
+            + "</coresPerProcessor>\n"
+              " <hyperThreading>"
+            + threading
+            + "</hyperThreading>\n"
+              "</SystemInformation>\n";
+    }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+    int queries_ = 0;
+};
+
+void tst_CpuInfoFallbacks::init()
+{
+    folder_ = std::make_unique<QTemporaryDir>();
+    QVERIFY(folder_->isValid());
+    fakePlatform() = FakePlatform();
+    queries_ = 0;
+}
+
+void tst_CpuInfoFallbacks::cleanup()
+{
+    fakePlatform() = FakePlatform();
+    folder_.reset();
+}
+
+void tst_CpuInfoFallbacks::theAnswerIsTakenAndSaved_data()
+{
+    QTest::addColumn<bool>("smt");
+    QTest::addColumn<QByteArray>("threading");
+    QTest::newRow("on") << true << QByteArray("on");
+    QTest::newRow("off") << false << QByteArray("off");
+}
+
+void tst_CpuInfoFallbacks::theAnswerIsTakenAndSaved()
+{
+    QFETCH(bool, smt);
+    QFETCH(QByteArray, threading);
+    give(answer(2, 16, true, smt));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(info.processorCount(), 2);
+    QCOMPARE(info.coreCount(), 16);
+    QCOMPARE(info.coresPerProcessor(), 8);
+    QCOMPARE(info.isHyperThreadingOn(), smt);
+    QCOMPARE(saved(), fileOf("2", "8", threading));
+    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(queries_, 1);
+}
+
+void tst_CpuInfoFallbacks::coresPerProcessorAreRoundedDown()
+{
+    give(answer(2, 7, true, false));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(info.coreCount(), 7);
+    QCOMPARE(info.coresPerProcessor(), 3);
+    QCOMPARE(saved(), fileOf("2", "3", "off"));
+    QCOMPARE(CpuInfo(log, folder()).coreCount(), 6); // the file cannot tell of the seventh
+}
+
+void tst_CpuInfoFallbacks::withoutPackagesTheDivisorIsOne()
+{
+    give(answer(0, 6, true, true));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(info.processorCount(), 0);
+    QCOMPARE(info.coreCount(), 6);
+    QCOMPARE(info.coresPerProcessor(), 6);
+    QCOMPARE(info.isHyperThreadingOn(), true);
+    QCOMPARE(saved(), fileOf("0", "6", "on"));
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void tst_CpuInfoFallbacks::anAnswerWithoutSmtLeavesHyperThreadingOff()
+{
+    give(answer(1, 4, false, true));
+    const CpuInfo info(nullptr, folder());
+    QCOMPARE(info.coreCount(), 4);
+    QCOMPARE(info.isHyperThreadingOn(), false);
+    QCOMPARE(saved(), fileOf("1", "4", "off"));
+}
+
+void tst_CpuInfoFallbacks::theFileSparesTheSecondQuery()
+{
+    give(answer(2, 16, true, true));
+    TestLog log;
+    const CpuInfo first(log, folder());
+    give(answer(1, 1, true, false));
+    const CpuInfo second(log, folder());
+    QCOMPARE(queries_, 1);
+    QCOMPARE(second.processorCount(), 2);
+    QCOMPARE(second.coreCount(), 16);
+    QCOMPARE(second.isHyperThreadingOn(), true);
+    QCOMPARE(log.lines(), QStringList{Reading});
+}
+
+void tst_CpuInfoFallbacks::aBadFileSparesTheQueryToo()
+{
+    QVERIFY(writeFile(infoFile(), "<a>"));
+    give(answer(2, 16, true, true));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(queries_, 0);
+    QCOMPARE(info.coreCount(), 1);
+}
+
+void tst_CpuInfoFallbacks::theOlderFormSparesTheQueryToo()
+{
+    QVERIFY(writeFile(infoFile(),
+                      "<a><Info><GetNumberOfProcessors value=\"1\"/>"
+                      "<GetProcessorCoreCount value=\"4\"/></Info></a>"));
+    give(answer(2, 16, true, true));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(queries_, 0);
+    QCOMPARE(info.coreCount(), 4);
+    QCOMPARE(info.isHyperThreadingOn(), false);
+    QCOMPARE(log.lines(), QStringList{Reading});
+}
+
+void tst_CpuInfoFallbacks::aFailedQuerySavesTheDefaults()
+{
+    give(failure({}));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(info.processorCount(), 1);
+    QCOMPARE(info.coreCount(), 1);
+    QCOMPARE(info.coresPerProcessor(), 1);
+    QCOMPARE(info.isHyperThreadingOn(), false);
+    QCOMPARE(log.lines(), QStringList{CouldNotGet});
+    QCOMPARE(saved(), fileOf("1", "1", "off"));
+}
+
+void tst_CpuInfoFallbacks::theMessagesOfTheQueryComeFirst()
+{
+    const QStringList messages = texts(
+        {"Using GetLogicalProcessorInformation",
+         "GetLogicalProcessorInformation failed, error = 122"});
+    give(failure(messages));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(log.lines(), messages + QStringList{CouldNotGet});
+}
+
+void tst_CpuInfoFallbacks::theMessagesOfASuccessfulQueryAreWritten()
+{
+    Platform::ProcessorQuery query = answer(1, 4, false, false);
+    query.messages = texts({"Using GetLogicalProcessorInformation"});
+    give(query);
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(info.coreCount(), 4);
+    QCOMPARE(log.lines(), query.messages);
+}
+
+void tst_CpuInfoFallbacks::theMessagesGoToTheDebugChannelWithoutALog()
+{
+    const QStringList messages = texts(
+        {"GetLogicalProcessorInformationEx failed, error = 5"});
+    give(failure(messages));
+    const TestMessages channel;
+    const CpuInfo info(nullptr, folder());
+    QCOMPARE(channel.lines(), messages + QStringList{CouldNotGet});
+}
+
+void tst_CpuInfoFallbacks::aFailedQueryAndAFailedSaveAreBothReported()
+{
+    give(failure({}));
+    TestLog log;
+    const CpuInfo info(log, folder() + QStringLiteral("/missing"));
+    QCOMPARE(log.lines(), (QStringList{CouldNotGet, CannotSave}));
+    QCOMPARE(info.coreCount(), 1);
+}
+
+void tst_CpuInfoFallbacks::askingAgainReplacesTheCountsOfTheFile()
+{
+    const QByteArray content = fileOf("3", "5", "");
+    QVERIFY(writeFile(infoFile(), content));
+    give(answer(2, 16, true, true));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(queries_, 1);
+    QCOMPARE(info.processorCount(), 2);
+    QCOMPARE(info.coreCount(), 16);
+    QCOMPARE(info.isHyperThreadingOn(), true);
+    QCOMPARE(log.lines(), (QStringList{Reading, AskAgain}));
+    QCOMPARE(contentOf(infoFile()), content);
+}
+
+void tst_CpuInfoFallbacks::askingAgainInVainKeepsTheCountsOfTheFile()
+{
+    const QByteArray content = fileOf("3", "5", "");
+    QVERIFY(writeFile(infoFile(), content));
+    const QString message = QStringLiteral("GetLogicalProcessorInformationEx failed, error = 5");
+    give(failure({message}));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(info.processorCount(), 3);
+    QCOMPARE(info.coreCount(), 15);
+    QCOMPARE(info.isHyperThreadingOn(), false);
+    QCOMPARE(log.lines(), (QStringList{Reading, AskAgain, message, CouldNotGet}));
+    QCOMPARE(contentOf(infoFile()), content);
+}
+
+void tst_CpuInfoFallbacks::askingAgainWithoutSmtLeavesHyperThreadingOff()
+{
+    QVERIFY(writeFile(infoFile(), fileOf("3", "5", "")));
+    give(answer(1, 4, false, false));
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(info.coreCount(), 4);
+    QCOMPARE(info.isHyperThreadingOn(), false);
+}
+
+QTEST_GUILESS_MAIN(tst_CpuInfoFallbacks)
+
+#include "tst_cpuinfofallbacks.moc"

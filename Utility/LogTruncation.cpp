@@ -3,7 +3,9 @@
 #include <Utility/Log.h>
 #include <Utility/Platform/Files.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 #include <QtCore/QTemporaryFile>
 
@@ -31,6 +33,9 @@ bool copyBytes(QIODevice &from, QIODevice &to, qint64 count)
 // The kept part of \a log in a file of its own, which the caller removes; no name on failure.
 QString copyTail(QFile &log)
 {
+    // QTemporaryFile takes the root folder when the one for temporary files is not there.
+    if (!QFileInfo(QDir::tempPath()).isDir())
+        return QString();
     QTemporaryFile tail;
     const qint64 size = log.size();
     const qint64 cut = logCutPosition(log.read(LogCutHeadSize));

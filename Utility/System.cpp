@@ -214,9 +214,9 @@ QString System::getProgramFilesPathFromRegistry(bool registryOnly)
         programFilesPath_ = readSetting(L"InstallationDirectory");
         if (programFilesPath_.isEmpty() && !registryOnly)
             programFilesPath_ = Platform::environmentVariable("TAVELINE2024DIR");
-        programFilesPath_ = withoutLastSeparator(programFilesPath_);
+        programFilesPath_ = QDir::toNativeSeparators(withoutLastSeparator(programFilesPath_));
     }
-    return QDir::toNativeSeparators(programFilesPath_);
+    return programFilesPath_;
 }
 
 bool System::makePath(const QString &path)

@@ -83,12 +83,13 @@ bool System::removeDir(const QString &path, bool keepFolder, const QStringList &
     if (path.isEmpty())
         return false;
     const bool keep = keepFolder || !exceptions.isEmpty();
-    const QFileInfo folder(path);
+    // Clean: "link/" would be the folder that the link points to.
+    const QFileInfo folder(QDir::cleanPath(path));
     if (isLink(folder))
         return keep || removeLink(folder.absoluteFilePath());
 
     bool ok = true;
-    const QFileInfoList entries = QDir(path).entryInfoList(
+    const QFileInfoList entries = QDir(folder.filePath()).entryInfoList(
         QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Unsorted);
     for (const QFileInfo &entry : entries) {
         if (!exceptions.contains(entry.fileName()))

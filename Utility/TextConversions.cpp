@@ -79,8 +79,9 @@ void toChar16Array(const QString &text, char16_t *out)
 
 void toChar16Array(const wchar_t *in, char16_t *out)
 {
+    // QString::fromStdWString takes a byte-order mark at the very beginning away.
     if (in)
-        toChar16Array(QString::fromWCharArray(in), out);
+        toChar16Array(QString::fromStdWString(L' ' + std::wstring(in)).mid(1), out);
 }
 
 } // namespace Vorn::Util

@@ -53,25 +53,28 @@ bool UnicodeFile::chooseAsciiName()
 
 bool UnicodeFile::renameToAscii()
 {
-    return rename(unicodeFilePath(), asciiFilePath());
+    stayed_ = !rename(unicodeFilePath(), asciiFilePath());
+    return !stayed_;
 }
 
 bool UnicodeFile::renameToUnicode()
 {
-    return rename(asciiFilePath(), unicodeFilePath());
+    // Else what could not be removed from the plain path would take the place of this file.
+    return stayed_ || rename(asciiFilePath(), unicodeFilePath());
 }
 
 bool UnicodeFile::rename(const QString &from, const QString &to)
 {
     if (!isUnicode() || !QFile::exists(from))
         return true;
-    // Without a plain name the plain path is that of a folder, which nothing may go to or leave.
-    const bool isFile = !asciiName_.isEmpty();
-    if (QFile::exists(to) && (!isFile || !QFile::remove(to))) {
+    // Without a plain name the plain path is that of a folder, and without a temporary folder one
+    // in the root: nothing may go there or leave from there.
+    const bool isKnown = !asciiPath_.isEmpty() && !asciiName_.isEmpty();
+    if (QFile::exists(to) && (!isKnown || !QFile::remove(to))) {
         setError(QStringLiteral("Unable to remove existing file: %1").arg(to));
         return false;
     }
-    if (!isFile || !QFile::rename(from, to)) {
+    if (!isKnown || !QFile::rename(from, to)) {
         setError(QStringLiteral("Unable to rename %1 to %2").arg(from, to));
         return false;
     }

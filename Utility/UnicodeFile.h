@@ -19,7 +19,8 @@ namespace Vorn::Util {
 ///
 /// A name is replaced by a unique one with the same suffix, a folder by System::getTempDirPath().
 /// A file that stands where this one is to go is removed. A file that does not exist yet is moved
-/// back when it has been created under its plain path meanwhile.
+/// back when it has been created under its plain path meanwhile. A file that could not be moved
+/// stays where it is.
 ///
 /// Every copy moves the file back when it is destroyed, so the first one ends the plain name.
 ///
@@ -74,6 +75,7 @@ private:
     QString asciiPath_;
     bool nameIsUnicode_ = false;
     bool pathIsUnicode_ = false;
+    bool stayed_ = false; // the latest move to the plain path failed
 };
 
 } // namespace Vorn::Util

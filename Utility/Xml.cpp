@@ -24,7 +24,9 @@ QString Xml::valueOf(const QString &name, const QDomElement &element, const QStr
     const QDomNode child = element.namedItem(name);
     if (child.isNull())
         return defaultValue;
-    return child.firstChild().toCharacterData().data();
+    const QDomNode content = child.firstChild();
+    // Qt does not count a CDATA section as character data.
+    return content.isCDATASection() ? content.nodeValue() : content.toCharacterData().data();
 }
 
 } // namespace Vorn::Util

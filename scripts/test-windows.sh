@@ -7,7 +7,8 @@ need g++-mingw-w64-x86-64-posix wine wine64 python3
 cd "$project"
 
 VORNUTILITY_QT_WINDOWS=$(scripts/qt-windows.sh)
-export VORNUTILITY_QT_WINDOWS
+VORNUTILITY_7ZIP_WINDOWS=$(scripts/7zip-windows.sh)
+export VORNUTILITY_QT_WINDOWS VORNUTILITY_7ZIP_WINDOWS
 
 say "windows-release"
 cmake --preset windows-release >/dev/null

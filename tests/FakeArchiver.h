@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TestFolder.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
 #include <QtCore/QJsonArray>
@@ -7,7 +9,6 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
-#include <QtCore/QTemporaryDir>
 
 /// The test's side of the program in helper/archiver.cpp: the script for the programs that are
 /// started while this is the latest object of its kind, and what such a program tells of its call.
@@ -36,6 +37,12 @@ public:
     FakeArchiver &writeFile(const QString &name, const QByteArray &bytes)
     {
         return add(QStringLiteral("writeFile"), name, bytes, 0);
+    }
+
+    /// For an extraction: \a name is relative to the folder that it is told.
+    FakeArchiver &unpackFile(const QString &name, const QByteArray &bytes)
+    {
+        return add(QStringLiteral("unpackFile"), name, bytes, 0);
     }
 
     /// Waits for goOn() with the same word.
@@ -115,6 +122,6 @@ private:
         return QByteArray::fromHex(record().value(key).toString().toLatin1());
     }
 
-    QTemporaryDir folder_;
+    TestFolder folder_;
     QJsonArray steps_;
 };

@@ -20,7 +20,7 @@ FakePlatform &fakePlatform()
 
 FakePlatform::FakePlatform()
     : findArchiver(always(Vorn::Util::Platform::Archiver{
-          QStringLiteral("no archiver"), Vorn::Util::Platform::ArchiverDialect::Product}))
+        QStringLiteral("no archiver"), Vorn::Util::Platform::ArchiverDialect::Product}))
     , clusterToolCommand(always(QString()))
     , openCounter(always(nullptr))
     , universalName(always(QString()))

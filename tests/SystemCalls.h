@@ -15,9 +15,9 @@ struct SystemOutcome
 
 /// Runs \a calls in a fresh process of \a program. One that fails has its exit code as the last
 /// result.
-inline SystemOutcome runSystemCalls(
-    const QString &program, const QString &behaviour, const QStringList &calls,
-    const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
+inline SystemOutcome
+runSystemCalls(const QString &program, const QString &behaviour, const QStringList &calls,
+               const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
 {
     SystemOutcome outcome;
     QProcess process;

@@ -164,8 +164,8 @@ void TestArchiverDialect::theProductsLinesAreSimplifiedLatin1_data()
     QTest::addColumn<QString>("expected");
     QTest::newRow("line end") << QByteArray("Everything is Ok\n") << utf8("Everything is Ok");
     QTest::newRow("CR LF") << QByteArray("Everything is Ok\r\n") << utf8("Everything is Ok");
-    QTest::newRow("white space")
-        << QByteArray(" \t Extracting  a \t b  \r\n") << utf8("Extracting a b");
+    QTest::newRow("white space") << QByteArray(" \t Extracting  a \t b  \r\n")
+                                 << utf8("Extracting a b");
     QTest::newRow("Latin-1") << QByteArray("gr\xf6\xdf\n") << utf8("größ");
     QTest::newRow("UTF-8") << QByteArray("\xc3\xb6\n") << utf8("Ã¶");
     QTest::newRow("newer form") << QByteArray("- a  b\n") << utf8("- a b");
@@ -176,8 +176,8 @@ void TestArchiverDialect::theProductsLinesAreSimplifiedLatin1_data()
 void TestArchiverDialect::theProductsLinesAreSimplifiedLatin1()
 {
     QFETCH(QByteArray, line);
-    for (const auto operation : {ArchiverOperation::Compress, ArchiverOperation::Extract,
-                                 ArchiverOperation::List}) {
+    for (const auto operation :
+         {ArchiverOperation::Compress, ArchiverOperation::Extract, ArchiverOperation::List}) {
         ArchiverLineDecoder decoder(ArchiverDialect::Product, operation);
         QTEST(decoder.decode(line), "expected");
     }
@@ -293,17 +293,18 @@ void TestArchiverDialect::aRecordedListing_data()
                                 utf8("2024-02-29 12:34:56 ....A 6 0 d/a b.txt"),
                                 utf8("2024-02-29 12:34:56 ....A 292 0 d/sub folder/123"),
                                 utf8("2024-02-29 12:34:56 ....A 2 0 日本 Ω.txt")};
-    const QStringList entriesZip{utf8("2024-02-29 12:34:56 ..... 2 2  lead"),
-                                 utf8("2024-02-29 12:34:56 ..... 292 142 12"),
-                                 utf8("2024-02-29 12:34:56 ..... 81 49 12 34 numbers"),
-                                 utf8("2024-02-29 12:34:56 D.... 0 0 d"),
-                                 utf8("2024-02-29 12:34:56 ..... 2 2 d/- minus"),
-                                 utf8("2024-02-29 12:34:56 ..... 1892 591 d/2023 two  blanks ü.txt"),
-                                 utf8("2024-02-29 12:34:56 ..... 6 6 d/a b.txt"),
-                                 utf8("2024-02-29 12:34:56 ..... 0 0 d/empty"),
-                                 utf8("2024-02-29 12:34:56 D.... 0 0 d/sub folder"),
-                                 utf8("2024-02-29 12:34:56 ..... 292 142 d/sub folder/123"),
-                                 utf8("2024-02-29 12:34:56 ..... 2 2 日本 Ω.txt")};
+    const QStringList entriesZip{
+        utf8("2024-02-29 12:34:56 ..... 2 2  lead"),
+        utf8("2024-02-29 12:34:56 ..... 292 142 12"),
+        utf8("2024-02-29 12:34:56 ..... 81 49 12 34 numbers"),
+        utf8("2024-02-29 12:34:56 D.... 0 0 d"),
+        utf8("2024-02-29 12:34:56 ..... 2 2 d/- minus"),
+        utf8("2024-02-29 12:34:56 ..... 1892 591 d/2023 two  blanks ü.txt"),
+        utf8("2024-02-29 12:34:56 ..... 6 6 d/a b.txt"),
+        utf8("2024-02-29 12:34:56 ..... 0 0 d/empty"),
+        utf8("2024-02-29 12:34:56 D.... 0 0 d/sub folder"),
+        utf8("2024-02-29 12:34:56 ..... 292 142 d/sub folder/123"),
+        utf8("2024-02-29 12:34:56 ..... 2 2 日本 Ω.txt")};
     row("many.7z", {type7z, lzma2}, entries7z, utf8("2569 305 9 files, 2 folders"));
     row("many.zip", {typeZip}, entriesZip, utf8("2569 936 9 files, 2 folders"));
     row("copy.7z", {type7z, utf8("Method = Copy")}, {utf8("2024-02-29 12:34:56 ....A 292 292 12")},
@@ -315,7 +316,8 @@ void TestArchiverDialect::aRecordedListing_data()
     row("nothing.7z", {type7z}, {}, utf8("0 0 0 files"));
     row("named.gz", {utf8("Type = gzip")}, {utf8("2024-02-29 12:34:56 ..... 2 36 日本 Ω.txt")},
         utf8("2 36 1 files"));
-    row("stream.gz", {utf8("Type = gzip")}, {utf8("0 0 ..... 21 41 stream")}, utf8("21 41 1 files"));
+    row("stream.gz", {utf8("Type = gzip")}, {utf8("0 0 ..... 21 41 stream")},
+        utf8("21 41 1 files"));
     row("12.txt.bz2", {utf8("Type = bzip2")}, {utf8("0 0 ..... 0 0 12.txt")},
         utf8("0 112 1 files"));
     row("tail.7z", {type7z, lzma2}, entries7z, utf8("2569 305 9 files, 2 folders")); // a warning
@@ -349,27 +351,24 @@ void TestArchiverDialect::aRecordedExtraction_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<QStringList>("sizes");
-    const auto row = [](const char *file, const QStringList &names, const QStringList &sizes) {
-        QTest::newRow(file)
-            << QStringLiteral("current-extract-%1.txt").arg(QString::fromLatin1(file)) << names
-            << sizes;
-    };
-    const QStringList names7z{utf8("d"),
-                              utf8("d/sub folder"),
-                              utf8("d/empty"),
-                              utf8(" lead"),
-                              utf8("12"),
-                              utf8("12 34 numbers"),
-                              utf8("d/- minus"),
-                              utf8("d/2023 two  blanks ü.txt"),
-                              utf8("d/a b.txt"),
-                              utf8("d/sub folder/123"),
+    const auto row
+        =
+            [](const char *file, const QStringList &names, const QStringList &sizes) {
+                QTest::newRow(file)
+                    << QStringLiteral("current-extract-%1.txt").arg(QString::fromLatin1(file))
+                    << names << sizes;
+            };
+    const QStringList names7z{utf8("d"),         utf8("d/sub folder"),
+                              utf8("d/empty"),   utf8(" lead"),
+                              utf8("12"),        utf8("12 34 numbers"),
+                              utf8("d/- minus"), utf8("d/2023 two  blanks ü.txt"),
+                              utf8("d/a b.txt"), utf8("d/sub folder/123"),
                               utf8("日本 Ω.txt")};
     row("many.7z", names7z, {utf8("Size: 2569"), utf8("Compressed: 616")});
     row("many.zip",
         {utf8(" lead"), utf8("12"), utf8("12 34 numbers"), utf8("d"), utf8("d/- minus"),
-         utf8("d/2023 two  blanks ü.txt"), utf8("d/a b.txt"), utf8("d/empty"),
-         utf8("d/sub folder"), utf8("d/sub folder/123"), utf8("日本 Ω.txt")},
+         utf8("d/2023 two  blanks ü.txt"), utf8("d/a b.txt"), utf8("d/empty"), utf8("d/sub folder"),
+         utf8("d/sub folder/123"), utf8("日本 Ω.txt")},
         {utf8("Size: 2569"), utf8("Compressed: 2418")});
     row("tail.7z", names7z, {utf8("Size: 2569"), utf8("Compressed: 632")});
     row("stream.gz", {utf8("stream")}, {utf8("Size: 21"), utf8("Compressed: 41")});
@@ -538,7 +537,8 @@ void TestArchiverDialect::linesOfAnExtraction_data()
     row("a name", "- a.txt\n", {utf8("Extracting a.txt")});
     row("white space in a name", "-  a  b\t \n", {utf8("Extracting  a  b\t ")});
     row("a folder", "- d/e/\n", {utf8("Extracting d/e")});
-    row("a name with a switch", "- -bb1\n- - x\n", {utf8("Extracting -bb1"), utf8("Extracting - x")});
+    row("a name with a switch", "- -bb1\n- - x\n",
+        {utf8("Extracting -bb1"), utf8("Extracting - x")});
     row("words of the totals", "- Size: 5\n- Compressed: 6\n",
         {utf8("Extracting Size: 5"), utf8("Extracting Compressed: 6")});
     row("letters outside Latin-1", "- 日本 😀\n", {utf8("Extracting 日本 😀")});
@@ -564,9 +564,10 @@ void TestArchiverDialect::commentsAreSkipped_data()
     QTest::newRow("one line") << QByteArray("Comment = Type = zip\n");
     QTest::newRow("one brace") << QByteArray("Comment = {\n");
     QTest::newRow("lines") << QByteArray("Comment = \n{\nfirst\n\nsecond\n}\n");
-    QTest::newRow("lines of a header") << QByteArray("Comment = \n{\nType = zip\nMethod = Copy\n}\n");
+    QTest::newRow("lines of a header")
+        << QByteArray("Comment = \n{\nType = zip\nMethod = Copy\n}\n");
     QTest::newRow("a table") << QByteArray("Comment = \n{\n") + table("1 2 3 4 5 x\n", "1 2 3\n")
-                                    + QByteArray("}\n");
+            + QByteArray("}\n");
     QTest::newRow("lines of an extraction")
         << QByteArray("Comment = \n{\n- false\nSize: 7\nCompressed: 8\n}\n");
     QTest::newRow("braces in lines") << QByteArray("Comment = \n{\n{\n } \n}x\n- false\n}\n");
@@ -577,12 +578,14 @@ void TestArchiverDialect::commentsAreSkipped()
 {
     QFETCH(QByteArray, comment);
     const QString ruler = QString::fromLatin1(Ruler);
-    const QStringList listing{utf8("Type = 7z"), utf8("Method = LZMA"), ruler,
-                              utf8("0 0 ....A 1 1 a"), ruler, utf8("1 1 1 files")};
-    QCOMPARE(currentListing("Type = 7z\n" + comment + "Method = LZMA:16\n"
-                            + table("                    ....A            1            1  a\n",
-                                    "                                     1            1  1 files\n")),
-             listing);
+    const QStringList listing{
+        utf8("Type = 7z"),  utf8("Method = LZMA"), ruler, utf8("0 0 ....A 1 1 a"), ruler,
+        utf8("1 1 1 files")};
+    QCOMPARE(
+        currentListing("Type = 7z\n" + comment + "Method = LZMA:16\n"
+                       + table("                    ....A            1            1  a\n",
+                               "                                     1            1  1 files\n")),
+        listing);
     QCOMPARE(currentExtraction("Type = 7z\n" + comment + "\n- a\nSize: 1\n"),
              QStringList({utf8("Extracting a"), utf8("Size: 1")}));
 }
@@ -600,13 +603,13 @@ void TestArchiverDialect::theArchiverIsFound_data()
     QTest::addColumn<QStringList>("onPath");
     QTest::addColumn<QString>("expected"); // where the system has programs of its own
     const QString own = QStringLiteral("product/7z.exe");
-    const auto row = [](const char *name, const char *beside, const char *onPath,
-                        const QString &expected) {
-        const auto names = [](const char *text) {
-            return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-        };
-        QTest::newRow(name) << names(beside) << names(onPath) << expected;
-    };
+    const auto row
+        = [](const char *name, const char *beside, const char *onPath, const QString &expected) {
+              const auto names = [](const char *text) {
+                  return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+              };
+              QTest::newRow(name) << names(beside) << names(onPath) << expected;
+          };
     row("none", "", "", own);
     row("the product's", "7z.exe", "", own);
     row("the product's before all others", "7z.exe 7z 7zz 7za", "7z 7zz 7za", own);

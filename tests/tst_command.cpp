@@ -1,3 +1,4 @@
+#include "HelperProgram.h"
 #include "TestFiles.h"
 #include "TestLog.h"
 #include "TestSystem.h"
@@ -15,6 +16,8 @@ using namespace Vorn::Util;
 
 namespace {
 
+constexpr int LongestWait = 30000; // milliseconds, for programs that nobody waits for
+
 QString scriptName()
 {
     return QStringLiteral("work.bat");
@@ -24,8 +27,8 @@ QString scriptName()
 // told not to.
 QString helperCall(const QString &arguments)
 {
-    const QString call = QStringLiteral("\"%1\" %2")
-                             .arg(QDir::toNativeSeparators(QStringLiteral(HELPER_PROGRAM)), arguments);
+    const QString call
+        = QStringLiteral("\"%1\" %2").arg(QDir::toNativeSeparators(helperProgram()), arguments);
     return onWindows() ? QLatin1Char('@') + call : call;
 }
 
@@ -92,6 +95,7 @@ private Q_SLOTS:
     void theScriptInheritsTheEnvironment();
     void anExistingScriptIsReplaced_data();
     void anExistingScriptIsReplaced();
+    void aLinkInThePlaceOfTheScriptIsNotFollowed();
     void noScriptIsLeft_data();
     void noScriptIsLeft();
     void aScriptThatCannotBeWrittenIsIgnored();
@@ -254,9 +258,14 @@ void tst_Command::eachPieceCountsAsALine()
 
 void tst_Command::theOutputIsReadAsUtf8()
 {
-    const QString text = QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e 5 \xE2\x82\xAC \xF0\x9F\x94\xA9\r\n");
+    const QString text = QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
+                                           "e 5 \xE2\x82\xAC \xF0\x9F\x94\xA9\r\n");
     QCOMPARE(Command().run(printCall(text.toUtf8()), 100, false), text);
-    QCOMPARE(Command().run(printCall("Gr\xF6" "e"), 100, false), QString::fromUtf8("Gr\xF6" "e"));
+    QCOMPARE(Command().run(printCall("Gr\xF6"
+                                     "e"),
+                           100, false),
+             QString::fromUtf8("Gr\xF6"
+                               "e"));
 }
 
 void tst_Command::eachPieceIsDecodedByItself()
@@ -276,12 +285,13 @@ void tst_Command::aLineEndsAtItsFirstNullByte()
 
 void tst_Command::standardErrorIsNotReturned()
 {
-    const QString complain
-        = helperCall(QStringLiteral("print-error ") + QString::fromLatin1(QByteArray("bad").toHex()));
+    const QString complain = helperCall(QStringLiteral("print-error ")
+                                        + QString::fromLatin1(QByteArray("bad").toHex()));
     QCOMPARE(Command().run(complain, 100, false), QString());
     const QString lineEnd = QStringLiteral("\n");
-    QCOMPARE(Command().runL(complain + lineEnd + printCall("good") + lineEnd + complain, 100, false),
-             QStringList{QStringLiteral("good")});
+    QCOMPARE(
+        Command().runL(complain + lineEnd + printCall("good") + lineEnd + complain, 100, false),
+        QStringList{QStringLiteral("good")});
 }
 
 void tst_Command::moreIsReadThanAPipeHolds()
@@ -293,8 +303,8 @@ void tst_Command::moreIsReadThanAPipeHolds()
 
 void tst_Command::theExitCodeDoesNotChangeTheOutput()
 {
-    const QString command = printCall("text") + QLatin1Char('\n')
-        + helperCall(QStringLiteral("exit 3"));
+    const QString command
+        = printCall("text") + QLatin1Char('\n') + helperCall(QStringLiteral("exit 3"));
     QCOMPARE(Command().run(command, 100, false), QStringLiteral("text"));
     QCOMPARE(Command().runQ(command), 3);
 }
@@ -399,6 +409,16 @@ void tst_Command::anExistingScriptIsReplaced()
     QVERIFY(!QFile::exists(scriptName()));
 }
 
+void tst_Command::aLinkInThePlaceOfTheScriptIsNotFollowed()
+{
+    QVERIFY(writeFile(QStringLiteral("other.txt"), "not mine"));
+    QVERIFY(QFile::link(QStringLiteral("other.txt"), scriptName()));
+    QCOMPARE(Command().run(printCall("text"), 100, false), QStringLiteral("text"));
+    QCOMPARE(contentOf(QStringLiteral("other.txt")), QByteArray("not mine"));
+    QVERIFY(!QFileInfo(scriptName()).isSymLink());
+    QVERIFY(!QFile::exists(scriptName()));
+}
+
 void tst_Command::noScriptIsLeft_data()
 {
     anExistingScriptIsReplaced_data();
@@ -430,7 +450,8 @@ void tst_Command::theCallAndEachTrimmedLineAreLogged()
 {
     TestLog log;
     Command(log).run(printCall("  two words \t\r\n\r\nl\xC3\xB6schen\r\n"), 100, true);
-    QCOMPARE(log.lines(), QStringList{commandLine()}
+    QCOMPARE(log.lines(),
+             QStringList{commandLine()}
                  + texts({" output:two words", " output:", " output:l\xC3\xB6schen"}));
 }
 
@@ -440,7 +461,8 @@ void tst_Command::theLinesOfRunLAreLoggedToo()
     Command command(log);
     command.runL(printLinesCall(2), 100, true);
     command.runL(helperCall(QStringLiteral("exit 0")), 100, true);
-    QCOMPARE(log.lines(), QStringList{commandLine()} + texts({" output:line 1", " output:line 2"})
+    QCOMPARE(log.lines(),
+             QStringList{commandLine()} + texts({" output:line 1", " output:line 2"})
                  + QStringList{commandLine()} + texts({" output:"}));
 }
 
@@ -449,8 +471,9 @@ void tst_Command::eachPieceIsLogged()
     TestLog log;
     Command(log).run(printCall(QByteArray(250, 'x') + "\r\n"), 100, true);
     const QString prefix = QStringLiteral(" output:");
-    QCOMPARE(log.lines(), (QStringList{commandLine(), prefix + QString(199, QLatin1Char('x')),
-                                       prefix + QString(51, QLatin1Char('x'))}));
+    QCOMPARE(log.lines(),
+             (QStringList{commandLine(), prefix + QString(199, QLatin1Char('x')),
+                          prefix + QString(51, QLatin1Char('x'))}));
 }
 
 void tst_Command::onlyReturnedLinesAreLogged()
@@ -465,7 +488,8 @@ void tst_Command::nothingIsLoggedUnlessAsked()
     TestLog log;
     Command command(log);
     QCOMPARE(command.run(printLinesCall(1), 100, false), QStringLiteral("line 1\r\n"));
-    QCOMPARE(command.runL(printLinesCall(1), 100, false), QStringList{QStringLiteral("line 1\r\n")});
+    QCOMPARE(command.runL(printLinesCall(1), 100, false),
+             QStringList{QStringLiteral("line 1\r\n")});
     QCOMPARE(log.lines(), QStringList());
 }
 
@@ -497,7 +521,8 @@ void tst_Command::aCopyUsesTheSameLog()
 void tst_Command::runNoWaitRunsInTheCurrentFolder()
 {
     QCOMPARE(Command().runNoWait(QStringLiteral("echo here> done.txt"), false, QString()), 0);
-    QTRY_COMPARE(contentOf(QStringLiteral("done.txt")).trimmed(), QByteArray("here"));
+    QTRY_COMPARE_WITH_TIMEOUT(contentOf(QStringLiteral("done.txt")).trimmed(), QByteArray("here"),
+                              LongestWait);
 }
 
 void tst_Command::runNoWaitRunsInTheGivenFolder()
@@ -505,7 +530,8 @@ void tst_Command::runNoWaitRunsInTheGivenFolder()
     QVERIFY(QDir().mkdir(QStringLiteral("other")));
     const QString folder = QDir().filePath(QStringLiteral("other"));
     QCOMPARE(Command().runNoWait(QStringLiteral("echo there> done.txt"), false, folder), 0);
-    QTRY_COMPARE(contentOf(QStringLiteral("other/done.txt")).trimmed(), QByteArray("there"));
+    QTRY_COMPARE_WITH_TIMEOUT(contentOf(QStringLiteral("other/done.txt")).trimmed(),
+                              QByteArray("there"), LongestWait);
     QVERIFY(!QFile::exists(QStringLiteral("done.txt")));
 }
 
@@ -514,27 +540,27 @@ void tst_Command::runNoWaitDoesNotWait()
 {
     const QString script = helperCall(QStringLiteral("wait-for go.txt")) + QLatin1Char('\n')
         + helperCall(QStringLiteral("copy go.txt done.txt"));
-    QVERIFY(writeFile(QStringLiteral("start.bat"), script.toLatin1()));
+    QVERIFY(writeFile(QStringLiteral("later.bat"), script.toLatin1()));
     {
         Command command;
-        QCOMPARE(command.runNoWait(scriptCall(QStringLiteral("start.bat")), false, QString()), 0);
+        QCOMPARE(command.runNoWait(scriptCall(QStringLiteral("later.bat")), false, QString()), 0);
     }
     QVERIFY(!QFile::exists(QStringLiteral("done.txt")));
     QVERIFY(writeFile(QStringLiteral("go.new"), "go"));
     QVERIFY(QFile::rename(QStringLiteral("go.new"), QStringLiteral("go.txt")));
-    QTRY_COMPARE(contentOf(QStringLiteral("done.txt")), QByteArray("go"));
+    QTRY_COMPARE_WITH_TIMEOUT(contentOf(QStringLiteral("done.txt")), QByteArray("go"), LongestWait);
 }
 
 void tst_Command::runNoWaitWritesNoScript()
 {
     QCOMPARE(Command().runNoWait(QStringLiteral("echo 1> first.txt"), false, QString()), 0);
     QVERIFY(!QFile::exists(scriptName()));
-    QTRY_VERIFY(QFile::exists(QStringLiteral("first.txt")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("first.txt")), LongestWait);
     QVERIFY(!QFile::exists(scriptName()));
 
     QVERIFY(writeFile(scriptName(), "not mine"));
     QCOMPARE(Command().runNoWait(QStringLiteral("echo 2> second.txt"), false, QString()), 0);
-    QTRY_VERIFY(QFile::exists(QStringLiteral("second.txt")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("second.txt")), LongestWait);
     QCOMPARE(contentOf(scriptName()), QByteArray("not mine"));
 }
 
@@ -545,7 +571,7 @@ void tst_Command::runNoWaitLogsTheCommand()
     const QStringList lines = texts({onWindows() ? "Command:cmd.exe /C echo here> done.txt"
                                                  : "Command:/bin/sh -c echo here> done.txt"});
     QCOMPARE(log.lines(), lines);
-    QTRY_VERIFY(QFile::exists(QStringLiteral("done.txt")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("done.txt")), LongestWait);
     QCOMPARE(log.lines(), lines);
 }
 
@@ -554,8 +580,8 @@ void tst_Command::runNoWaitLogsNothingUnlessAsked()
     TestLog log;
     QCOMPARE(Command(log).runNoWait(QStringLiteral("echo 1> first.txt"), false, QString()), 0);
     QCOMPARE(Command().runNoWait(QStringLiteral("echo 2> second.txt"), true, QString()), 0);
-    QTRY_VERIFY(QFile::exists(QStringLiteral("first.txt")));
-    QTRY_VERIFY(QFile::exists(QStringLiteral("second.txt")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("first.txt")), LongestWait);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("second.txt")), LongestWait);
     QCOMPARE(log.lines(), QStringList());
 }
 

@@ -87,8 +87,9 @@ void tst_CommandFallbacks::theCallIsLoggedByItsDisplayedName()
     TestLog log;
     Command(log).run(QStringLiteral("command"), 100, true);
     Command(log).runL(QStringLiteral("command"), 100, true);
-    QCOMPARE(log.lines(), texts({"Command:interpreter /C <work.bat>", " output:",
-                                 "Command:interpreter /C <work.bat>", " output:"}));
+    QCOMPARE(log.lines(),
+             texts({"Command:interpreter /C <work.bat>",
+                    " output:", "Command:interpreter /C <work.bat>", " output:"}));
 }
 
 void tst_CommandFallbacks::runNoWaitIsLoggedByItsDisplayedName()

@@ -1,3 +1,4 @@
+#include "HelperProgram.h"
 #include "TestSystem.h"
 
 #include <Utility/Command.h>
@@ -23,7 +24,7 @@ QString scriptLine(const QString &arguments)
 {
     return QStringLiteral("%1\"%2\" %3\n")
         .arg(onWindows() ? QStringLiteral("@") : QString(),
-             QDir::toNativeSeparators(QStringLiteral(HELPER_PROGRAM)), arguments);
+             QDir::toNativeSeparators(helperProgram()), arguments);
 }
 
 } // namespace
@@ -36,9 +37,8 @@ void tst_CommandTimeout::aHangingCommandIsStoppedAfter30Seconds()
     const QTemporaryDir folder;
     QVERIFY(QDir::setCurrent(folder.path()));
     const QString output = QStringLiteral("first\r\nsecond\r\nunfinished");
-    const QString command
-        = scriptLine(QStringLiteral("hang %1 ended.txt")
-                         .arg(QString::fromLatin1(output.toLatin1().toHex())))
+    const QString command = scriptLine(QStringLiteral("hang %1 ended.txt")
+                                           .arg(QString::fromLatin1(output.toLatin1().toHex())))
         + scriptLine(QStringLiteral("copy ended.txt rest.txt"));
 
     QElapsedTimer timer;
@@ -46,7 +46,7 @@ void tst_CommandTimeout::aHangingCommandIsStoppedAfter30Seconds()
     QCOMPARE(Command().run(command, 100, false), output);
     QVERIFY2(timer.elapsed() >= 29900, "stopped too early");
     QVERIFY(!QFile::exists(QStringLiteral("work.bat")));
-    QTRY_VERIFY(QFile::exists(QStringLiteral("ended.txt")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("ended.txt")), 30000);
     QVERIFY(!QFile::exists(QStringLiteral("rest.txt")));
     QVERIFY(QDir::setCurrent(start));
 }

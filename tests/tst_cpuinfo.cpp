@@ -37,12 +37,12 @@ bool operator==(const Counts &left, const Counts &right)
 
 char *toString(const Counts &counts)
 {
-    return qstrdup(qPrintable(QStringLiteral("%1 processors, %2 cores, %3 per processor, %4")
-                                  .arg(counts.processors)
-                                  .arg(counts.cores)
-                                  .arg(counts.coresPerProcessor)
-                                  .arg(counts.hyperThreading ? QStringLiteral("on")
-                                                             : QStringLiteral("off"))));
+    return qstrdup(
+        qPrintable(QStringLiteral("%1 processors, %2 cores, %3 per processor, %4")
+                       .arg(counts.processors)
+                       .arg(counts.cores)
+                       .arg(counts.coresPerProcessor)
+                       .arg(counts.hyperThreading ? QStringLiteral("on") : QStringLiteral("off"))));
 }
 
 Counts countsOf(const CpuInfo &info)
@@ -217,9 +217,8 @@ void tst_CpuInfo::theCurrentFormIsRead_data()
     const QByteArray eight = " <coresPerProcessor>8</coresPerProcessor>\n";
     const QByteArray on = " <hyperThreading>on</hyperThreading>\n";
     const QByteArray off = " <hyperThreading>off</hyperThreading>\n";
-    const auto threading = [](const QByteArray &text) {
-        return "<hyperThreading>" + text + "</hyperThreading>";
-    };
+    const auto threading
+        = [](const QByteArray &text) { return "<hyperThreading>" + text + "</hyperThreading>"; };
 
     QTest::newRow("two processors with eight cores each")
         << currentForm(two + eight + on) << Counts{2, 16, 8, true};
@@ -234,8 +233,7 @@ void tst_CpuInfo::theCurrentFormIsRead_data()
         << currentForm(two + eight + threading("on ")) << Counts{2, 16, 8, false};
     QTest::newRow("any order") << currentForm(on + eight + two) << Counts{2, 16, 8, true};
     QTest::newRow("no processor count is 1") << currentForm(eight + on) << Counts{1, 8, 8, true};
-    QTest::newRow("no core count is 1 for each")
-        << currentForm(two + on) << Counts{2, 2, 1, true};
+    QTest::newRow("no core count is 1 for each") << currentForm(two + on) << Counts{2, 2, 1, true};
     QTest::newRow("hyper-threading only") << currentForm(on) << Counts{1, 1, 1, true};
     QTest::newRow("not a number is 0 processors, which count as 1 below a division")
         << currentForm("<processorCount>two</processorCount>" + eight + on)
@@ -256,12 +254,12 @@ void tst_CpuInfo::theCurrentFormIsRead_data()
     QTest::newRow("the root's name and version do not matter")
         << QByteArray("<Other version=\"1.0\">" + two + eight + on + "</Other>")
         << Counts{2, 16, 8, true};
-    QTest::newRow("no version")
-        << QByteArray("<SystemInformation>" + two + eight + on + "</SystemInformation>")
-        << Counts{2, 16, 8, true};
-    QTest::newRow("with a declaration")
-        << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + currentForm(two + eight + on))
-        << Counts{2, 16, 8, true};
+    QTest::newRow("no version") << QByteArray("<SystemInformation>" + two + eight + on
+                                              + "</SystemInformation>")
+                                << Counts{2, 16, 8, true};
+    QTest::newRow("with a declaration") << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                                      + currentForm(two + eight + on))
+                                        << Counts{2, 16, 8, true};
     QTest::newRow("other elements and comments in UTF-8")
         << currentForm("<!-- Tr\xc3\xa4ger -->" + two + "<a>\xe6\x97\xa5</a>" + eight + on)
         << Counts{2, 16, 8, true};
@@ -301,10 +299,9 @@ void tst_CpuInfo::theOlderFormIsRead_data()
         << olderForm("<GetNumberOfProcessors value=\"9\"/><GetProcessorCoreCount value=\"7\"/>"
                      + processors + cores)
         << Counts{2, 8, 4, false};
-    QTest::newRow("other nodes are skipped")
-        << olderForm("<!-- x -->" + processors + "text<GetClockRate value=\"3\"/>" + cores
-                     + "<?pi?>")
-        << Counts{2, 8, 4, false};
+    QTest::newRow("other nodes are skipped") << olderForm(
+        "<!-- x -->" + processors + "text<GetClockRate value=\"3\"/>" + cores + "<?pi?>")
+                                             << Counts{2, 8, 4, false};
     QTest::newRow("nested elements do not count")
         << olderForm("<a><GetNumberOfProcessors value=\"9\"/></a>" + processors + cores)
         << Counts{2, 8, 4, false};
@@ -328,8 +325,7 @@ void tst_CpuInfo::theOlderFormIsRead_data()
                         "<processorCount>7</processorCount></SystemInformation>")
         << Counts{2, 8, 4, false};
     QTest::newRow("any root and a declaration")
-        << QByteArray("<?xml version=\"1.0\"?><Root><Info>" + processors + cores
-                      + "</Info></Root>")
+        << QByteArray("<?xml version=\"1.0\"?><Root><Info>" + processors + cores + "</Info></Root>")
         << Counts{2, 8, 4, false};
 }
 
@@ -409,10 +405,10 @@ void tst_CpuInfo::aFileThatCannotBeParsedIsLeftAlone_data()
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("empty") << QByteArray();
     QTest::newRow("no XML") << QByteArray("processorCount=2\n");
-    QTest::newRow("not closed")
-        << QByteArray("<SystemInformation><processorCount>2</processorCount>"
-                      "<coresPerProcessor>8</coresPerProcessor>"
-                      "<hyperThreading>on</hyperThreading>");
+    QTest::newRow("not closed") << QByteArray(
+        "<SystemInformation><processorCount>2</processorCount>"
+        "<coresPerProcessor>8</coresPerProcessor>"
+        "<hyperThreading>on</hyperThreading>");
     QTest::newRow("cut off") << QByteArray("<SystemInformation version=\"24.0\">\n <processorCou");
     QTest::newRow("two roots") << QByteArray("<a/><b/>");
     QTest::newRow("any bytes") << QByteArray("\x00\xff\xfe\x01<\x80>", 7);
@@ -463,8 +459,8 @@ void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel_data()
     QTest::addColumn<QString>("subfolder");
     QTest::addColumn<QStringList>("messages");
     const QString reading = QStringLiteral("Reading CPU information from SystemInfo.xml");
-    QTest::newRow("a good file")
-        << currentForm("<hyperThreading>on</hyperThreading>") << QString() << QStringList{reading};
+    QTest::newRow("a good file") << currentForm("<hyperThreading>on</hyperThreading>") << QString()
+                                 << QStringList{reading};
     QTest::newRow("a bad file")
         << QByteArray("<a>") << QString()
         << QStringList{reading, QStringLiteral("Cannot read CPU information from SystemInfo.xml")};
@@ -473,9 +469,9 @@ void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel_data()
         << QStringList{reading,
                        QStringLiteral("Hyper-threading information is not stored in XML file - "
                                       "query system again")};
-    QTest::newRow("no folder")
-        << QByteArray() << QStringLiteral("/missing")
-        << QStringList{QStringLiteral("Cannot save CPU information to SystemInfo.xml")};
+    QTest::newRow("no folder") << QByteArray() << QStringLiteral("/missing")
+                               << QStringList{QStringLiteral(
+                                      "Cannot save CPU information to SystemInfo.xml")};
 }
 
 void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel()

@@ -15,8 +15,8 @@ using namespace Vorn::Util;
 namespace {
 
 const QString Reading = QStringLiteral("Reading CPU information from SystemInfo.xml");
-const QString AskAgain = QStringLiteral(
-    "Hyper-threading information is not stored in XML file - query system again");
+const QString AskAgain
+    = QStringLiteral("Hyper-threading information is not stored in XML file - query system again");
 const QString CouldNotGet = QStringLiteral("Could not get CPU information");
 const QString CannotSave = QStringLiteral("Cannot save CPU information to SystemInfo.xml");
 
@@ -228,9 +228,8 @@ void tst_CpuInfoFallbacks::aFailedQuerySavesTheDefaults()
 
 void tst_CpuInfoFallbacks::theMessagesOfTheQueryComeFirst()
 {
-    const QStringList messages = texts(
-        {"Using GetLogicalProcessorInformation",
-         "GetLogicalProcessorInformation failed, error = 122"});
+    const QStringList messages = texts({"Using GetLogicalProcessorInformation",
+                                        "GetLogicalProcessorInformation failed, error = 122"});
     give(failure(messages));
     TestLog log;
     const CpuInfo info(log, folder());
@@ -250,8 +249,7 @@ void tst_CpuInfoFallbacks::theMessagesOfASuccessfulQueryAreWritten()
 
 void tst_CpuInfoFallbacks::theMessagesGoToTheDebugChannelWithoutALog()
 {
-    const QStringList messages = texts(
-        {"GetLogicalProcessorInformationEx failed, error = 5"});
+    const QStringList messages = texts({"GetLogicalProcessorInformationEx failed, error = 5"});
     give(failure(messages));
     const TestMessages channel;
     const CpuInfo info(nullptr, folder());

@@ -108,9 +108,8 @@ void TestLogThreads::noLineIsTornOrForeign()
     const QRegularExpression form(QStringLiteral("^\\[\\d\\d:\\d\\d:\\d\\d\\] (\\d) (\\d+) "));
     for (const QByteArray &line : lines_) {
         const QRegularExpressionMatch match = form.match(QString::fromUtf8(line));
-        QVERIFY2(match.hasMatch(), line);
-        const QByteArray text
-            = message(match.captured(1).toInt(), match.captured(2).toInt());
+        QVERIFY2(match.hasMatch(), line.constData());
+        const QByteArray text = message(match.captured(1).toInt(), match.captured(2).toInt());
         QCOMPARE(line.mid(PrefixLength), text);
     }
 }

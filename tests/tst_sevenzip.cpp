@@ -1,5 +1,7 @@
 #include <Utility/SevenZip.h>
 
+#include "TestFolder.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
@@ -7,7 +9,6 @@
 #include <QtCore/QMetaMethod>
 #include <QtCore/QPointer>
 #include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
 #include <memory>
@@ -422,7 +423,7 @@ void TestSevenZip::whatHasNoTextFailsAnAssertionOrFallsBack()
 
 void TestSevenZip::theSizeOfAFileIsItsBytes()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     writeFile(folder.filePath(QStringLiteral("ten")), "0123456789");
     writeFile(folder.filePath(QStringLiteral("empty")), QByteArray());
     QCOMPARE(Archive::fileSize(folder.filePath(QStringLiteral("ten"))), Q_INT64_C(10));
@@ -431,13 +432,13 @@ void TestSevenZip::theSizeOfAFileIsItsBytes()
 
 void TestSevenZip::aMissingFileHasSize0()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     QCOMPARE(Archive::fileSize(folder.filePath(QStringLiteral("missing"))), Q_INT64_C(0));
 }
 
 void TestSevenZip::theSizesAreSummedAndMissingFilesCount0()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString ten = folder.filePath(QStringLiteral("ten"));
     const QString three = folder.filePath(QStringLiteral("three"));
     const QString missing = folder.filePath(QStringLiteral("missing"));
@@ -454,7 +455,7 @@ void TestSevenZip::theSizesOfNoFilesAre0()
 
 void TestSevenZip::sizesGoBeyond32Bits()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     QFile large(folder.filePath(QStringLiteral("large")));
     QVERIFY(large.open(QIODevice::WriteOnly));
     constexpr qint64 Size = Q_INT64_C(3000000000);
@@ -475,7 +476,7 @@ void operationRows(const QStringList &operations)
 }
 
 // What the helper tells of an operation in the folder "work" when there is no archiver.
-QJsonObject runWithoutArchiver(const QTemporaryDir &folder, const QString &operation,
+QJsonObject runWithoutArchiver(const TestFolder &folder, const QString &operation,
                                const QString &currentPath)
 {
     QProcess child;
@@ -488,7 +489,7 @@ QJsonObject runWithoutArchiver(const QTemporaryDir &folder, const QString &opera
     return QJsonDocument::fromJson(child.readAllStandardOutput()).object();
 }
 
-bool makeFolders(const QTemporaryDir &folder)
+bool makeFolders(const TestFolder &folder)
 {
     const QDir dir(folder.path());
     return dir.mkdir(QStringLiteral("programs")) && dir.mkdir(QStringLiteral("work"));
@@ -504,7 +505,7 @@ void TestSevenZip::aMissingArchiverGivesFalseAndNoSignal_data()
 void TestSevenZip::aMissingArchiverGivesFalseAndNoSignal()
 {
     QFETCH(QString, operation);
-    const QTemporaryDir folder;
+    const TestFolder folder;
     QVERIFY(makeFolders(folder));
     const QJsonObject report = runWithoutArchiver(folder, operation, QString());
     QCOMPARE(report.value(QStringLiteral("result")), QJsonValue(false));
@@ -524,7 +525,7 @@ void TestSevenZip::aMissingArchiverLeavesTheCurrentFolderChanged_data()
 void TestSevenZip::aMissingArchiverLeavesTheCurrentFolderChanged()
 {
     QFETCH(QString, operation);
-    const QTemporaryDir folder;
+    const TestFolder folder;
     QVERIFY(makeFolders(folder));
     const QString work = folder.filePath(QStringLiteral("work"));
     const QJsonObject report = runWithoutArchiver(folder, operation, work);

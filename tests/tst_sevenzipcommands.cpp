@@ -2,13 +2,13 @@
 #include <Utility/System.h>
 
 #include "FakeArchiver.h"
+#include "TestFolder.h"
 #include "TestSystem.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QPointer>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
 #include <functional>
@@ -248,7 +248,7 @@ private Q_SLOTS:
     void aSecondListingStartsWithItsHeader();
 
 private:
-    QTemporaryDir temp_;
+    TestFolder temp_;
 };
 
 // List files go to a folder of their own. It is worked out once per process, so that the tests'
@@ -326,7 +326,8 @@ void TestSevenZipCommands::theArgumentsOfACompression()
     QVERIFY(archive.compressFiles({QStringLiteral("b.txt"), QStringLiteral("a.txt")}));
     const QStringList names{QStringLiteral("x/archive.bin"), QStringLiteral("b.txt"),
                             QStringLiteral("a.txt")};
-    QCOMPARE(fake.arguments(), QStringList({QStringLiteral("a"), typeSwitch}) + names + lastSwitches);
+    QCOMPARE(fake.arguments(),
+             QStringList({QStringLiteral("a"), typeSwitch}) + names + lastSwitches);
 }
 
 void TestSevenZipCommands::aCombinationWithoutSwitchesGivesEmptyArguments_data()
@@ -369,9 +370,9 @@ void TestSevenZipCommands::compressingNoFilesNamesNone()
     SevenZip archive;
     archive.setArchiveFile(QStringLiteral("x.7z"));
     QVERIFY(archive.compressFiles({}));
-    const QStringList expected{QStringLiteral("a"),         QStringLiteral("-t7z"),
-                               QStringLiteral("x.7z"),      QStringLiteral("-m0=LZMA2"),
-                               QStringLiteral("-mx=1"),     QStringLiteral("-ma=0"),
+    const QStringList expected{QStringLiteral("a"),      QStringLiteral("-t7z"),
+                               QStringLiteral("x.7z"),   QStringLiteral("-m0=LZMA2"),
+                               QStringLiteral("-mx=1"),  QStringLiteral("-ma=0"),
                                QStringLiteral("-mmt=on")};
     QCOMPARE(fake.arguments(), expected);
 }
@@ -401,10 +402,14 @@ void TestSevenZipCommands::theArgumentsOfAListing()
 void TestSevenZipCommands::argumentsArriveToTheLetter()
 {
     const FakeArchiver fake;
-    const QStringList names{QStringLiteral("two  blanks"),   QStringLiteral("a \"quoted\" word"),
-                            QStringLiteral("ends with a\\"), QStringLiteral("ends blank \\"),
-                            QStringLiteral("%PATH% ^& $HOME `x` *"), QString::fromUtf8("größe Ω 日本"),
-                            QString(),                        QStringLiteral("%1 %2")};
+    const QStringList names{QStringLiteral("two  blanks"),
+                            QStringLiteral("a \"quoted\" word"),
+                            QStringLiteral("ends with a\\"),
+                            QStringLiteral("ends blank \\"),
+                            QStringLiteral("%PATH% ^& $HOME `x` *"),
+                            QString::fromUtf8("größe Ω 日本"),
+                            QString(),
+                            QStringLiteral("%1 %2")};
     SevenZip archive;
     archive.setArchiveFile(QStringLiteral("my archive's.7z"));
     QVERIFY(archive.compressFiles(names));
@@ -461,7 +466,7 @@ void TestSevenZipCommands::namesStayWithoutACurrentPath()
 
 void TestSevenZipCommands::namesBelowTheCurrentPathBecomeRelative()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const FakeArchiver fake;
     const QString other = folder.path().toUpper() + QStringLiteral("/e.txt");
     SevenZip archive;
@@ -470,18 +475,17 @@ void TestSevenZipCommands::namesBelowTheCurrentPathBecomeRelative()
                             folder.path() + QStringLiteral("-2/c.txt"), QStringLiteral("d/e.txt"),
                             folder.path(), other};
     QVERIFY(archive.compressFiles(names));
-    const QStringList expected{QDir::toNativeSeparators(QStringLiteral("a/b.txt")),
-                               QDir::toNativeSeparators(names.at(1)),
-                               QDir::toNativeSeparators(QStringLiteral("d/e.txt")),
-                               QDir::toNativeSeparators(folder.path()),
-                               QDir::toNativeSeparators(other)}; // case counts
+    const QStringList expected{
+        QDir::toNativeSeparators(QStringLiteral("a/b.txt")), QDir::toNativeSeparators(names.at(1)),
+        QDir::toNativeSeparators(QStringLiteral("d/e.txt")),
+        QDir::toNativeSeparators(folder.path()), QDir::toNativeSeparators(other)}; // case counts
     QCOMPARE(fake.arguments().mid(3, names.size()), expected);
     QCOMPARE(archive.files(), names);
 }
 
 void TestSevenZipCommands::everyOccurrenceOfTheCurrentPathIsRemoved()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("w")));
     const CurrentFolder current(folder.path());
     const FakeArchiver fake;
@@ -495,7 +499,7 @@ void TestSevenZipCommands::everyOccurrenceOfTheCurrentPathIsRemoved()
 
 void TestSevenZipCommands::aCurrentPathWithASlashAtItsEndRemovesNothing()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const FakeArchiver fake;
     const QString name = folder.path() + QStringLiteral("/a.txt");
     SevenZip archive;
@@ -538,10 +542,10 @@ void TestSevenZipCommands::from33FilesOnAListFileStandsOnTheCommandLine()
     SevenZip archive;
     archive.setArchiveFile(QStringLiteral("x.7z"));
     QVERIFY(archive.compressFiles(numberedFiles(count)));
-    const QStringList expected{QStringLiteral("a"),     QStringLiteral("-t7z"),
-                               QStringLiteral("x.7z"),  listFileArgument("listfile.tmp"),
+    const QStringList expected{QStringLiteral("a"),         QStringLiteral("-t7z"),
+                               QStringLiteral("x.7z"),      listFileArgument("listfile.tmp"),
                                QStringLiteral("-m0=LZMA2"), QStringLiteral("-mx=1"),
-                               QStringLiteral("-ma=0"), QStringLiteral("-mmt=on")};
+                               QStringLiteral("-ma=0"),     QStringLiteral("-mmt=on")};
     QCOMPARE(fake.arguments(), expected);
     QVERIFY(fake.hasListFile());
     QCOMPARE(fake.listFile(), lines(numberedFiles(count)));
@@ -576,7 +580,7 @@ void TestSevenZipCommands::theListFileHoldsTheNamesInUtf8()
 
 void TestSevenZipCommands::theListFileHoldsTheRelativeNames()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const FakeArchiver fake;
     QStringList names;
     QStringList expected;
@@ -935,7 +939,7 @@ void TestSevenZipCommands::everyCommandStaysAChild()
 
 void TestSevenZipCommands::theArchiverOutlivesItsObject()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString end = folder.filePath(QStringLiteral("end"));
     FakeArchiver fake;
     fake.waitFor(QStringLiteral("go on")).writeFile(end, "ended");
@@ -950,7 +954,7 @@ void TestSevenZipCommands::theArchiverOutlivesItsObject()
 void TestSevenZipCommands::settingsStayAcrossOperations()
 {
     const FakeArchiver fake;
-    const QTemporaryDir folder;
+    const TestFolder folder;
     SevenZip archive;
     archive.setArchiveFile(QStringLiteral("x.bin"));
     archive.setCurrentPath(folder.path());
@@ -980,7 +984,7 @@ void TestSevenZipCommands::theCurrentFolderIsSwitchedAndRestored_data()
 void TestSevenZipCommands::theCurrentFolderIsSwitchedAndRestored()
 {
     QFETCH(int, kind);
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString before = QDir::currentPath();
     FakeArchiver fake;
     fake.waitFor(QStringLiteral("end")).exit(2);
@@ -1004,7 +1008,7 @@ void TestSevenZipCommands::theCurrentFolderIsSwitchedAndRestored()
 
 void TestSevenZipCommands::anEmptyCurrentPathLeavesTheCurrentFolder()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const CurrentFolder current(folder.path());
     const QString before = QDir::currentPath();
     const FakeArchiver fake;
@@ -1020,7 +1024,7 @@ void TestSevenZipCommands::anEmptyCurrentPathLeavesTheCurrentFolder()
 void TestSevenZipCommands::aCurrentPathThatWasClearedMeanwhileRestoresNothing()
 {
     const CurrentFolder current(QDir::currentPath());
-    const QTemporaryDir folder;
+    const TestFolder folder;
     FakeArchiver fake;
     fake.waitFor(QStringLiteral("end"));
     SevenZip archive;
@@ -1036,7 +1040,7 @@ void TestSevenZipCommands::aCurrentPathThatWasClearedMeanwhileRestoresNothing()
 
 void TestSevenZipCommands::theCurrentFolderIsBackWhenTheSignalComes()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString before = QDir::currentPath();
     const FakeArchiver fake;
     SevenZip archive;
@@ -1051,7 +1055,7 @@ void TestSevenZipCommands::theCurrentFolderIsBackWhenTheSignalComes()
 
 void TestSevenZipCommands::aCrashRestoresTheCurrentFolder()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString before = QDir::currentPath();
     FakeArchiver fake;
     fake.crash();
@@ -1063,7 +1067,7 @@ void TestSevenZipCommands::aCrashRestoresTheCurrentFolder()
 
 void TestSevenZipCommands::theSizesOfACompressionAreThoseOfTheFiles()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString archiveFile = folder.filePath(QStringLiteral("x.7z"));
     const QString ten = folder.filePath(QStringLiteral("ten"));
     QVERIFY(writeFile(ten, "0123456789"));
@@ -1079,7 +1083,7 @@ void TestSevenZipCommands::theSizesOfACompressionAreThoseOfTheFiles()
 
 void TestSevenZipCommands::theSizesAreTakenInTheCurrentPath()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     QVERIFY(writeFile(folder.filePath(QStringLiteral("only here")), "0123456789"));
     FakeArchiver fake;
     fake.writeFile(QStringLiteral("x.7z"), QByteArray(5, 'x'));
@@ -1093,7 +1097,7 @@ void TestSevenZipCommands::theSizesAreTakenInTheCurrentPath()
 
 void TestSevenZipCommands::theSizesAreTakenAfterAFailureToo()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString ten = folder.filePath(QStringLiteral("ten"));
     QVERIFY(writeFile(ten, "0123456789"));
     FakeArchiver fake;
@@ -1154,13 +1158,11 @@ void TestSevenZipCommands::linesOfAnExtraction_data()
     QTest::addColumn<qint64>("uncompressed");
     QTest::addColumn<qint64>("compressed");
     const auto row = [](const char *name, const QByteArray &output, const QStringList &files,
-                        qint64 uncompressed = SizeBefore,
-                        qint64 compressed = SizeBefore) {
+                        qint64 uncompressed = SizeBefore, qint64 compressed = SizeBefore) {
         QTest::newRow(name) << output << files << uncompressed << compressed;
     };
-    const auto names = [](const char *text) {
-        return QString::fromUtf8(text).split(QLatin1Char('|'));
-    };
+    const auto names
+        = [](const char *text) { return QString::fromUtf8(text).split(QLatin1Char('|')); };
     row("nothing", "", {});
     row("one name", "Extracting  a.txt\n", names("a.txt"));
     row("names in order", "Extracting  b\nExtracting  a\nExtracting  b\n", names("b|a|b"));
@@ -1169,8 +1171,9 @@ void TestSevenZipCommands::linesOfAnExtraction_data()
     row("runs of blanks shrink", "Extracting  a   b\t c.txt  \n", names("a b c.txt"));
     row("white space before", " \t Extracting  a.txt\n", names("a.txt"));
     row("backslashes", "Extracting  d\\e\\f.txt\n", names("d\\e\\f.txt"));
-    row("Latin-1", "Extracting  gr\xf6\xdf"
-                   "e.txt\n",
+    row("Latin-1",
+        "Extracting  gr\xf6\xdf"
+        "e.txt\n",
         names("größe.txt"));
     row("UTF-8 is not decoded", "Extracting  \xc3\xb6.txt\n", names("Ã¶.txt"));
     row("a newer program's archive line", "Extracting archive: x.7z\n", names("archive: x.7z"));
@@ -1218,7 +1221,8 @@ void blockRows()
     QTest::addColumn<bool>("crLf");
     for (const int blockSize : {1, 3, 17, 64, 0}) {
         for (const bool crLf : {true, false}) {
-            QTest::addRow("%s, %s", blockSize == 0 ? "whole" : QByteArray::number(blockSize).constData(),
+            QTest::addRow("%s, %s",
+                          blockSize == 0 ? "whole" : QByteArray::number(blockSize).constData(),
                           crLf ? "CR LF" : "LF")
                 << blockSize << crLf;
         }
@@ -1248,12 +1252,10 @@ void TestSevenZipCommands::aRecordedExtraction()
     fake.print(output, blockSize);
     SevenZip archive;
     QVERIFY(archive.extractFilesTo(QStringLiteral("to")));
-    const QStringList expected{QStringLiteral("12"),
-                               QStringLiteral("12 34 numbers"),
-                               QStringLiteral("d\\a b.txt"),
-                               QString::fromUtf8("d\\2023 two blanks ü.txt"),
-                               QStringLiteral("d"),
-                               QStringLiteral("d\\empty")};
+    const QStringList expected{
+        QStringLiteral("12"),         QStringLiteral("12 34 numbers"),
+        QStringLiteral("d\\a b.txt"), QString::fromUtf8("d\\2023 two blanks ü.txt"),
+        QStringLiteral("d"),          QStringLiteral("d\\empty")};
     QCOMPARE(archive.files(), expected);
     QCOMPARE(archive.uncompressedSize(), Q_INT64_C(2271));
     QCOMPARE(archive.compressedSize(), Q_INT64_C(616));
@@ -1375,26 +1377,31 @@ void TestSevenZipCommands::entriesOfAListing_data()
         "b|a|b");
     row("CR LF", "2024-02-29 12:34:56 ....A          292          139  a.txt\r\n", "a.txt");
     row("blanks", "2024-02-29 12:34:56 ....A          292          139  a b c.txt\n", "a b c.txt");
-    row("runs of blanks", "2024-02-29 12:34:56 ....A          292          139  a  b \t c\n", "a b c");
+    row("runs of blanks", "2024-02-29 12:34:56 ....A          292          139  a  b \t c\n",
+        "a b c");
     row("no packed size", "2024-02-29 12:34:56 ....A          292               a.txt\n", "a.txt");
     row("no packed size, blanks", "2024-02-29 12:34:56 ....A          292               a b c\n",
         "a b c");
     row("no packed size, a number first",
         "2024-02-29 12:34:56 ....A           81               12 34 numbers\n", "34 numbers");
-    row("no packed size, only a number", "2024-02-29 12:34:56 ....A          292               12\n",
-        "12");
+    row("no packed size, only a number",
+        "2024-02-29 12:34:56 ....A          292               12\n", "12");
     row("no packed size, nearly a number",
         "2024-02-29 12:34:56 ....A          292               12a 34\n", "12a 34");
     row("a number for a name", "2024-02-29 12:34:56 ....A          292          139  12\n", "12");
-    row("numbers for a name", "2024-02-29 12:34:56 ....A          292          139  12 34\n", "12 34");
+    row("numbers for a name", "2024-02-29 12:34:56 ....A          292          139  12 34\n",
+        "12 34");
     row("a number of 64 bits", "2024-02-29 12:34:56 ....A 9000000000 8000000000 a b\n", "a b");
-    row("Latin-1", "2024-02-29 12:34:56 ....A 1 2 gr\xf6\xdf"
-                   "e\n",
+    row("Latin-1",
+        "2024-02-29 12:34:56 ....A 1 2 gr\xf6\xdf"
+        "e\n",
         "größe");
     row("UTF-8 is not decoded", "2024-02-29 12:34:56 ....A 1 2 \xc3\xb6\n", "Ã¶");
     row("no date", "                    .....          292          160  number\n", "");
-    row("no date, blanks", "                    .....          292          160  a b c d\n", "b c d");
-    row("no date and no sizes", "                    .....                            12.txt\n", "");
+    row("no date, blanks", "                    .....          292          160  a b c d\n",
+        "b c d");
+    row("no date and no sizes", "                    .....                            12.txt\n",
+        "");
     row("an empty line", "2024-02-29 12:34:56 ....A 1 2 a\n\n2024-02-29 12:34:56 ....A 1 2 b\n",
         "a||b");
     row("short rulers are entries", "-------\n2024-02-29 12:34:56 ....A 1 2 a\n", "|a");
@@ -1421,13 +1428,13 @@ void TestSevenZipCommands::totalsOfAListing_data()
     QTest::addColumn<QByteArray>("output");
     QTest::addColumn<qint64>("uncompressed");
     QTest::addColumn<qint64>("compressed");
-    const auto row = [](const char *name, const QByteArray &output, qint64 uncompressed,
-                        qint64 compressed) {
-        QTest::newRow(name) << output << uncompressed << compressed;
-    };
+    const auto row
+        = [](const char *name, const QByteArray &output, qint64 uncompressed, qint64 compressed) {
+              QTest::newRow(name) << output << uncompressed << compressed;
+          };
     row("none", listing(""), SizeBefore, SizeBefore);
-    row("totals", listing("", "                      2569          305  9 files, 2 folders\n"), 2569,
-        305);
+    row("totals", listing("", "                      2569          305  9 files, 2 folders\n"),
+        2569, 305);
     row("CR LF", listing("", "     2569          305  9 files\r\n"), 2569, 305);
     row("beyond 32 bits", listing("", "5000000000 4294967296 1 files\n"), Q_INT64_C(5000000000),
         Q_INT64_C(4294967296));
@@ -1475,12 +1482,10 @@ void TestSevenZipCommands::aRecordedListing()
     SevenZip archive;
     archive.setType(SevenZip::TypeZip);
     QVERIFY(archive.listFiles());
-    const QStringList expected{QStringLiteral("12"),
-                               QStringLiteral("34 numbers"),
-                               QStringLiteral("d\\a b.txt"),
-                               QString::fromUtf8("d\\2023 two blanks ü.txt"),
-                               QStringLiteral("d"),
-                               QStringLiteral("d\\empty")};
+    const QStringList expected{
+        QStringLiteral("12"),         QStringLiteral("34 numbers"),
+        QStringLiteral("d\\a b.txt"), QString::fromUtf8("d\\2023 two blanks ü.txt"),
+        QStringLiteral("d"),          QStringLiteral("d\\empty")};
     QCOMPARE(archive.files(), expected);
     QCOMPARE(archive.type(), SevenZip::Type7z);
     QCOMPARE(archive.method(), SevenZip::LZMA);

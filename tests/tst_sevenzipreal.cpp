@@ -1,6 +1,7 @@
 #include <Utility/SevenZip.h>
 #include <Utility/System.h>
 
+#include "TestFolder.h"
 #include "TestSystem.h"
 
 #include <QtCore/QDir>
@@ -9,7 +10,6 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QMap>
 #include <QtCore/QStandardPaths>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
 #include <memory>
@@ -111,23 +111,23 @@ Tree mixedTree()
 Tree hardNames()
 {
     Tree tree;
-    const QStringList names{QStringLiteral("12"),
-                            QStringLiteral("12 34 numbers"),
-                            QStringLiteral("2024-02-29 12:34:56").replace(QLatin1Char(':'),
-                                                                          QLatin1Char('.')),
-                            QStringLiteral("two  blanks   three"),
-                            QStringLiteral("d/ blank first"),
-                            QString::fromUtf8("größe.txt"),
-                            QString::fromUtf8("日本 Ω 😀.txt"),
-                            QStringLiteral("{"),
-                            QStringLiteral("}"),
-                            QStringLiteral("d/--------"),
-                            QStringLiteral("Size.txt"),
-                            QStringLiteral("Extracting  x"),
-                            QStringLiteral("%PATH% ^& $HOME `x`"),
-                            QStringLiteral("Type = zip"),
-                            QStringLiteral("d/- minus"),
-                            QStringLiteral("d/@at")};
+    const QStringList names{
+        QStringLiteral("12"),
+        QStringLiteral("12 34 numbers"),
+        QStringLiteral("2024-02-29 12:34:56").replace(QLatin1Char(':'), QLatin1Char('.')),
+        QStringLiteral("two  blanks   three"),
+        QStringLiteral("d/ blank first"),
+        QString::fromUtf8("größe.txt"),
+        QString::fromUtf8("日本 Ω 😀.txt"),
+        QStringLiteral("{"),
+        QStringLiteral("}"),
+        QStringLiteral("d/--------"),
+        QStringLiteral("Size.txt"),
+        QStringLiteral("Extracting  x"),
+        QStringLiteral("%PATH% ^& $HOME `x`"),
+        QStringLiteral("Type = zip"),
+        QStringLiteral("d/- minus"),
+        QStringLiteral("d/@at")};
     for (const QString &name : names)
         tree.insert(name, name.toUtf8());
     return tree;
@@ -170,7 +170,7 @@ private:
     // Compresses the tree, lists and extracts it, and compares all that is reported.
     void roundTrip(SevenZip &archive, const Tree &tree);
 
-    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<TestFolder> folder_;
     QString before_;
 };
 
@@ -190,7 +190,7 @@ void TestSevenZipReal::initTestCase()
 void TestSevenZipReal::init()
 {
     before_ = QDir::currentPath();
-    folder_ = std::make_unique<QTemporaryDir>();
+    folder_ = std::make_unique<TestFolder>();
     QVERIFY(folder_->isValid());
     QVERIFY(QDir().mkpath(path("in")));
 }
@@ -198,11 +198,9 @@ void TestSevenZipReal::init()
 void TestSevenZipReal::cleanup()
 {
     QCOMPARE(QDir::currentPath(), before_);
-    const QStringList listFiles = QDir(System::getTempDirPath())
-                                      .entryList({QStringLiteral("listfile*.tmp")});
+    const QStringList listFiles
+        = QDir(System::getTempDirPath()).entryList({QStringLiteral("listfile*.tmp")});
     QVERIFY2(listFiles.isEmpty(), "A list file was left behind.");
-    // A program that has just ended may hold its current folder for a moment longer.
-    QTRY_VERIFY(QDir(folder_->path()).removeRecursively());
     folder_.reset();
 }
 

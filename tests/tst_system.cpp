@@ -1,3 +1,4 @@
+#include "HelperProgram.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestSettings.h"
@@ -27,11 +28,6 @@ QString withProductFolder(const QString &root)
 QString productKey()
 {
     return QStringLiteral("SOFTWARE\\Vantorel\\VORN\\24.0");
-}
-
-QString helperProgram()
-{
-    return QStringLiteral(HELPER_PROGRAM);
 }
 
 QString helperFolder()
@@ -102,8 +98,7 @@ private Q_SLOTS:
     void makePathThroughAFile();
 
 private:
-    SystemOutcome run(const QStringList &calls,
-                      const QMap<QString, QString> &variables = {}) const;
+    SystemOutcome run(const QStringList &calls, const QMap<QString, QString> &variables = {}) const;
     QString path(const QString &name) const { return here_ + QLatin1Char('/') + name; }
 
     QTemporaryDir folder_;
@@ -152,9 +147,10 @@ void tst_System::cleanup()
 
 void tst_System::allUsersDataPath()
 {
-    const SystemOutcome outcome = run({QStringLiteral("getAllUsersDataPath"),
-                                       QStringLiteral("getAllUsersDataPath")});
-    QString expected = withProductFolder(QDir::rootPath() + QStringLiteral("Users/Public/Documents"));
+    const SystemOutcome outcome
+        = run({QStringLiteral("getAllUsersDataPath"), QStringLiteral("getAllUsersDataPath")});
+    QString expected
+        = withProductFolder(QDir::rootPath() + QStringLiteral("Users/Public/Documents"));
     if (!onWindows())
         expected = run({QStringLiteral("getProgramDataPath=VORN 2024")}).results.value(0);
     QCOMPARE(outcome.results, (QStringList{expected, expected}));
@@ -189,22 +185,21 @@ void tst_System::programDataPathIsKeptForEveryPartOfIt()
 
 void tst_System::programDataPathOfAnotherNameReplacesTheOneKept()
 {
-    const QStringList results
-        = run({QStringLiteral("getProgramDataPath=VORN 2024"),
-               QStringLiteral("getProgramDataPath=vorn"),
-               QStringLiteral("getProgramDataPath=VORN 2024 Beta"),
-               QStringLiteral("getProgramDataPath=VORN 2024"),
-               QStringLiteral("getProgramDataPath=Other\\"),
-               QStringLiteral("getProgramDataPath=VORN 2024")})
-              .results;
+    const QStringList results = run({QStringLiteral("getProgramDataPath=VORN 2024"),
+                                     QStringLiteral("getProgramDataPath=vorn"),
+                                     QStringLiteral("getProgramDataPath=VORN 2024 Beta"),
+                                     QStringLiteral("getProgramDataPath=VORN 2024"),
+                                     QStringLiteral("getProgramDataPath=Other\\"),
+                                     QStringLiteral("getProgramDataPath=VORN 2024")})
+                                    .results;
     QCOMPARE(results.size(), 6);
     const QString root = results.first().chopped(QStringLiteral("VORN 2024").size());
     QVERIFY(root.endsWith(native(QStringLiteral("/Vantorel/"))));
-    QCOMPARE(results, (QStringList{root + QStringLiteral("VORN 2024"), root + QStringLiteral("vorn"),
-                                   root + QStringLiteral("VORN 2024 Beta"),
-                                   root + QStringLiteral("VORN 2024 Beta"),
-                                   root + QStringLiteral("Other\\"),
-                                   root + QStringLiteral("VORN 2024")}));
+    QCOMPARE(results,
+             (QStringList{root + QStringLiteral("VORN 2024"), root + QStringLiteral("vorn"),
+                          root + QStringLiteral("VORN 2024 Beta"),
+                          root + QStringLiteral("VORN 2024 Beta"), root + QStringLiteral("Other\\"),
+                          root + QStringLiteral("VORN 2024")}));
 }
 
 void tst_System::programDataPathIsNotCreated()
@@ -222,19 +217,20 @@ void tst_System::userDataPath()
     QCOMPARE(run({QStringLiteral("getUserDataPath")}).results,
              QStringList{withProductFolder(root)});
     if (!onWindows()) {
-        QCOMPARE(run({QStringLiteral("getUserDataPath")},
-                     {{QStringLiteral("XDG_DATA_HOME"), QString()},
-                      {QStringLiteral("HOME"), here_}}).results,
-                 QStringList{withProductFolder(path(QStringLiteral(".local/share")))});
+        QCOMPARE(
+            run({QStringLiteral("getUserDataPath")},
+                {{QStringLiteral("XDG_DATA_HOME"), QString()}, {QStringLiteral("HOME"), here_}})
+                .results,
+            QStringList{withProductFolder(path(QStringLiteral(".local/share")))});
     }
 }
 
 void tst_System::userDataPathIsKeptAndNotCreated()
 {
-    const QStringList results
-        = run({QStringLiteral("getUserDataPath"), QStringLiteral("setVariable=XDG_DATA_HOME=/other"),
-               QStringLiteral("getUserDataPath")})
-              .results;
+    const QStringList results = run({QStringLiteral("getUserDataPath"),
+                                     QStringLiteral("setVariable=XDG_DATA_HOME=/other"),
+                                     QStringLiteral("getUserDataPath")})
+                                    .results;
     QCOMPARE(results.size(), 2);
     QCOMPARE(results.at(1), results.at(0));
     QVERIFY(!QFileInfo::exists(path(QStringLiteral("data home"))));
@@ -265,8 +261,8 @@ void tst_System::publicDocumentsThatCannotBeCreatedAreTold()
 {
     QVERIFY(writeFile(path(QStringLiteral("public")), QByteArray()));
     const QString expected = withProductFolder(path(QStringLiteral("public/Documents")));
-    const SystemOutcome outcome = run({QStringLiteral("getPublicDocumentsDirPath"),
-                                       QStringLiteral("getPublicDocumentsDirPath")});
+    const SystemOutcome outcome = run(
+        {QStringLiteral("getPublicDocumentsDirPath"), QStringLiteral("getPublicDocumentsDirPath")});
     QCOMPARE(outcome.results, (QStringList{expected, expected}));
     QCOMPARE(outcome.messages,
              QStringList{debugMessage("Serious: Unable to create the folder: ", expected)});
@@ -284,8 +280,8 @@ void tst_System::tutorialsLieInThePublicDocuments()
 
 void tst_System::tutorialsAreCreatedByTheFirstCallOnly()
 {
-    const QString expected
-        = withProductFolder(path(QStringLiteral("public/Documents"))) + native(QStringLiteral("/Tutorials"));
+    const QString expected = withProductFolder(path(QStringLiteral("public/Documents")))
+        + native(QStringLiteral("/Tutorials"));
     const QStringList results
         = run({QStringLiteral("getTutorialsDirPath"), QStringLiteral("removeFolder=") + expected,
                QStringLiteral("getTutorialsDirPath")})
@@ -330,7 +326,8 @@ void tst_System::temporaryFolderIsKept()
 
 void tst_System::temporaryFolderIsNeverOutsideAscii()
 {
-    const QString folder = path(QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e"));
+    const QString folder = path(QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
+                                                  "e"));
     QVERIFY(QDir().mkdir(folder));
     QMap<QString, QString> variables;
     for (const char *name : {"TMPDIR", "TEMP", "TMP"})
@@ -433,8 +430,8 @@ void tst_System::workingFolderOfAFileIsItsFolder()
 void tst_System::workingFolderOfARelativeFileIsAbsolute()
 {
     QVERIFY(writeFile(path(QStringLiteral("a file.dat")), QByteArray()));
-    QTest::ignoreMessage(
-        QtDebugMsg, "Passing file name to Util::System::setWorkingDirPath \"a file.dat\"");
+    QTest::ignoreMessage(QtDebugMsg,
+                         "Passing file name to Util::System::setWorkingDirPath \"a file.dat\"");
     System::setWorkingDirPath(QStringLiteral("a file.dat"));
     QCOMPARE(System::getWorkingDirPath(), here_);
 }
@@ -479,17 +476,21 @@ void tst_System::installationFolderOfTheSettings()
     QVERIFY(writeSetting(productKey(), QStringLiteral("InstallationDirectory"), value));
     for (const char *registryOnly : {"true", "false"}) {
         QCOMPARE(run({QStringLiteral("getProgramFilesPathFromRegistry=")
-                      + QString::fromLatin1(registryOnly)}).results,
+                      + QString::fromLatin1(registryOnly)})
+                     .results,
                  QStringList{native(expected)});
     }
 }
 
 void tst_System::installationFolderOfTheVariable()
 {
-    const SystemOutcome outcome
-        = run({QStringLiteral("getProgramFilesPathFromRegistry=false")},
-              {{QStringLiteral("TAVELINE2024DIR"), QString::fromUtf8("D:/Gr\xC3\xB6\xC3\x9F" "e/")}});
-    QCOMPARE(outcome.results, QStringList{native(QString::fromUtf8("D:/Gr\xC3\xB6\xC3\x9F" "e"))});
+    const SystemOutcome outcome = run({QStringLiteral("getProgramFilesPathFromRegistry=false")},
+                                      {{QStringLiteral("TAVELINE2024DIR"),
+                                        QString::fromUtf8("D:/Gr\xC3\xB6\xC3\x9F"
+                                                          "e/")}});
+    QCOMPARE(outcome.results,
+             QStringList{native(QString::fromUtf8("D:/Gr\xC3\xB6\xC3\x9F"
+                                                  "e"))});
     QCOMPARE(outcome.printed.size(), 1); // that there is no setting
 }
 
@@ -503,7 +504,8 @@ void tst_System::installationFolderOfTheVariableOnlyWhenWanted()
     QCOMPARE(run({QStringLiteral("getProgramFilesPathFromRegistry=true"),
                   QStringLiteral("getProgramFilesPathFromRegistry=false"),
                   QStringLiteral("getProgramFilesPathFromRegistry=true")},
-                 variables).results,
+                 variables)
+                 .results,
              (QStringList{QString(), native(QStringLiteral("D:/variable")),
                           native(QStringLiteral("D:/variable"))}));
 }
@@ -513,7 +515,8 @@ void tst_System::installationFolderOfTheSettingsGoesFirst()
     QVERIFY(writeSetting(productKey(), QStringLiteral("InstallationDirectory"),
                          QStringLiteral("D:/setting")));
     QCOMPARE(run({QStringLiteral("getProgramFilesPathFromRegistry=false")},
-                 {{QStringLiteral("TAVELINE2024DIR"), QStringLiteral("D:/variable")}}).results,
+                 {{QStringLiteral("TAVELINE2024DIR"), QStringLiteral("D:/variable")}})
+                 .results,
              QStringList{native(QStringLiteral("D:/setting"))});
 }
 
@@ -522,7 +525,8 @@ void tst_System::installationFolderIsKept()
     QCOMPARE(run({QStringLiteral("setVariable=TAVELINE2024DIR=D:/first"),
                   QStringLiteral("getProgramFilesPathFromRegistry=false"),
                   QStringLiteral("setVariable=TAVELINE2024DIR=D:/second"),
-                  QStringLiteral("getProgramFilesPathFromRegistry=false")}).results,
+                  QStringLiteral("getProgramFilesPathFromRegistry=false")})
+                 .results,
              (QStringList{native(QStringLiteral("D:/first")), native(QStringLiteral("D:/first"))}));
 }
 
@@ -538,9 +542,10 @@ void tst_System::programFolderIsThatOfTheMainProgram()
     const QString program = path(QFileInfo(helperProgram()).fileName());
     QVERIFY(QFile::copy(helperProgram(), program));
     QVERIFY(writeFile(path(QStringLiteral("VORN.exe")), QByteArray()));
-    QCOMPARE(runSystemCalls(program, QStringLiteral("system"),
-                            {QStringLiteral("getCurrentExePath")}).results,
-             QStringList{native(QFileInfo(here_).canonicalFilePath())});
+    QCOMPARE(
+        runSystemCalls(program, QStringLiteral("system"), {QStringLiteral("getCurrentExePath")})
+            .results,
+        QStringList{native(QFileInfo(here_).canonicalFilePath())});
 }
 
 void tst_System::programFolderWithoutAnApplication()
@@ -556,15 +561,15 @@ void tst_System::programFolderAskedForFirstIsTheInstallationFolder()
     QVERIFY(writeSetting(productKey(), QStringLiteral("InstallationDirectory"),
                          QStringLiteral("D:/setting")));
     QCOMPARE(run({QStringLiteral("getCurrentExePath"),
-                  QStringLiteral("getProgramFilesPathFromRegistry=false")}).results,
+                  QStringLiteral("getProgramFilesPathFromRegistry=false")})
+                 .results,
              (QStringList{helperFolder(), helperFolder()}));
 
     // The settings are not even read: that they are missing is not printed.
     QVERIFY(removeSettings(QStringLiteral("SOFTWARE\\Vantorel\\VORN")));
-    const SystemOutcome outcome
-        = run({QStringLiteral("getCurrentExePath"),
-               QStringLiteral("getProgramFilesPathFromRegistry=false"),
-               QStringLiteral("getProgramFilesPathFromRegistry=true")});
+    const SystemOutcome outcome = run({QStringLiteral("getCurrentExePath"),
+                                       QStringLiteral("getProgramFilesPathFromRegistry=false"),
+                                       QStringLiteral("getProgramFilesPathFromRegistry=true")});
     QCOMPARE(outcome.results, (QStringList{helperFolder(), helperFolder(), helperFolder()}));
     QCOMPARE(outcome.printed, QStringList());
 }
@@ -572,10 +577,12 @@ void tst_System::programFolderAskedForFirstIsTheInstallationFolder()
 void tst_System::installationFolderAskedForFirstIsTheProgramFolder()
 {
     QVERIFY(writeSetting(productKey(), QStringLiteral("InstallationDirectory"),
-                         QStringLiteral("/setting")));
+                         QStringLiteral("/the/setting/")));
+    const QString folder = native(QStringLiteral("/the/setting"));
     QCOMPARE(run({QStringLiteral("getProgramFilesPathFromRegistry=true"),
-                  QStringLiteral("getCurrentExePath")}).results.value(0),
-             native(QStringLiteral("/setting")));
+                  QStringLiteral("getCurrentExePath")})
+                 .results,
+             (QStringList{folder, folder}));
 }
 
 void tst_System::makePathCreatesAllMissingFolders_data()

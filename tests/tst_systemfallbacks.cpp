@@ -47,15 +47,13 @@ QString answer(const char *function, const char *name, const QString &text)
 // "platform.settingsFailure=OUTCOME|CODE|MESSAGE"
 QString settingsFailure(SettingsValue::Outcome outcome, int code, const QString &message)
 {
-    return answer("settingsFailure",
-                  QStringLiteral("%1|%2|").arg(outcome).arg(code) + message);
+    return answer("settingsFailure", QStringLiteral("%1|%2|").arg(outcome).arg(code) + message);
 }
 
 void answerSettings(const QString &name, const QString &text)
 {
     fakePlatform().readSettingsValue = [name, text](const QString &key, const QString &asked) {
-        const bool found
-            = key == QLatin1String("SOFTWARE\\Vantorel\\VORN\\24.0") && asked == name;
+        const bool found = key == QLatin1String("SOFTWARE\\Vantorel\\VORN\\24.0") && asked == name;
         return SettingsValue{found ? SettingsValue::Found : SettingsValue::NoKey,
                              found ? text : QString(), 2, QStringLiteral("Not found\n")};
     };
@@ -193,9 +191,11 @@ void tst_SystemFallbacks::programDataLiesInTheCommonFolder()
 void tst_SystemFallbacks::withoutACommonFolderProgramDataLiesBelowTheRoot()
 {
     const QString root = QDir::rootPath() + QStringLiteral("ProgramData");
-    QCOMPARE(run({QStringLiteral("getProgramDataPath=VORN 2024"),
-                  QStringLiteral("getProgramDataPath=Other")}).results,
-             (QStringList{withProductFolder(root), native(root + QStringLiteral("/Vantorel/Other"))}));
+    QCOMPARE(
+        run({QStringLiteral("getProgramDataPath=VORN 2024"),
+             QStringLiteral("getProgramDataPath=Other")})
+            .results,
+        (QStringList{withProductFolder(root), native(root + QStringLiteral("/Vantorel/Other"))}));
 }
 
 void tst_SystemFallbacks::allUsersDataLieInThePublicDocuments()
@@ -203,18 +203,19 @@ void tst_SystemFallbacks::allUsersDataLieInThePublicDocuments()
     QCOMPARE(run({answer("publicDocumentsRoot", here_ + QLatin1Char('/')),
                   QStringLiteral("getAllUsersDataPath"),
                   answer("publicDocumentsRoot", QStringLiteral("/other/")),
-                  QStringLiteral("getAllUsersDataPath")}).results,
+                  QStringLiteral("getAllUsersDataPath")})
+                 .results,
              (QStringList{withProductFolder(here_), withProductFolder(here_)}));
     QVERIFY(QDir(here_).isEmpty());
 }
 
 void tst_SystemFallbacks::userDataLieBelowTheirRoot()
 {
-    QCOMPARE(run({answer("userDataRoot", here_ + QLatin1Char('/')),
-                  QStringLiteral("getUserDataPath"),
-                  answer("userDataRoot", QStringLiteral("/other/")),
-                  QStringLiteral("getUserDataPath")}).results,
-             (QStringList{withProductFolder(here_), withProductFolder(here_)}));
+    QCOMPARE(
+        run({answer("userDataRoot", here_ + QLatin1Char('/')), QStringLiteral("getUserDataPath"),
+             answer("userDataRoot", QStringLiteral("/other/")), QStringLiteral("getUserDataPath")})
+            .results,
+        (QStringList{withProductFolder(here_), withProductFolder(here_)}));
     QVERIFY(QDir(here_).isEmpty());
 }
 
@@ -231,10 +232,11 @@ void tst_SystemFallbacks::withoutTheVariablePublicDocumentsLieInTheDoubledFolder
 
 void tst_SystemFallbacks::anEmptyVariableIsNone()
 {
-    QCOMPARE(run({answer("commonApplicationDataFolder", native(here_)),
-                  answer("variable", "PUBLIC", QString()),
-                  QStringLiteral("getPublicDocumentsDirPath")}).results,
-             QStringList{withProductFolder(withProductFolder(here_))});
+    QCOMPARE(
+        run({answer("commonApplicationDataFolder", native(here_)),
+             answer("variable", "PUBLIC", QString()), QStringLiteral("getPublicDocumentsDirPath")})
+            .results,
+        QStringList{withProductFolder(withProductFolder(here_))});
 }
 
 void tst_SystemFallbacks::tutorialsWithoutTheVariable()
@@ -242,7 +244,8 @@ void tst_SystemFallbacks::tutorialsWithoutTheVariable()
     const QString expected
         = native(withProductFolder(withProductFolder(here_)) + QStringLiteral("/Tutorials"));
     QCOMPARE(run({answer("commonApplicationDataFolder", native(here_)),
-                  QStringLiteral("getTutorialsDirPath")}).results,
+                  QStringLiteral("getTutorialsDirPath")})
+                 .results,
              QStringList{expected});
     QVERIFY(QFileInfo(expected).isDir());
 }
@@ -254,7 +257,8 @@ void tst_SystemFallbacks::ruleAndTemplateFoldersAreCreatedByEveryCall()
     QCOMPARE(run({answer("userDataRoot", here_ + QLatin1Char('/')),
                   QStringLiteral("getRuleDirPath"), QStringLiteral("getTemplateDirPath"),
                   QStringLiteral("removeFolder=") + withProductFolder(here_),
-                  QStringLiteral("getRuleDirPath"), QStringLiteral("getTemplateDirPath")}).results,
+                  QStringLiteral("getRuleDirPath"), QStringLiteral("getTemplateDirPath")})
+                 .results,
              (QStringList{rule, templates, rule, templates}));
     QVERIFY(QFileInfo(rule).isDir());
     QVERIFY(QFileInfo(templates).isDir());
@@ -279,7 +283,7 @@ void tst_SystemFallbacks::withoutAUniqueNameThereIsNoTemporaryFileName()
 void tst_SystemFallbacks::temporaryFileName_data()
 {
     QTest::addColumn<QString>("uniqueName");
-    QTest::addColumn<QString>("expected"); // for "results.xyz"
+    QTest::addColumn<QString>("expected"); // for "results.tar.xyz"
 
     const auto row = [](const char *uniqueName, const char *expected) {
         QTest::newRow(uniqueName) << QString::fromLatin1(uniqueName)
@@ -305,10 +309,11 @@ void tst_SystemFallbacks::temporaryFileName()
     QFETCH(QString, expected);
 
     const QString withoutSuffix = expected.chopped(QStringLiteral("xyz").size());
-    QCOMPARE(run({answer("uniqueFileName", uniqueName),
-                  QStringLiteral("getTempFileName=results.xyz"),
-                  QStringLiteral("getTempFileName=results")}).results,
-             (QStringList{expected, withoutSuffix}));
+    QCOMPARE(
+        run({answer("uniqueFileName", uniqueName), QStringLiteral("getTempFileName=results.tar.xyz"),
+             QStringLiteral("getTempFileName=results")})
+            .results,
+        (QStringList{expected, withoutSuffix}));
 }
 
 void tst_SystemFallbacks::programFolderIsThatOfTheProgramFile()
@@ -332,7 +337,8 @@ void tst_SystemFallbacks::programFolderIsThatOfTheMainProgramFirst()
     QVERIFY(writeFile(here_ + QStringLiteral("/VORN.exe"), QByteArray()));
     QCOMPARE(runSystemCalls(program, childBehaviour(),
                             {answer("programFile", QStringLiteral("/other/program.exe")),
-                             QStringLiteral("getCurrentExePath")}).results,
+                             QStringLiteral("getCurrentExePath")})
+                 .results,
              QStringList{native(QFileInfo(here_).canonicalFilePath())});
 }
 
@@ -345,7 +351,8 @@ void tst_SystemFallbacks::aFolderIsNoMainProgram()
     const QString other = folder_.filePath(QStringLiteral("other"));
     QCOMPARE(runSystemCalls(program, childBehaviour(),
                             {answer("programFile", other + QStringLiteral("/program.exe")),
-                             QStringLiteral("getCurrentExePath")}).results,
+                             QStringLiteral("getCurrentExePath")})
+                 .results,
              QStringList{native(other)});
 }
 
@@ -374,7 +381,8 @@ void tst_SystemFallbacks::withoutAProgramFileTheSettingCounts()
 
     const QString settings = answer("setting", "InstallationDirectory", setting);
     QCOMPARE(run({settings, QStringLiteral("getCurrentExePath"),
-                  QStringLiteral("getProgramFilesPathFromRegistry=true")}).results,
+                  QStringLiteral("getProgramFilesPathFromRegistry=true")})
+                 .results,
              (QStringList{native(programFolder), native(programFolder)}));
     QCOMPARE(run({settings, QStringLiteral("getProgramFilesPathFromRegistry=true")}).results,
              QStringList{native(installationFolder)});
@@ -385,7 +393,8 @@ void tst_SystemFallbacks::withoutAProgramFileTheVariableDoesNotCount()
     QCOMPARE(run({answer("variable", "TAVELINE2024DIR", QStringLiteral("/variable")),
                   QStringLiteral("getCurrentExePath"),
                   QStringLiteral("getProgramFilesPathFromRegistry=false"),
-                  QStringLiteral("getCurrentExePath")}).results,
+                  QStringLiteral("getCurrentExePath")})
+                 .results,
              (QStringList{QString(), native(QStringLiteral("/variable")),
                           native(QStringLiteral("/variable"))}));
 }
@@ -411,21 +420,19 @@ void tst_SystemFallbacks::aKeyThatCannotBeOpenedIsPrinted()
         = run({denied, QStringLiteral("readRegistryValue=Name"),
                QStringLiteral("readRegistryValue=Name|SOFTWARE\\Vantorel\\VORN\\24.x")});
     QCOMPARE(outcome.results, (QStringList{QString(), QString()}));
-    QCOMPARE(outcome.printed,
-             (QStringList{
-                 QStringLiteral(
-                     "RegOpenKeyEx: SOFTWARE\\Vantorel\\VORN\\24.0: 5: Access is denied."),
-                 QStringLiteral(
-                     "RegOpenKeyEx: SOFTWARE\\Vantorel\\VORN\\24.x: 5: Access is denied.")}));
+    QCOMPARE(
+        outcome.printed,
+        (QStringList{
+            QStringLiteral("RegOpenKeyEx: SOFTWARE\\Vantorel\\VORN\\24.0: 5: Access is denied."),
+            QStringLiteral("RegOpenKeyEx: SOFTWARE\\Vantorel\\VORN\\24.x: 5: Access is denied.")}));
 }
 
 void tst_SystemFallbacks::aValueThatCannotBeReadIsPrinted()
 {
-    const SystemOutcome outcome
-        = run({settingsFailure(SettingsValue::NoValue, 234, QStringLiteral("Success.\n")),
-               QStringLiteral("readRegistryValue=Name"),
-               QStringLiteral("readWideInstallationFolder"),
-               QStringLiteral("readNarrowInstallationFolder")});
+    const SystemOutcome outcome = run(
+        {settingsFailure(SettingsValue::NoValue, 234, QStringLiteral("Success.\n")),
+         QStringLiteral("readRegistryValue=Name"), QStringLiteral("readWideInstallationFolder"),
+         QStringLiteral("readNarrowInstallationFolder")});
     QCOMPARE(outcome.results,
              (QStringList{QString(), QStringLiteral("false"), QStringLiteral("false")}));
     const QString line = QStringLiteral("RegQueryValueEx: 234 Success.");
@@ -435,10 +442,12 @@ void tst_SystemFallbacks::aValueThatCannotBeReadIsPrinted()
 void tst_SystemFallbacks::printedTextsAreNotExpanded()
 {
     QCOMPARE(run({settingsFailure(SettingsValue::NoKey, 2, QStringLiteral("%1 %2 %s\n")),
-                  QStringLiteral("readRegistryValue=Name|%3%d%2\\key")}).printed,
+                  QStringLiteral("readRegistryValue=Name|%3%d%2\\key")})
+                 .printed,
              QStringList{QStringLiteral("RegOpenKeyEx: %3%d%2key: 2: %1 %2 %s")});
     QCOMPARE(run({settingsFailure(SettingsValue::NoValue, 2, QStringLiteral("%1 %2 %s\n")),
-                  QStringLiteral("readRegistryValue=Name")}).printed,
+                  QStringLiteral("readRegistryValue=Name")})
+                 .printed,
              QStringList{QStringLiteral("RegQueryValueEx: 2 %1 %2 %s")});
 }
 
@@ -471,9 +480,9 @@ void tst_SystemFallbacks::theKeyAndTheNameAreHandedOn()
     };
     std::array<wchar_t, 1024> out{};
     Registry::readRegistryValue(L"Name", out.data(), L"SOFTWARE\\Vantorel/24.x");
-    QCOMPARE(asked, (QStringList{QStringLiteral("SOFTWARE\\Vantorel"),
-                                 QStringLiteral("SOFTWARE\\Vantorel\\24.2"),
-                                 QStringLiteral("Name")}));
+    QCOMPARE(asked,
+             (QStringList{QStringLiteral("SOFTWARE\\Vantorel"),
+                          QStringLiteral("SOFTWARE\\Vantorel\\24.2"), QStringLiteral("Name")}));
 }
 
 int main(int argc, char *argv[])

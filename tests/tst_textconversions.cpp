@@ -16,11 +16,6 @@ namespace {
 constexpr char16_t Untouched = u'\x7E7E';
 constexpr wchar_t UntouchedWide = L'\x7E7E';
 
-std::u16string unitsOf(const QString &text)
-{
-    return text.toStdU16String();
-}
-
 // Narrow text is UTF-8 whatever the locale says: a test that runs in a UTF-8 locale would not see
 // the difference.
 class Latin1Locale
@@ -56,8 +51,9 @@ void addTexts()
     QTest::newRow("surrogate pair")
         << QStringLiteral("<\U0001F600>") << std::string("<\xF0\x9F\x98\x80>")
         << std::wstring(L"<\U0001F600>");
-    QTest::newRow("last code point") << QStringLiteral("\U0010FFFD")
-                                     << std::string("\xF4\x8F\xBF\xBD") << std::wstring(L"\U0010FFFD");
+    QTest::newRow("last code point")
+        << QStringLiteral("\U0010FFFD") << std::string("\xF4\x8F\xBF\xBD")
+        << std::wstring(L"\U0010FFFD");
     QTest::newRow("long") << QString(100000, QChar(0x20AC))
                           << QByteArray("\xE2\x82\xAC").repeated(100000).toStdString()
                           << std::wstring(100000, L'\u20ac');
@@ -79,7 +75,8 @@ void addArrayTexts()
                                           << std::wstring(L"\U0001F600\U00010000\U0010FFFD");
     QTest::newRow("byte-order mark") << std::u16string(u"\uFEFFab") << std::wstring(L"\uFEFFab");
     QTest::newRow("byte-order mark alone") << std::u16string(u"\uFEFF") << std::wstring(L"\uFEFF");
-    QTest::newRow("inner byte-order mark") << std::u16string(u"a\uFEFFb") << std::wstring(L"a\uFEFFb");
+    QTest::newRow("inner byte-order mark")
+        << std::u16string(u"a\uFEFFb") << std::wstring(L"a\uFEFFb");
     QTest::newRow("long") << std::u16string(100000, u'\u20ac') << std::wstring(100000, L'\u20ac');
 }
 
@@ -270,8 +267,8 @@ void TestTextConversions::elementsEndAtTheirFirstNul()
     const QStringList cut{QStringLiteral("ab"), QStringLiteral("ef")};
     QCOMPARE(toQStringList({std::string("ab\0cd", 5), std::string("ef")}), cut);
     const std::vector<std::string> cutVector{"ab", "ef"};
-    QCOMPARE(toStringVector({QStringLiteral("ab") + QChar() + QStringLiteral("cd"),
-                             QStringLiteral("ef")}),
+    QCOMPARE(toStringVector(
+                 {QStringLiteral("ab") + QChar() + QStringLiteral("cd"), QStringLiteral("ef")}),
              cutVector);
 }
 
@@ -328,7 +325,8 @@ void TestTextConversions::unitsAreReadUpToTheirZero()
 void TestTextConversions::aQStringBecomesUnits()
 {
     QFETCH(std::u16string, units);
-    const QString text(reinterpret_cast<const QChar *>(units.data()), static_cast<int>(units.size()));
+    const QString text(reinterpret_cast<const QChar *>(units.data()),
+                       static_cast<int>(units.size()));
     std::vector<char16_t> out(units.size() + 2, Untouched);
     toChar16Array(text, out.data());
     QVERIFY(std::equal(units.begin(), units.end(), out.begin()));

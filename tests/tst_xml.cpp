@@ -64,9 +64,10 @@ void TestXml::onlyTrueAndYAreAYes_data()
 
     for (const char *text : {"true", "Y"})
         QTest::addRow("'%s'", text) << QString::fromLatin1(text) << true;
-    for (const char *text : {"", "y", "True", "TRUE", "tRue", "yes", "Yes", "YES", "1", "on", "t",
-                             "T", "false", "N", "n", "0", " true", "true ", " Y", "Y ", "Y\n",
-                             "YY", "truetrue", "true Y", "\"true\""})
+    for (const char *text :
+         {"",   "y",  "True", "TRUE",  "tRue",     "yes",    "Yes",     "YES",   "1",
+          "on", "t",  "T",    "false", "N",        "n",      "0",       " true", "true ",
+          " Y", "Y ", "Y\n",  "YY",    "truetrue", "true Y", "\"true\""})
         QTest::addRow("'%s'", text) << QString::fromLatin1(text) << false;
     QTest::newRow("null") << QString() << false;
 }
@@ -198,6 +199,7 @@ void TestXml::theFirstNodeOfTheChildCounts_data()
     QTest::newRow("text and element") << QStringLiteral("1<a/>2") << QStringLiteral("1");
     QTest::newRow("element and text") << QStringLiteral("<a>1</a>2") << QString();
     QTest::newRow("section") << QStringLiteral("<![CDATA[<1>]]>") << QStringLiteral("<1>");
+    QTest::newRow("instruction") << QStringLiteral("<?a 1?>2") << QString();
     QTest::newRow("comment") << QStringLiteral("<!--1-->2") << QStringLiteral("1");
     QTest::newRow("entities") << QStringLiteral("1&lt;2&amp;3") << QStringLiteral("1<2&3");
 }

@@ -22,7 +22,7 @@
 namespace {
 
 constexpr int NoScript = 96;
-constexpr int TooLong = 97; // nothing may be left running when a test goes wrong
+constexpr int TooLong = 97;               // nothing may be left running when a test goes wrong
 constexpr unsigned long LongestLife = 60; // seconds
 
 [[noreturn]] void leave(int exitCode)
@@ -105,6 +105,16 @@ void writeFile(const QString &fileName, const QByteArray &bytes)
         leave(NoScript);
 }
 
+// Below the folder that an extraction names; other operations have none.
+void unpackFile(const QString &name, const QByteArray &bytes)
+{
+    const QString option = QStringLiteral("-o");
+    for (const QString &argument : QCoreApplication::arguments()) {
+        if (argument.startsWith(option))
+            writeFile(QDir(argument.mid(option.size())).filePath(name), bytes);
+    }
+}
+
 void run(const QJsonObject &step)
 {
     const QString action = step.value(QStringLiteral("do")).toString();
@@ -118,6 +128,8 @@ void run(const QJsonObject &step)
         print(stderr, bytes, number > 0 ? number : bytes.size());
     else if (action == QLatin1String("writeFile"))
         writeFile(name, bytes);
+    else if (action == QLatin1String("unpackFile"))
+        unpackFile(name, bytes);
     else if (action == QLatin1String("waitFor"))
         waitFor(name);
     else if (action == QLatin1String("crash"))
@@ -136,9 +148,12 @@ int main(int argc, char *argv[])
     useBinaryStreams();
     limitLife();
     QFile script(qEnvironmentVariable("FAKE_ARCHIVER"));
-    if (!script.open(QIODevice::ReadOnly) || !writeRecord())
+    if (!script.open(QIODevice::ReadOnly))
         leave(NoScript);
     const QJsonArray steps = QJsonDocument::fromJson(script.readAll()).array();
+    script.close();
+    if (!writeRecord()) // from here on the test may write the next script
+        leave(NoScript);
     for (const QJsonValue &step : steps)
         run(step.toObject());
     leave(0);

@@ -1,8 +1,11 @@
 // The child process of the tests: "helper BEHAVIOUR [ARGUMENT...]".
 
 #include "commands.h"
+#include "enum.h"
+#include "log.h"
 #include "sevenzip.h"
 #include "systemcalls.h"
+#include "unicodefile.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QCoreApplication>
@@ -33,12 +36,20 @@ int main(int argc, char *argv[])
     }
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(2);
+    if (behaviour == "enum-at-exit")
+        return printEnumAtExit();
+    if (behaviour == "log-append")
+        return logAppend(arguments);
+    if (behaviour == "log-check")
+        return logCheck(arguments);
     if (behaviour == "sevenzip-convert")
         return sevenZipConvert(arguments);
     if (behaviour == "sevenzip-missing")
         return sevenZipMissing(arguments);
     if (behaviour == "system")
         return SystemCalls().run(arguments);
+    if (behaviour == "unicode-file")
+        return unicodeFile(arguments);
     if (runCommandBehaviour(behaviour, arguments))
         return EXIT_SUCCESS;
     return usage();

@@ -1,0 +1,204 @@
+#include "Job.h"
+
+#include "CancelRequest.h"
+#include "Names.h"
+#include "Platform.h"
+
+#include <Utility/Command.h>
+#include <Utility/Log.h>
+#include <Utility/SevenZip.h>
+#include <Utility/System.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+using namespace Vorn::Util;
+
+namespace ResultsArchive {
+
+namespace {
+
+QString shown(const QString &path)
+{
+    return oneLine(QDir::toNativeSeparators(path));
+}
+
+} // namespace
+
+Job::Job(const Options &options, const CancelRequest &cancel, Log &log)
+    : options_(options)
+    , cancel_(cancel)
+    , log_(log)
+{
+}
+
+void Job::inspectFolder()
+{
+    files_ = filesOf(options_.folder);
+    for (const QString &name : qAsConst(files_.leftOut))
+        log_.append(QStringLiteral("Left out, neither file nor folder: %1").arg(oneLine(name)));
+    log_.append(QStringLiteral("%1 files, %2 bytes, %3 left out")
+                    .arg(QString::number(files_.names.size()), QString::number(files_.bytes),
+                         QString::number(files_.leftOut.size())));
+}
+
+QString Job::checkStart() const
+{
+    if (!files_.problem.isEmpty())
+        return files_.problem;
+    if (files_.names.isEmpty())
+        return QStringLiteral("The folder holds no files: %1").arg(shown(options_.folder));
+    for (const QString &name : files_.names) {
+        if (!canBePacked(name))
+            return QStringLiteral("7-Zip cannot be given this name: %1").arg(oneLine(name));
+    }
+    // An asynchronous operation never ends when 7-Zip cannot be started. The blocking form fails
+    // then without an error, whereas a 7-Zip that runs has something to say about an archive that
+    // is not there.
+    SevenZip archive;
+    archive.setArchiveFile(options_.archive);
+    if (!archive.listFiles() && archive.isOk())
+        return QStringLiteral("7-Zip cannot be started");
+    return QString();
+}
+
+QString Job::startPacking(SevenZip &archive)
+{
+    startedPacking_ = true;
+    // Every occurrence of the current path is taken out of a name, so it is written as no name
+    // goes on.
+    QString currentPath = options_.folder;
+    if (!currentPath.endsWith(QLatin1Char('/')))
+        currentPath += QLatin1Char('/');
+    currentPath += QLatin1Char('.');
+    QStringList paths;
+    for (const QString &name : qAsConst(files_.names))
+        paths << currentPath + QLatin1Char('/') + nameForArchiver(name);
+
+    archive.setArchiveFile(options_.archive);
+    archive.setCurrentPath(currentPath);
+    archive.setType(options_.type);
+    archive.setMethod(options_.method);
+    archive.setLevel(options_.level);
+    archive.startCompressingFiles(paths);
+    return QString();
+}
+
+QString Job::checkPacking(const SevenZip &archive) const
+{
+    if (archive.isOk() && archive.compressedSize() > 0)
+        return QString();
+    log_.append(archive.output());
+    return QStringLiteral("7-Zip could not pack the files");
+}
+
+QString Job::startListing(SevenZip &archive) const
+{
+    archive.setArchiveFile(options_.archive);
+    archive.startListingFiles();
+    return QString();
+}
+
+QString Job::checkListing(const SevenZip &archive) const
+{
+    if (!archive.isOk())
+        return QStringLiteral("7-Zip could not list the archive");
+    const QString difference = differenceInNames(files_.names, archive.files());
+    if (!difference.isEmpty())
+        return difference;
+    // Some versions of 7-Zip print the totals in another form, which reads as nothing.
+    const qint64 bytes = archive.uncompressedSize();
+    if (bytes != 0 && bytes != files_.bytes) {
+        return QStringLiteral("The archive lists %1 bytes instead of %2")
+            .arg(QString::number(bytes), QString::number(files_.bytes));
+    }
+    return QString();
+}
+
+QString Job::startUnpacking(SevenZip &archive)
+{
+    unpacked_ = std::make_unique<QTemporaryDir>(
+        QDir::temp().filePath(QStringLiteral("results-archive-XXXXXX")));
+    if (!unpacked_->isValid())
+        return QStringLiteral("A temporary folder cannot be made in %1")
+            .arg(shown(QDir::tempPath()));
+    archive.setArchiveFile(options_.archive);
+    archive.startExtractingFilesTo(unpacked_->path());
+    return QString();
+}
+
+QString Job::checkUnpacking(const SevenZip &archive) const
+{
+    if (!archive.isOk())
+        return QStringLiteral("7-Zip could not unpack the archive");
+    const FolderFiles unpacked = filesOf(unpacked_->path());
+    if (!unpacked.problem.isEmpty())
+        return unpacked.problem;
+    if (unpacked.names != files_.names || !unpacked.leftOut.isEmpty()) {
+        return QStringLiteral("The archive holds %1 files instead of %2, or others")
+            .arg(QString::number(unpacked.names.size()), QString::number(files_.names.size()));
+    }
+    return QString();
+}
+
+QStringList Job::names() const
+{
+    return files_.names;
+}
+
+QString Job::compareFile(const QString &name) const
+{
+    const QString difference
+        = differenceInFiles(QDir(options_.folder).filePath(name), unpacked_->filePath(name));
+    return difference.isEmpty() ? QString() : oneLine(name) + QLatin1Char(' ') + difference;
+}
+
+QString Job::listWithSystem()
+{
+    const QString variable = QStringLiteral("RESULTS_ARCHIVE_FILE");
+    qputenv(variable.toLatin1().constData(),
+            QFile::encodeName(QDir::toNativeSeparators(options_.archive)));
+    // A command line goes through a file in the current folder.
+    constexpr int MostLines = 20;
+    const QString currentPath = QDir::currentPath();
+    QDir::setCurrent(unpacked_->path());
+    const QString listing = Command(&log_).run(listingCommand(variable), MostLines, true);
+    QDir::setCurrent(currentPath);
+    if (listing.trimmed().isEmpty())
+        return QStringLiteral("The system does not list the archive");
+    proven_ = true;
+    return QString();
+}
+
+QString Job::cleanUp()
+{
+    complete_ = proven_ && !cancel_.isTold();
+    QString problem;
+    if (unpacked_ && unpacked_->isValid() && !unpacked_->remove())
+        problem = QStringLiteral("%1 cannot be removed").arg(shown(unpacked_->path()));
+    if (startedPacking_ && !complete_ && QFileInfo::exists(options_.archive)
+        && !QFile::remove(options_.archive))
+        problem = QStringLiteral("%1 cannot be removed").arg(shown(options_.archive));
+    return problem;
+}
+
+bool Job::isComplete() const
+{
+    return complete_;
+}
+
+QString Job::summary(qint64 milliseconds) const
+{
+    const qint64 size = QFileInfo(options_.archive).size();
+    const double bytes = static_cast<double>(files_.bytes);
+    const QString ratio = files_.bytes == 0
+        ? QStringLiteral("-")
+        : QStringLiteral("%1 %").arg(100.0 * static_cast<double>(size) / bytes, 0, 'f', 1);
+    return QStringLiteral("Packed and proven: %1 files, %2 bytes in %3 bytes (%4), %5: %6")
+        .arg(QString::number(files_.names.size()), QString::number(files_.bytes),
+             QString::number(size), ratio, System::getElapsedTimeString(milliseconds),
+             shown(options_.archive));
+}
+
+} // namespace ResultsArchive

@@ -1,0 +1,102 @@
+#include "Names.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QHash>
+#include <QtCore/QSet>
+
+#include <algorithm>
+
+namespace ResultsArchive {
+
+namespace {
+
+bool isControl(QChar character)
+{
+    return character.category() == QChar::Other_Control;
+}
+
+bool isAscii(const QString &text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
+}
+
+// A listing's columns are told apart by blanks, so that a number in front may be lost.
+QString comparable(const QString &name)
+{
+    QStringList words = QDir::fromNativeSeparators(name).simplified().split(QLatin1Char(' '));
+    bool isNumber = true;
+    while (words.size() > 1 && isNumber) {
+        words.first().toLongLong(&isNumber);
+        if (isNumber)
+            words.removeFirst();
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+QSet<QString> foldersOf(const QStringList &names)
+{
+    QSet<QString> folders;
+    for (const QString &name : names) {
+        for (int end = name.indexOf(QLatin1Char('/')); end >= 0;
+             end = name.indexOf(QLatin1Char('/'), end + 1))
+            folders.insert(comparable(name.left(end)));
+    }
+    return folders;
+}
+
+} // namespace
+
+bool canBePacked(const QString &name)
+{
+    const bool isSubfolder = name.indexOf(QLatin1Char('/')) > 0;
+    const bool beginsAsOption
+        = name.startsWith(QLatin1Char('-')) || name.startsWith(QLatin1Char('@'));
+    const auto isWildcard = [](QChar c) { return c == QLatin1Char('*') || c == QLatin1Char('?'); };
+    return std::none_of(name.begin(), name.end(), isWildcard)
+        && std::none_of(name.begin(), name.end(), isControl) && !name.endsWith(QLatin1Char(' '))
+        && !(isSubfolder && beginsAsOption);
+}
+
+QString nameForArchiver(const QString &name)
+{
+    // Only without a subfolder: 7-Zip drops the subfolders of a name that begins with "./".
+    return name.contains(QLatin1Char('/')) ? name : QStringLiteral("./") + name;
+}
+
+QString oneLine(QString text)
+{
+    std::replace_if(text.begin(), text.end(), isControl, QLatin1Char('?'));
+    return text;
+}
+
+QString differenceInNames(const QStringList &packed, const QStringList &listed)
+{
+    QHash<QString, int> missing;
+    for (const QString &name : packed)
+        ++missing[comparable(name)];
+
+    const QSet<QString> folders = foldersOf(packed);
+    QStringList unknown;
+    for (const QString &name : listed) {
+        const QString key = comparable(name);
+        if (missing.value(key) > 0)
+            --missing[key];
+        else if (!folders.contains(key))
+            unknown << key;
+    }
+
+    int garbled = 0;
+    for (const QString &name : packed) {
+        int &count = missing[comparable(name)];
+        if (count == 0)
+            continue;
+        --count;
+        if (isAscii(name) || ++garbled > unknown.size())
+            return QStringLiteral("The archive does not list %1").arg(oneLine(name));
+    }
+    if (unknown.size() > garbled)
+        return QStringLiteral("The archive lists %1, which was not packed").arg(unknown.last());
+    return QString();
+}
+
+} // namespace ResultsArchive

@@ -1,0 +1,512 @@
+#include "TestFiles.h"
+#include "TestLog.h"
+#include "TestSystem.h"
+
+#include <Utility/ClusterInfo.h>
+#include <Utility/Log.h>
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+#include <memory>
+
+using namespace Vorn::Util;
+
+namespace {
+
+QString toolName()
+{
+    return QStringLiteral("NodeInformation.exe");
+}
+
+QString toolNameWithoutSuffix()
+{
+    return QStringLiteral("NodeInformation");
+}
+
+QStringList textsOf(const QList<NodeInfo> &nodes)
+{
+    QStringList all;
+    for (const NodeInfo &node : nodes)
+        all += node.toString();
+    return all;
+}
+
+// The first of a pair that differs between the systems.
+template<typename Value>
+Value onThisSystem(const Value &windows, const Value &others)
+{
+    return onWindows() ? windows : others;
+}
+
+} // namespace
+
+class tst_ClusterInfo : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void nodesAreListedByTheirRoles();
+    void nodesKeepTheOrderOfTheTool();
+    void aNodeWithBothRolesStandsInBothLists();
+    void aNodeWithoutARoleIsDropped();
+    void theListsAreCopies();
+    void countsAndNames_data();
+    void countsAndNames();
+    void theSumOfManyCoresIsFormed();
+
+    void theToolIsAskedForTheClusterOnce();
+    void theToolMayLieInAnyFolder_data();
+    void theToolMayLieInAnyFolder();
+    void theFolderMayEndWithASeparator();
+    void theFolderMayBeRelative();
+    void theToolWithoutSuffixIsTakenElsewhereThanOnWindows();
+    void theToolWithSuffixComesFirst();
+
+    void anErrorEndsTheReading_data();
+    void anErrorEndsTheReading();
+    void atMost32LinesAreRead();
+    void aLongLineIsReadInPieces();
+    void namesAreReadAsUtf8();
+
+    void theCallAndEachLineAreLogged();
+    void theTextOfAnErrorIsLoggedAsOutputOnly();
+    void aLogIsNotNeeded();
+    void theLogOutlivesTheObject();
+
+    void withoutAToolThereAreNoNodes();
+    void withoutAFolderThereAreNoNodes();
+    void aSilentToolGivesNoNodes();
+    void noScriptIsLeft();
+
+    void aCopyHasTheSameNodesAndRunsNoTool();
+    void assigningTakesTheNodes();
+
+private:
+    QString path(const QString &name) const { return QDir::toNativeSeparators(folder_->filePath(name)); }
+    QString placeTool(const QString &folder, const QString &name = toolName());
+    ClusterInfo clusterOf(std::initializer_list<const char *> lines, Log *log = nullptr);
+    bool print(const QByteArray &output) { return writeFile(path(QStringLiteral("nodes")), output); }
+    QStringList calls() const;
+
+    QString start_;
+    QString tool_; // found from the first current folder, which names the drive
+    std::unique_ptr<QTemporaryDir> folder_;
+};
+
+void tst_ClusterInfo::initTestCase()
+{
+    start_ = QDir::currentPath();
+    tool_ = QFileInfo(QStringLiteral(FAKE_CLUSTER_TOOL)).absoluteFilePath();
+}
+
+// Each function has folders of its own: one is current, one holds the tool.
+void tst_ClusterInfo::init()
+{
+    folder_ = std::make_unique<QTemporaryDir>();
+    QVERIFY(folder_->isValid());
+    QVERIFY(QDir(folder_->path()).mkdir(QStringLiteral("current")));
+    QVERIFY(QDir::setCurrent(path(QStringLiteral("current"))));
+    qputenv("FAKE_NODES", QFile::encodeName(path(QStringLiteral("nodes"))));
+    qputenv("FAKE_NODES_RECORD", QFile::encodeName(path(QStringLiteral("record"))));
+}
+
+void tst_ClusterInfo::cleanup()
+{
+    QVERIFY(QDir::setCurrent(start_));
+    folder_.reset();
+}
+
+// The folder below that of the test, with the tool in it.
+QString tst_ClusterInfo::placeTool(const QString &folder, const QString &name)
+{
+    const QString dir = path(folder);
+    const QString tool = dir + QDir::separator() + name;
+    if (!QDir().mkpath(dir) || !QFile::copy(tool_, tool))
+        qFatal("The tool cannot be placed");
+    return dir;
+}
+
+ClusterInfo tst_ClusterInfo::clusterOf(std::initializer_list<const char *> lines, Log *log)
+{
+    if (!print(texts(lines).join(QStringLiteral("\r\n")).toUtf8() + "\r\n"))
+        qFatal("The nodes cannot be written");
+    return ClusterInfo(log, placeTool(QStringLiteral("tools")));
+}
+
+QStringList tst_ClusterInfo::calls() const
+{
+    return QString::fromUtf8(contentOf(path(QStringLiteral("record"))))
+        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+void tst_ClusterInfo::nodesAreListedByTheirRoles()
+{
+    const ClusterInfo cluster = clusterOf({"headnode1:8:1:32:HeadNodes", "cn1:16:2:64:ComputeNodes"});
+    QCOMPARE(textsOf(cluster.headNodes()), texts({"headnode1:8:1:32"}));
+    QCOMPARE(textsOf(cluster.computeNodes()), texts({"cn1:16:2:64"}));
+    QVERIFY(cluster.headNodes().first().isHeadNode);
+    QVERIFY(!cluster.headNodes().first().isComputeNode);
+    QVERIFY(!cluster.computeNodes().first().isHeadNode);
+    QVERIFY(cluster.computeNodes().first().isComputeNode);
+    QCOMPARE(cluster.headNode(), QStringLiteral("headnode1"));
+    QCOMPARE(cluster.isHeadNodeAComputeNode(), false);
+    QCOMPARE(cluster.computeNodeCount(), 1);
+    QCOMPARE(cluster.computeCoreCount(), 16);
+    QCOMPARE(cluster.coresPerComputeNode(), 16);
+    QCOMPARE(cluster.socketsPerComputeNode(), 2);
+}
+
+void tst_ClusterInfo::nodesKeepTheOrderOfTheTool()
+{
+    const ClusterInfo cluster = clusterOf({"b:1:1:1:ComputeNodes", "z:2:1:1:HeadNodes",
+                                           "a:3:1:1:ComputeNodes", "y:4:1:1:HeadNodes"});
+    QCOMPARE(textsOf(cluster.headNodes()), texts({"z:2:1:1", "y:4:1:1"}));
+    QCOMPARE(textsOf(cluster.computeNodes()), texts({"b:1:1:1", "a:3:1:1"}));
+}
+
+void tst_ClusterInfo::aNodeWithBothRolesStandsInBothLists()
+{
+    const ClusterInfo cluster = clusterOf({"hn:12:2:48:headnodes,computenodes"});
+    QCOMPARE(textsOf(cluster.headNodes()), texts({"hn:12:2:48"}));
+    QCOMPARE(textsOf(cluster.computeNodes()), texts({"hn:12:2:48"}));
+    QVERIFY(cluster.headNodes().first() == cluster.computeNodes().first());
+}
+
+void tst_ClusterInfo::aNodeWithoutARoleIsDropped()
+{
+    const ClusterInfo cluster = clusterOf({"w:1:1:1:WorkstationNodes", "cn1:16:2:64:ComputeNodes"});
+    QVERIFY(cluster.headNodes().isEmpty());
+    QCOMPARE(textsOf(cluster.computeNodes()), texts({"cn1:16:2:64"}));
+}
+
+void tst_ClusterInfo::theListsAreCopies()
+{
+    const ClusterInfo cluster = clusterOf({"hn:12:2:48:headnodes,computenodes"});
+    cluster.headNodes().clear();
+    QList<NodeInfo> nodes = cluster.computeNodes();
+    nodes.first().cores = 99;
+    QCOMPARE(cluster.computeCoreCount(), 12);
+    QCOMPARE(cluster.headNode(), QStringLiteral("hn"));
+}
+
+void tst_ClusterInfo::countsAndNames_data()
+{
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<QString>("headNode");
+    QTest::addColumn<bool>("headNodeIsAComputeNode");
+    QTest::addColumn<int>("nodes");
+    QTest::addColumn<int>("allCores");
+    QTest::addColumn<int>("cores");
+    QTest::addColumn<int>("sockets");
+
+    QTest::newRow("head node only")
+        << texts({"h:8:1:32:HeadNodes"}) << QStringLiteral("h") << false << 0 << 0 << 0 << 0;
+    QTest::newRow("compute node only")
+        << texts({"c:16:2:64:ComputeNodes"}) << QString() << false << 1 << 16 << 16 << 2;
+    QTest::newRow("one node of both kinds: sockets for cores")
+        << texts({"h:12:2:48:HeadNodes,ComputeNodes"}) << QStringLiteral("h") << true << 1 << 12
+        << 2 << 2;
+    QTest::newRow("all of both kinds: the first one's sockets")
+        << texts({"h:12:3:48:HeadNodes,ComputeNodes", "i:16:4:48:HeadNodes,ComputeNodes"})
+        << QStringLiteral("h") << true << 2 << 28 << 3 << 3;
+    QTest::newRow("the first that is no head node")
+        << texts({"h:12:3:48:HeadNodes,ComputeNodes", "c:16:4:64:ComputeNodes",
+                  "d:32:5:64:ComputeNodes"})
+        << QStringLiteral("h") << true << 3 << 60 << 16 << 4;
+    QTest::newRow("which reports no cores: the sockets of the first of all")
+        << texts({"h:12:3:48:HeadNodes,ComputeNodes", "c:0:4:64:ComputeNodes",
+                  "d:32:5:64:ComputeNodes"})
+        << QStringLiteral("h") << true << 3 << 44 << 3 << 4;
+    QTest::newRow("which reports no sockets: the sockets of the first of all")
+        << texts({"h:12:3:48:HeadNodes,ComputeNodes", "c:16:0:64:ComputeNodes",
+                  "d:32:5:64:ComputeNodes"})
+        << QStringLiteral("h") << true << 3 << 60 << 16 << 3;
+    QTest::newRow("the only one reports no cores")
+        << texts({"c:0:4:64:ComputeNodes"}) << QString() << false << 1 << 0 << 4 << 4;
+    QTest::newRow("the only one reports nothing")
+        << texts({"c:0:0:0:ComputeNodes"}) << QString() << false << 1 << 0 << 0 << 0;
+    QTest::newRow("negative numbers are numbers")
+        << texts({"c:-4:-2:64:ComputeNodes", "d:16:2:64:ComputeNodes"}) << QString() << false << 2
+        << 12 << -4 << -2;
+    QTest::newRow("only the first head node is looked at")
+        << texts({"h:8:1:32:HeadNodes", "i:8:1:32:HeadNodes,ComputeNodes"})
+        << QStringLiteral("h") << false << 1 << 8 << 1 << 1;
+    QTest::newRow("a head node of the same name is another node")
+        << texts({"h:8:1:32:HeadNodes", "h:8:2:32:ComputeNodes"})
+        << QStringLiteral("h") << false << 1 << 8 << 8 << 2;
+}
+
+void tst_ClusterInfo::countsAndNames()
+{
+    QFETCH(QStringList, lines);
+    QVERIFY(print(lines.join(QLatin1Char('\n')).toUtf8()));
+    const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")));
+    QTEST(cluster.headNode(), "headNode");
+    QTEST(cluster.isHeadNodeAComputeNode(), "headNodeIsAComputeNode");
+    QTEST(cluster.computeNodeCount(), "nodes");
+    QTEST(cluster.computeCoreCount(), "allCores");
+    QTEST(cluster.coresPerComputeNode(), "cores");
+    QTEST(cluster.socketsPerComputeNode(), "sockets");
+}
+
+void tst_ClusterInfo::theSumOfManyCoresIsFormed()
+{
+    const ClusterInfo cluster = clusterOf({"a:1000000000:1:1:ComputeNodes", "h:5:1:1:HeadNodes",
+                                           "b:1000000000:1:1:ComputeNodes"});
+    QCOMPARE(cluster.computeCoreCount(), 2000000000);
+}
+
+void tst_ClusterInfo::theToolIsAskedForTheClusterOnce()
+{
+    const ClusterInfo cluster = clusterOf({"h:8:1:32:HeadNodes,ComputeNodes"});
+    cluster.headNodes();
+    cluster.computeNodes();
+    cluster.computeCoreCount();
+    cluster.headNode();
+    QCOMPARE(calls(), texts({"NodeInformation.exe|-q|-cluster"}));
+}
+
+void tst_ClusterInfo::theToolMayLieInAnyFolder_data()
+{
+    QTest::addColumn<QString>("folder");
+
+    const auto row = [](const char *name, const char *folder) {
+        QTest::newRow(name) << QString::fromUtf8(folder);
+    };
+    row("plain", "tools");
+    row("blanks", "the  cluster's tools");
+    row("variable of a shell", "$HOME ${x}");
+    row("command of a shell", "$(exit 3) `x`");
+    row("operators", "a & b; (c)");
+    row("comment", "# tools");
+    row("brackets", "[a-z] {a,b}");
+    row("tilde", "~");
+    row("apostrophes", "'a' 'b");
+    if (onWindows())
+        return; // no other names are allowed there, or the interpreter replaces what they hold
+    row("quotes", "\"a\" \"b");
+    row("percent", "100%PATH% %s");
+    row("patterns", "* ?");
+    row("backslash", "a\\b\\");
+    row("caret", "a^b");
+    row("line break", "a\nb");
+    row("leading blank", " a ");
+    row("letters of Latin-1", "Gr\xC3\xB6\xC3\x9F" "e");
+    row("letters beyond Latin-1", "\xE6\xB5\x8B\xE8\xAF\x95 \xE2\x82\xAC\xF0\x9F\x94\xA9");
+    row("letters, quotes and variables", "\xC3\xB6 'a' \"b\" $HOME %d \\101");
+}
+
+void tst_ClusterInfo::theToolMayLieInAnyFolder()
+{
+    QFETCH(QString, folder);
+    QVERIFY(print("h:8:1:32:HeadNodes\n"));
+    const ClusterInfo cluster(nullptr, placeTool(folder));
+    QCOMPARE(cluster.headNode(), QStringLiteral("h"));
+    QCOMPARE(calls(), texts({"NodeInformation.exe|-q|-cluster"}));
+}
+
+void tst_ClusterInfo::theFolderMayEndWithASeparator()
+{
+    QVERIFY(print("h:8:1:32:HeadNodes\n"));
+    const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")) + QDir::separator());
+    QCOMPARE(cluster.headNode(), QStringLiteral("h"));
+}
+
+void tst_ClusterInfo::theFolderMayBeRelative()
+{
+    QVERIFY(print("h:8:1:32:HeadNodes\n"));
+    placeTool(QStringLiteral("tools"));
+    const QString dir = QDir::toNativeSeparators(QStringLiteral("../tools"));
+    QCOMPARE(ClusterInfo(nullptr, dir).headNode(), QStringLiteral("h"));
+}
+
+void tst_ClusterInfo::theToolWithoutSuffixIsTakenElsewhereThanOnWindows()
+{
+    QVERIFY(print("h:8:1:32:HeadNodes\n"));
+    const ClusterInfo cluster(nullptr,
+                              placeTool(QStringLiteral("tools"), toolNameWithoutSuffix()));
+    QCOMPARE(cluster.headNode(), onThisSystem(QString(), QStringLiteral("h")));
+    QCOMPARE(calls(), onThisSystem(QStringList(), texts({"NodeInformation|-q|-cluster"})));
+}
+
+void tst_ClusterInfo::theToolWithSuffixComesFirst()
+{
+    QVERIFY(print("h:8:1:32:HeadNodes\n"));
+    placeTool(QStringLiteral("tools"), toolNameWithoutSuffix());
+    const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")));
+    QCOMPARE(cluster.headNode(), QStringLiteral("h"));
+    QCOMPARE(calls(), texts({"NodeInformation.exe|-q|-cluster"}));
+}
+
+void tst_ClusterInfo::anErrorEndsTheReading_data()
+{
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<QStringList>("nodes");
+
+    QTest::newRow("first line") << texts({"Error: cluster not reachable", "h:8:1:32:HeadNodes"})
+                                << QStringList();
+    QTest::newRow("after two nodes")
+        << texts({"h:8:1:32:HeadNodes", "c:16:2:64:ComputeNodes", "Error: cluster not reachable",
+                  "d:16:2:64:HeadNodes"})
+        << texts({"h:8:1:32", "c:16:2:64"});
+    QTest::newRow("another case") << texts({"error: no", "h:8:1:32:HeadNodes"})
+                                  << texts({"h:8:1:32"});
+}
+
+void tst_ClusterInfo::anErrorEndsTheReading()
+{
+    QFETCH(QStringList, lines);
+    QVERIFY(print(lines.join(QLatin1Char('\n')).toUtf8()));
+    const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")));
+    QTEST(textsOf(cluster.headNodes() + cluster.computeNodes()), "nodes");
+}
+
+// The interpreter of Windows prints the command too, which counts.
+void tst_ClusterInfo::atMost32LinesAreRead()
+{
+    QByteArray output;
+    QStringList nodes;
+    for (int number = 1; number <= 40; ++number) {
+        nodes += QStringLiteral("n%1:1:1:1").arg(number);
+        output += nodes.last().toUtf8() + ":ComputeNodes\r\n";
+    }
+    QVERIFY(print(output));
+    TestLog log;
+    const ClusterInfo cluster(log, placeTool(QStringLiteral("tools")));
+    const QStringList logged = log.lines().filter(QStringLiteral(" output:"));
+    QCOMPARE(logged.size(), 32);
+    const int read = logged.filter(QStringLiteral(":ComputeNodes")).size();
+    QVERIFY(onWindows() ? read < 32 && read > 20 : read == 32);
+    QCOMPARE(textsOf(cluster.computeNodes()), QStringList(nodes.mid(0, read)));
+}
+
+// The first piece has no separator; what the second begins with is taken for the name.
+void tst_ClusterInfo::aLongLineIsReadInPieces()
+{
+    QVERIFY(print(QByteArray(199, 'x') + "end:16:2:64:ComputeNodes\n"));
+    const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")));
+    QCOMPARE(textsOf(cluster.computeNodes()), texts({"end:16:2:64"}));
+}
+
+void tst_ClusterInfo::namesAreReadAsUtf8()
+{
+    const ClusterInfo cluster = clusterOf({"Gr\xC3\xB6\xC3\x9F" "e-\xE2\x82\xAC:16:2:64:HeadNodes"});
+    QCOMPARE(cluster.headNode(), QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e-\xE2\x82\xAC"));
+}
+
+// On Windows the interpreter's own lines are logged too.
+void tst_ClusterInfo::theCallAndEachLineAreLogged()
+{
+    TestLog log;
+    clusterOf({" h:8:1:32:HeadNodes ", "no node", "c:16:2:64:ComputeNodes"}, log);
+    QStringList lines = log.lines();
+    QCOMPARE(lines.takeFirst(), onThisSystem(QStringLiteral("Command:cmd.exe /C work.bat"),
+                                             QStringLiteral("Command:/bin/sh work.bat")));
+    QCOMPARE(lines.filter(QStringLiteral(" output:")), lines);
+    const QStringList output
+        = texts({" output:h:8:1:32:HeadNodes", " output:no node", " output:c:16:2:64:ComputeNodes"});
+    if (!onWindows())
+        QCOMPARE(lines, output);
+    const int first = lines.indexOf(output.first());
+    QVERIFY(first >= 0);
+    QCOMPARE(QStringList(lines.mid(first, 3)), output);
+}
+
+void tst_ClusterInfo::theTextOfAnErrorIsLoggedAsOutputOnly()
+{
+    TestLog log;
+    clusterOf({"Error: cluster not reachable"}, log);
+    const QStringList lines = log.lines().filter(QStringLiteral("reachable"));
+    QCOMPARE(lines, texts({" output:Error: cluster not reachable"}));
+    QCOMPARE(log.lines().filter(QStringLiteral(" output:")).size() + 1, log.lines().size());
+}
+
+void tst_ClusterInfo::aLogIsNotNeeded()
+{
+    QCOMPARE(clusterOf({"h:8:1:32:HeadNodes"}, nullptr).headNode(), QStringLiteral("h"));
+}
+
+void tst_ClusterInfo::theLogOutlivesTheObject()
+{
+    TestLog log;
+    clusterOf({"h:8:1:32:HeadNodes"}, log);
+    static_cast<Log *>(log)->append(QStringLiteral("still open"));
+    QCOMPARE(log.lines().last(), QStringLiteral("still open"));
+}
+
+void tst_ClusterInfo::withoutAToolThereAreNoNodes()
+{
+    QVERIFY(print("h:8:1:32:HeadNodes,ComputeNodes\n"));
+    QVERIFY(QDir(folder_->path()).mkdir(QStringLiteral("empty")));
+    TestLog log;
+    for (const QString &folder : {QStringLiteral("empty"), QStringLiteral("missing")}) {
+        const ClusterInfo cluster(log, path(folder));
+        QVERIFY(cluster.headNodes().isEmpty());
+        QVERIFY(cluster.computeNodes().isEmpty());
+        QCOMPARE(cluster.headNode(), QString());
+        QCOMPARE(cluster.isHeadNodeAComputeNode(), false);
+        QCOMPARE(cluster.computeNodeCount(), 0);
+        QCOMPARE(cluster.computeCoreCount(), 0);
+        QCOMPARE(cluster.coresPerComputeNode(), 0);
+        QCOMPARE(cluster.socketsPerComputeNode(), 0);
+    }
+    // No message of its own.
+    const QStringList lines = log.lines();
+    for (const QString &line : lines)
+        QVERIFY(line.startsWith(QStringLiteral(" output:"))
+                || line.startsWith(QStringLiteral("Command:")));
+}
+
+void tst_ClusterInfo::withoutAFolderThereAreNoNodes()
+{
+    QVERIFY(print("h:8:1:32:HeadNodes\n"));
+    QVERIFY(QFile::copy(tool_, toolName()));
+    QVERIFY(ClusterInfo(nullptr, QString()).headNodes().isEmpty()); // not the current folder
+    QVERIFY(calls().isEmpty());
+}
+
+void tst_ClusterInfo::aSilentToolGivesNoNodes()
+{
+    QVERIFY(print(QByteArray()));
+    const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")));
+    QVERIFY(cluster.headNodes().isEmpty());
+    QVERIFY(cluster.computeNodes().isEmpty());
+    QCOMPARE(calls().size(), 1);
+}
+
+void tst_ClusterInfo::noScriptIsLeft()
+{
+    clusterOf({"h:8:1:32:HeadNodes"});
+    QCOMPARE(entriesOf(QDir::currentPath()), QStringList());
+}
+
+void tst_ClusterInfo::aCopyHasTheSameNodesAndRunsNoTool()
+{
+    const ClusterInfo cluster = clusterOf({"h:8:1:32:HeadNodes", "c:16:2:64:ComputeNodes"});
+    const ClusterInfo copy(cluster);
+    QVERIFY(copy.headNodes() == cluster.headNodes());
+    QVERIFY(copy.computeNodes() == cluster.computeNodes());
+    QCOMPARE(copy.headNode(), QStringLiteral("h"));
+    QCOMPARE(copy.computeCoreCount(), 16);
+    QCOMPARE(calls().size(), 1);
+}
+
+void tst_ClusterInfo::assigningTakesTheNodes()
+{
+    const ClusterInfo cluster = clusterOf({"h:8:1:32:HeadNodes", "c:16:2:64:ComputeNodes"});
+    ClusterInfo other(nullptr, path(QStringLiteral("missing")));
+    other = cluster;
+    QCOMPARE(other.headNode(), QStringLiteral("h"));
+    QCOMPARE(other.computeNodeCount(), 1);
+    QCOMPARE(calls().size(), 1);
+}
+
+QTEST_GUILESS_MAIN(tst_ClusterInfo)
+
+#include "tst_clusterinfo.moc"

@@ -1,0 +1,127 @@
+// What a counter does with the source that the system gives it.
+
+#include "FakePlatform.h"
+
+#include <Utility/CpuCounter.h>
+
+#include <QtTest/QtTest>
+
+#include <limits>
+#include <utility>
+
+using namespace Vorn::Util;
+
+namespace {
+
+class CountingSource : public SysInfo
+{
+public:
+    CountingSource(long first, int &alive)
+        : value_(first)
+        , alive_(alive)
+    {
+        ++alive_;
+    }
+    ~CountingSource() override { --alive_; }
+
+    long getValue() override { return value_++; }
+
+private:
+    long value_;
+    int &alive_;
+};
+
+} // namespace
+
+class tst_CpuCounterFallbacks : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { fakePlatform() = FakePlatform(); }
+
+    void withoutASourceTheValueIsMinusOne();
+    void thePathIsGivenAsItIs();
+    void everyCallTakesASample();
+    void theSourceLivesAsLongAsTheCounter();
+    void anAssignmentEndsTheSourceBefore();
+    void anAssignmentToItselfIsHarmless();
+};
+
+void tst_CpuCounterFallbacks::withoutASourceTheValueIsMinusOne()
+{
+    fakePlatform().openCounter = [](const QString &) { return nullptr; };
+    CpuCounter counter(CpuCounter::CpuPercent);
+    QCOMPARE(counter.getValue(), -1L);
+    QCOMPARE(counter.getValue(), -1L);
+}
+
+void tst_CpuCounterFallbacks::thePathIsGivenAsItIs()
+{
+    QStringList paths;
+    fakePlatform().openCounter = [&paths](const QString &path) {
+        paths += path;
+        return nullptr;
+    };
+    const QStringList given{CpuCounter::MemInUsePercent, QStringLiteral(" \\a/%1\\\\b "),
+                            QString(5000, QLatin1Char('x'))};
+    for (const QString &path : given)
+        CpuCounter(path).getValue();
+    QCOMPARE(paths, given); // once each
+}
+
+void tst_CpuCounterFallbacks::everyCallTakesASample()
+{
+    int alive = 0;
+    const long largest = std::numeric_limits<long>::max();
+    fakePlatform().openCounter
+        = [&](const QString &) { return std::make_unique<CountingSource>(largest - 2, alive); };
+    CpuCounter counter(CpuCounter::MemAvailBytes);
+    QCOMPARE(counter.getValue(), largest - 2);
+    QCOMPARE(counter.getValue(), largest - 1);
+}
+
+void tst_CpuCounterFallbacks::theSourceLivesAsLongAsTheCounter()
+{
+    int alive = 0;
+    fakePlatform().openCounter
+        = [&](const QString &) { return std::make_unique<CountingSource>(7, alive); };
+    {
+        CpuCounter counter(CpuCounter::CpuPercent);
+        QCOMPARE(alive, 1);
+        CpuCounter other(std::move(counter));
+        QCOMPARE(alive, 1);
+        QCOMPARE(other.getValue(), 7L);
+        QCOMPARE(counter.getValue(), -1L); // NOLINT(bugprone-use-after-move)
+    }
+    QCOMPARE(alive, 0);
+}
+
+void tst_CpuCounterFallbacks::anAssignmentEndsTheSourceBefore()
+{
+    int alive = 0;
+    long first = 1;
+    fakePlatform().openCounter
+        = [&](const QString &) { return std::make_unique<CountingSource>(first, alive); };
+    CpuCounter counter(CpuCounter::CpuPercent);
+    first = 100;
+    counter = CpuCounter(CpuCounter::CpuPercent);
+    QCOMPARE(alive, 1);
+    QCOMPARE(counter.getValue(), 100L);
+}
+
+void tst_CpuCounterFallbacks::anAssignmentToItselfIsHarmless()
+{
+    int alive = 0;
+    fakePlatform().openCounter
+        = [&](const QString &) { return std::make_unique<CountingSource>(7, alive); };
+    CpuCounter counter(CpuCounter::CpuPercent);
+    CpuCounter &same = counter;
+    counter = std::move(same);
+    QCOMPARE(alive, 1);
+    QCOMPARE(counter.getValue(), 7L);
+}
+
+QTEST_GUILESS_MAIN(tst_CpuCounterFallbacks)
+
+#include "tst_cpucounterfallbacks.moc"

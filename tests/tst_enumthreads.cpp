@@ -1,0 +1,92 @@
+#include <Utility/Enum.h>
+
+#include <QtCore/QSemaphore>
+#include <QtCore/QThread>
+#include <QtTest/QtTest>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <vector>
+
+using Vorn::Util::Enum;
+
+namespace {
+
+constexpr int ThreadCount = 8;
+
+class Member : public Enum
+{
+public:
+    Member(const QString &type, const QString &name)
+        : Enum(type, name)
+    {
+    }
+};
+
+// Does \a work on all threads, which are let go together.
+void onAllThreads(const std::function<void()> &work)
+{
+    QSemaphore ready;
+    QSemaphore go;
+    std::vector<std::unique_ptr<QThread>> threads;
+    for (int number = 0; number < ThreadCount; ++number) {
+        threads.emplace_back(QThread::create([&] {
+            ready.release();
+            go.acquire();
+            work();
+        }));
+        threads.back()->start();
+    }
+    ready.acquire(ThreadCount);
+    go.release(ThreadCount);
+    for (const auto &thread : threads)
+        thread->wait();
+}
+
+} // namespace
+
+class tst_EnumThreads : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFirstUseMayBeOnManyThreads();
+    void membersAreLookedUpOnManyThreads();
+};
+
+// The first function of the program: nothing has used the registries before.
+void tst_EnumThreads::theFirstUseMayBeOnManyThreads()
+{
+    const QString type = QStringLiteral("Colour");
+    std::atomic_int found{0};
+    onAllThreads([&] {
+        if (Enum::fromString(type, type).isValid() || Enum::fromValue(type, 0).isValid())
+            ++found;
+        found += Enum::count(type);
+    });
+    QCOMPARE(found.load(), 0);
+}
+
+void tst_EnumThreads::membersAreLookedUpOnManyThreads()
+{
+    constexpr int Count = 100;
+    const QString type = QStringLiteral("Number");
+    for (int number = 0; number < Count; ++number)
+        Member(type, QString::number(number));
+    std::atomic_int found{0};
+    onAllThreads([&] {
+        for (int number = 0; number < Count; ++number) {
+            const QString name = QString::number(number);
+            if (Enum::fromString(type, name).toValue() == number
+                && Enum::fromValue(type, number).toString() == name)
+                ++found;
+        }
+    });
+    QCOMPARE(found.load(), ThreadCount * Count);
+    QCOMPARE(Enum::count(type), Count);
+}
+
+QTEST_GUILESS_MAIN(tst_EnumThreads)
+
+#include "tst_enumthreads.moc"

@@ -1,0 +1,575 @@
+#include "TestFiles.h"
+
+#include <Utility/Platform/ProcessorRecords.h>
+#include <Utility/Platform/Processors.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QtEndian>
+#include <QtTest/QtTest>
+
+#include <vector>
+
+using namespace Vorn::Util::Platform;
+
+namespace Vorn::Util::Platform {
+
+static bool operator==(const ProcessorCounts &left, const ProcessorCounts &right)
+{
+    return left.packages == right.packages && left.cores == right.cores
+        && left.tellsSmt == right.tellsSmt && left.smt == right.smt;
+}
+
+static char *toString(const ProcessorCounts &counts)
+{
+    return qstrdup(qPrintable(QStringLiteral("%1 packages, %2 cores, SMT %3")
+                                  .arg(counts.packages)
+                                  .arg(counts.cores)
+                                  .arg(!counts.tellsSmt ? QStringLiteral("unknown")
+                                           : counts.smt ? QStringLiteral("on")
+                                                        : QStringLiteral("off"))));
+}
+
+} // namespace Vorn::Util::Platform
+
+Q_DECLARE_METATYPE(ProcessorCounts)
+
+namespace {
+
+constexpr bool Smt = true;
+constexpr bool NoSmt = false;
+
+ProcessorCounts counts(int packages, int cores, bool smt)
+{
+    return {packages, cores, true, smt};
+}
+
+ProcessorCounts countsWithoutSmt(int packages, int cores)
+{
+    return {packages, cores, false, false};
+}
+
+template <typename Number> QByteArray littleEndian(Number number)
+{
+    QByteArray bytes(static_cast<int>(sizeof(Number)), '\0');
+    qToLittleEndian(number, bytes.data());
+    return bytes;
+}
+
+QByteArray zeros(int count)
+{
+    return QByteArray(count, '\0');
+}
+
+// The records of the extended query, as 64-bit Windows lays them out.
+
+constexpr quint32 Core = 0;
+constexpr quint32 NumaNode = 1;
+constexpr quint32 Cache = 2;
+constexpr quint32 Package = 3;
+constexpr quint32 Group = 4;
+constexpr quint32 Die = 5;
+constexpr quint32 Module = 7;
+
+QByteArray record(quint32 kind, const QByteArray &body)
+{
+    return littleEndian(kind) + littleEndian(static_cast<quint32>(8 + body.size())) + body;
+}
+
+struct GroupMask
+{
+    quint16 group;
+    quint64 mask;
+};
+
+using GroupMasks = std::vector<GroupMask>;
+
+QByteArray bytesOf(const GroupMasks &masks)
+{
+    QByteArray bytes;
+    for (const GroupMask &mask : masks)
+        bytes += littleEndian(mask.mask) + littleEndian(mask.group) + zeros(6);
+    return bytes;
+}
+
+QByteArray processorRecord(quint32 kind, char flags, char efficiencyClass, const GroupMasks &masks)
+{
+    return record(kind,
+                  QByteArray(1, flags) + QByteArray(1, efficiencyClass) + zeros(20)
+                      + littleEndian(static_cast<quint16>(masks.size())) + bytesOf(masks));
+}
+
+QByteArray core(bool smt, const GroupMasks &masks = {{0, 1}}, char efficiencyClass = 0)
+{
+    return processorRecord(Core, smt ? 1 : 0, efficiencyClass, masks);
+}
+
+QByteArray package(const GroupMasks &masks = {{0, 0xFF}})
+{
+    return processorRecord(Package, 0, 0, masks);
+}
+
+QByteArray numaNode()
+{
+    return record(NumaNode, littleEndian<quint32>(0) + zeros(20) + bytesOf({{0, 0xFF}}));
+}
+
+QByteArray cache()
+{
+    return record(Cache,
+                  QByteArray("\x03\x10", 2) + littleEndian<quint16>(64)
+                      + littleEndian<quint32>(36 << 20) + littleEndian<quint32>(0) + zeros(20)
+                      + bytesOf({{0, 0xFF}}));
+}
+
+QByteArray groups()
+{
+    return record(Group,
+                  littleEndian<quint16>(1) + littleEndian<quint16>(1) + zeros(20)
+                      + QByteArray("\x40\x08", 2) + zeros(38) + littleEndian<quint64>(0xFF));
+}
+
+QByteArray times(int count, const QByteArray &bytes)
+{
+    return bytes.repeated(count);
+}
+
+// A record of the older query, as 64-bit Windows lays it out.
+QByteArray fixedRecord(quint32 kind, char flags = 0)
+{
+    return littleEndian<quint64>(1) + littleEndian(kind) + zeros(4) + QByteArray(1, flags)
+        + zeros(15);
+}
+
+// A folder such as /sys/devices/system/cpu.
+class SysfsTree
+{
+public:
+    void setOnline(const QByteArray &list) { write(QStringLiteral("online"), list); }
+
+    SysfsTree &add(int processor, int package, int core)
+    {
+        addId(processor, QStringLiteral("physical_package_id"), package);
+        addId(processor, QStringLiteral("core_id"), core);
+        return *this;
+    }
+
+    SysfsTree &addDie(int processor, int die)
+    {
+        addId(processor, QStringLiteral("die_id"), die);
+        return *this;
+    }
+
+    ProcessorCounts count() const { return countSysfs(folder_.path()); }
+
+private:
+    void addId(int processor, const QString &name, int id)
+    {
+        const QString topology = QStringLiteral("cpu%1/topology/").arg(processor);
+        if (!QDir(folder_.path()).mkpath(topology))
+            qFatal("The test's folder cannot be made");
+        write(topology + name, QByteArray::number(id));
+    }
+
+    void write(const QString &name, const QByteArray &text)
+    {
+        if (!writeFile(folder_.filePath(name), text + '\n'))
+            qFatal("The test's file cannot be written");
+    }
+
+    QTemporaryDir folder_;
+};
+
+} // namespace
+
+class tst_ProcessorRecords : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theRecordsHaveTheSizesOfTheSystem();
+    void extendedRecordsAreCounted_data();
+    void extendedRecordsAreCounted();
+    void extendedRecordsMayEndAnywhere();
+    void theBytesBehindAnExtendedRecordAreNotRead();
+    void fixedRecordsAreCounted_data();
+    void fixedRecordsAreCounted();
+    void thePartOfALastFixedRecordCounts();
+
+    void sysfsCoresOfOnePackage();
+    void sysfsThreadsOfACoreAreOneCore_data();
+    void sysfsThreadsOfACoreAreOneCore();
+    void sysfsCoreNumbersRepeatInEveryPackage();
+    void sysfsCoreNumbersRepeatInEveryDie();
+    void sysfsCoreNumbersMayHaveGaps();
+    void sysfsOfflineProcessorsDoNotCount();
+    void sysfsWithItsThreadsOfflineACoreHasNoSmt();
+    void sysfsTheLastCoreDecidesOnSmt();
+    void sysfsWithoutTopologyEveryProcessorIsACore();
+    void sysfsUnknownNumbersAreNoNumbers();
+    void sysfsUnknownCoresOfKnownPackages();
+    void sysfsThatSaysNothingHasNoPackages_data();
+    void sysfsThatSaysNothingHasNoPackages();
+    void sysfsListsOfAnyKindAreSafe_data();
+    void sysfsListsOfAnyKindAreSafe();
+
+    void cpuinfoIsCounted_data();
+    void cpuinfoIsCounted();
+    void cpuinfoThatSaysNothingHasNoPackages_data();
+    void cpuinfoThatSaysNothingHasNoPackages();
+
+    void thisMachineHasAProcessorAndACore();
+};
+
+void tst_ProcessorRecords::theRecordsHaveTheSizesOfTheSystem()
+{
+    // Otherwise the test would show nothing.
+    QCOMPARE(core(NoSmt).size(), 48);
+    QCOMPARE(package({{0, 1}, {1, 1}}).size(), 64);
+    QCOMPARE(numaNode().size(), 48);
+    QCOMPARE(cache().size(), 56);
+    QCOMPARE(groups().size(), 80);
+    QCOMPARE(fixedRecord(Core).size(), 32);
+}
+
+void tst_ProcessorRecords::extendedRecordsAreCounted_data()
+{
+    QTest::addColumn<QByteArray>("records");
+    QTest::addColumn<ProcessorCounts>("expected");
+
+    QTest::newRow("none") << QByteArray() << countsWithoutSmt(0, 0);
+    QTest::newRow("one core") << package() + core(NoSmt) << counts(1, 1, NoSmt);
+    QTest::newRow("four cores with SMT") << package() + times(4, core(Smt)) << counts(1, 4, Smt);
+    QTest::newRow("two packages, as a system tells them") << times(2, core(Smt)) + cache()
+            + package() + times(2, core(Smt)) + cache() + package() + numaNode()
+            + groups() << counts(2, 4, Smt);
+    QTest::newRow("two packages without SMT")
+        << times(2, package()) + times(12, core(NoSmt)) << counts(2, 12, NoSmt);
+    QTest::newRow("efficiency cores last: the last core decides")
+        << package() + times(8, core(Smt, {{0, 3}}, 1)) + times(4, core(NoSmt))
+        << counts(1, 12, NoSmt);
+    QTest::newRow("efficiency cores first")
+        << package() + times(4, core(NoSmt)) + times(8, core(Smt, {{0, 3}}, 1))
+        << counts(1, 12, Smt);
+    QTest::newRow("a package behind the last core decides nothing")
+        << core(Smt) + package() << counts(1, 1, Smt);
+    QTest::newRow("the flags must equal that of SMT")
+        << package() + processorRecord(Core, 3, 0, {{0, 3}}) << counts(1, 1, NoSmt);
+    QTest::newRow("more than 64 logical processors: two group masks in one record")
+        << package({{0, ~quint64(0)}, {1, 0xFFFFFFFF}}) + times(32, core(Smt, {{0, 3}}))
+            + times(16, core(Smt, {{1, 3}}))
+        << counts(1, 48, Smt);
+    QTest::newRow("two group masks in a core") << package({{0, 1}, {1, 1}})
+            + core(Smt, {{0, 1}, {1, 1}}) + core(NoSmt, {{0, 2}, {1, 2}, {2, 2}})
+            + package({{0, 2}, {1, 2}, {2, 2}}) << counts(2, 2, NoSmt);
+    QTest::newRow("other kinds are skipped")
+        << numaNode() + cache() + groups() + processorRecord(Die, 1, 0, {{0, 1}}) + core(NoSmt)
+            + processorRecord(Module, 1, 0, {{0, 1}}) + record(0x1234, QByteArray(100, '\1'))
+            + record(0xFFFFFFFF, QByteArray(1, '\1')) + package() + core(NoSmt)
+        << counts(1, 2, NoSmt);
+    QTest::newRow("a record of its header only is skipped")
+        << package() + record(99, QByteArray()) + core(Smt) << counts(1, 1, Smt);
+    QTest::newRow("such a record at the end")
+        << core(Smt) + record(99, QByteArray()) << counts(0, 1, Smt);
+    QTest::newRow("packages only") << times(2, package()) << countsWithoutSmt(2, 0);
+    QTest::newRow("cores only") << times(2, core(Smt)) << counts(0, 2, Smt);
+    QTest::newRow("a core without its flags ends the walk")
+        << package() + core(Smt) + record(Core, QByteArray()) + core(NoSmt) << counts(1, 1, Smt);
+
+    const auto header
+        = [](quint32 kind, quint32 size) { return littleEndian(kind) + littleEndian(size); };
+    const QByteArray good = package() + core(Smt);
+    for (const quint32 size : {0U, 1U, 4U, 7U}) {
+        QTest::newRow(qPrintable(QStringLiteral("a size of %1 ends the walk").arg(size)))
+            << good + header(Core, size) + zeros(40) + core(NoSmt) << counts(1, 1, Smt);
+    }
+    for (const quint32 size : {49U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFF8U, 0xFFFFFFFFU}) {
+        QTest::newRow(qPrintable(QStringLiteral("a size of %1 is beyond the end").arg(size)))
+            << good + header(Core, size) + zeros(40) << counts(1, 1, Smt);
+    }
+    QTest::newRow("a hostile record at the beginning")
+        << header(Package, 0) + good << countsWithoutSmt(0, 0);
+}
+
+void tst_ProcessorRecords::extendedRecordsAreCounted()
+{
+    QFETCH(QByteArray, records);
+    QFETCH(ProcessorCounts, expected);
+    QCOMPARE(countExtendedRecords(records), expected);
+}
+
+void tst_ProcessorRecords::extendedRecordsMayEndAnywhere()
+{
+    const QList<QByteArray> all{
+        package({{0, 1}, {1, 1}}), core(Smt), cache(), core(NoSmt), groups(), package(), core(Smt)};
+    const QByteArray records = all.join();
+    for (int length = 0; length <= records.size(); ++length) {
+        int packages = 0;
+        int cores = 0;
+        bool smt = false;
+        int end = 0;
+        for (const QByteArray &each : all) {
+            end += each.size();
+            if (end > length)
+                break;
+            packages += each.at(0) == char(Package) ? 1 : 0;
+            if (each.at(0) == char(Core)) {
+                ++cores;
+                smt = each.at(8) == 1;
+            }
+        }
+        QCOMPARE(countExtendedRecords(records.left(length)),
+                 cores > 0 ? counts(packages, cores, smt) : countsWithoutSmt(packages, cores));
+    }
+}
+
+void tst_ProcessorRecords::theBytesBehindAnExtendedRecordAreNotRead()
+{
+    const QByteArray records = package() + core(Smt) + core(NoSmt);
+    // The bytes go on behind what is given.
+    const int length = records.size() - core(NoSmt).size();
+    QCOMPARE(countExtendedRecords(QByteArray::fromRawData(records.constData(), length)),
+             counts(1, 1, Smt));
+}
+
+void tst_ProcessorRecords::fixedRecordsAreCounted_data()
+{
+    QTest::addColumn<QByteArray>("records");
+    QTest::addColumn<ProcessorCounts>("expected");
+    QTest::newRow("none") << QByteArray() << countsWithoutSmt(0, 0);
+    QTest::newRow("one package, four cores")
+        << times(4, fixedRecord(Core)) + fixedRecord(Package) << countsWithoutSmt(1, 4);
+    QTest::newRow("the flags of SMT are not looked at")
+        << fixedRecord(Core, 1) + fixedRecord(Package) << countsWithoutSmt(1, 1);
+    QTest::newRow("two packages among other kinds") << fixedRecord(Core) + fixedRecord(Cache)
+            + fixedRecord(Package) + fixedRecord(Cache) + fixedRecord(NumaNode) + fixedRecord(Core)
+            + fixedRecord(Package) + fixedRecord(99) + fixedRecord(0xFFFFFFFF)
+            + fixedRecord(Core) << countsWithoutSmt(2, 3);
+    QTest::newRow("no package") << fixedRecord(Core) << countsWithoutSmt(0, 1);
+}
+
+void tst_ProcessorRecords::fixedRecordsAreCounted()
+{
+    QFETCH(QByteArray, records);
+    QFETCH(ProcessorCounts, expected);
+    QCOMPARE(countFixedRecords(records), expected);
+}
+
+void tst_ProcessorRecords::thePartOfALastFixedRecordCounts()
+{
+    const QByteArray whole = fixedRecord(Package) + fixedRecord(Core);
+    const QByteArray last = fixedRecord(Core);
+    constexpr int EndOfKind = 12;
+    for (int length = 0; length <= last.size(); ++length) {
+        // As long as it tells its kind.
+        const int cores = length < EndOfKind ? 1 : 2;
+        QCOMPARE(countFixedRecords(whole + last.left(length)), countsWithoutSmt(1, cores));
+    }
+}
+
+void tst_ProcessorRecords::sysfsCoresOfOnePackage()
+{
+    SysfsTree tree;
+    tree.setOnline("0-3");
+    for (int number = 0; number < 4; ++number)
+        tree.add(number, 0, number).addDie(number, 0);
+    QCOMPARE(tree.count(), counts(1, 4, NoSmt));
+}
+
+void tst_ProcessorRecords::sysfsThreadsOfACoreAreOneCore_data()
+{
+    QTest::addColumn<bool>("neighbours");
+    QTest::newRow("the threads of a core are neighbours") << true;
+    QTest::newRow("the second threads follow all the first ones") << false;
+}
+
+void tst_ProcessorRecords::sysfsThreadsOfACoreAreOneCore()
+{
+    QFETCH(bool, neighbours);
+    SysfsTree tree;
+    tree.setOnline("0-7");
+    for (int number = 0; number < 8; ++number)
+        tree.add(number, 0, neighbours ? number / 2 : number % 4);
+    QCOMPARE(tree.count(), counts(1, 4, Smt));
+}
+
+void tst_ProcessorRecords::sysfsCoreNumbersRepeatInEveryPackage()
+{
+    SysfsTree tree;
+    tree.setOnline("0-3");
+    for (int number = 0; number < 4; ++number)
+        tree.add(number, number / 2, number % 2).addDie(number, 0);
+    QCOMPARE(tree.count(), counts(2, 4, NoSmt));
+}
+
+void tst_ProcessorRecords::sysfsCoreNumbersRepeatInEveryDie()
+{
+    SysfsTree tree;
+    tree.setOnline("0-7");
+    for (int number = 0; number < 8; ++number)
+        tree.add(number, 0, number / 2 % 2).addDie(number, number / 4);
+    QCOMPARE(tree.count(), counts(1, 4, Smt));
+}
+
+void tst_ProcessorRecords::sysfsCoreNumbersMayHaveGaps()
+{
+    SysfsTree tree;
+    tree.setOnline("0-2");
+    // "1" and "11" beside "11" and "1": the numbers do not run together.
+    tree.add(0, 1, 11).add(1, 11, 1).add(2, 1, 1);
+    QCOMPARE(tree.count(), counts(2, 3, NoSmt));
+}
+
+void tst_ProcessorRecords::sysfsOfflineProcessorsDoNotCount()
+{
+    SysfsTree tree;
+    tree.setOnline("0,2-3,5");
+    for (int number = 0; number < 6; ++number)
+        tree.add(number, number / 4, number);
+    QCOMPARE(tree.count(), counts(2, 4, NoSmt));
+
+    tree.setOnline("0-3"); // the second package is off
+    QCOMPARE(tree.count(), counts(1, 4, NoSmt));
+}
+
+void tst_ProcessorRecords::sysfsWithItsThreadsOfflineACoreHasNoSmt()
+{
+    SysfsTree tree;
+    tree.setOnline("0,2");
+    for (int number = 0; number < 4; ++number)
+        tree.add(number, 0, number / 2);
+    QCOMPARE(tree.count(), counts(1, 2, NoSmt));
+}
+
+void tst_ProcessorRecords::sysfsTheLastCoreDecidesOnSmt()
+{
+    SysfsTree efficiencyLast;
+    efficiencyLast.setOnline("0-5");
+    efficiencyLast.add(0, 0, 0).add(1, 0, 0).add(2, 0, 4).add(3, 0, 4).add(4, 0, 8).add(5, 0, 9);
+    QCOMPARE(efficiencyLast.count(), counts(1, 4, NoSmt));
+
+    SysfsTree efficiencyFirst;
+    efficiencyFirst.setOnline("0-5");
+    efficiencyFirst.add(0, 0, 8).add(1, 0, 9).add(2, 0, 0).add(3, 0, 0).add(4, 0, 4).add(5, 0, 4);
+    QCOMPARE(efficiencyFirst.count(), counts(1, 4, Smt));
+}
+
+void tst_ProcessorRecords::sysfsWithoutTopologyEveryProcessorIsACore()
+{
+    SysfsTree tree;
+    tree.setOnline("0-3");
+    QCOMPARE(tree.count(), counts(1, 4, NoSmt));
+}
+
+void tst_ProcessorRecords::sysfsUnknownNumbersAreNoNumbers()
+{
+    SysfsTree tree;
+    tree.setOnline("0-3");
+    for (int number = 0; number < 4; ++number)
+        tree.add(number, -1, -1).addDie(number, -1);
+    QCOMPARE(tree.count(), counts(1, 4, NoSmt));
+}
+
+void tst_ProcessorRecords::sysfsUnknownCoresOfKnownPackages()
+{
+    SysfsTree tree;
+    tree.setOnline("0-3");
+    for (int number = 0; number < 4; ++number)
+        tree.add(number, number / 2, -1);
+    QCOMPARE(tree.count(), counts(2, 4, NoSmt));
+}
+
+void tst_ProcessorRecords::sysfsThatSaysNothingHasNoPackages_data()
+{
+    QTest::addColumn<QByteArray>("online");
+    QTest::newRow("no list") << QByteArray();
+    QTest::newRow("an empty list") << QByteArray("");
+    QTest::newRow("blanks") << QByteArray("  \n");
+    QTest::newRow("no numbers") << QByteArray("all,none-some");
+    QTest::newRow("backwards") << QByteArray("3-1");
+    QTest::newRow("below 0") << QByteArray("-1");
+    QTest::newRow("beyond all numbers") << QByteArray("99999999999999999999");
+}
+
+void tst_ProcessorRecords::sysfsThatSaysNothingHasNoPackages()
+{
+    QFETCH(QByteArray, online);
+    SysfsTree tree;
+    tree.add(0, 0, 0);
+    if (!online.isNull())
+        tree.setOnline(online);
+    QCOMPARE(tree.count(), countsWithoutSmt(0, 0));
+    QCOMPARE(countSysfs(QStringLiteral("no such folder")), countsWithoutSmt(0, 0));
+}
+
+void tst_ProcessorRecords::sysfsListsOfAnyKindAreSafe_data()
+{
+    QTest::addColumn<QByteArray>("online");
+    QTest::addColumn<int>("cores");
+    QTest::newRow("one") << QByteArray("7") << 1;
+    QTest::newRow("bad parts are left out") << QByteArray("x,0,,2-y,4-5,3-1,-,") << 3;
+    QTest::newRow("the largest numbers") << QByteArray("2147483646-2147483647") << 2;
+}
+
+void tst_ProcessorRecords::sysfsListsOfAnyKindAreSafe()
+{
+    QFETCH(QByteArray, online);
+    QFETCH(int, cores);
+    SysfsTree tree;
+    tree.setOnline(online);
+    QCOMPARE(tree.count(), counts(1, cores, NoSmt));
+}
+
+void tst_ProcessorRecords::cpuinfoIsCounted_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<ProcessorCounts>("expected");
+    QTest::newRow("one package without SMT")
+        << QStringLiteral("one-package.txt") << counts(1, 4, NoSmt);
+    QTest::newRow("two packages with the same core numbers and SMT")
+        << QStringLiteral("two-packages-smt.txt") << counts(2, 4, Smt);
+    QTest::newRow("efficiency cores last: the last core decides")
+        << QStringLiteral("efficiency-cores-last.txt") << counts(1, 4, NoSmt);
+    QTest::newRow("packages without core numbers")
+        << QStringLiteral("virtual-machine.txt") << counts(3, 3, NoSmt);
+    QTest::newRow("no numbers at all") << QStringLiteral("arm-64-bit.txt") << counts(1, 4, NoSmt);
+    QTest::newRow("a description that begins like a processor")
+        << QStringLiteral("arm-32-bit.txt") << counts(1, 2, NoSmt);
+}
+
+void tst_ProcessorRecords::cpuinfoIsCounted()
+{
+    QFETCH(QString, file);
+    QFETCH(ProcessorCounts, expected);
+    const QByteArray text = contentOf(QStringLiteral(TEST_DATA "/processors/") + file);
+    QVERIFY(!text.isEmpty());
+    QCOMPARE(countCpuinfo(QString::fromLatin1(text)), expected);
+}
+
+void tst_ProcessorRecords::cpuinfoThatSaysNothingHasNoPackages_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("other lines") << QStringLiteral("Hardware : Board\nSerial : 0\n");
+    QTest::newRow("numbers before a processor") << QStringLiteral("physical id : 0\ncore id : 0\n");
+    QTest::newRow("no lines at all") << QStringLiteral(":::::");
+}
+
+void tst_ProcessorRecords::cpuinfoThatSaysNothingHasNoPackages()
+{
+    QFETCH(QString, text);
+    QCOMPARE(countCpuinfo(text), countsWithoutSmt(0, 0));
+}
+
+void tst_ProcessorRecords::thisMachineHasAProcessorAndACore()
+{
+    const ProcessorQuery query = queryProcessors();
+    QVERIFY(query.ok);
+    QVERIFY(query.counts.packages >= 1);
+    QVERIFY(query.counts.cores >= query.counts.packages);
+    QCOMPARE(query.messages, QStringList());
+}
+
+QTEST_GUILESS_MAIN(tst_ProcessorRecords)
+
+#include "tst_processorrecords.moc"

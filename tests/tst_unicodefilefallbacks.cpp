@@ -1,0 +1,154 @@
+// What a transliterated file does with names and folders that a real system cannot be made to give.
+
+#include "FakePlatform.h"
+#include "TestFiles.h"
+
+#include <Utility/UnicodeFile.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+#include <memory>
+
+using namespace Vorn::Util;
+
+namespace {
+
+const QByteArray Content = "own content";
+
+QString unicodeName()
+{
+    return QStringLiteral("Tr\u00e4ger.dat");
+}
+
+} // namespace
+
+class tst_UnicodeFileFallbacks : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { start_ = QDir::currentPath(); }
+    void init();
+    void cleanup();
+
+    void theNamePartOfTheSystemsNameIsTaken_data();
+    void theNamePartOfTheSystemsNameIsTaken();
+    void theNameIsAskedForInThePlainFolder();
+    void aPlainNameNeedsNoOther();
+    void withoutAUniqueNameTheFileStays();
+    void whenTheCurrentFolderIsGoneTheFileStays();
+
+private:
+    QString own() const { return folder_->filePath(unicodeName()); }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+    QString start_;
+};
+
+void tst_UnicodeFileFallbacks::init()
+{
+    fakePlatform() = FakePlatform();
+    folder_ = std::make_unique<QTemporaryDir>(start_ + QStringLiteral("/files-XXXXXX"));
+    QVERIFY(folder_->isValid());
+    QVERIFY(writeFile(own(), Content));
+}
+
+void tst_UnicodeFileFallbacks::cleanup()
+{
+    fakePlatform() = FakePlatform();
+    QVERIFY(QDir::setCurrent(start_));
+    folder_.reset();
+}
+
+void tst_UnicodeFileFallbacks::theNamePartOfTheSystemsNameIsTaken_data()
+{
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("rooted") << QStringLiteral("/s1ko.") << QStringLiteral("s1ko.dat");
+    QTest::newRow("rooted, the other separator")
+        << QStringLiteral("\\s1ko.") << QStringLiteral("s1ko.dat");
+    QTest::newRow("without a dot") << QStringLiteral("s1ko") << QStringLiteral("s1ko.dat");
+    QTest::newRow("a whole path") << QStringLiteral("/tmp/a/s1ko.") << QStringLiteral("s1ko.dat");
+}
+
+void tst_UnicodeFileFallbacks::theNamePartOfTheSystemsNameIsTaken()
+{
+    QFETCH(QString, given);
+    QFETCH(QString, name);
+    fakePlatform().uniqueFileName = [given] { return given; };
+    {
+        const UnicodeFile file(own());
+        QVERIFY(file.isOk());
+        QCOMPARE(file.asciiName(), name);
+        QCOMPARE(entriesOf(folder_->path()), QStringList{name});
+    }
+    QCOMPARE(contentOf(own()), Content);
+}
+
+void tst_UnicodeFileFallbacks::theNameIsAskedForInThePlainFolder()
+{
+    QString current;
+    fakePlatform().uniqueFileName = [&current] {
+        current = QDir::currentPath();
+        return QStringLiteral("/s1ko.");
+    };
+    const UnicodeFile file(own());
+    QCOMPARE(QFileInfo(current).canonicalFilePath(),
+             QFileInfo(folder_->path()).canonicalFilePath());
+    QCOMPARE(QDir::currentPath(), start_);
+}
+
+void tst_UnicodeFileFallbacks::aPlainNameNeedsNoOther()
+{
+    bool asked = false;
+    fakePlatform().uniqueFileName = [&asked] {
+        asked = true;
+        return QStringLiteral("/s1ko.");
+    };
+    const UnicodeFile file(folder_->filePath(QStringLiteral("beam.dat")));
+    QVERIFY(!asked);
+    QCOMPARE(file.asciiName(), QStringLiteral("beam.dat"));
+}
+
+void tst_UnicodeFileFallbacks::withoutAUniqueNameTheFileStays()
+{
+    fakePlatform().uniqueFileName = [] { return QString(); };
+    {
+        UnicodeFile file(own());
+        QVERIFY(!file.isOk());
+        // The plain path is that of the folder.
+        QCOMPARE(file.error(),
+                 QStringLiteral("Unable to remove existing file: %1/").arg(folder_->path()));
+        QCOMPARE(file.asciiName(), QString());
+        QCOMPARE(contentOf(own()), Content);
+        QVERIFY(file.renameToUnicode()); // it is where it should be
+    }
+    QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+    QCOMPARE(contentOf(own()), Content);
+}
+
+void tst_UnicodeFileFallbacks::whenTheCurrentFolderIsGoneTheFileStays()
+{
+    const QString before = folder_->filePath(QStringLiteral("before %1"));
+    QVERIFY(QDir().mkpath(before));
+    QVERIFY(QDir::setCurrent(before));
+    const QString current = QDir::currentPath();
+    fakePlatform().uniqueFileName
+        = [before] { return QDir().rmdir(before) ? QStringLiteral("/s1ko.") : QString(); };
+    {
+        const UnicodeFile file(own());
+        QVERIFY(!file.isOk());
+        QCOMPARE(file.error(), QStringLiteral("Cannot set current path back to ") + current);
+        QCOMPARE(file.asciiName(), QStringLiteral("s1ko.dat"));
+        QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+    }
+    QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+    QCOMPARE(contentOf(own()), Content);
+}
+
+QTEST_GUILESS_MAIN(tst_UnicodeFileFallbacks)
+
+#include "tst_unicodefilefallbacks.moc"

@@ -1,0 +1,91 @@
+// The version class as the compiler sees it, under a name of its own beside the library's.
+
+#include "version/Branches.h"
+
+#include <Utility/Xml.h>
+
+#include <QtTest/QtTest>
+
+#include <algorithm>
+#include <tuple>
+
+#define VORNUTILITY_BRANCH_REFERENCE "DetachedHead"
+#define Version VersionOfTheCompiler
+#include <Utility/Version.cpp>
+
+using Vorn::Util::Version;
+
+namespace {
+
+constexpr bool holds(const Version &version, int majorNumber, int minorNumber, int patch)
+{
+    return version.major() == majorNumber && version.minor() == minorNumber
+        && version.patch() == patch && version.developmentStage() == 0 && version.isValid();
+}
+
+} // namespace
+
+// Known while compiling: no start-up code builds them.
+static_assert(holds(Version::Current, 24, 0, 75));
+static_assert(holds(Version::CurrentRelease, 24, 0, 1));
+
+QHash<QString, QString> &branches()
+{
+    static QHash<QString, QString> all;
+    return all;
+}
+
+class tst_VersionConstants : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theConstantsAreConstantInitialised();
+    void aDetachedHeadIsNoBranch();
+    void theBranchIsTheRestOfTheReference_data();
+    void theBranchIsTheRestOfTheReference();
+};
+
+void tst_VersionConstants::theConstantsAreConstantInitialised()
+{
+    constexpr Version current = Version::Current;
+    constexpr Version release = Version::CurrentRelease;
+    QVERIFY(holds(current, Version::Major, Version::Minor, Version::Patch));
+    QVERIFY(holds(release, Version::Major, Version::Minor, Version::Hotfix));
+}
+
+void tst_VersionConstants::aDetachedHeadIsNoBranch()
+{
+    QVERIFY(Version::Branch().isEmpty());
+}
+
+void tst_VersionConstants::theBranchIsTheRestOfTheReference_data()
+{
+    QTest::addColumn<QString>("reference");
+    QTest::addColumn<QString>("branch");
+
+    const auto row = [](const char *name, const char *reference, const char *branch) {
+        QTest::newRow(name) << QString::fromLatin1(reference) << QString::fromLatin1(branch);
+    };
+    row("a branch", "Ref=refs/heads/main", "main");
+    row("a branch in a group", "Ref=refs/heads/fix/log", "fix/log");
+    row("every occurrence is removed", "Ref=refs/heads/a-Ref=refs/heads/b", "a-b");
+    row("nothing behind", "Ref=refs/heads/", "");
+    row("without the last separator", "Ref=refs/heads", "Ref=refs/heads");
+    row("another word behind", "Ref=refs/headset", "Ref=refs/headset");
+    row("a tag", "Ref=refs/tags/v24", "");
+    row("in another case", "ref=refs/heads/main", "");
+    row("not at the start", "My Ref=refs/heads/main", "");
+    row("no reference", "", "");
+}
+
+void tst_VersionConstants::theBranchIsTheRestOfTheReference()
+{
+    QFETCH(QString, reference);
+    QVERIFY(branches().contains(reference));
+    QTEST(branches().value(reference), "branch");
+}
+
+QTEST_GUILESS_MAIN(tst_VersionConstants)
+
+#include "tst_versionconstants.moc"

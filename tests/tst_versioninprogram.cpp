@@ -1,0 +1,346 @@
+#include "TestFiles.h"
+
+#include <Utility/Platform/ProgramVersion.h>
+
+#include <QtCore/QRandomGenerator>
+#include <QtCore/QtEndian>
+#include <QtTest/QtTest>
+
+#include <algorithm>
+#include <memory>
+
+using namespace Vorn::Util;
+
+namespace {
+
+QByteArray recorded(const char *name)
+{
+    return contentOf(QStringLiteral(TEST_DATA "/programs/") + QString::fromLatin1(name));
+}
+
+// From a copy that ends exactly with the bytes, for the address sanitizer.
+Platform::ProgramVersion versionIn(const QByteArray &bytes)
+{
+    const auto size = static_cast<std::size_t>(bytes.size());
+    const std::unique_ptr<char[]> copy(new char[size]);
+    std::copy_n(bytes.constData(), size, copy.get());
+    return Platform::versionInProgram(QByteArray::fromRawData(copy.get(), bytes.size()));
+}
+
+QString textOf(const Platform::ProgramVersion &version)
+{
+    return QStringLiteral("%1.%2.%3.%4")
+        .arg(version.high >> 16)
+        .arg(version.high & 0xffff)
+        .arg(version.low >> 16)
+        .arg(version.low & 0xffff);
+}
+
+QString versionTextIn(const QByteArray &bytes)
+{
+    return textOf(versionIn(bytes));
+}
+
+QString none()
+{
+    return QStringLiteral("0.0.0.0");
+}
+
+template <typename Number> void put(QByteArray &bytes, int offset, Number number)
+{
+    qToLittleEndian(number, bytes.data() + offset);
+}
+
+quint32 dwordAt(const QByteArray &bytes, int offset)
+{
+    return qFromLittleEndian<quint32>(bytes.constData() + offset);
+}
+
+// Where the version stands behind its signature.
+int versionOffset(const QByteArray &bytes)
+{
+    return bytes.indexOf("\xbd\x04\xef\xfe") + 8;
+}
+
+// The version or a number that stands in the file: never one from elsewhere.
+bool isFrom(const QByteArray &bytes, const Platform::ProgramVersion &version)
+{
+    QByteArray words(8, '\0');
+    put(words, 0, version.high);
+    put(words, 4, version.low);
+    return textOf(version) == none() || bytes.contains(words);
+}
+
+void addPrograms()
+{
+    QTest::addColumn<QByteArray>("program");
+    QTest::addColumn<QString>("version");
+
+    QTest::newRow("64 bit") << recorded("version64.dll") << QStringLiteral("24.0.75.1");
+    QTest::newRow("32 bit") << recorded("version32.dll") << QStringLiteral("65535.65534.32768.1");
+}
+
+// The parts of the recorded programs that the tests damage.
+struct Layout
+{
+    explicit Layout(const QByteArray &bytes)
+        : header(static_cast<int>(dwordAt(bytes, 0x3c)))
+        , sections(header + 24 + qFromLittleEndian<quint16>(bytes.constData() + header + 20))
+        , resourceSection(bytes.indexOf(QByteArray(".rsrc\0\0\0", 8)))
+        , resources(static_cast<int>(dwordAt(bytes, resourceSection + 20)))
+    {
+    }
+
+    // The entry of the kind "version" in the top directory.
+    int versionKind(const QByteArray &bytes) const
+    {
+        int entry = resources + 16;
+        while (dwordAt(bytes, entry) != 16)
+            entry += 8;
+        return entry;
+    }
+
+    int header;
+    int sections;
+    int resourceSection;
+    int resources;
+};
+
+} // namespace
+
+class tst_VersionInProgram : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void versionOfAProgram_data() { addPrograms(); }
+    void versionOfAProgram();
+    void aProgramWithoutAVersionHasNone_data();
+    void aProgramWithoutAVersionHasNone();
+    void anyVersionIsRead_data();
+    void anyVersionIsRead();
+    void aTruncatedProgramHasItsVersionOrNone_data() { addPrograms(); }
+    void aTruncatedProgramHasItsVersionOrNone();
+    void aChangedByteLeavesAVersionOfTheFile_data() { addPrograms(); }
+    void aChangedByteLeavesAVersionOfTheFile();
+    void damagedProgramsHaveNone_data();
+    void damagedProgramsHaveNone();
+    void whatLiesBehindTheSectionIsFollowedWithinTheFile_data() { addPrograms(); }
+    void whatLiesBehindTheSectionIsFollowedWithinTheFile();
+    void randomBytesHaveNone();
+    void randomPlacesStayWithinTheFile_data() { addPrograms(); }
+    void randomPlacesStayWithinTheFile();
+};
+
+void tst_VersionInProgram::versionOfAProgram()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(QString, version);
+
+    QVERIFY(!program.isEmpty());
+    QCOMPARE(versionTextIn(program), version);
+    QCOMPARE(versionTextIn(program + QByteArray(1000, 'x')), version);
+}
+
+void tst_VersionInProgram::aProgramWithoutAVersionHasNone_data()
+{
+    QTest::addColumn<QByteArray>("program");
+
+    QTest::newRow("other resources") << recorded("noversion.dll");
+    QTest::newRow("no resources") << recorded("noresources.dll");
+    QTest::newRow("empty") << QByteArray("");
+    QTest::newRow("text") << QByteArray("#!/bin/sh\nexit 0\n");
+    QTest::newRow("other system's") << QByteArray("\x7f" "ELF\x02\x01\x01") + QByteArray(500, '\0');
+    QTest::newRow("DOS") << QByteArray("MZ") + QByteArray(500, '\0');
+    QTest::newRow("zeros") << QByteArray(5000, '\0');
+    QTest::newRow("ones") << QByteArray(5000, '\xff');
+    QTest::newRow("signature alone") << QByteArray("\xbd\x04\xef\xfe") + QByteArray(48, '\1');
+}
+
+void tst_VersionInProgram::aProgramWithoutAVersionHasNone()
+{
+    QFETCH(QByteArray, program);
+
+    QVERIFY(!program.isNull());
+    QCOMPARE(versionTextIn(program), none());
+}
+
+void tst_VersionInProgram::anyVersionIsRead_data()
+{
+    QTest::addColumn<quint32>("high");
+    QTest::addColumn<quint32>("low");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("zero") << 0u << 0u << none();
+    QTest::newRow("greatest") << 0xffffffffu << 0xffffffffu
+                              << QStringLiteral("65535.65535.65535.65535");
+    QTest::newRow("each half") << 0x00010002u << 0x00030004u << QStringLiteral("1.2.3.4");
+    QTest::newRow("sign") << 0x80007fffu << 0x7fff8000u
+                          << QStringLiteral("32768.32767.32767.32768");
+}
+
+void tst_VersionInProgram::anyVersionIsRead()
+{
+    QFETCH(quint32, high);
+    QFETCH(quint32, low);
+    QFETCH(QString, expected);
+
+    QByteArray program = recorded("version64.dll");
+    put(program, versionOffset(program), high);
+    put(program, versionOffset(program) + 4, low);
+    QCOMPARE(versionTextIn(program), expected);
+}
+
+void tst_VersionInProgram::aTruncatedProgramHasItsVersionOrNone()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(QString, version);
+
+    const int end = versionOffset(program) + 8;
+    for (int size = 0; size <= program.size(); ++size) {
+        const QString read = versionTextIn(program.left(size));
+        QVERIFY2(read == (size < end ? none() : version),
+                 qPrintable(QStringLiteral("%1 bytes: %2").arg(size).arg(read)));
+    }
+}
+
+void tst_VersionInProgram::aChangedByteLeavesAVersionOfTheFile()
+{
+    QFETCH(QByteArray, program);
+
+    QRandomGenerator random(2024);
+    for (int offset = 0; offset < program.size(); ++offset) {
+        const char original = program.at(offset);
+        for (const int byte : {0, 0xff, 0x80, 0x01, random.bounded(256), random.bounded(256),
+                               random.bounded(256)}) {
+            program[offset] = static_cast<char>(byte);
+            const Platform::ProgramVersion version = versionIn(program);
+            QVERIFY2(isFrom(program, version),
+                     qPrintable(QStringLiteral("%1 at %2: %3").arg(byte).arg(offset).arg(
+                         textOf(version))));
+        }
+        program[offset] = original;
+    }
+}
+
+void tst_VersionInProgram::damagedProgramsHaveNone_data()
+{
+    QTest::addColumn<QByteArray>("program");
+
+    const QByteArray intact = recorded("version64.dll");
+    const Layout layout(intact);
+    const int kind = layout.versionKind(intact);
+    const int names = layout.resources + static_cast<int>(dwordAt(intact, kind + 4) & 0x7fffffff);
+    const int languages
+        = layout.resources + static_cast<int>(dwordAt(intact, names + 16 + 4) & 0x7fffffff);
+    const int place = layout.resources + static_cast<int>(dwordAt(intact, languages + 16 + 4));
+    const int directory = layout.header + 24 + 112 + 2 * 8;
+    const auto row = [&intact](const char *name, int offset, auto number) {
+        QByteArray program = intact;
+        put(program, offset, number);
+        QTest::newRow(name) << program;
+    };
+    row("no DOS signature", 0, quint16(0x5a4e));
+    row("no program signature", layout.header, quint32(0x4551));
+    row("header beyond the end", 0x3c, 0xffffffffu);
+    row("header at the end", 0x3c, quint32(intact.size()));
+    row("header in the DOS header", 0x3c, 0u);
+    row("no sections", layout.header + 6, quint16(0));
+    row("sections beyond the end", layout.header + 20, quint16(0xffff));
+    row("no resources", directory, 0u);
+    row("resources in no section", directory, 0x7fffffffu);
+    row("resources at the greatest address", directory, 0xffffffffu);
+    row("empty section", layout.resourceSection + 16, 0u);
+    row("section beyond the end", layout.resourceSection + 20, 0xffffff00u);
+    row("section at the end", layout.resourceSection + 20, quint32(intact.size()));
+    row("no entries", layout.resources + 12, 0u);
+    row("other kind", kind, 17u);
+    row("named kind", kind, 0x80000010u);
+    row("kind that is no directory", kind + 4, dwordAt(intact, kind + 4) & 0x7fffffffu);
+    row("names beyond the end", kind + 4, 0xffffffffu);
+    row("no names", names + 12, 0u);
+    row("name that is no directory", names + 16 + 4, 0x7ffffff0u);
+    row("directory in itself", kind + 4, 0x80000000u);
+    row("no languages", languages + 12, 0u);
+    row("language that is a directory", languages + 16 + 4, 0x80000000u);
+    row("language beyond the end", languages + 16 + 4, 0x7fffffffu);
+    row("no language", languages + 16 + 4, 0u);
+    row("block before the section", place, 1u);
+    row("block at the greatest address", place, 0xffffffffu);
+    row("block beyond the end", place, dwordAt(intact, place) + 0x10000u);
+    row("other signature", versionOffset(intact) - 8, 0xfeef04beu);
+    // Every directory claims more entries than there is room for; none is the right one.
+    QByteArray crowded = intact;
+    put(crowded, layout.resources + 12, 0xffffffffu);
+    put(crowded, kind, 17u);
+    QTest::newRow("more entries than fit") << crowded;
+    QByteArray sections = intact;
+    put(sections, layout.header + 6, quint16(0xffff));
+    put(sections, directory, 0x7fffffffu);
+    QTest::newRow("more sections than fit") << sections;
+}
+
+void tst_VersionInProgram::damagedProgramsHaveNone()
+{
+    QFETCH(QByteArray, program);
+
+    QCOMPARE(versionTextIn(program), none());
+}
+
+// A size that the file does not have does no harm.
+void tst_VersionInProgram::whatLiesBehindTheSectionIsFollowedWithinTheFile()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(QString, version);
+
+    const Layout layout(program);
+    put(program, layout.resourceSection + 16, 0xffffffffu);
+    QCOMPARE(versionTextIn(program), version);
+    put(program, layout.resources + 12, 0xffffffffu);
+    QCOMPARE(versionTextIn(program), version);
+    put(program, layout.header + 6, quint16(0xffff));
+    QCOMPARE(versionTextIn(program), version);
+}
+
+void tst_VersionInProgram::randomBytesHaveNone()
+{
+    QRandomGenerator random(2024);
+    for (int run = 0; run < 2000; ++run) {
+        QByteArray bytes(random.bounded(600), '\0');
+        for (char &byte : bytes)
+            byte = static_cast<char>(random.bounded(256));
+        QCOMPARE(versionTextIn(bytes), none());
+        if (bytes.size() < 0x80)
+            continue;
+        put(bytes, 0, quint16(0x5a4d));
+        put(bytes, 0x3c, 0x40u);
+        put(bytes, 0x40, 0x4550u);
+        QCOMPARE(versionTextIn(bytes), none());
+    }
+}
+
+// The tables of a program with numbers at random in them.
+void tst_VersionInProgram::randomPlacesStayWithinTheFile()
+{
+    QFETCH(QByteArray, program);
+
+    const Layout layout(program);
+    QRandomGenerator random(75);
+    for (int run = 0; run < 20000; ++run) {
+        QByteArray damaged = program;
+        for (int change = random.bounded(1, 4); change > 0; --change) {
+            const bool inHeader = random.bounded(2) == 0;
+            const int start = inHeader ? layout.header : layout.resources;
+            const int end = inHeader ? layout.resourceSection + 40 : damaged.size() - 4;
+            const quint32 number = random.bounded(2) == 0
+                ? random.generate()
+                : static_cast<quint32>(random.bounded(program.size())) | (random.generate() << 31);
+            put(damaged, random.bounded(start, end), number);
+        }
+        QVERIFY(isFrom(damaged, versionIn(damaged)));
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_VersionInProgram)
+
+#include "tst_versioninprogram.moc"

@@ -1,10 +1,13 @@
 #include <Utility/AsciiText.h>
 
+#include <algorithm>
+
 namespace Vorn::Util {
 
 bool isUnicodeText(const QString &text)
 {
-    return text.toLatin1() != text.toUtf8();
+    return std::any_of(text.cbegin(), text.cend(),
+                       [](QChar character) { return character.unicode() > 0x7f; });
 }
 
 } // namespace Vorn::Util

@@ -195,8 +195,8 @@ void AsyncTaskProcessor::stopWhenCanceled()
         return;
     stopping_ = true;
     log(QStringLiteral("Task processing has been canceled"));
-    // Unlike an error, a cancel without a clean-up task leaves the queue as it is: the remaining
-    // tasks of such a run see the monitor for themselves.
+    // Unlike an error, a cancel without a clean-up task leaves the queue as it is and the remaining
+    // tasks run: callers count on it.
     if (AsyncTask *cleanUpTask = cleanUpTasks_.value(currentTask_))
         skipToCleanUpTask(cleanUpTask);
 }

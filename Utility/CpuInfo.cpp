@@ -6,6 +6,7 @@
 
 #include <QtCore/QDebug>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
 #include <QtXml/QDomDocument>
 
@@ -69,7 +70,7 @@ bool CpuInfo::getSystemInfo()
 bool CpuInfo::loadFromXml()
 {
     QFile file(infoFilePath_);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
     stream.setCodec("UTF-8");

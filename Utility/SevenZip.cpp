@@ -3,6 +3,7 @@
 #include <Utility/SevenZipCommand.h>
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QPointer>
 
 namespace Vorn::Util {
 
@@ -161,8 +162,10 @@ void SevenZip::start(SevenZipCommand *command)
 
 bool SevenZip::run(SevenZipCommand *command)
 {
+    const QPointer<SevenZip> self(this);
     start(command);
-    return command->waitForFinished() && isOk();
+    const bool ended = command->waitForFinished(); // a slot of the signal may delete this object
+    return self && ended && isOk();
 }
 
 void SevenZip::setError(Error error)

@@ -26,6 +26,22 @@ bool removeLink(const QString &path)
     return QFile::remove(path) || QDir().rmdir(path);
 }
 
+// Not with the iterator's own way into subfolders, which takes junctions too and so may never end.
+qint64 sizeBelow(const QString &folder)
+{
+    qint64 size = 0;
+    QDirIterator entries(folder, QDir::AllEntries | QDir::NoDotAndDotDot);
+    while (entries.hasNext()) {
+        entries.next();
+        const QFileInfo info = entries.fileInfo();
+        if (!info.isDir())
+            size += info.size();
+        else if (!isLink(info))
+            size += sizeBelow(info.filePath());
+    }
+    return size;
+}
+
 bool removeEntry(const QFileInfo &info)
 {
     const QString path = info.absoluteFilePath();
@@ -51,7 +67,7 @@ bool System::isFlagSet(const QString &flag)
     if (folder.isEmpty())
         return false;
     QFile file(folder + QLatin1Char('/') + QStringLiteral("VORN_flags.txt"));
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
     stream.setCodec("UTF-8");
@@ -67,15 +83,7 @@ qint64 System::getDirectorySize(const QString &path)
     const QDir folder(path);
     if (!folder.exists())
         return 0;
-    qint64 size = 0;
-    QDirIterator entries(folder.absolutePath(), QDirIterator::Subdirectories);
-    while (entries.hasNext()) {
-        entries.next();
-        const QFileInfo info = entries.fileInfo();
-        if (!info.isDir())
-            size += info.size();
-    }
-    return size;
+    return sizeBelow(folder.absolutePath());
 }
 
 bool System::removeDir(const QString &path, bool keepFolder, const QStringList &exceptions)

@@ -33,9 +33,9 @@ QString System::getLocale()
 
 int System::getLocaleID()
 {
-    const QString locale = getLocale();
+    const QString locale = getLocale().toUpper();
     for (const Language &language : Languages) {
-        if (locale.compare(QLatin1String(language.name), Qt::CaseInsensitive) == 0)
+        if (locale == QString::fromLatin1(language.name).toUpper())
             return language.id;
     }
     return DefaultId;
@@ -59,6 +59,8 @@ void System::writeToRegistry(const QString &key, const QString &value)
 {
     QSettings settings(QSettings::NativeFormat, QSettings::SystemScope, QStringLiteral("Vantorel"),
                        QStringLiteral("VORN"));
+    if (!settings.isWritable())
+        return; // the process would go on seeing a value that was never stored
     settings.beginGroup(QStringLiteral("24.0"));
     settings.setValue(key, value);
     settings.endGroup();

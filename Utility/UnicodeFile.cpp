@@ -67,6 +67,9 @@ bool UnicodeFile::rename(const QString &from, const QString &to)
 {
     if (!isUnicode() || !QFile::exists(from))
         return true;
+    // One file under two spellings: to make room for it would be to delete it.
+    if (QFileInfo(from).canonicalFilePath() == QFileInfo(to).canonicalFilePath())
+        return true;
     // Without a plain name the plain path is that of a folder, and without a temporary folder one
     // in the root: nothing may go there or leave from there.
     const bool isKnown = !asciiPath_.isEmpty() && !asciiName_.isEmpty();

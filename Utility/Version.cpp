@@ -80,11 +80,11 @@ QString Version::toPublic() const
 void Version::fromElement(const QDomElement &element)
 {
     const QString zero = QStringLiteral("0");
-    major_ = toNumber(Xml::valueOf(QStringLiteral("major"), element, QString()));
-    minor_ = toNumber(Xml::valueOf(QStringLiteral("minor"), element, QString()));
-    patch_ = toNumber(Xml::valueOf(QStringLiteral("patch"), element, zero));
+    major_ = Xml::valueOf(QStringLiteral("major"), element, QString()).toInt();
+    minor_ = Xml::valueOf(QStringLiteral("minor"), element, QString()).toInt();
+    patch_ = Xml::valueOf(QStringLiteral("patch"), element, zero).toInt();
     if (patch_ == 0)
-        patch_ = toNumber(Xml::valueOf(QStringLiteral("build"), element, zero));
+        patch_ = Xml::valueOf(QStringLiteral("build"), element, zero).toInt();
 }
 
 QDomElement Version::toElement(QDomDocument &document) const

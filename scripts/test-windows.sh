@@ -28,6 +28,7 @@ wine wineboot --init >/dev/null 2>&1
 trap 'wineserver -k 2>/dev/null || true' EXIT
 
 status=0
-ctest --preset windows-release || status=$?
+ctest --preset windows-release 2>&1 | tee build/windows-tests.log || status=$?
 python3 scripts/test-table.py build/linux-release/tests/run build/windows-release/tests/run
+grep -E 'tests passed|Total Test time' build/windows-tests.log
 exit $status

@@ -34,8 +34,7 @@ QStringList textsOf(const QList<NodeInfo> &nodes)
 }
 
 // The first of a pair that differs between the systems.
-template<typename Value>
-Value onThisSystem(const Value &windows, const Value &others)
+template <typename Value> Value onThisSystem(const Value &windows, const Value &others)
 {
     return onWindows() ? windows : others;
 }
@@ -88,10 +87,16 @@ private Q_SLOTS:
     void assigningTakesTheNodes();
 
 private:
-    QString path(const QString &name) const { return QDir::toNativeSeparators(folder_->filePath(name)); }
+    QString path(const QString &name) const
+    {
+        return QDir::toNativeSeparators(folder_->filePath(name));
+    }
     QString placeTool(const QString &folder, const QString &name = toolName());
     ClusterInfo clusterOf(std::initializer_list<const char *> lines, Log *log = nullptr);
-    bool print(const QByteArray &output) { return writeFile(path(QStringLiteral("nodes")), output); }
+    bool print(const QByteArray &output)
+    {
+        return writeFile(path(QStringLiteral("nodes")), output);
+    }
     QStringList calls() const;
 
     QString start_;
@@ -147,7 +152,8 @@ QStringList tst_ClusterInfo::calls() const
 
 void tst_ClusterInfo::nodesAreListedByTheirRoles()
 {
-    const ClusterInfo cluster = clusterOf({"headnode1:8:1:32:HeadNodes", "cn1:16:2:64:ComputeNodes"});
+    const ClusterInfo cluster
+        = clusterOf({"headnode1:8:1:32:HeadNodes", "cn1:16:2:64:ComputeNodes"});
     QCOMPARE(textsOf(cluster.headNodes()), texts({"headnode1:8:1:32"}));
     QCOMPARE(textsOf(cluster.computeNodes()), texts({"cn1:16:2:64"}));
     QVERIFY(cluster.headNodes().first().isHeadNode);
@@ -164,8 +170,8 @@ void tst_ClusterInfo::nodesAreListedByTheirRoles()
 
 void tst_ClusterInfo::nodesKeepTheOrderOfTheTool()
 {
-    const ClusterInfo cluster = clusterOf({"b:1:1:1:ComputeNodes", "z:2:1:1:HeadNodes",
-                                           "a:3:1:1:ComputeNodes", "y:4:1:1:HeadNodes"});
+    const ClusterInfo cluster = clusterOf(
+        {"b:1:1:1:ComputeNodes", "z:2:1:1:HeadNodes", "a:3:1:1:ComputeNodes", "y:4:1:1:HeadNodes"});
     QCOMPARE(textsOf(cluster.headNodes()), texts({"z:2:1:1", "y:4:1:1"}));
     QCOMPARE(textsOf(cluster.computeNodes()), texts({"b:1:1:1", "a:3:1:1"}));
 }
@@ -215,10 +221,10 @@ void tst_ClusterInfo::countsAndNames_data()
     QTest::newRow("all of both kinds: the first one's sockets")
         << texts({"h:12:3:48:HeadNodes,ComputeNodes", "i:16:4:48:HeadNodes,ComputeNodes"})
         << QStringLiteral("h") << true << 2 << 28 << 3 << 3;
-    QTest::newRow("the first that is no head node")
-        << texts({"h:12:3:48:HeadNodes,ComputeNodes", "c:16:4:64:ComputeNodes",
-                  "d:32:5:64:ComputeNodes"})
-        << QStringLiteral("h") << true << 3 << 60 << 16 << 4;
+    QTest::newRow("the first that is no head node") << texts(
+        {"h:12:3:48:HeadNodes,ComputeNodes", "c:16:4:64:ComputeNodes", "d:32:5:64:ComputeNodes"})
+                                                    << QStringLiteral("h") << true << 3 << 60 << 16
+                                                    << 4;
     QTest::newRow("which reports no cores: the sockets of the first of all")
         << texts({"h:12:3:48:HeadNodes,ComputeNodes", "c:0:4:64:ComputeNodes",
                   "d:32:5:64:ComputeNodes"})
@@ -235,11 +241,11 @@ void tst_ClusterInfo::countsAndNames_data()
         << texts({"c:-4:-2:64:ComputeNodes", "d:16:2:64:ComputeNodes"}) << QString() << false << 2
         << 12 << -4 << -2;
     QTest::newRow("only the first head node is looked at")
-        << texts({"h:8:1:32:HeadNodes", "i:8:1:32:HeadNodes,ComputeNodes"})
-        << QStringLiteral("h") << false << 1 << 8 << 1 << 1;
+        << texts({"h:8:1:32:HeadNodes", "i:8:1:32:HeadNodes,ComputeNodes"}) << QStringLiteral("h")
+        << false << 1 << 8 << 1 << 1;
     QTest::newRow("a head node of the same name is another node")
-        << texts({"h:8:1:32:HeadNodes", "h:8:2:32:ComputeNodes"})
-        << QStringLiteral("h") << false << 1 << 8 << 8 << 2;
+        << texts({"h:8:1:32:HeadNodes", "h:8:2:32:ComputeNodes"}) << QStringLiteral("h") << false
+        << 1 << 8 << 8 << 2;
 }
 
 void tst_ClusterInfo::countsAndNames()
@@ -257,8 +263,8 @@ void tst_ClusterInfo::countsAndNames()
 
 void tst_ClusterInfo::theSumOfManyCoresIsFormed()
 {
-    const ClusterInfo cluster = clusterOf({"a:1000000000:1:1:ComputeNodes", "h:5:1:1:HeadNodes",
-                                           "b:1000000000:1:1:ComputeNodes"});
+    const ClusterInfo cluster = clusterOf(
+        {"a:1000000000:1:1:ComputeNodes", "h:5:1:1:HeadNodes", "b:1000000000:1:1:ComputeNodes"});
     QCOMPARE(cluster.computeCoreCount(), 2000000000);
 }
 
@@ -297,7 +303,9 @@ void tst_ClusterInfo::theToolMayLieInAnyFolder_data()
     row("caret", "a^b");
     row("line break", "a\nb");
     row("leading blank", " a ");
-    row("letters of Latin-1", "Gr\xC3\xB6\xC3\x9F" "e");
+    row("letters of Latin-1",
+        "Gr\xC3\xB6\xC3\x9F"
+        "e");
     row("letters beyond Latin-1", "\xE6\xB5\x8B\xE8\xAF\x95 \xE2\x82\xAC\xF0\x9F\x94\xA9");
     row("letters, quotes and variables", "\xC3\xB6 'a' \"b\" $HOME %d \\101");
 }
@@ -329,8 +337,7 @@ void tst_ClusterInfo::theFolderMayBeRelative()
 void tst_ClusterInfo::theToolWithoutSuffixIsTakenElsewhereThanOnWindows()
 {
     QVERIFY(print("h:8:1:32:HeadNodes\n"));
-    const ClusterInfo cluster(nullptr,
-                              placeTool(QStringLiteral("tools"), toolNameWithoutSuffix()));
+    const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools"), toolNameWithoutSuffix()));
     QCOMPARE(cluster.headNode(), onThisSystem(QString(), QStringLiteral("h")));
     QCOMPARE(calls(), onThisSystem(QStringList(), texts({"NodeInformation|-q|-cluster"})));
 }
@@ -396,8 +403,11 @@ void tst_ClusterInfo::aLongLineIsReadInPieces()
 
 void tst_ClusterInfo::namesAreReadAsUtf8()
 {
-    const ClusterInfo cluster = clusterOf({"Gr\xC3\xB6\xC3\x9F" "e-\xE2\x82\xAC:16:2:64:HeadNodes"});
-    QCOMPARE(cluster.headNode(), QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e-\xE2\x82\xAC"));
+    const ClusterInfo cluster = clusterOf({"Gr\xC3\xB6\xC3\x9F"
+                                           "e-\xE2\x82\xAC:16:2:64:HeadNodes"});
+    QCOMPARE(cluster.headNode(),
+             QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
+                               "e-\xE2\x82\xAC"));
 }
 
 // On Windows the interpreter's own lines are logged too.
@@ -406,11 +416,12 @@ void tst_ClusterInfo::theCallAndEachLineAreLogged()
     TestLog log;
     clusterOf({" h:8:1:32:HeadNodes ", "no node", "c:16:2:64:ComputeNodes"}, log);
     QStringList lines = log.lines();
-    QCOMPARE(lines.takeFirst(), onThisSystem(QStringLiteral("Command:cmd.exe /C work.bat"),
-                                             QStringLiteral("Command:/bin/sh work.bat")));
+    QCOMPARE(lines.takeFirst(),
+             onThisSystem(QStringLiteral("Command:cmd.exe /C work.bat"),
+                          QStringLiteral("Command:/bin/sh work.bat")));
     QCOMPARE(lines.filter(QStringLiteral(" output:")), lines);
-    const QStringList output
-        = texts({" output:h:8:1:32:HeadNodes", " output:no node", " output:c:16:2:64:ComputeNodes"});
+    const QStringList output = texts(
+        {" output:h:8:1:32:HeadNodes", " output:no node", " output:c:16:2:64:ComputeNodes"});
     if (!onWindows())
         QCOMPARE(lines, output);
     const int first = lines.indexOf(output.first());

@@ -68,7 +68,8 @@ private:
     void placeProgram(const QString &name, const QByteArray &script);
     void placeSinfo(std::initializer_list<const char *> lines, int exitCode = 0);
     void placeScontrol(std::initializer_list<const char *> lines, int exitCode = 0);
-    Answer run(const QStringList &options = {QStringLiteral("-q"), QStringLiteral("-cluster")}) const;
+    Answer run(const QStringList &options
+               = {QStringLiteral("-q"), QStringLiteral("-cluster")}) const;
 
     QTemporaryDir folder_; // the whole PATH
     QByteArray path_;
@@ -104,7 +105,8 @@ void tst_ClusterTool::cleanupTestCase()
 void tst_ClusterTool::placeProgram(const QString &name, const QByteArray &script)
 {
     if (!writeFile(inPath(name), "#!/bin/sh\n" + script)
-        || !QFile::setPermissions(inPath(name), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
+        || !QFile::setPermissions(inPath(name),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
         qFatal("A program cannot be placed");
 }
 
@@ -124,7 +126,8 @@ void tst_ClusterTool::placeScontrol(std::initializer_list<const char *> lines, i
     QByteArray script = "[ \"$*\" = 'show config' ] || exit 9\n";
     for (const char *line : lines)
         script += "printf '%s\\n' '" + QByteArray(line) + "'\n";
-    placeProgram(QStringLiteral("scontrol"), script + "exit " + QByteArray::number(exitCode) + '\n');
+    placeProgram(QStringLiteral("scontrol"),
+                 script + "exit " + QByteArray::number(exitCode) + '\n');
 }
 
 Answer tst_ClusterTool::run(const QStringList &options) const
@@ -184,8 +187,9 @@ void tst_ClusterTool::theHeadNodeIsFoundInTheConfiguration()
     placeScontrol({"BackupController        = other", line.toLatin1().constData(),
                    "SlurmctldHostless       = other", "NoSlurmctldHost[0]      = other"});
     placeSinfo({"cn1 1 4 1024"});
-    QCOMPARE(run().output, QStringList() << name + QStringLiteral(":0:0:0:HeadNodes")
-                                         << QStringLiteral("cn1:4:1:1:ComputeNodes"));
+    QCOMPARE(run().output,
+             QStringList() << name + QStringLiteral(":0:0:0:HeadNodes")
+                           << QStringLiteral("cn1:4:1:1:ComputeNodes"));
 }
 
 // In the order of the configuration, the primary one before its backups.
@@ -222,9 +226,10 @@ void tst_ClusterTool::aHeadNodeMayBeAComputeNode()
     const QByteArray line = node.toLatin1() + " 2 8 65536";
     placeScontrol({host.constData()});
     placeSinfo({"cn0 1 4 1024", line.constData(), "cn10 1 4 1024"});
-    QCOMPARE(run().output, QStringList() << node + QStringLiteral(":16:2:64:HeadNodes,ComputeNodes")
-                                         << QStringLiteral("cn0:4:1:1:ComputeNodes")
-                                         << QStringLiteral("cn10:4:1:1:ComputeNodes"));
+    QCOMPARE(run().output,
+             QStringList() << node + QStringLiteral(":16:2:64:HeadNodes,ComputeNodes")
+                           << QStringLiteral("cn0:4:1:1:ComputeNodes")
+                           << QStringLiteral("cn10:4:1:1:ComputeNodes"));
 }
 
 void tst_ClusterTool::nodesOfTheSameNameInOtherDomainsAreKept()

@@ -186,8 +186,8 @@ void tst_Enum::aGivenValueMayBeAnyNumber_data()
 {
     QTest::addColumn<int>("value");
 
-    for (const int value : {std::numeric_limits<int>::min(), -2, -1, 0, 1,
-                            std::numeric_limits<int>::max()})
+    for (const int value :
+         {std::numeric_limits<int>::min(), -2, -1, 0, 1, std::numeric_limits<int>::max()})
         QTest::newRow(QByteArray::number(value).constData()) << value;
 }
 
@@ -420,7 +420,8 @@ void tst_Enum::emptyNamesAreNames()
 
 void tst_Enum::namesMayBeAnyText()
 {
-    const QString type = QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e");
+    const QString type = QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
+                                           "e");
     const Member member(type, "\xE2\x82\xAC %1");
     QCOMPARE(Enum::count(type), 1);
     QCOMPARE(member.toString(), QString::fromUtf8("\xE2\x82\xAC %1"));

@@ -111,9 +111,8 @@ void tst_NodeInfo::nodesAreEqualWhenAllMembersAre_data()
     row("cores", false, [](NodeInfo &other) { other.cores = 17; });
     row("sockets", false, [](NodeInfo &other) { other.sockets = 1; });
     row("quantity", false, [](NodeInfo &other) { other.quantity = 62.25; });
-    row("the last bit of the quantity", false, [](NodeInfo &other) {
-        other.quantity += 62.5 * std::numeric_limits<double>::epsilon();
-    });
+    row("the last bit of the quantity", false,
+        [](NodeInfo &other) { other.quantity += 62.5 * std::numeric_limits<double>::epsilon(); });
     row("head node", false, [](NodeInfo &other) { other.isHeadNode = true; });
     row("compute node", false, [](NodeInfo &other) { other.isComputeNode = false; });
 }
@@ -135,11 +134,11 @@ void tst_NodeInfo::toStringPrintsFourMembers_data()
     QTest::addColumn<double>("quantity");
     QTest::addColumn<QString>("text");
 
-    const auto row = [](const char *name, int cores, int sockets, double quantity,
-                        const char *text) {
-        QTest::newRow(text) << QString::fromLatin1(name) << cores << sockets << quantity
-                            << QString::fromLatin1(text);
-    };
+    const auto row
+        = [](const char *name, int cores, int sockets, double quantity, const char *text) {
+              QTest::newRow(text) << QString::fromLatin1(name) << cores << sockets << quantity
+                                  << QString::fromLatin1(text);
+          };
     row("cn1", 16, 2, 62.5, "cn1:16:2:62.5");
     row("node01", 16, 2, 64, "node01:16:2:64");
     row("", 0, 0, 0, ":0:0:0");
@@ -180,7 +179,8 @@ void tst_NodeInfo::theNameIsPrintedAsItStands()
 {
     NodeInfo other = node();
     for (const QString &name : {QStringLiteral("%1%2%3%4"), QStringLiteral(" a:b "),
-                                QString::fromUtf8("Gr\xC3\xB6\xC3\x9F" "e")}) {
+                                QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
+                                                  "e")}) {
         other.name = name;
         QCOMPARE(other.toString(), name + QStringLiteral(":16:2:62.5"));
     }

@@ -91,8 +91,11 @@ void tst_NodeLines::aLineIsRead_data()
     row("zeros", "cn1:0:0:0:ComputeNodes", "cn1:0:0:0:C");
     row("the name as it stands", "My Node\t:16:2:64:ComputeNodes", "My Node\t:16:2:64:C");
     row("a name that is a role", "HeadNodes:16:2:64:ComputeNodes", "HeadNodes:16:2:64:C");
-    row("letters beyond ASCII", "Gr\xC3\xB6\xC3\x9F" "e:16:2:64:ComputeNodes",
-        "Gr\xC3\xB6\xC3\x9F" "e:16:2:64:C");
+    row("letters beyond ASCII",
+        "Gr\xC3\xB6\xC3\x9F"
+        "e:16:2:64:ComputeNodes",
+        "Gr\xC3\xB6\xC3\x9F"
+        "e:16:2:64:C");
 }
 
 void tst_NodeLines::aLineIsRead()
@@ -191,8 +194,7 @@ void tst_NodeLines::theQuantityIsRead()
 {
     QFETCH(QString, text);
     QFETCH(double, quantity);
-    const QList<NodeInfo> nodes
-        = parseNodeLines({QStringLiteral("a:1:1:%1:HeadNodes").arg(text)});
+    const QList<NodeInfo> nodes = parseNodeLines({QStringLiteral("a:1:1:%1:HeadNodes").arg(text)});
     QCOMPARE(nodes.size(), 1);
     QVERIFY(nodes.first().quantity == quantity);
 }

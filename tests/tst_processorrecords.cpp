@@ -418,6 +418,11 @@ void tst_ProcessorRecords::sysfsCoreNumbersMayHaveGaps()
     // "1" and "11" beside "11" and "1": the numbers do not run together.
     tree.add(0, 1, 11).add(1, 11, 1).add(2, 1, 1);
     QCOMPARE(tree.count(), counts(2, 3, NoSmt));
+
+    SysfsTree dies;
+    dies.setOnline("0-1");
+    dies.add(0, 1, 5).addDie(0, 11).add(1, 11, 5).addDie(1, 1);
+    QCOMPARE(dies.count(), counts(2, 2, NoSmt));
 }
 
 void tst_ProcessorRecords::sysfsOfflineProcessorsDoNotCount()

@@ -69,12 +69,15 @@ void tst_ShellWord::anyTextIsOneWord_data()
     row("option", "-n", "'-n'");
     row("last plain letter", "~", "'~'");
     row("letter beyond ASCII", "\xC3\xB6", "\"$(printf '\\303\\266')\"");
-    row("letters after one beyond ASCII", "\xC3\xB6" "1a", "\"$(printf '\\303\\266\\061\\141')\"");
+    row("letters after one beyond ASCII",
+        "\xC3\xB6"
+        "1a",
+        "\"$(printf '\\303\\266\\061\\141')\"");
     row("percent beside one", "\xC3\xB6%s", "\"$(printf '\\303\\266\\045\\163')\"");
-    row("apostrophe and quotes beside one", "\xC3\xB6'\"",
-        "\"$(printf '\\303\\266\\047\\042')\"");
+    row("apostrophe and quotes beside one", "\xC3\xB6'\"", "\"$(printf '\\303\\266\\047\\042')\"");
     row("backslash beside one", "\xC3\xB6\\", "\"$(printf '\\303\\266\\134')\"");
-    row("blanks beside one", " \xC3\xB6  * ", "\"$(printf '\\040\\303\\266\\040\\040\\052\\040')\"");
+    row("blanks beside one", " \xC3\xB6  * ",
+        "\"$(printf '\\040\\303\\266\\040\\040\\052\\040')\"");
     row("no UTF-8", "\xFF\xFE", "\"$(printf '\\377\\376')\"");
     row("tabulator", "a\tb", "\"$(printf '\\141\\011\\142')\"");
     row("line break", "a\nb", "\"$(printf '\\141\\012\\142')\"");
@@ -119,7 +122,8 @@ void tst_ShellWord::everyByteIsWrittenInPlainAscii()
         else if (byte >= ' ' && byte <= '~')
             QCOMPARE(word, QStringLiteral("'%1'").arg(QLatin1Char(static_cast<char>(byte))));
         else
-            QCOMPARE(word, QStringLiteral("\"$(printf '\\%1')\"").arg(byte, 3, 8, QLatin1Char('0')));
+            QCOMPARE(word,
+                     QStringLiteral("\"$(printf '\\%1')\"").arg(byte, 3, 8, QLatin1Char('0')));
     }
 }
 

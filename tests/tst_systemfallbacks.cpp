@@ -309,11 +309,11 @@ void tst_SystemFallbacks::temporaryFileName()
     QFETCH(QString, expected);
 
     const QString withoutSuffix = expected.chopped(QStringLiteral("xyz").size());
-    QCOMPARE(
-        run({answer("uniqueFileName", uniqueName), QStringLiteral("getTempFileName=results.tar.xyz"),
-             QStringLiteral("getTempFileName=results")})
-            .results,
-        (QStringList{expected, withoutSuffix}));
+    QCOMPARE(run({answer("uniqueFileName", uniqueName),
+                  QStringLiteral("getTempFileName=results.tar.xyz"),
+                  QStringLiteral("getTempFileName=results")})
+                 .results,
+             (QStringList{expected, withoutSuffix}));
 }
 
 void tst_SystemFallbacks::programFolderIsThatOfTheProgramFile()

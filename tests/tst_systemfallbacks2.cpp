@@ -208,15 +208,13 @@ void tst_SystemFallbacks2::theSystemDriveIsNeverAskedFor()
 void tst_SystemFallbacks2::aMappedDriveGivesItsUniversalName()
 {
     bool isDriveAskedFor = false;
-    fakePlatform().universalName = [](const QString &path) {
-        return QStringLiteral("\\\\server\\share") + path.mid(2);
-    };
+    fakePlatform().universalName
+        = [](const QString &path) { return QStringLiteral("\\\\server\\share") + path.mid(2); };
     fakePlatform().driveTarget = [&isDriveAskedFor](const QString &) {
         isDriveAskedFor = true;
         return QStringLiteral("\\??\\D:\\real");
     };
-    QCOMPARE(System::getUniversalPath(QStringLiteral("X:a")),
-             QStringLiteral("\\\\server\\sharea"));
+    QCOMPARE(System::getUniversalPath(QStringLiteral("X:a")), QStringLiteral("\\\\server\\sharea"));
     QVERIFY(!isDriveAskedFor);
 }
 
@@ -287,7 +285,10 @@ void tst_SystemFallbacks2::theTargetOfADrive_data()
     row("X:\\a", "D:\\real", "X:\\a");
     row("X:\\a", "\\??", "X:\\a");
     row("X:\\a", " \\??\\D:\\real", "X:\\a");
-    row("X:\\a", "/?" "?/D:/real", "X:\\a");
+    row("X:\\a",
+        "/?"
+        "?/D:/real",
+        "X:\\a");
 }
 
 void tst_SystemFallbacks2::theTargetOfADrive()
@@ -312,10 +313,12 @@ void tst_SystemFallbacks2::aHostNameThatFailsIsAskedForElsewhere()
     const QString name = QHostInfo::localHostName();
     QVERIFY(!name.isEmpty());
     QCOMPARE(run({QStringLiteral("hostName="), QStringLiteral("getHostName"),
-                  QStringLiteral("hostName=later"), QStringLiteral("getHostName")}).results,
+                  QStringLiteral("hostName=later"), QStringLiteral("getHostName")})
+                 .results,
              (QStringList{name, name}));
     QCOMPARE(run({QStringLiteral("hostName=first"), QStringLiteral("getHostName"),
-                  QStringLiteral("hostName=later"), QStringLiteral("getHostName")}).results,
+                  QStringLiteral("hostName=later"), QStringLiteral("getHostName")})
+                 .results,
              (QStringList{QStringLiteral("first"), QStringLiteral("first")}));
 }
 
@@ -344,10 +347,15 @@ void tst_SystemFallbacks2::theSearchForAnIdEndsWithTheFirstFound()
     const Processes processes({{4, QStringLiteral("other.exe"), QString()},
                                {8, QStringLiteral("VORN.exe"), QString()},
                                {12, QStringLiteral("vorn.EXE"), QString()},
-                               {16, QString::fromUtf8("pr\xC3\xBC" "fen.exe"), QString()}});
+                               {16,
+                                QString::fromUtf8("pr\xC3\xBC"
+                                                  "fen.exe"),
+                                QString()}});
     QCOMPARE(System::getPID({QStringLiteral("VORN.EXE")}), 8L);
     QCOMPARE(processes.visited(), 2);
-    QCOMPARE(System::getPID({QString::fromUtf8("PR\xC3\x9C" "FEN.EXE")}), 16L);
+    QCOMPARE(System::getPID({QString::fromUtf8("PR\xC3\x9C"
+                                               "FEN.EXE")}),
+             16L);
     QCOMPARE(processes.visited(), 6);
     QCOMPARE(System::getPID({QStringLiteral("VORN.exe"), QStringLiteral("vorn.EXE")}), 0L);
     QCOMPARE(processes.terminated(), QStringList());
@@ -439,7 +447,8 @@ void tst_SystemFallbacks2::theRunningProgramIsAskedForAsItIsWritten()
     QVERIFY(System::isProcessRunning(QStringLiteral("VORN.exe")));
     QVERIFY(!System::isProcessRunning(QStringLiteral("vorn.exe")));
     QVERIFY(!System::isProcessRunning(QString()));
-    QCOMPARE(asked, (QStringList{QStringLiteral("VORN.exe"), QStringLiteral("vorn.exe"), QString()}));
+    QCOMPARE(asked,
+             (QStringList{QStringLiteral("VORN.exe"), QStringLiteral("vorn.exe"), QString()}));
 }
 
 void tst_SystemFallbacks2::aSettingThatCannotBeOpenedIsTheDefault()
@@ -485,8 +494,9 @@ void tst_SystemFallbacks2::theFolderIsSharedUnderItsName()
 void tst_SystemFallbacks2::theFlagsLieInTheUsersData()
 {
     const QString path = System::getFlagsDirPath();
-    QCOMPARE(path, QDir::toNativeSeparators(folder_.filePath(
-                       QStringLiteral("Vantorel/VORN 2024/Flags"))));
+    QCOMPARE(
+        path,
+        QDir::toNativeSeparators(folder_.filePath(QStringLiteral("Vantorel/VORN 2024/Flags"))));
     QVERIFY(QFileInfo(path).isDir());
 }
 
@@ -526,7 +536,11 @@ void tst_SystemFallbacks2::aFlagIsTheFirstWordOfALine_data()
     row("DebugMode,Other\n", "DebugMode", false);
     row("DebugMode on\n", "DebugMode on", false);
     row("DebugMode\n", " DebugMode", false);
-    row("Pr\xC3\xBC" "fung an\n", "Pr\xC3\xBC" "fung", true);
+    row("Pr\xC3\xBC"
+        "fung an\n",
+        "Pr\xC3\xBC"
+        "fung",
+        true);
     row("DebugMode\n", "", false);
     row("First\n\nSecond\n", "", true);
     row("First\n  \t\nSecond\n", "", true);
@@ -571,11 +585,10 @@ void tst_SystemFallbacks2::theFlagsFolderIsKept()
     const QTemporaryDir root;
     const QString flags
         = QDir::toNativeSeparators(root.filePath(QStringLiteral("Vantorel/VORN 2024/Flags")));
-    const SystemOutcome outcome
-        = run({QStringLiteral("userDataRoot=%1/").arg(root.path()),
-               QStringLiteral("getFlagsDirPath"), QStringLiteral("removeFolder=") + flags,
-               QStringLiteral("userDataRoot=/other/"), QStringLiteral("getFlagsDirPath"),
-               QStringLiteral("isFlagSet=DebugMode")});
+    const SystemOutcome outcome = run(
+        {QStringLiteral("userDataRoot=%1/").arg(root.path()), QStringLiteral("getFlagsDirPath"),
+         QStringLiteral("removeFolder=") + flags, QStringLiteral("userDataRoot=/other/"),
+         QStringLiteral("getFlagsDirPath"), QStringLiteral("isFlagSet=DebugMode")});
     QCOMPARE(outcome.results, (QStringList{flags, flags, QStringLiteral("false")}));
     QVERIFY(!QFileInfo::exists(flags));
 }

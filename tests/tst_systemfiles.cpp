@@ -19,8 +19,7 @@ namespace {
 // A path that the build knows, whatever the current folder. It need not name its drive.
 QString built(const char *path)
 {
-    return QDir(QCoreApplication::applicationDirPath())
-        .absoluteFilePath(QString::fromUtf8(path));
+    return QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QString::fromUtf8(path));
 }
 
 QString recorded(const char *name)
@@ -162,8 +161,7 @@ private:
 void tst_SystemFiles::init()
 {
     start_ = QDir::currentPath();
-    here_ = QDir(folder_.path()).canonicalPath() + QLatin1Char('/')
-        + QString::number(++functions_);
+    here_ = QDir(folder_.path()).canonicalPath() + QLatin1Char('/') + QString::number(++functions_);
     QVERIFY(QDir().mkdir(here_));
     QVERIFY(QDir::setCurrent(here_));
 }
@@ -184,8 +182,8 @@ void tst_SystemFiles::theFlagsFolderLiesInTheUsersData()
         {QStringLiteral("getUserDataPath"), QStringLiteral("getFlagsDirPath")}, environment);
     QCOMPARE(outcome.results.size(), 2);
     QDir flags(outcome.results.at(1));
-    QCOMPARE(outcome.results.at(1), outcome.results.at(0) + QDir::separator()
-                 + QStringLiteral("Flags"));
+    QCOMPARE(outcome.results.at(1),
+             outcome.results.at(0) + QDir::separator() + QStringLiteral("Flags"));
     QVERIFY(flags.exists());
     if (onWindows()) {
         // The user's own: only what holds nothing is taken away again.
@@ -205,13 +203,14 @@ void tst_SystemFiles::flagsOfTheUserAreSet()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.remove(QStringLiteral("XDG_DATA_HOME"));
     environment.insert(QStringLiteral("HOME"), path("home"));
-    const SystemOutcome outcome = runSystemCalls(
-        helperProgram(), QStringLiteral("system"),
-        {QStringLiteral("isFlagSet=DebugMode"), QStringLiteral("isFlagSet=on"),
-         QStringLiteral("isFlagSet=Other")},
-        environment);
-    QCOMPARE(outcome.results, (QStringList{QStringLiteral("true"), QStringLiteral("false"),
-                                           QStringLiteral("true")}));
+    const SystemOutcome outcome
+        = runSystemCalls(helperProgram(), QStringLiteral("system"),
+                         {QStringLiteral("isFlagSet=DebugMode"), QStringLiteral("isFlagSet=on"),
+                          QStringLiteral("isFlagSet=Other")},
+                         environment);
+    QCOMPARE(
+        outcome.results,
+        (QStringList{QStringLiteral("true"), QStringLiteral("false"), QStringLiteral("true")}));
 }
 
 void tst_SystemFiles::sizeOfAFolderIsThatOfAllItsFiles()
@@ -221,7 +220,9 @@ void tst_SystemFiles::sizeOfAFolderIsThatOfAllItsFiles()
     QVERIFY(makeFile("tree/one", QByteArray(1000, 'x')));
     QVERIFY(makeFile("tree/two.txt", QByteArray(200, 'x')));
     QVERIFY(makeFile("tree/a/three", QByteArray(30, 'x')));
-    QVERIFY(makeFile("tree/a/b/Gr\xC3\xB6\xC3\x9F" "e %1", QByteArray(4, 'x')));
+    QVERIFY(makeFile("tree/a/b/Gr\xC3\xB6\xC3\x9F"
+                     "e %1",
+                     QByteArray(4, 'x')));
     QVERIFY(makeFile("tree/nothing", ""));
     QVERIFY(makeFile("beside", "beside"));
     QCOMPARE(System::getDirectorySize(path("tree")), qint64(1234));
@@ -325,7 +326,8 @@ void tst_SystemFiles::removingTakesTheFolderWithAllItsEntries()
     QVERIFY(makeFolder("tree/empty"));
     QVERIFY(makeFile("tree/file"));
     QVERIFY(makeFile("tree/[a] 100%.txt"));
-    QVERIFY(makeFile("tree/a/Gr\xC3\xB6\xC3\x9F" "e.txt"));
+    QVERIFY(makeFile("tree/a/Gr\xC3\xB6\xC3\x9F"
+                     "e.txt"));
     QVERIFY(makeFile("tree/a/b/nothing", ""));
     QVERIFY(makeFile("beside"));
     QVERIFY(System::removeDir(path("tree"), false, QStringList()));
@@ -337,8 +339,8 @@ void tst_SystemFiles::removingTakesHiddenEntries()
     QVERIFY(makeFolder("tree/.folder/.sub"));
     QVERIFY(makeFile("tree/.folder/.sub/.file"));
     QVERIFY(makeFile("tree/.file"));
-    for (const char *name : {"tree/.folder", "tree/.folder/.sub", "tree/.folder/.sub/.file",
-                             "tree/.file"})
+    for (const char *name :
+         {"tree/.folder", "tree/.folder/.sub", "tree/.folder/.sub/.file", "tree/.file"})
         QVERIFY(makeHidden(path(name)));
     QVERIFY(System::removeDir(path("tree"), false, QStringList()));
     QVERIFY(!exists("tree"));
@@ -678,8 +680,7 @@ void tst_SystemFiles::aJunctionIsRemovedButNotItsFolder()
     for (const char *name : {"tree/junction", "junction"}) {
         runQuietly(QStringLiteral("cmd.exe"),
                    {QStringLiteral("/C"), QStringLiteral("mklink"), QStringLiteral("/J"),
-                    QDir::toNativeSeparators(path(name)),
-                    QDir::toNativeSeparators(path("other"))});
+                    QDir::toNativeSeparators(path(name)), QDir::toNativeSeparators(path("other"))});
         if (!QFileInfo(path(name)).isJunction())
             QSKIP("The system's command interpreter makes no junctions.");
     }
@@ -709,9 +710,8 @@ void tst_SystemFiles::versionOfTheLibrary()
 {
     // Only Windows's programs have one.
     const QString number = QString::number(Version::Hotfix);
-    const QString expected = onWindows()
-        ? Version::Current.toString() + QLatin1Char('.') + number
-        : QStringLiteral("0.0.0.0");
+    const QString expected = onWindows() ? Version::Current.toString() + QLatin1Char('.') + number
+                                         : QStringLiteral("0.0.0.0");
     const QString library = built(LIBRARY_FILE);
     QVERIFY(QFile::exists(library));
     QCOMPARE(System::getFileVersion(library), expected);
@@ -734,8 +734,12 @@ void tst_SystemFiles::versionOfAProgram()
 
     QVERIFY(QFile::exists(file));
     QCOMPARE(System::getFileVersion(file), version);
-    QVERIFY(QFile::copy(file, path("Gr\xC3\xB6\xC3\x9F" "e %1.txt")));
-    QCOMPARE(System::getFileVersion(path("Gr\xC3\xB6\xC3\x9F" "e %1.txt")), version);
+    QVERIFY(QFile::copy(file,
+                        path("Gr\xC3\xB6\xC3\x9F"
+                             "e %1.txt")));
+    QCOMPARE(System::getFileVersion(path("Gr\xC3\xB6\xC3\x9F"
+                                         "e %1.txt")),
+             version);
 }
 
 void tst_SystemFiles::aFileWithoutAVersion_data()
@@ -772,10 +776,9 @@ void tst_SystemFiles::theVersionIsPrinted_data()
 
     const QByteArray other = "Higher: fffffffe\nLower: 80000001\nVersion: 65535.65534.32768.1\n";
     const QByteArray none = "Higher: 0\nLower: 0\nVersion: 0.0.0.0\n";
-    const auto row = [](const char *name, const QString &before, const QString &file,
-                        const QByteArray &printed) {
-        QTest::newRow(name) << before << file << printed;
-    };
+    const auto row
+        = [](const char *name, const QString &before, const QString &file,
+             const QByteArray &printed) { QTest::newRow(name) << before << file << printed; };
     const QByteArray version = "Higher: 180000\nLower: 4b0001\nVersion: 24.0.75.1\n";
     row("alone", QString(), recorded("version64.dll"), version);
     row("other", QString(), recorded("version32.dll"), other);

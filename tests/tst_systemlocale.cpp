@@ -84,8 +84,8 @@ void tst_SystemLocale::cleanup()
 void tst_SystemLocale::languagesOffered()
 {
     QStringList expected;
-    for (const char *name : {"en-US", "zh-CN", "zh-TW", "de-DE", "fr-FR", "ja-JP", "it-IT", "ko-KR",
-                             "ru-RU"})
+    for (const char *name :
+         {"en-US", "zh-CN", "zh-TW", "de-DE", "fr-FR", "ja-JP", "it-IT", "ko-KR", "ru-RU"})
         expected += QString::fromLatin1(name);
     QCOMPARE(System::validLocales(), expected);
 }
@@ -217,8 +217,10 @@ void tst_SystemLocale::anyTextCanBeSet_data()
 {
     QTest::addColumn<QString>("locale");
 
-    for (const char *locale : {"xx-YY", "de-de", "a,b;c\"d\"%1=@#$\\", "@Invalid()", "  blanks  ",
-                               "1031", "Gr\xC3\xB6\xC3\x9F" "e \xE6\x97\xA5"})
+    for (const char *locale :
+         {"xx-YY", "de-de", "a,b;c\"d\"%1=@#$\\", "@Invalid()", "  blanks  ", "1031",
+          "Gr\xC3\xB6\xC3\x9F"
+          "e \xE6\x97\xA5"})
         QTest::newRow(locale) << QString::fromUtf8(locale);
 }
 

@@ -129,7 +129,10 @@ void tst_SystemPaths::windowsFormOfAPath_data()
     row("/mnt/c/", "C:\\");
     row("/mnt/a/x", "A:\\x");
     row("/mnt/z/x", "Z:\\x");
-    row("/mnt/c/Gr\xC3\xB6\xC3\x9F" "e/%1 %2", "C:\\Gr\xC3\xB6\xC3\x9F" "e\\%1 %2");
+    row("/mnt/c/Gr\xC3\xB6\xC3\x9F"
+        "e/%1 %2",
+        "C:\\Gr\xC3\xB6\xC3\x9F"
+        "e\\%1 %2");
     row("/mnt/c/a b//c/", "C:\\a b\\\\c\\");
     row("/mnt/c/a\\b/c", "C:\\a\\b\\c");
     // Every occurrence is replaced, also in a longer name, but only of this letter.
@@ -181,7 +184,10 @@ void tst_SystemPaths::wslFormOfAPath_data()
     row("C:file", "/mnt/cfile");
     row("Z:\\", "/mnt/z/");
     row("C:\\a/b\\\\c", "/mnt/c/a/b//c");
-    row("C:\\Gr\xC3\xB6\xC3\x9F" "e\\%1 %2", "/mnt/c/Gr\xC3\xB6\xC3\x9F" "e/%1 %2");
+    row("C:\\Gr\xC3\xB6\xC3\x9F"
+        "e\\%1 %2",
+        "/mnt/c/Gr\xC3\xB6\xC3\x9F"
+        "e/%1 %2");
     // Installed job files begin so.
     row("|:\\x", "/mnt/|/x");
     // Every occurrence is replaced, in the letter case of the first.

@@ -258,9 +258,8 @@ void tst_SystemProcesses::theFilterIsFoundInAnyLetterCase()
 void tst_SystemProcesses::aFilterThatIsNotInThePathLeavesTheProcessAlone()
 {
     Child child(path(name_));
-    for (const QString &filter :
-         {QStringLiteral("no such folder"), here_ + QStringLiteral("/sub"), QStringLiteral("*"),
-          path(name_) + QLatin1Char('x')})
+    for (const QString &filter : {QStringLiteral("no such folder"), here_ + QStringLiteral("/sub"),
+                                  QStringLiteral("*"), path(name_) + QLatin1Char('x')})
         QCOMPARE(System::killProcesses(QDir::toNativeSeparators(filter), {name_}), QStringList());
     QVERIFY(child.end());
 }
@@ -330,8 +329,7 @@ void tst_SystemProcesses::aStartedProgramGetsItsArguments()
     const QString source = path(QStringLiteral("a source  with blanks, 100% & more.txt"));
     const QString target = path(QStringLiteral("the target.txt"));
     QVERIFY(writeFile(source, "content"));
-    QVERIFY(System::startProcess(helperProgram(),
-                                 {QStringLiteral("copy"), source, target}));
+    QVERIFY(System::startProcess(helperProgram(), {QStringLiteral("copy"), source, target}));
     QTRY_COMPARE(contentOf(target), QByteArray("content"));
 }
 
@@ -343,8 +341,7 @@ void tst_SystemProcesses::aStartedProgramOutlivesTheOneThatStartedIt()
     QProcess process;
     process.start(helperProgram(),
                   {QStringLiteral("system"),
-                   QStringLiteral("startProcess=%1|hang||%2")
-                       .arg(helperProgram(), ended)});
+                   QStringLiteral("startProcess=%1|hang||%2").arg(helperProgram(), ended)});
     QVERIFY(process.waitForFinished());
     QVERIFY(process.readAllStandardOutput().startsWith("=true"));
     QTRY_VERIFY(QFile::exists(ended));
@@ -375,8 +372,12 @@ void tst_SystemProcesses::aVariableIsReadAsLatin1_data()
     QTest::addColumn<QByteArray>("value");
 
     QTest::newRow("text") << QByteArray("VORN_TEST") << QByteArray("D:\\a b;%PATH%=$HOME");
-    QTest::newRow("outside ASCII") << QByteArray("VORN_TEST") << QByteArray("Gr\xF6\xDF" "e \xFF");
-    QTest::newRow("UTF-8") << QByteArray("VORN_TEST") << QByteArray("Gr\xC3\xB6\xC3\x9F" "e");
+    QTest::newRow("outside ASCII") << QByteArray("VORN_TEST")
+                                   << QByteArray("Gr\xF6\xDF"
+                                                 "e \xFF");
+    QTest::newRow("UTF-8") << QByteArray("VORN_TEST")
+                           << QByteArray("Gr\xC3\xB6\xC3\x9F"
+                                         "e");
     QTest::newRow("blanks") << QByteArray("VORN_TEST") << QByteArray("  a  ");
     QTest::newRow("name outside ASCII") << QByteArray("VORN_GR\xD6SSE") << QByteArray("a");
     QTest::newRow("long") << QByteArray("VORN_TEST") << QByteArray(5000, 'x');

@@ -1,6 +1,6 @@
 // As a system header has them that is included first.
 #define major(device) (((device) >> 8) & 0xff)
-#define minor(device) ((device) & 0xff)
+#define minor(device) ((device)&0xff)
 
 #include <Utility/Version.h>
 
@@ -352,8 +352,9 @@ void tst_Version::theElementHoldsThreeNumbersInOrder()
         QVERIFY(child.firstChild().isText());
         children += child.tagName() + QLatin1Char('=') + child.firstChild().nodeValue();
     }
-    QCOMPARE(children, (QStringList{QStringLiteral("major=24"), QStringLiteral("minor=-1"),
-                                    QStringLiteral("patch=75")}));
+    QCOMPARE(children,
+             (QStringList{QStringLiteral("major=24"), QStringLiteral("minor=-1"),
+                          QStringLiteral("patch=75")}));
 }
 
 void tst_Version::theElementIsNotAttached()
@@ -387,11 +388,11 @@ void tst_Version::anElementIsRead_data()
     row("any order", "<patch>75</patch><minor>1</minor><major>24</major>", "24.1.75");
     row("build for patch", "<major>23</major><minor>1</minor><build>12</build>", "23.1.12");
     row("build for a patch of 0", "<major>23</major><patch>0</patch><build>7</build>", "23.0.7");
-    row("build for a patch that is no number",
-        "<major>23</major><patch>x</patch><build>7</build>", "23.0.7");
+    row("build for a patch that is no number", "<major>23</major><patch>x</patch><build>7</build>",
+        "23.0.7");
     row("build for an empty patch", "<major>23</major><patch/><build>7</build>", "23.0.7");
-    row("patch before build",
-        "<major>23</major><minor>1</minor><build>12</build><patch>5</patch>", "23.1.5");
+    row("patch before build", "<major>23</major><minor>1</minor><build>12</build><patch>5</patch>",
+        "23.1.5");
     row("a negative patch before build", "<patch>-1</patch><build>12</build>", "0.0.-1");
     row("neither patch nor build", "<major>23</major><minor>1</minor>", "23.1.0");
     row("a build that is no number", "<major>23</major><minor>1</minor><build>x</build>", "23.1.0");
@@ -480,7 +481,7 @@ void tst_Version::versionsAreOrdered()
 
     QCOMPARE(right == left, order == 0);
     QCOMPARE(right != left, order != 0);
-    QCOMPARE(right < left, order > 0);
+    QCOMPARE(right<left, order> 0);
     QCOMPARE(right <= left, order >= 0);
     QCOMPARE(right > left, order < 0);
     QCOMPARE(right >= left, order <= 0);

@@ -150,7 +150,9 @@ void tst_VersionInProgram::aProgramWithoutAVersionHasNone_data()
     QTest::newRow("no resources") << recorded("noresources.dll");
     QTest::newRow("empty") << QByteArray("");
     QTest::newRow("text") << QByteArray("#!/bin/sh\nexit 0\n");
-    QTest::newRow("other system's") << QByteArray("\x7f" "ELF\x02\x01\x01") + QByteArray(500, '\0');
+    QTest::newRow("other system's") << QByteArray("\x7f"
+                                                  "ELF\x02\x01\x01")
+            + QByteArray(500, '\0');
     QTest::newRow("DOS") << QByteArray("MZ") + QByteArray(500, '\0');
     QTest::newRow("zeros") << QByteArray(5000, '\0');
     QTest::newRow("ones") << QByteArray(5000, '\xff');
@@ -211,13 +213,14 @@ void tst_VersionInProgram::aChangedByteLeavesAVersionOfTheFile()
     QRandomGenerator random(2024);
     for (int offset = 0; offset < program.size(); ++offset) {
         const char original = program.at(offset);
-        for (const int byte : {0, 0xff, 0x80, 0x01, random.bounded(256), random.bounded(256),
-                               random.bounded(256)}) {
+        for (const int byte :
+             {0, 0xff, 0x80, 0x01, random.bounded(256), random.bounded(256), random.bounded(256)}) {
             program[offset] = static_cast<char>(byte);
             const Platform::ProgramVersion version = versionIn(program);
-            QVERIFY2(isFrom(program, version),
-                     qPrintable(QStringLiteral("%1 at %2: %3").arg(byte).arg(offset).arg(
-                         textOf(version))));
+            QVERIFY2(
+                isFrom(program, version),
+                qPrintable(
+                    QStringLiteral("%1 at %2: %3").arg(byte).arg(offset).arg(textOf(version))));
         }
         program[offset] = original;
     }

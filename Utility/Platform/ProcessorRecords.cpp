@@ -133,9 +133,9 @@ ProcessorCounts countSysfs(const QString &folder)
         // Without a core number every logical processor is a core of its own.
         const QString core = idOf(topology + QStringLiteral("core_id"));
         const QString die = idOf(topology + QStringLiteral("die_id"));
-        processors.append({idOf(topology + QStringLiteral("physical_package_id")),
-                           core.isEmpty() ? QStringLiteral("cpu%1").arg(number)
-                                          : die + QLatin1Char('/') + core});
+        processors.append(
+            {idOf(topology + QStringLiteral("physical_package_id")),
+             core.isEmpty() ? QStringLiteral("cpu%1").arg(number) : die + QLatin1Char('/') + core});
     }
     return countLogicalProcessors(processors);
 }

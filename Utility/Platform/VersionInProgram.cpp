@@ -5,6 +5,8 @@
 
 #include <QtCore/QtEndian>
 
+#include <initializer_list>
+
 namespace Vorn::Util::Platform {
 
 namespace {
@@ -59,7 +61,10 @@ bool findResources(const Bytes &file, Section &resources)
     const quint16 sectionCount = file.word(header + 6);
     const quint64 optional = header + 24;
     const quint64 directories = optional + (file.word(optional) == Plus ? 112 : 96);
-    const quint32 address = file.dword(directories + 2 * 8); // the third is that of the resources
+    constexpr quint32 ResourcesIndex = 2;
+    if (file.dword(directories - 4) <= ResourcesIndex)
+        return false;
+    const quint32 address = file.dword(directories + ResourcesIndex * 8);
     const quint64 sections = optional + file.word(header + 20);
     for (quint64 index = 0; address != 0 && index < sectionCount; ++index) {
         const quint64 section = sections + index * 40;
@@ -92,11 +97,13 @@ quint32 entryOf(const Bytes &file, const Section &resources, quint32 directory, 
 quint64 findVersionBlock(const Bytes &file, const Section &resources)
 {
     constexpr quint32 VersionKind = 16;
+    constexpr quint32 VersionName = 1;
+    constexpr quint32 AnyLanguage = 0;
     quint32 place = entryOf(file, resources, 0, VersionKind);
-    for (int level = 0; level < 2; ++level) {
+    for (const quint32 id : {VersionName, AnyLanguage}) {
         if (!(place & DirectoryFlag))
             return 0;
-        place = entryOf(file, resources, place & ~DirectoryFlag, 0);
+        place = entryOf(file, resources, place & ~DirectoryFlag, id);
     }
     if (place == 0 || (place & DirectoryFlag))
         return 0;

@@ -89,7 +89,8 @@ QString Job::checkPacking(const SevenZip &archive) const
 {
     if (archive.isOk() && archive.compressedSize() > 0)
         return QString();
-    log_.append(archive.output());
+    if (!archive.output().isEmpty())
+        log_.append(archive.output());
     return QStringLiteral("7-Zip could not pack the files");
 }
 

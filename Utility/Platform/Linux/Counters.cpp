@@ -60,6 +60,8 @@ public:
         const ProcessorTime now = readProcessorTime(file_.read());
         if (now.total == 0)
             return -1;
+        if (now.total < last_.total)
+            last_ = now; // the count began anew
         const long load = loadBetween(last_, now);
         // Within one tick the load of the interval before is all that is known.
         if (load >= 0) {
@@ -104,7 +106,7 @@ public:
         const char *text = file_.read();
         const qint64 used = readMemoryBytes(text, "Committed_AS:");
         const qint64 limit = readMemoryBytes(text, "CommitLimit:");
-        return used < 0 || limit <= 0 ? -1 : static_cast<long>(used * 100 / limit);
+        return used < 0 || limit <= 0 ? -1 : static_cast<long>(static_cast<double>(used) * 100 / static_cast<double>(limit));
     }
 
 private:

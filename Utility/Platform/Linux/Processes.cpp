@@ -6,6 +6,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <csignal>
@@ -33,6 +34,31 @@ QString programOf(const QString &id)
     return QFile::decodeName(program);
 }
 
+QString fileNameOf(const QString &path)
+{
+    return path.section(QLatin1Char('/'), -1);
+}
+
+// The name of another user's program, as far as it is told: nothing when it may have been cut.
+QString shortNameOf(const QString &id)
+{
+    constexpr int LongestName = 15;
+    QFile file(QStringLiteral("/proc/%1/comm").arg(id));
+    if (!file.open(QIODevice::ReadOnly))
+        return QString();
+    const QString name = QFile::decodeName(file.readAll()).trimmed();
+    return name.size() < LongestName ? name : QString();
+}
+
+QStringList processIds()
+{
+    QStringList ids = QDir(QStringLiteral("/proc"))
+                          .entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
+    const auto isNoProcess = [](const QString &name) { return !name.at(0).isDigit(); };
+    ids.erase(std::remove_if(ids.begin(), ids.end(), isNoProcess), ids.end());
+    return ids;
+}
+
 class LinuxProcess : public RunningProcess
 {
 public:
@@ -43,7 +69,7 @@ public:
     }
 
     long id() const override { return id_; }
-    QString name() const override { return program_.section(QLatin1Char('/'), -1); }
+    QString name() const override { return fileNameOf(program_); }
     QString path() const override { return program_; }
 
     // A killed process has no exit code here.
@@ -58,15 +84,12 @@ private:
 
 void visitProcesses(const std::function<bool(RunningProcess &)> &visit)
 {
-    const QStringList entries
-        = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Unsorted);
-    for (const QString &entry : entries) {
-        bool isProcess = false;
-        const long id = entry.toLong(&isProcess);
-        const QString program = isProcess ? programOf(entry) : QString();
+    const QStringList ids = processIds();
+    for (const QString &id : ids) {
+        const QString program = programOf(id);
         if (program.isEmpty())
             continue;
-        LinuxProcess process(id, program);
+        LinuxProcess process(id.toLong(), program);
         if (!visit(process))
             return;
     }
@@ -74,12 +97,11 @@ void visitProcesses(const std::function<bool(RunningProcess &)> &visit)
 
 bool isProgramRunning(const QString &name)
 {
-    bool found = false;
-    visitProcesses([&](RunningProcess &process) {
-        found = process.name() == name;
-        return !found;
+    const QStringList ids = processIds();
+    return std::any_of(ids.cbegin(), ids.cend(), [&name](const QString &id) {
+        const QString program = programOf(id);
+        return name == (program.isEmpty() ? shortNameOf(id) : fileNameOf(program));
     });
-    return found;
 }
 
 QString hostName()

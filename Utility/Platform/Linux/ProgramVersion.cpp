@@ -1,13 +1,14 @@
 #include <Utility/Platform/ProgramVersion.h>
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 namespace Vorn::Util::Platform {
 
 ProgramVersion programVersion(const QString &path)
 {
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return ProgramVersion();
     // Mapped: of a large program only the pages with its version are read.
     const qint64 size = qMin<qint64>(file.size(), 0x7fffffff);

@@ -10,12 +10,12 @@ using ExtendedQuery = BOOL(WINAPI *)(LOGICAL_PROCESSOR_RELATIONSHIP,
                                      PSYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX, PDWORD);
 
 // Calls \a ask without a buffer for the length, then with one.
-template <typename Ask> QByteArray bytesOf(const Ask &ask, bool &ok)
+template <typename Ask> QByteArray bytesOf(const Ask &ask, DWORD &error)
 {
     DWORD length = 0;
     ask(nullptr, &length);
     QByteArray bytes(static_cast<int>(length), '\0');
-    ok = ask(bytes.data(), &length) != FALSE;
+    error = ask(bytes.data(), &length) ? ERROR_SUCCESS : GetLastError();
     return bytes.left(static_cast<int>(length));
 }
 
@@ -28,9 +28,9 @@ ExtendedQuery findExtendedQuery()
     return reinterpret_cast<ExtendedQuery>(reinterpret_cast<void *>(function));
 }
 
-QString failure(const QString &call)
+QString failure(const QString &call, DWORD error)
 {
-    return QStringLiteral("%1 failed, error = %2").arg(call, QString::number(GetLastError()));
+    return QStringLiteral("%1 failed, error = %2").arg(call, QString::number(error));
 }
 
 } // namespace
@@ -38,17 +38,19 @@ QString failure(const QString &call)
 ProcessorQuery queryProcessors()
 {
     ProcessorQuery query;
+    DWORD error = ERROR_SUCCESS;
     if (const ExtendedQuery extended = findExtendedQuery()) {
         const auto ask = [extended](char *buffer, DWORD *length) {
             return extended(RelationAll,
                             reinterpret_cast<PSYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX>(buffer),
                             length);
         };
-        const QByteArray records = bytesOf(ask, query.ok);
+        const QByteArray records = bytesOf(ask, error);
+        query.ok = error == ERROR_SUCCESS;
         if (query.ok)
             query.counts = countExtendedRecords(records);
         else
-            query.messages << failure(QStringLiteral("GetLogicalProcessorInformationEx"));
+            query.messages << failure(QStringLiteral("GetLogicalProcessorInformationEx"), error);
         return query;
     }
     query.messages << QStringLiteral("Using GetLogicalProcessorInformation");
@@ -56,11 +58,12 @@ ProcessorQuery queryProcessors()
         return GetLogicalProcessorInformation(
             reinterpret_cast<PSYSTEM_LOGICAL_PROCESSOR_INFORMATION>(buffer), length);
     };
-    const QByteArray records = bytesOf(ask, query.ok);
+    const QByteArray records = bytesOf(ask, error);
+    query.ok = error == ERROR_SUCCESS;
     if (query.ok)
         query.counts = countFixedRecords(records);
     else
-        query.messages << failure(QStringLiteral("GetLogicalProcessorInformation"));
+        query.messages << failure(QStringLiteral("GetLogicalProcessorInformation"), error);
     return query;
 }
 

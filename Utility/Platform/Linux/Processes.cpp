@@ -98,7 +98,8 @@ void visitProcesses(const std::function<bool(RunningProcess &)> &visit)
 bool isProgramRunning(const QString &name)
 {
     const QStringList ids = processIds();
-    return std::any_of(ids.cbegin(), ids.cend(), [&name](const QString &id) {
+    // An empty name would find the processes whose name is not told.
+    return !name.isEmpty() && std::any_of(ids.cbegin(), ids.cend(), [&name](const QString &id) {
         const QString program = programOf(id);
         return name == (program.isEmpty() ? shortNameOf(id) : fileNameOf(program));
     });
@@ -108,7 +109,7 @@ QString hostName()
 {
     std::array<char, 128> name{};
     return ::gethostname(name.data(), name.size() - 1) == 0 ? QString::fromLocal8Bit(name.data())
-                                                             : QString();
+                                                            : QString();
 }
 
 QString userName()

@@ -97,8 +97,10 @@ bool System::removeDir(const QString &path, bool keepFolder, const QStringList &
         return keep || removeLink(folder.absoluteFilePath());
 
     bool ok = true;
-    const QFileInfoList entries = QDir(folder.filePath()).entryInfoList(
-        QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Unsorted);
+    const QFileInfoList entries
+        = QDir(folder.filePath())
+              .entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                             QDir::Unsorted);
     for (const QFileInfo &entry : entries) {
         if (!exceptions.contains(entry.fileName()))
             ok = removeEntry(entry) && ok;
@@ -123,12 +125,12 @@ QString System::getFileVersion(const QString &filePath)
     const Platform::ProgramVersion version = Platform::programVersion(filePath);
     const auto highPart = [](quint32 word) { return QString::number(word >> 16); };
     const auto lowPart = [](quint32 word) { return QString::number(word & 0xffff); };
-    const QString text = QStringLiteral("%1.%2.%3.%4")
-                             .arg(highPart(version.high), lowPart(version.high),
-                                  highPart(version.low), lowPart(version.low));
-    printToStandardOutput(QStringLiteral("Higher: %1\nLower: %2\nVersion: %3\n")
-                              .arg(QString::number(version.high, 16),
-                                   QString::number(version.low, 16), text));
+    QString text = QStringLiteral("%1.%2.%3.%4")
+                       .arg(highPart(version.high), lowPart(version.high), highPart(version.low),
+                            lowPart(version.low));
+    printToStandardOutput(
+        QStringLiteral("Higher: %1\nLower: %2\nVersion: %3\n")
+            .arg(QString::number(version.high, 16), QString::number(version.low, 16), text));
     return text;
 }
 

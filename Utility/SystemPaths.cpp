@@ -45,7 +45,7 @@ QString System::getUniversalPath(const QString &path)
 {
     if (path.startsWith(QLatin1String("c:"), Qt::CaseInsensitive))
         return path; // the system drive is never mapped
-    const QString universal = Platform::universalName(QDir::toNativeSeparators(path));
+    QString universal = Platform::universalName(QDir::toNativeSeparators(path));
     if (!universal.isEmpty())
         return universal;
     const QString prefix = QStringLiteral("\\??\\"); // of a substituted drive

@@ -63,7 +63,7 @@ QString System::getHostName()
 
 QString System::getUserName()
 {
-    const QString name = Platform::userName();
+    QString name = Platform::userName();
     if (name.isEmpty())
         qDebug("Cannot determine user name");
     return name;

@@ -61,7 +61,7 @@ bool findResources(const Bytes &file, Section &resources)
     const quint16 sectionCount = file.word(header + 6);
     const quint64 optional = header + 24;
     const quint64 directories = optional + (file.word(optional) == Plus ? 112 : 96);
-    constexpr quint32 ResourcesIndex = 2;
+    constexpr quint64 ResourcesIndex = 2;
     if (file.dword(directories - 4) <= ResourcesIndex)
         return false;
     const quint32 address = file.dword(directories + ResourcesIndex * 8);
@@ -85,7 +85,7 @@ quint32 entryOf(const Bytes &file, const Section &resources, quint32 directory, 
 {
     const quint64 start = resources.offset + directory;
     const quint32 count = quint32(file.word(start + 12)) + file.word(start + 14);
-    for (quint32 index = 0; index < count && file.holds(start + 16 + index * 8, 8); ++index) {
+    for (quint64 index = 0; index < count && file.holds(start + 16 + index * 8, 8); ++index) {
         const quint64 entry = start + 16 + index * 8;
         if (id == 0 || file.dword(entry) == id)
             return file.dword(entry + 4);

@@ -125,7 +125,7 @@ SysInfo *newCounter(const QString &path)
     if (path == QLatin1String("\\Memory\\Available KBytes"))
         return new (std::nothrow) MemoryCounter(Available, 1024);
     if (path == QLatin1String("\\Memory\\Available MBytes"))
-        return new (std::nothrow) MemoryCounter(Available, 1024 * 1024);
+        return new (std::nothrow) MemoryCounter(Available, 1048576);
     if (path == QLatin1String("\\Memory\\Commit Limit"))
         return new (std::nothrow) MemoryCounter("CommitLimit:", 1);
     if (path == QLatin1String("\\Memory\\% Committed Bytes In Use"))

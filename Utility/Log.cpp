@@ -163,7 +163,7 @@ bool Log::removeOldTimeStampedLogFiles(const QString &path, const QString &baseN
         return false;
     const QStringList filter{
         QStringLiteral("%1_20*.%2").arg(escapeWildcards(baseName), escapeWildcards(suffix))};
-    const QDir::Filters plainFiles = QDir::Files | QDir::Hidden;
+    const QDir::Filters plainFiles = QDir::Files | QDir::Hidden | QDir::CaseSensitive;
 
     // Each deletion overwrites the result of those before it: callers ask about the last one.
     bool ok = true;

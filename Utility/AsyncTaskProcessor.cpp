@@ -16,8 +16,9 @@ namespace Vorn::Util {
 
 namespace {
 
-// The task that the processor itself is deleting, so that its going is not searched in the queue.
-thread_local const QObject *taskBeingDeleted = nullptr;
+// The task whose end a processor is handling, or that it is deleting: its going is nothing to react
+// to, and is not searched in the queue.
+thread_local const QObject *taskInHand = nullptr;
 
 // Stands for a clean-up task that is gone. It is never queued, so that a jump to it finds nothing,
 // not even a later task at the same address.
@@ -28,6 +29,30 @@ public:
 
 protected:
     void execute() override { }
+};
+
+// What a finished task leaves: a slot may delete the task before all of it was used.
+struct Result
+{
+    explicit Result(const AsyncTask &task)
+        : ok(task.isOk())
+        , ignoreError(task.ignoreError())
+        , error(task.error())
+        , elapsedTime(task.elapsedTime())
+    {
+    }
+
+    QString text() const
+    {
+        const QString time = System::getElapsedTimeString(elapsedTime);
+        return ok ? QStringLiteral("Task finished in %1").arg(time)
+                  : QStringLiteral("Task finished with errors in %1: error = %2").arg(time, error);
+    }
+
+    bool ok;
+    bool ignoreError;
+    QString error;
+    qint64 elapsedTime;
 };
 
 } // namespace
@@ -41,8 +66,8 @@ AsyncTaskProcessor::~AsyncTaskProcessor() = default;
 
 void AsyncTaskProcessor::addTask(AsyncTask *task)
 {
-    if (!task)
-        return;
+    if (!task || (task->parent() == this && (task == currentTask_ || tasks_.contains(task))))
+        return; // a task runs once
     task->setLog(log_);
     tasks_.append(task);
     task->setParent(this);
@@ -143,39 +168,45 @@ void AsyncTaskProcessor::handleProgressFromTask(const QString &text)
         Q_EMIT progress(currentTask_, text);
 }
 
+// Every step that calls foreign code may delete the task or this processor.
 void AsyncTaskProcessor::handleFinishedTask()
 {
     AsyncTask *task = currentTask_;
     if (!task || sender() != task)
         return;
+    const QScopedValueRollback<const QObject *> mark(taskInHand, task);
     const QPointer<AsyncTaskProcessor> self(this);
+    const QPointer<AsyncTask> alive(task);
+    Result result(*task);
     Q_EMIT finished(task);
-    if (!self || currentTask_ != task)
-        return; // a slot deleted the processor or the task
+    if (!self)
+        return;
+    if (alive)
+        result = Result(*task);
 
-    ok_ = ok_ && (task->isOk() || task->ignoreError());
-    logResult();
-    if (!task->isOk() && !task->ignoreError())
+    const bool isFailure = !result.ok && !result.ignoreError;
+    ok_ = ok_ && !isFailure;
+    log(result.text());
+    if (isFailure)
         stopAfterError();
-    stopWhenCanceled();
+    if (self)
+        stopWhenCanceled();
+    if (!self)
+        return;
 
     currentTask_ = nullptr;
-    deleteTask(task);
+    if (alive)
+        deleteTask(task);
+    if (self)
+        goOn();
+}
+
+void AsyncTaskProcessor::goOn()
+{
     if (tasks_.isEmpty())
         finishRun();
     else
         startTaskLater();
-}
-
-void AsyncTaskProcessor::logResult()
-{
-    const QString time = System::getElapsedTimeString(currentTask_->elapsedTime());
-    if (currentTask_->isOk()) {
-        log(QStringLiteral("Task finished in %1").arg(time));
-    } else {
-        log(QStringLiteral("Task finished with errors in %1: error = %2")
-                .arg(time, currentTask_->error()));
-    }
 }
 
 void AsyncTaskProcessor::stopAfterError()
@@ -191,7 +222,8 @@ void AsyncTaskProcessor::stopAfterError()
 
 void AsyncTaskProcessor::stopWhenCanceled()
 {
-    if (!monitor_ || !monitor_->isCanceled() || stopping_)
+    const QPointer<AsyncTaskProcessor> self(this);
+    if (!monitor_ || !monitor_->isCanceled() || !self || stopping_)
         return;
     stopping_ = true;
     log(QStringLiteral("Task processing has been canceled"));
@@ -209,7 +241,8 @@ void AsyncTaskProcessor::skipToCleanUpTask(AsyncTask *cleanUpTask)
 
 void AsyncTaskProcessor::skipToTask(AsyncTask *target)
 {
-    while (!tasks_.isEmpty() && tasks_.first() != target)
+    const QPointer<AsyncTaskProcessor> self(this);
+    while (self && !tasks_.isEmpty() && tasks_.first() != target)
         deleteTask(tasks_.takeFirst());
 }
 
@@ -224,13 +257,14 @@ void AsyncTaskProcessor::finishRun()
 
 void AsyncTaskProcessor::deleteTask(AsyncTask *task)
 {
-    const QScopedValueRollback<const QObject *> mark(taskBeingDeleted, task);
+    const QScopedValueRollback<const QObject *> mark(taskInHand, task);
+    task->setParent(nullptr); // its destructor may delete this processor
     delete task;
 }
 
 void AsyncTaskProcessor::childEvent(QChildEvent *event)
 {
-    if (event->removed() && event->child() != taskBeingDeleted)
+    if (event->removed() && event->child() != taskInHand)
         forgetTask(event->child());
 }
 
@@ -242,13 +276,13 @@ void AsyncTaskProcessor::forgetTask(QObject *task)
         tasks_.erase(std::remove_if(tasks_.begin(), tasks_.end(), isTask), tasks_.end());
         return;
     }
+    const QPointer<AsyncTaskProcessor> self(this);
     ok_ = false;
     stopAfterError();
+    if (!self)
+        return;
     currentTask_ = nullptr;
-    if (tasks_.isEmpty())
-        finishRun();
-    else
-        startTaskLater();
+    goOn();
 }
 
 void AsyncTaskProcessor::log(const QString &text)

@@ -49,11 +49,13 @@ public:
     AsyncTaskProcessor(QObject *parent = nullptr);
     ~AsyncTaskProcessor() override;
 
-    /// Appends a task, gives it the current log and takes ownership. Null is ignored.
+    /// Appends a task, gives it the current log and takes ownership. Null is ignored, and so is a
+    /// task that waits or runs here already.
     void addTask(Vorn::Util::AsyncTask *task);
 
     /// Names the task to jump to when \a task fails or the run is cancelled after it. It has to
-    /// be queued after \a task: a jump to one that is not in the queue deletes the whole queue.
+    /// be queued after \a task: a jump to one that is not in the queue deletes the whole queue. The
+    /// entry is kept for the address of \a task, also when the task is gone.
     void setCleanUpTask(Vorn::Util::AsyncTask *task, Vorn::Util::AsyncTask *cleanUpTask);
 
     /// Whether the end of the run ends the application's event loop, with 0 or 1. Off at first.
@@ -96,7 +98,7 @@ private:
 
     void startTaskLater();
     void log(const QString &text);
-    void logResult();
+    void goOn();
     void stopAfterError();
     void stopWhenCanceled();
     void skipToCleanUpTask(AsyncTask *cleanUpTask);

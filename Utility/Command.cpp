@@ -22,7 +22,7 @@ QString scriptName()
     return QStringLiteral("work.bat");
 }
 
-// Latin-1 although the output is read as UTF-8: existing callers' scripts count on it.
+// Latin-1 although the output is read as UTF-8: callers rely on both.
 void writeScript(const QString &command)
 {
     QFile::remove(scriptName());
@@ -54,11 +54,11 @@ void logCall(Log &log, const Platform::ShellCall &call)
 using LineHandler = std::function<void(const QString &)>;
 
 // The count is compared before it is raised, so that two lines more than asked for are read, and
-// a read that fails counts as an empty line: callers have been built around both.
+// a read that fails counts as an empty line: callers rely on both.
 void readLines(QProcess &process, int maxLines, const LineHandler &handle)
 {
     std::array<char, LineBufferSize> buffer{};
-    int count = 0;
+    qint64 count = 0;
     while (process.readLine(buffer.data(), LineBufferSize) != 0) {
         handle(QString::fromUtf8(buffer.data()));
         if (count++ > maxLines || process.atEnd())

@@ -35,7 +35,8 @@ public:
     /// line of output.
     QString run(const QString &command, int maxLines, bool logIt);
 
-    /// As run(), one element per line.
+    /// As run(), one element per line. A command that printed nothing, or that could not be run,
+    /// gives one empty element.
     QStringList runL(const QString &command, int maxLines, bool logIt);
 
     /// Returns the exit code; 0 when the interpreter could not be started.

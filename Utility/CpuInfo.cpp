@@ -8,9 +8,34 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
+#include <QtCore/QXmlStreamReader>
 #include <QtXml/QDomDocument>
 
 namespace Vorn::Util {
+
+namespace {
+
+// Whether elements lie in elements so often that the document's recursion might run out of stack.
+bool isDeep(const QString &text)
+{
+    constexpr int DeepestKnown = 500;
+    // Only an entity can hold more elements than the text has "<".
+    if (text.count(QLatin1Char('<')) <= DeepestKnown && !text.contains(QLatin1String("<!ENTITY")))
+        return false;
+    QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
+    int depth = 0;
+    while (depth <= DeepestKnown && !reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::StartElement)
+            ++depth;
+        else if (token == QXmlStreamReader::EndElement)
+            --depth;
+    }
+    return depth > DeepestKnown || reader.hasError();
+}
+
+} // namespace
 
 QString CpuInfo::InfoFileName = QStringLiteral("SystemInfo.xml");
 
@@ -18,7 +43,7 @@ CpuInfo::CpuInfo(Log *log, const QString &dir)
     : infoFilePath_(dir + QLatin1Char('/') + InfoFileName)
     , log_(log)
 {
-    // The messages name the file without its folder: support scripts look for them.
+    // The messages name the file without its folder: callers rely on their text.
     if (QFile::exists(infoFilePath_)) {
         this->log(QStringLiteral("Reading CPU information from %1").arg(InfoFileName));
         if (!loadFromXml())
@@ -78,7 +103,7 @@ bool CpuInfo::loadFromXml()
     file.close();
 
     QDomDocument document;
-    if (!document.setContent(text))
+    if (isDeep(text) || !document.setContent(text))
         return false;
     const QDomElement root = document.documentElement();
     if (isV14Format(root)) {

@@ -9,7 +9,10 @@
 #include <QtCore/QMutexLocker>
 #include <QtCore/QTextStream>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <type_traits>
 
 namespace Vorn::Util {
 
@@ -22,6 +25,18 @@ namespace {
 // What the mutex orders, once more: the waiting inside Qt's mutex is not instrumented, so that the
 // thread sanitizer does not see it.
 std::atomic<int> appendOrder{0};
+
+// The prefix of a second: asking for the local time as text costs several times the writing of a
+// line. Plain memory, which static objects may use while they are destroyed.
+struct LastPrefix
+{
+    qint64 second = -1;
+    Log::TimeStamp form = Log::NoTimeStamp;
+    int length = 0;
+    std::array<QChar, 128> text{};
+};
+static_assert(std::is_trivially_destructible<LastPrefix>::value);
+thread_local LastPrefix lastPrefix;
 
 // A name filter that matches exactly \a text.
 QString escapeWildcards(const QString &text)
@@ -206,17 +221,19 @@ QString Log::getPrefix() const
 {
     if (timeStamp_ != TimeOnly && timeStamp_ != DateAndTime)
         return QString();
-    // Asking for the local time as text costs several times the writing of a line.
-    thread_local qint64 second = -1;
-    thread_local Log::TimeStamp form = NoTimeStamp;
-    thread_local QString prefix;
     const qint64 now = QDateTime::currentSecsSinceEpoch();
-    if (second != now || form != timeStamp_) {
-        second = now;
-        form = timeStamp_;
-        const QDateTime local = QDateTime::fromSecsSinceEpoch(now);
-        prefix = QStringLiteral("[%1]").arg(form == TimeOnly ? local.time().toString(Qt::TextDate)
-                                                             : local.toString(Qt::TextDate));
+    LastPrefix &last = lastPrefix;
+    if (last.second == now && last.form == timeStamp_)
+        return QString(last.text.data(), last.length);
+    const QDateTime local = QDateTime::fromSecsSinceEpoch(now);
+    const QString prefix
+        = QStringLiteral("[%1]").arg(timeStamp_ == TimeOnly ? local.time().toString(Qt::TextDate)
+                                                            : local.toString(Qt::TextDate));
+    if (prefix.size() <= static_cast<int>(last.text.size())) {
+        last.second = now;
+        last.form = timeStamp_;
+        last.length = prefix.size();
+        std::copy(prefix.cbegin(), prefix.cend(), last.text.begin());
     }
     return prefix;
 }

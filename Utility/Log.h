@@ -25,7 +25,8 @@ namespace Vorn::Util {
 ///
 /// Threads: any number of threads may call append() at the same time. Every other member is for
 /// one thread at a time and must not run beside an append(). Writing to a log that is not open
-/// writes nothing; no member throws.
+/// writes nothing; no member throws. A Qt message handler that calls append() on a log waits for
+/// ever when the message comes from an append() to the same log.
 ///
 /// Two processes may append to one file below the size limit. When one of them truncates the
 /// file, the other goes on writing to the file that was replaced until it opens the log again.

@@ -63,8 +63,6 @@ void Registry::readRegistryValue(const wchar_t *valueName, wchar_t *out, const w
         return;
     out[0] = L'\0';
     const QString key = resolveKeyPath(toQString(keyPath), Platform::settingsSubkeys);
-    if (key.size() >= FolderSize)
-        return;
     const Platform::SettingsValue value = Platform::readSettingsValue(key, toQString(valueName));
     if (value.outcome == Platform::SettingsValue::Found)
         copyBounded(value.text, out, ValueSize);

@@ -60,8 +60,7 @@ QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys)
         key = keyPath.left(std::max(separator, 0));
         release = keyPath.mid(separator + 1);
     }
-    // The separator at which a caller's path was split is not put back: installed programs have
-    // their keys under such names.
+    // The separator at which a caller's path was split is not put back: callers rely on it.
     if (!release.contains(QLatin1String(".x")))
         return key + release;
     const QString found = greatestRelease(release, subkeys(key));

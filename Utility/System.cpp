@@ -96,8 +96,8 @@ QString System::getAllUsersDataPath()
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the exported interface takes a copy.
 QString System::getProgramDataPath(QString name)
 {
-    // One cache for all names, searched for a part of the path: programs count on getting the
-    // folder "VORN 2024" for "VORN" too.
+    // One cache for all names, searched for a part of the path: callers rely on getting the folder
+    // "VORN 2024" for "VORN" too.
     if (programDataPath_.isEmpty() || programDataPath_.indexOf(name) < 0) {
         const QChar separator = QDir::separator();
         QString root = Platform::commonApplicationDataFolder(maker());
@@ -113,8 +113,7 @@ QString System::getPublicDocumentsDirPath()
 {
     if (publicDocumentsPath_.isEmpty()) {
         const QString publicFolder = Platform::environmentVariable("PUBLIC");
-        // The fallback holds the product's folder already and gets it twice: existing
-        // installations have their data there.
+        // The fallback holds the product's folder already and gets it twice: callers rely on it.
         const QString base = publicFolder.isEmpty() ? getProgramDataPath(productFolder())
                                                     : publicFolder + QStringLiteral("/Documents");
         const QString path = QDir::toNativeSeparators(

@@ -74,8 +74,9 @@ public:
     /// "TAVELINE2024DIR"; native.
     static QString getProgramFilesPathFromRegistry(bool registryOnly);
 
-    /// Creates a folder and its missing parents, from the first parent that exists. False when a
-    /// folder cannot be made or no part of \a path exists.
+    /// Creates a folder and its missing parents, from the last of them that exists. \a path is
+    /// absolute: each missing folder of a relative one is looked for below the one before. False
+    /// when a folder cannot be made or no part of \a path exists.
     static bool makePath(const QString &path);
 
     /// Whether \a path starts with "/mnt", as paths of the Windows Subsystem for Linux do.
@@ -150,7 +151,9 @@ public:
 
     /// Removes a folder tree. The folder itself stays with \a keepFolder or when there are
     /// \a exceptions, names at its top level that are left alone. A link is removed, never what
-    /// it points to. False when something could not be removed; the rest is removed all the same.
+    /// it points to; a \a path that is a link and is to stay is left alone. Links to nowhere and
+    /// devices are not seen and keep their folder. False when something could not be removed; the
+    /// rest is removed all the same.
     static bool removeDir(const QString &path, bool keepFolder, const QStringList &exceptions);
 
     /// Shares a folder on the network, to be read and written by anybody. False where there are

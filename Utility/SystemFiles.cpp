@@ -42,9 +42,23 @@ qint64 sizeBelow(const QString &folder)
     return size;
 }
 
+// By a name that can be removed: "link/" and "link/." would be the folder that the link points to.
+QFileInfo folderNamed(const QString &path)
+{
+    QString name = QDir::fromNativeSeparators(path);
+    while (name.size() > 1
+           && (name.endsWith(QLatin1Char('/')) || name.endsWith(QLatin1String("/."))))
+        name.chop(1);
+    const QFileInfo folder(name);
+    const bool isNameless
+        = folder.fileName() == QLatin1String(".") || folder.fileName() == QLatin1String("..");
+    return isNameless && folder.exists() ? QFileInfo(folder.canonicalFilePath()) : folder;
+}
+
 bool removeEntry(const QFileInfo &info)
 {
-    const QString path = info.absoluteFilePath();
+    // Not the absolute path, in which Qt takes "link/.." out as text.
+    const QString path = info.filePath();
     if (isLink(info))
         return removeLink(path);
     if (info.isDir())
@@ -91,10 +105,9 @@ bool System::removeDir(const QString &path, bool keepFolder, const QStringList &
     if (path.isEmpty())
         return false;
     const bool keep = keepFolder || !exceptions.isEmpty();
-    // Clean: "link/" would be the folder that the link points to.
-    const QFileInfo folder(QDir::cleanPath(path));
+    const QFileInfo folder = folderNamed(path);
     if (isLink(folder))
-        return keep || removeLink(folder.absoluteFilePath());
+        return keep || removeLink(folder.filePath());
 
     bool ok = true;
     const QFileInfoList entries
@@ -106,7 +119,7 @@ bool System::removeDir(const QString &path, bool keepFolder, const QStringList &
             ok = removeEntry(entry) && ok;
     }
     if (!keep)
-        ok = QDir().rmdir(folder.absoluteFilePath()) && ok;
+        ok = QDir().rmdir(folder.filePath()) && ok;
     return ok;
 }
 

@@ -24,7 +24,7 @@ QString System::toWindowsPath(const QString &path)
     if (!isWslPath(path) || mount.indexIn(path) < 0)
         return path;
     const QString letter = mount.cap(1);
-    // Every occurrence, not only the first: saved command lines hold several paths.
+    // Every occurrence, not only the first: callers rely on it.
     return QString(path)
         .replace(QStringLiteral("/mnt/%1").arg(letter), letter.toUpper() + QLatin1Char(':'))
         .replace(QLatin1Char('/'), QLatin1Char('\\'));
@@ -32,7 +32,7 @@ QString System::toWindowsPath(const QString &path)
 
 QString System::toWslPath(const QString &path)
 {
-    QRegExp drive(QStringLiteral("^([A-Z|a-z]):")); // "|" too, which existing job files hold
+    QRegExp drive(QStringLiteral("^([A-Z|a-z]):")); // "|" too: callers rely on it
     if (isWslPath(path) || drive.indexIn(path) < 0)
         return path;
     const QString letter = drive.cap(1);

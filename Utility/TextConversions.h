@@ -13,8 +13,9 @@
 /// on Qt.
 ///
 /// Narrow text is UTF-8, never the local code page, and ends at its first NUL byte in both
-/// directions. Wide text is the platform's form: UTF-16 where `wchar_t` has 16 bits, UTF-32 where
-/// it has 32. All functions are stateless and may be called from any thread.
+/// directions; a byte-order mark at its beginning is not part of the text. Wide text is the
+/// platform's form: UTF-16 where `wchar_t` has 16 bits, UTF-32 where it has 32. All functions are
+/// stateless and may be called from any thread.
 ///
 /// \code
 /// std::string name = Vorn::Util::toStdString(QStringLiteral("Träger.dat"));

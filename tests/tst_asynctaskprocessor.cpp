@@ -262,7 +262,13 @@ private Q_SLOTS:
     void aRunningTaskThatIsDeletedIsCleanedUp();
     void theLastTaskDeletedWhileRunningEndsTheRun();
     void aTaskDeletedInTheStartedSignalCountsAsFailed();
-    void aTaskDeletedInTheFinishedSignalCountsAsFailed();
+    void aTaskDeletedInTheFinishedSignalCountsAsItEnded_data();
+    void aTaskDeletedInTheFinishedSignalCountsAsItEnded();
+    void aTaskAddedTwiceRunsOnce();
+    void aTaskBornAsAChildIsAddedOnce();
+    void aMonitorMayDeleteTheProcessor();
+    void aTasksDestructorMayDeleteTheProcessor_data();
+    void aTasksDestructorMayDeleteTheProcessor();
     void aRunningTaskThatGetsAnotherParentCountsAsFailed();
     void aProcessorMayBeDeletedInItsOwnSignals_data();
     void aProcessorMayBeDeletedInItsOwnSignals();
@@ -1606,18 +1612,117 @@ void tst_AsyncTaskProcessor::aTaskDeletedInTheStartedSignalCountsAsFailed()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskProcessor::aTaskDeletedInTheFinishedSignalCountsAsFailed()
+void tst_AsyncTaskProcessor::aTaskDeletedInTheFinishedSignalCountsAsItEnded_data()
 {
+    QTest::addColumn<bool>("fails");
+    QTest::addColumn<QString>("line");
+
+    QTest::newRow("ok") << false << QStringLiteral("Task finished in TIME");
+    QTest::newRow("failed") << true
+                            << QStringLiteral("Task finished with errors in TIME: error = broken");
+}
+
+void tst_AsyncTaskProcessor::aTaskDeletedInTheFinishedSignalCountsAsItEnded()
+{
+    QFETCH(bool, fails);
+    QFETCH(QString, line);
+
     Queue queue;
     queue.processor.setExitOnError(false);
-    const QPointer<TestTask> a = queue.add("A");
+    const QPointer<TestTask> a = queue.add("A", fails ? fail() : succeed());
     queue.add("B");
     connect(&queue.processor, &AsyncTaskProcessor::finished, this, [&a] { delete a; });
-    QCOMPARE(queue.run(), 1);
+    QCOMPARE(queue.run(), fails ? 1 : 0);
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
     QCOMPARE(queue.lines(),
-             texts({"Start processing tasks", "Starting task: A", "Starting task: B",
-                    "Task finished in TIME", "Finished processing tasks in TIME"}));
+             QStringList(
+                 {QStringLiteral("Start processing tasks"), QStringLiteral("Starting task: A"),
+                  line, QStringLiteral("Starting task: B"), QStringLiteral("Task finished in TIME"),
+                  QStringLiteral("Finished processing tasks in TIME")}));
+}
+
+void tst_AsyncTaskProcessor::aTaskAddedTwiceRunsOnce()
+{
+    Queue queue;
+    const QPointer<TestTask> a = queue.add("A", [&queue](TestTask &task) {
+        queue.processor.addTask(&task);
+        task.setFinished();
+    });
+    queue.processor.addTask(a);
+    connect(&queue.processor, &AsyncTaskProcessor::finished, this,
+            [&queue](AsyncTask *task) { queue.processor.addTask(task); });
+    queue.add("B");
+    QCOMPARE(queue.run(), 0);
+    QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
+}
+
+void tst_AsyncTaskProcessor::aTaskBornAsAChildIsAddedOnce()
+{
+    Queue queue;
+    auto *a = new TestTask(QStringLiteral("A"), succeed(), &queue.processor);
+    queue.processor.addTask(a);
+    QVERIFY(!queue.processor.isFinished());
+    queue.processor.addTask(a);
+    QCOMPARE(queue.run(), 0);
+    QCOMPARE(queue.journal, texts({"started A", "finished A"}));
+}
+
+void tst_AsyncTaskProcessor::aMonitorMayDeleteTheProcessor()
+{
+    struct Monitor : AsyncTaskMonitor
+    {
+        bool isCanceled() override
+        {
+            delete processor;
+            return true;
+        }
+        QPointer<AsyncTaskProcessor> processor;
+    };
+    TestLog log;
+    Monitor monitor;
+    monitor.processor = new AsyncTaskProcessor;
+    monitor.processor->setLog(log);
+    monitor.processor->setTaskMonitor(&monitor);
+    const QPointer<TestTask> a = new TestTask(QStringLiteral("A"), succeed());
+    monitor.processor->addTask(a);
+    monitor.processor->addTask(new TestTask(QStringLiteral("B"), succeed()));
+    monitor.processor->startLater();
+    QTRY_VERIFY(!monitor.processor);
+    QVERIFY(!a);
+}
+
+void tst_AsyncTaskProcessor::aTasksDestructorMayDeleteTheProcessor_data()
+{
+    QTest::addColumn<bool>("skipped");
+
+    QTest::newRow("of the finished task") << false;
+    QTest::newRow("of a skipped task") << true;
+}
+
+void tst_AsyncTaskProcessor::aTasksDestructorMayDeleteTheProcessor()
+{
+    QFETCH(bool, skipped);
+
+    struct Deleter : TestTask
+    {
+        using TestTask::TestTask;
+        ~Deleter() override { delete processor; }
+        QPointer<AsyncTaskProcessor> processor;
+    };
+    const QPointer<AsyncTaskProcessor> processor = new AsyncTaskProcessor;
+    const QPointer<TestTask> first
+        = new TestTask(QStringLiteral("first"), skipped ? fail() : succeed());
+    auto *deleter = new Deleter(QStringLiteral("deleter"), succeed());
+    deleter->processor = processor;
+    const QPointer<TestTask> last = new TestTask(QStringLiteral("last"), succeed());
+    processor->addTask(first);
+    processor->addTask(deleter);
+    processor->addTask(last);
+    processor->setCleanUpTask(first, last);
+    processor->startLater();
+    QTRY_VERIFY(!processor);
+    QVERIFY(!first);
+    QVERIFY(!last);
 }
 
 void tst_AsyncTaskProcessor::aRunningTaskThatGetsAnotherParentCountsAsFailed()

@@ -95,6 +95,10 @@ private Q_SLOTS:
     void anInfoElementThatIsNotFirstIsNotTheOlderForm_data();
     void anInfoElementThatIsNotFirstIsNotTheOlderForm();
     void numbersOfAnySizeAreSafe();
+    void aFileOfDeepElementsCannotBeRead_data();
+    void aFileOfDeepElementsCannotBeRead();
+    void aLongFileOfShallowElementsIsRead();
+    void elementsFromEntitiesCountToo();
 
     void aFileWithoutHyperThreadingHasTheSystemAskedAgain_data();
     void aFileWithoutHyperThreadingHasTheSystemAskedAgain();
@@ -332,6 +336,60 @@ void tst_CpuInfo::theOlderFormIsRead_data()
 void tst_CpuInfo::theOlderFormIsRead()
 {
     theCurrentFormIsRead();
+}
+
+void tst_CpuInfo::aFileOfDeepElementsCannotBeRead_data()
+{
+    QTest::addColumn<int>("depth");
+    QTest::addColumn<bool>("closed");
+    QTest::addColumn<bool>("isRead");
+
+    QTest::newRow("deep as no file is") << 400 << true << true;
+    QTest::newRow("deeper") << 600 << true << false;
+    QTest::newRow("without an end") << 200000 << false << false;
+    QTest::newRow("very deep") << 200000 << true << false;
+}
+
+void tst_CpuInfo::aFileOfDeepElementsCannotBeRead()
+{
+    QFETCH(int, depth);
+    QFETCH(bool, closed);
+    QFETCH(bool, isRead);
+
+    QByteArray text = QByteArray("<a>").repeated(depth);
+    if (closed)
+        text += QByteArray("</a>").repeated(depth);
+    QVERIFY(writeFile(infoFile(),
+                      "<Root><processorCount>3</processorCount><hyperThreading>on</hyperThreading>"
+                          + text + "</Root>"));
+    TestLog log;
+    QCOMPARE(CpuInfo(log, folder()).processorCount(), isRead ? 3 : 1);
+    QCOMPARE(log.lines().size(), isRead ? 1 : 2);
+}
+
+void tst_CpuInfo::aLongFileOfShallowElementsIsRead()
+{
+    QVERIFY(writeFile(infoFile(),
+                      "<Root>" + QByteArray("<a>&lt;</a>").repeated(5000)
+                          + "<processorCount>3</processorCount><hyperThreading>on</hyperThreading>"
+                            "</Root>"));
+    TestLog log;
+    QCOMPARE(CpuInfo(log, folder()).processorCount(), 3);
+}
+
+// What the elements of a file would become cannot be told from its text.
+void tst_CpuInfo::elementsFromEntitiesCountToo()
+{
+    QByteArray entities = "<!ENTITY e0 \"<a></a>\">";
+    for (int number = 1; number <= 600; ++number) {
+        entities += "<!ENTITY e" + QByteArray::number(number) + " \"<a>&e"
+            + QByteArray::number(number - 1) + ";</a>\">";
+    }
+    QVERIFY(writeFile(infoFile(),
+                      "<!DOCTYPE Root [" + entities
+                          + "]><Root><processorCount>3</processorCount>&e600;</Root>"));
+    TestLog log;
+    QCOMPARE(CpuInfo(log, folder()).processorCount(), 1);
 }
 
 void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm_data()

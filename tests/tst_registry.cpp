@@ -143,6 +143,8 @@ private Q_SLOTS:
     void theTypeOfAValueIsNotChecked();
     void aValueThatDoesNotFitIsNotThere_data();
     void aValueThatDoesNotFitIsNotThere();
+    void aValueThatDoesNotFitIsPrinted();
+    void aKeyPathThatDoesNotFitIsPrintedAsNotOpened();
     void everyFolderOfTheSettingsIsSearched();
 
     void aMissingKeyIsPrinted();
@@ -356,6 +358,31 @@ void tst_Registry::aValueThatDoesNotFitIsNotThere_data()
     QTest::newRow("without its end") << 1024 << false;
     QTest::newRow("one more") << 1025 << false;
     QTest::newRow("much more") << 5000 << false;
+}
+
+void tst_Registry::aValueThatDoesNotFitIsPrinted()
+{
+    QVERIFY(writeSetting(productKey(), installationDirectory(), QString(1024, QLatin1Char('x'))));
+    const SystemOutcome outcome
+        = runCalls({QStringLiteral("readRegistryValue=InstallationDirectory")});
+    QCOMPARE(outcome.results, QStringList{QString()});
+    QCOMPARE(outcome.printed.size(), 1);
+    QVERIFY2(outcome.printed.first().startsWith(QLatin1String("RegQueryValueEx: ")),
+             qPrintable(outcome.printed.first()));
+}
+
+void tst_Registry::aKeyPathThatDoesNotFitIsPrintedAsNotOpened()
+{
+    const QString longest(511, QLatin1Char('k'));
+    const SystemOutcome outcome = runCalls({QStringLiteral("readRegistryValue=Name|") + longest,
+                                            QStringLiteral("readRegistryValue=Name|k") + longest});
+    QCOMPARE(outcome.results, (QStringList{QString(), QString()}));
+    QCOMPARE(outcome.printed.size(), 2);
+    const QString fits = QStringLiteral("RegOpenKeyEx: %1: 2: ").arg(longest);
+    QVERIFY2(outcome.printed.first().startsWith(fits), qPrintable(outcome.printed.first()));
+    const QString doesNot = QStringLiteral("RegOpenKeyEx: k%1: ").arg(longest);
+    QVERIFY2(outcome.printed.last().startsWith(doesNot), qPrintable(outcome.printed.last()));
+    QVERIFY(!outcome.printed.last().startsWith(doesNot + QStringLiteral("2: ")));
 }
 
 void tst_Registry::aValueThatDoesNotFitIsNotThere()

@@ -160,7 +160,6 @@ private Q_SLOTS:
     void aKeyThatCannotBeOpenedIsPrinted();
     void aValueThatCannotBeReadIsPrinted();
     void printedTextsAreNotExpanded();
-    void anOverlongKeyPathIsNotOpened();
     void theKeyAndTheNameAreHandedOn();
 
 private:
@@ -449,22 +448,6 @@ void tst_SystemFallbacks::printedTextsAreNotExpanded()
                   QStringLiteral("readRegistryValue=Name")})
                  .printed,
              QStringList{QStringLiteral("RegQueryValueEx: 2 %1 %2 %s")});
-}
-
-void tst_SystemFallbacks::anOverlongKeyPathIsNotOpened()
-{
-    QList<int> sizes;
-    fakePlatform().readSettingsValue = [&sizes](const QString &key, const QString &) {
-        sizes += key.size();
-        return SettingsValue{SettingsValue::Found, QStringLiteral("value"), 0, QString()};
-    };
-    std::array<wchar_t, 1024> out{};
-    const std::wstring longest(511, L'k');
-    Registry::readRegistryValue(L"Name", out.data(), longest.c_str());
-    QCOMPARE(QString::fromWCharArray(out.data()), QStringLiteral("value"));
-    Registry::readRegistryValue(L"Name", out.data(), (longest + L'k').c_str());
-    QCOMPARE(QString::fromWCharArray(out.data()), QString());
-    QCOMPARE(sizes, QList<int>{511});
 }
 
 void tst_SystemFallbacks::theKeyAndTheNameAreHandedOn()

@@ -101,6 +101,8 @@ private Q_SLOTS:
     void aLinkIsRemovedButNotItsFolder_data();
     void aLinkIsRemovedButNotItsFolder();
     void aLinkToTheFolderItselfIsNotFollowed();
+    void aFolderBehindALinkIsTheSystemsOne();
+    void removingTheCurrentFolderByItsPointTakesItAll();
     void anExceptedLinkStays();
     void aJunctionIsRemovedButNotItsFolder();
 
@@ -657,6 +659,39 @@ void tst_SystemFiles::aLinkToTheFolderItselfIsNotFollowed()
     QVERIFY(makeFile("beside"));
     QVERIFY(System::removeDir(path("tree"), false, QStringList()));
     QCOMPARE(entriesOf(here_), QStringList{QStringLiteral("beside")});
+}
+
+// The path goes by way of the link: what is removed is what the system finds there.
+void tst_SystemFiles::aFolderBehindALinkIsTheSystemsOne()
+{
+    if (onWindows())
+        QSKIP("A link is a file here.");
+    QVERIFY(makeFolder("other/sub"));
+    QVERIFY(makeFolder("other/tree"));
+    QVERIFY(makeFile("other/tree/file"));
+    QVERIFY(makeFolder("tree"));
+    QVERIFY(makeFile("tree/file"));
+    QVERIFY(makeLink("other/sub", "link"));
+    QVERIFY(System::removeDir(path("link/../tree"), false, QStringList()));
+    QVERIFY(!exists("other/tree"));
+    QVERIFY(exists("tree/file"));
+
+    QVERIFY(System::removeDir(path("link/.."), true, QStringList()));
+    QVERIFY(!exists("other/sub"));
+    QVERIFY(exists("other"));
+    QVERIFY(exists("tree/file"));
+}
+
+void tst_SystemFiles::removingTheCurrentFolderByItsPointTakesItAll()
+{
+    QVERIFY(makeFolder("tree/sub"));
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(path("tree")));
+    const bool removed = System::removeDir(QStringLiteral("."), true, QStringList());
+    QVERIFY(QDir::setCurrent(before));
+    QVERIFY(removed);
+    QVERIFY(exists("tree"));
+    QVERIFY(!exists("tree/sub"));
 }
 
 void tst_SystemFiles::anExceptedLinkStays()

@@ -2,12 +2,10 @@
 
 #include <Utility/Platform/ProgramVersion.h>
 
+#include <QtCore/QBuffer>
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QtEndian>
 #include <QtTest/QtTest>
-
-#include <algorithm>
-#include <memory>
 
 using namespace Vorn::Util;
 
@@ -18,13 +16,12 @@ QByteArray recorded(const char *name)
     return contentOf(QStringLiteral(TEST_DATA "/programs/") + QString::fromLatin1(name));
 }
 
-// From a copy that ends exactly with the bytes, for the address sanitizer.
 Platform::ProgramVersion versionIn(const QByteArray &bytes)
 {
-    const auto size = static_cast<std::size_t>(bytes.size());
-    const std::unique_ptr<char[]> copy(new char[size]);
-    std::copy_n(bytes.constData(), size, copy.get());
-    return Platform::versionInProgram(QByteArray::fromRawData(copy.get(), bytes.size()));
+    QBuffer program;
+    program.setData(bytes);
+    program.open(QIODevice::ReadOnly);
+    return Platform::versionInProgram(program);
 }
 
 QString textOf(const Platform::ProgramVersion &version)
@@ -125,6 +122,7 @@ private Q_SLOTS:
     void aChangedByteLeavesAVersionOfTheFile();
     void damagedProgramsHaveNone_data();
     void damagedProgramsHaveNone();
+    void theBlockMayLieInAnotherSection();
     void whatLiesBehindTheSectionIsFollowedWithinTheFile_data() { addPrograms(); }
     void whatLiesBehindTheSectionIsFollowedWithinTheFile();
     void randomBytesHaveNone();
@@ -288,6 +286,29 @@ void tst_VersionInProgram::damagedProgramsHaveNone()
     QFETCH(QByteArray, program);
 
     QCOMPARE(versionTextIn(program), none());
+}
+
+// Only the directories need to lie with the other resources.
+void tst_VersionInProgram::theBlockMayLieInAnotherSection()
+{
+    QByteArray program = recorded("version64.dll");
+    const Layout layout(program);
+    const int fixed = versionOffset(program) - 8;
+    const int block = fixed - 40;
+    constexpr int BlockSize = 40 + 52;
+    const int target = static_cast<int>(dwordAt(program, layout.sections + 20));
+    program.replace(target, BlockSize, program.mid(block, BlockSize));
+    put(program, fixed, 0u);
+    QCOMPARE(versionTextIn(program), none());
+
+    const auto oldPlace = dwordAt(program, layout.resourceSection + 12)
+        + static_cast<quint32>(block - layout.resources);
+    QByteArray place(4, '\0');
+    put(place, 0, oldPlace);
+    const int entry = program.indexOf(place, layout.resources);
+    QVERIFY(entry > 0);
+    put(program, entry, dwordAt(program, layout.sections + 12));
+    QCOMPARE(versionTextIn(program), QStringLiteral("24.0.75.1"));
 }
 
 // A size that the file does not have does no harm.

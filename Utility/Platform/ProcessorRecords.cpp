@@ -102,8 +102,7 @@ ProcessorCounts countExtendedRecords(const QByteArray &records)
         if (size < smallest || size > static_cast<quint32>(records.size() - offset))
             break;
         count(counts, kind);
-        // Each core overwrites what the one before said: the last one decides, as programs that
-        // read the file expect.
+        // Each core overwrites what the one before said: callers rely on the last one's answer.
         if (kind == CoreRecord) {
             counts.tellsSmt = true;
             counts.smt = records.at(offset + FlagsAt) == SmtFlag;

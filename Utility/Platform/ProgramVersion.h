@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtCore/QByteArray>
+#include <QtCore/QIODevice>
 #include <QtCore/QString>
 #include <QtCore/QtGlobal>
 
@@ -17,7 +17,8 @@ struct ProgramVersion
 /// The version in the version block of the program file \a path.
 ProgramVersion programVersion(const QString &path);
 
-/// The same, read from the bytes of a program file, whatever they are.
-ProgramVersion versionInProgram(const QByteArray &bytes);
+/// The same, read from the bytes of a program file, whatever they are. \a program is open and can
+/// be read at any place.
+ProgramVersion versionInProgram(QIODevice &program);
 
 } // namespace Vorn::Util::Platform

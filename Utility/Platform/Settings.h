@@ -14,12 +14,13 @@ struct SettingsValue
     enum Outcome { Found, NoKey, NoValue };
 
     Outcome outcome;
-    QString text;    ///< Found: the value up to its first null, 1024 characters at the most
+    QString text;    ///< Found: the value up to its first null, at most 1023 characters
     int code;        ///< otherwise: the system's code of the failed call
     QString message; ///< otherwise: the system's text, with its own line end
 };
 
-/// Reads the value \a name of the key \a keyPath, whose parts are separated by "\\".
+/// Reads the value \a name of the key \a keyPath, whose parts are separated by "\\" and which has
+/// 511 characters at the most.
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name);
 
 /// The key \a keyPath of the same store, to read from; null when there is none.

@@ -3,6 +3,7 @@
 
 #include <Utility/Platform/ProgramVersion.h>
 
+#include <QtCore/QIODevice>
 #include <QtCore/QtEndian>
 
 #include <initializer_list>
@@ -14,14 +15,14 @@ namespace {
 class Bytes
 {
 public:
-    explicit Bytes(const QByteArray &bytes)
-        : bytes_(bytes)
+    explicit Bytes(QIODevice &device)
+        : device_(device)
     {
     }
 
     bool holds(quint64 offset, quint64 length) const
     {
-        const auto size = static_cast<quint64>(bytes_.size());
+        const auto size = static_cast<quint64>(device_.size());
         return offset <= size && length <= size - offset;
     }
 
@@ -32,58 +33,61 @@ public:
 private:
     template <typename Number> Number number(quint64 offset) const
     {
-        return holds(offset, sizeof(Number))
-            ? qFromLittleEndian<Number>(bytes_.constData() + offset)
-            : Number(0);
+        char bytes[sizeof(Number)] = {};
+        const bool isRead = holds(offset, sizeof bytes) && device_.seek(static_cast<qint64>(offset))
+            && device_.read(bytes, sizeof bytes) == sizeof bytes;
+        return isRead ? qFromLittleEndian<Number>(bytes) : Number(0);
     }
 
-    const QByteArray &bytes_;
-};
-
-// The section with the resources: where it lies in the file and in memory.
-struct Section
-{
-    quint64 offset = 0;
-    quint32 size = 0;
-    quint32 address = 0;
+    QIODevice &device_;
 };
 
 constexpr quint32 DirectoryFlag = 0x80000000u;
 
-bool findResources(const Bytes &file, Section &resources)
+// The table of the sections: which parts of the file lie where in memory.
+struct Sections
+{
+    quint64 table = 0;
+    quint16 count = 0;
+};
+
+// Where in the file the memory's \a address lies; 0 when it is not from the file.
+quint64 offsetOf(const Bytes &file, const Sections &sections, quint32 address)
+{
+    for (quint64 index = 0; index < sections.count; ++index) {
+        const quint64 section = sections.table + index * 40;
+        const quint32 start = file.dword(section + 12);
+        const quint32 size = file.dword(section + 16);
+        if (address >= start && address - start < size)
+            return quint64(file.dword(section + 20)) + (address - start);
+    }
+    return 0;
+}
+
+// Where the resources begin; 0 when there are none.
+quint64 findResources(const Bytes &file, Sections &sections)
 {
     constexpr quint32 PeSignature = 0x00004550;
     constexpr quint16 DosSignature = 0x5a4d;
     constexpr quint16 Plus = 0x20b; // 64-bit form of the optional header
     const quint64 header = file.dword(0x3c);
     if (file.word(0) != DosSignature || file.dword(header) != PeSignature)
-        return false;
-    const quint16 sectionCount = file.word(header + 6);
+        return 0;
     const quint64 optional = header + 24;
     const quint64 directories = optional + (file.word(optional) == Plus ? 112 : 96);
     constexpr quint64 ResourcesIndex = 2;
     if (file.dword(directories - 4) <= ResourcesIndex)
-        return false;
+        return 0;
+    sections = {optional + file.word(header + 20), file.word(header + 6)};
     const quint32 address = file.dword(directories + ResourcesIndex * 8);
-    const quint64 sections = optional + file.word(header + 20);
-    for (quint64 index = 0; address != 0 && index < sectionCount; ++index) {
-        const quint64 section = sections + index * 40;
-        const quint32 start = file.dword(section + 12);
-        const quint32 size = file.dword(section + 16);
-        if (address >= start && address - start < size) {
-            resources = {quint64(file.dword(section + 20)) + (address - start),
-                         size - (address - start), address};
-            return file.holds(resources.offset, 16);
-        }
-    }
-    return false;
+    return address == 0 ? 0 : offsetOf(file, sections, address);
 }
 
 // The place that the entry \a id of the directory at \a directory names, or its first entry for
 // id 0; 0 when there is none.
-quint32 entryOf(const Bytes &file, const Section &resources, quint32 directory, quint32 id)
+quint32 entryOf(const Bytes &file, quint64 resources, quint32 directory, quint32 id)
 {
-    const quint64 start = resources.offset + directory;
+    const quint64 start = resources + directory;
     const quint32 count = quint32(file.word(start + 12)) + file.word(start + 14);
     for (quint64 index = 0; index < count && file.holds(start + 16 + index * 8, 8); ++index) {
         const quint64 entry = start + 16 + index * 8;
@@ -94,12 +98,14 @@ quint32 entryOf(const Bytes &file, const Section &resources, quint32 directory, 
 }
 
 // Resources are a tree of three levels: kind, name, language.
-quint64 findVersionBlock(const Bytes &file, const Section &resources)
+quint64 findVersionBlock(const Bytes &file)
 {
     constexpr quint32 VersionKind = 16;
     constexpr quint32 VersionName = 1;
     constexpr quint32 AnyLanguage = 0;
-    quint32 place = entryOf(file, resources, 0, VersionKind);
+    Sections sections;
+    const quint64 resources = findResources(file, sections);
+    quint32 place = resources == 0 ? 0 : entryOf(file, resources, 0, VersionKind);
     for (const quint32 id : {VersionName, AnyLanguage}) {
         if (!(place & DirectoryFlag))
             return 0;
@@ -107,21 +113,17 @@ quint64 findVersionBlock(const Bytes &file, const Section &resources)
     }
     if (place == 0 || (place & DirectoryFlag))
         return 0;
-    const quint32 address = file.dword(resources.offset + place);
-    return address < resources.address ? 0 : resources.offset + (address - resources.address);
+    return offsetOf(file, sections, file.dword(resources + place));
 }
 
 } // namespace
 
-ProgramVersion versionInProgram(const QByteArray &bytes)
+ProgramVersion versionInProgram(QIODevice &program)
 {
     constexpr quint32 FixedSignature = 0xfeef04bd;
     constexpr quint64 FixedAt = 40; // behind the block's lengths, its name and the padding
-    const Bytes file(bytes);
-    Section resources;
-    if (!findResources(file, resources))
-        return ProgramVersion();
-    const quint64 block = findVersionBlock(file, resources);
+    const Bytes file(program);
+    const quint64 block = findVersionBlock(file);
     if (block == 0 || !file.holds(block + FixedAt, 16)
         || file.dword(block + FixedAt) != FixedSignature)
         return ProgramVersion();

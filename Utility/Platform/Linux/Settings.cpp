@@ -10,7 +10,9 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-constexpr int LongestValue = 1024; // characters, as in the registry's buffer
+// Characters with the terminating null, as in the registry's buffers.
+constexpr int KeyPathSize = 512;
+constexpr int ValueSize = 1024;
 
 // A key path "SOFTWARE\ORGANISATION\APPLICATION\GROUP..." in Qt's system-wide settings.
 struct Location
@@ -66,6 +68,8 @@ std::unique_ptr<QSettings> openSettings(const QString &keyPath)
 
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
 {
+    if (keyPath.size() >= KeyPathSize)
+        return failure(SettingsValue::NoKey, ENAMETOOLONG);
     const std::unique_ptr<QSettings> key = openSettings(keyPath);
     if (!key)
         return failure(SettingsValue::NoKey, ENOENT);
@@ -73,7 +77,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
         return failure(SettingsValue::NoValue, ENOENT);
     // An unquoted comma in the file makes a list of the value.
     const QString text = key->value(name).toStringList().join(QLatin1String(", "));
-    if (text.size() > LongestValue)
+    if (text.size() >= ValueSize)
         return failure(SettingsValue::NoValue, EMSGSIZE);
     return {SettingsValue::Found, text.left(text.indexOf(QChar())), 0, QString()};
 }

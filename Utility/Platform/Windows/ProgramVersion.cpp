@@ -3,6 +3,7 @@
 #include <Utility/Platform/Windows/WindowsApi.h>
 
 #include <algorithm>
+#include <limits>
 #include <winver.h>
 
 namespace Vorn::Util::Platform {
@@ -16,7 +17,7 @@ ProgramVersion programVersion(const QString &path)
     std::copy_n(wide(path), path.size(), name);
     DWORD handle = 0;
     const DWORD size = GetFileVersionInfoSizeW(name, &handle);
-    if (size == 0)
+    if (size == 0 || size > static_cast<DWORD>(std::numeric_limits<int>::max()))
         return ProgramVersion();
     QByteArray block(static_cast<int>(size), '\0');
     void *info = nullptr;
@@ -26,6 +27,8 @@ ProgramVersion programVersion(const QString &path)
         || length < sizeof(VS_FIXEDFILEINFO))
         return ProgramVersion();
     const auto *fixed = static_cast<const VS_FIXEDFILEINFO *>(info);
+    if (fixed->dwSignature != VS_FFI_SIGNATURE)
+        return ProgramVersion();
     return {fixed->dwFileVersionMS, fixed->dwFileVersionLS};
 }
 

@@ -38,22 +38,32 @@ QString messageOf(DWORD code)
     return textOf(message);
 }
 
+SettingsValue noKey(LONG code)
+{
+    return {SettingsValue::NoKey, QString(), static_cast<int>(code),
+            messageOf(static_cast<DWORD>(code))};
+}
+
 } // namespace
 
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
 {
+    constexpr int KeyPathSize = 512;
+    if (keyPath.size() >= KeyPathSize)
+        return noKey(ERROR_FILENAME_EXCED_RANGE);
     const RegistryKey key(keyPath);
-    if (!key.isOpen()) {
-        return {SettingsValue::NoKey, QString(), static_cast<int>(key.code()),
-                messageOf(static_cast<DWORD>(key.code()))};
-    }
+    if (!key.isOpen())
+        return noKey(key.code());
     wchar_t value[1024] = {};
     static_assert(sizeof value == 2048);
     DWORD size = sizeof value;
-    const LONG code = RegQueryValueExW(key.get(), wide(name), nullptr, nullptr,
-                                       reinterpret_cast<BYTE *>(value), &size);
+    LONG code = RegQueryValueExW(key.get(), wide(name), nullptr, nullptr,
+                                 reinterpret_cast<BYTE *>(value), &size);
+    const QString text = textOf(value);
+    if (code == ERROR_SUCCESS && text.size() < 1024)
+        return {SettingsValue::Found, text, 0, QString()};
     if (code == ERROR_SUCCESS)
-        return {SettingsValue::Found, textOf(value), 0, QString()};
+        code = ERROR_MORE_DATA; // no room for the terminating null
     // The thread's last error, which need not be the code returned: the line printed has always
     // held both.
     return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(GetLastError())};

@@ -170,7 +170,7 @@ bool CpuInfo::saveToXml() const
     return true;
 }
 
-void CpuInfo::log(const QString &message) const
+void CpuInfo::log(const QString &message)
 {
     if (log_)
         log_->append(message);

@@ -46,7 +46,7 @@ private:
     bool isV14Format(const QDomElement &root) const;
     void loadV14Format(const QDomElement &root);
     bool saveToXml() const;
-    void log(const QString &message) const;
+    void log(const QString &message);
 
     static QString InfoFileName;
 

@@ -1,6 +1,8 @@
 // Pins what clients see of the public headers: a client that was built against them once has to
 // build and link again.
 
+#include "TestInterface.h"
+
 #include <Utility/AsyncTask.h>
 #include <Utility/AsyncTaskMonitor.h>
 #include <Utility/AsyncTaskProcessor.h>
@@ -9,7 +11,6 @@
 #include <Utility/Registry.h>
 #include <Utility/SevenZip.h>
 #include <Utility/SyncTask.h>
-#include <Utility/System.h>
 #include <Utility/TextConversions.h>
 #include <Utility/Xml.h>
 
@@ -17,41 +18,15 @@
 
 #include <string>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 using namespace Vorn::Util;
 
 namespace {
 
-// Takes the address of what the library exports, so that the test cannot be linked without it.
-template <typename Pointer> bool isThere(Pointer pointer)
-{
-    return pointer != nullptr;
-}
-
-template <typename Type> void take(const Type &);
-
-// Whether \a Type can be made from \a Arguments without being named.
-template <typename Type, typename... Arguments>
-constexpr auto isImplicit(int) -> decltype(void(take<Type>({std::declval<Arguments>()...})), true)
-{
-    return true;
-}
-
-template <typename Type, typename... Arguments> constexpr bool isImplicit(...)
-{
-    return false;
-}
-
 template <typename Enumeration>
 constexpr bool isUnscopedInt = std::is_enum_v<Enumeration> &&std::is_convertible_v<Enumeration, int>
     &&std::is_same_v<std::underlying_type_t<Enumeration>, int>;
-
-template <typename Type>
-constexpr bool isNeitherCopiedNorMoved
-    = !std::is_copy_constructible_v<
-          Type> && !std::is_copy_assignable_v<Type> && !std::is_move_constructible_v<Type> && !std::is_move_assignable_v<Type>;
 
 struct Derived
 {
@@ -109,20 +84,6 @@ struct Derived
 
 } // namespace
 
-// A member or function of one exact type, and one of several overloads.
-#define EXPORTED(name, ...)                                                                        \
-    static_assert(std::is_same_v<decltype(&name), __VA_ARGS__>, #name);                            \
-    QVERIFY(isThere<__VA_ARGS__>(&name))
-#define EXPORTED_OVERLOAD(name, ...) QVERIFY(isThere<__VA_ARGS__>(&name))
-
-// Whether \a expression, with \a object of the type \a Type, is something a client may write.
-#define CLIENT_MAY_WRITE(Type, expression)                                                         \
-    ([](auto isClient) {                                                                           \
-        const auto use = [](auto &object) -> decltype(void(object), void(expression)) {};          \
-        Q_UNUSED(isClient)                                                                         \
-        return std::is_invocable_v<decltype(use), Type &>;                                         \
-    }(0))
-
 class tst_Interface : public QObject
 {
     Q_OBJECT
@@ -138,7 +99,6 @@ private Q_SLOTS:
     void command();
     void sevenZip();
     void registry();
-    void system();
 
     void theConstantsOfLog();
     void theValuesOfEnumerations();
@@ -385,31 +345,6 @@ void tst_Interface::registry()
     static_assert(std::is_empty_v<Registry>);
 }
 
-void tst_Interface::system()
-{
-    EXPORTED(System::getAllUsersDataPath, QString(*)());
-    EXPORTED(System::getProgramDataPath, QString(*)(QString));
-    EXPORTED(System::getPublicDocumentsDirPath, QString(*)());
-    EXPORTED(System::getUserDataPath, QString(*)());
-    EXPORTED(System::getTempDirPath, QString(*)());
-    EXPORTED(System::getTempFileName, QString(*)(const QString &));
-    EXPORTED(System::getWorkingDirPath, QString(*)());
-    EXPORTED(System::setWorkingDirPath, void (*)(const QString &));
-    EXPORTED(System::getAnalyzeDirPath, QString(*)());
-    EXPORTED(System::getTutorialsDirPath, QString(*)());
-    EXPORTED(System::getRuleDirPath, QString(*)());
-    EXPORTED(System::getTemplateDirPath, QString(*)());
-    EXPORTED(System::getCurrentExePath, QString(*)());
-    EXPORTED(System::getProgramFilesPathFromRegistry, QString(*)(bool));
-    EXPORTED(System::makePath, bool (*)(const QString &));
-    EXPORTED(System::getElapsedTimeString, QString(*)(qint64));
-
-    static_assert(!CLIENT_MAY_WRITE(System, object.makeAndGetNativePath(QString())));
-    static_assert(!CLIENT_MAY_WRITE(System, object.tempDirPath_));
-    static_assert(!CLIENT_MAY_WRITE(System, object.programFilesPath_));
-    static_assert(std::is_empty_v<System>);
-}
-
 void tst_Interface::theConstantsOfLog()
 {
     static_assert(std::is_same_v<decltype(Log::MaxLogSize), const qint64>);
@@ -474,7 +409,6 @@ void tst_Interface::theValuesOfEnumerations()
 
 void tst_Interface::classesOfStaticMembersHaveNoObjects()
 {
-    QVERIFY(!std::is_default_constructible_v<System>);
     QVERIFY(!std::is_default_constructible_v<Registry>);
     QVERIFY(!std::is_default_constructible_v<Xml>);
 }
@@ -505,8 +439,6 @@ void tst_Interface::defaultArguments()
     static_assert(!CLIENT_MAY_WRITE(Command, object.runNoWait(QString())));
     static_assert(!CLIENT_MAY_WRITE(Command, object.runNoWait(QString(), true)));
     static_assert(!CLIENT_MAY_WRITE(AsyncTaskProcessor, object.setCleanUpTask(nullptr)));
-    static_assert(!CLIENT_MAY_WRITE(System, object.getProgramFilesPathFromRegistry()));
-    static_assert(!CLIENT_MAY_WRITE(System, object.getProgramDataPath()));
     static_assert(!CLIENT_MAY_WRITE(Registry, object.readRegistryValue(L"", nullptr)));
 }
 

@@ -1,9 +1,13 @@
-// Runs the example built against the installed package as a user would.
+// Runs the example built against the installed package as a user would. What no machine can be made
+// to do on demand is asked of its functions.
 
 #include "FakeArchiver.h"
+#include "Machine.h"
+#include "Room.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
+#include <Utility/CpuInfo.h>
 #include <Utility/SevenZip.h>
 
 #include <QtCore/QDir>
@@ -16,10 +20,13 @@
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
+#include <QtCore/QStorageInfo>
+#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
 #include <cstdio>
 #include <fstream>
+#include <limits>
 
 using namespace Vorn::Util;
 
@@ -142,6 +149,8 @@ const QStringList &taskNames()
 {
     static const QStringList names{QStringLiteral("ResultsArchive::Job::inspectFolder"),
                                    QStringLiteral("Check names and 7-Zip"),
+                                   QStringLiteral("Check sizes and room"),
+                                   QStringLiteral("Log the machine"),
                                    QStringLiteral("Pack"),
                                    QStringLiteral("List"),
                                    QStringLiteral("Unpack"),
@@ -167,8 +176,26 @@ public:
         copy(QStringLiteral(RESULTS_ARCHIVE),
              QFileInfo(QStringLiteral(RESULTS_ARCHIVE)).fileName());
         environment_ = QProcessEnvironment::systemEnvironment();
+        useTempFolder(tempFolder());
+    }
+
+    void useTempFolder(const QString &folder)
+    {
         for (const char *variable : {"TMPDIR", "TEMP", "TMP"})
-            environment_.insert(QString::fromLatin1(variable), native(tempFolder()));
+            environment_.insert(QString::fromLatin1(variable), native(folder));
+    }
+
+    // In the folder "tools". It prints these lines.
+    void useClusterTool(const QByteArray &lines)
+    {
+        const QString tool = path(QStringLiteral("tools/NodeInformation.exe"));
+        const QString nodes = path(QStringLiteral("nodes"));
+        if (!writeFile(nodes, lines) || !QDir().mkpath(QFileInfo(tool).path())
+            || !QFile::copy(QStringLiteral(FAKE_CLUSTER_TOOL), tool))
+            qFatal("The cluster tool cannot be placed.");
+        environment_.insert(QStringLiteral("FAKE_NODES"), native(nodes));
+        environment_.insert(QStringLiteral("FAKE_NODES_RECORD"),
+                            native(path(QStringLiteral("record"))));
     }
 
     QString dataFolder() const { return path(QStringLiteral("data")); }
@@ -299,6 +326,18 @@ QByteArray listing(const QByteArray &name, int size)
         + number + "  1 files, 0 folders\n";
 }
 
+// A program that packs the small tree well.
+void makeGood(FakeArchiver &archiver, const Site &site)
+{
+    archiver.writeFile(site.archive(), "archive").unpackFile(QStringLiteral("a.txt"), "abc");
+    archiver.print(listing("a.txt", 3));
+}
+
+QStringList matching(const QStringList &lines, const QString &pattern)
+{
+    return lines.filter(QRegularExpression(QLatin1Char('^') + pattern + QLatin1Char('$')));
+}
+
 } // namespace
 
 class TestResultsArchive : public QObject
@@ -346,6 +385,26 @@ private Q_SLOTS:
     void aSignalCancelsTheRun_data();
     void aSignalCancelsTheRun();
     void aCancelOfALargeRunLeavesNothing();
+    void theMachineIsLogged();
+    void aValueThatIsNotKnownIsCalledUnknown_data();
+    void aValueThatIsNotKnownIsCalledUnknown();
+    void theSizeOfTheArchiveIsLogged();
+    void anArchiveThatChangesIsNoticed();
+    void aFolderThatChangesIsNoticed();
+    void hiddenFilesAndLinksDoNotCountAsAChange();
+    void lengthsThatDifferAreNoticed_data();
+    void lengthsThatDifferAreNoticed();
+    void theFreeBytesAreLogged();
+    void aDiskNeedsRoomForItsFiles_data();
+    void aDiskNeedsRoomForItsFiles();
+    void aRunWithoutRoomIsRefused();
+    void theTemporaryFolderMayLieInTheFolder();
+    void withoutATemporaryFolderTheRunEnds();
+    void theHeadNodeIsLogged_data();
+    void theHeadNodeIsLogged();
+    void withoutAHeadNodeTheRunGoesOn_data();
+    void withoutAHeadNodeTheRunGoesOn();
+    void theClusterIsNotAskedUnlessTold();
 };
 
 void TestResultsArchive::initTestCase()
@@ -682,7 +741,8 @@ void TestResultsArchive::helpSucceeds()
 {
     Site site(smallTree());
     QCOMPARE(site.run({QStringLiteral("--help")}), 0);
-    for (const char *option : {"--archive", "--type", "--method", "--level", "--log", "folder"})
+    for (const char *option :
+         {"--archive", "--type", "--method", "--level", "--log", "--cluster-tools", "folder"})
         QVERIFY2(site.output().contains(QLatin1String(option)), option);
     QCOMPARE(site.errors(), QString());
 }
@@ -696,6 +756,14 @@ void TestResultsArchive::aWrongCallIsRefused_data()
     };
     row("no such option", QStringLiteral("--fast|data"), "Unknown option 'fast'.");
     row("no value", QStringLiteral("data|--level"), "Missing value after '--level'.");
+    row("no cluster tools", QStringLiteral("data|--cluster-tools"),
+        "Missing value after '--cluster-tools'.");
+    row("cluster tools missing", QStringLiteral("--cluster-tools|nowhere|data"),
+        "The folder of the cluster tool does not exist: nowhere");
+    row("cluster tools empty text", QStringLiteral("--cluster-tools||data"),
+        "The folder of the cluster tool does not exist: ");
+    row("cluster tools no folder", QStringLiteral("--cluster-tools|nodes.txt|data"),
+        "The folder of the cluster tool does not exist: nodes.txt");
     row("no folder", QStringLiteral("--level|1"), "Name one folder; --help tells more");
     row("two folders", QStringLiteral("data|data"), "Name one folder; --help tells more");
     row("folder missing", QStringLiteral("nowhere"), "The folder does not exist: nowhere");
@@ -727,6 +795,7 @@ void TestResultsArchive::aWrongCallIsRefused()
     if (text.isNull())
         text = QStringLiteral("The folder does not exist: ") + native(arguments.first());
     Site site(smallTree());
+    QVERIFY(writeFile(site.path(QStringLiteral("nodes.txt")), "a file"));
     QCOMPARE(site.run(arguments), 1);
     QCOMPARE(site.errors(), error(text));
     QCOMPARE(site.output(), QString());
@@ -932,10 +1001,10 @@ void TestResultsArchive::aFailureLeavesNothing_data()
     const QString differs = QStringLiteral("a.txt differs from its packed form");
     QTest::addRow("other bytes") << 0 << true << good << Tree{{QStringLiteral("a.txt"), "abd"}}
                                  << differs;
-    QTest::addRow("bytes missing")
-        << 0 << true << good << Tree{{QStringLiteral("a.txt"), "ab"}} << differs;
+    QTest::addRow("bytes missing") << 0 << true << good << Tree{{QStringLiteral("a.txt"), "ab"}}
+                                   << QStringLiteral("The archive unpacks to 2 bytes instead of 3");
     QTest::addRow("bytes added") << 0 << true << good << Tree{{QStringLiteral("a.txt"), "abcd"}}
-                                 << differs;
+                                 << QStringLiteral("The archive unpacks to 4 bytes instead of 3");
     QTest::addRow("nothing wrong") << 0 << true << good << smallTree() << QString();
 }
 
@@ -1028,6 +1097,358 @@ void TestResultsArchive::aCancelOfALargeRunLeavesNothing()
     QCOMPARE(entriesOf(site.outFolder()), QStringList());
     QVERIFY(site.isTempFolderClean());
     QCOMPARE(readTree(site.dataFolder()), tree);
+}
+
+void TestResultsArchive::theMachineIsLogged()
+{
+    Site site(smallTree());
+    FakeArchiver archiver;
+    makeGood(archiver, site);
+    site.useFakeArchiver(archiver);
+    QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
+    QVERIFY(site.isTempFolderClean()); // no "SystemInfo.xml"
+
+    const QTemporaryDir folder;
+    const CpuInfo cpu(nullptr, folder.path());
+    const QStringList lines = site.logLines();
+    QCOMPARE(
+        lines.filter(QStringLiteral("Processors: ")),
+        QStringList(
+            QStringLiteral("Processors: %1, cores: %2, hyper-threading: %3")
+                .arg(QString::number(cpu.processorCount()), QString::number(cpu.coreCount()),
+                     cpu.isHyperThreadingOn() ? QStringLiteral("on") : QStringLiteral("off"))));
+    // Windows has its counters under other names in each language, and Wine not all of them.
+    const auto value = [](const char *unit) {
+        const QString number = QStringLiteral("\\d+ ") + QLatin1String(unit);
+        return onWindows() ? QStringLiteral("(%1|unknown)").arg(number) : number;
+    };
+    QCOMPARE(matching(lines,
+                      QStringLiteral("Memory available: %1, limit: %1, in use: %2")
+                          .arg(value("MiB"), value("%")))
+                 .size(),
+             1);
+    QCOMPARE(matching(lines, QStringLiteral("Processor load: ") + value("%")).size(), 1);
+}
+
+void TestResultsArchive::aValueThatIsNotKnownIsCalledUnknown_data()
+{
+    QTest::addColumn<qint64>("value");
+    QTest::addColumn<QString>("text");
+    QTest::addRow("unknown") << qint64(-1) << QStringLiteral("unknown");
+    QTest::addRow("none") << qint64(0) << QStringLiteral("0 MiB");
+    QTest::addRow("some") << qint64(3000000000) << QStringLiteral("3000000000 MiB");
+}
+
+void TestResultsArchive::aValueThatIsNotKnownIsCalledUnknown()
+{
+    QFETCH(qint64, value);
+    QTEST(ResultsArchive::measure(value, QStringLiteral("MiB")), "text");
+}
+
+void TestResultsArchive::theSizeOfTheArchiveIsLogged()
+{
+    NEED_ARCHIVER;
+    Site site(fewResultsTree());
+    site.useRealArchiver();
+    QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
+    const qint64 size = QFileInfo(site.archive()).size();
+    QVERIFY(site.logLines().contains(QStringLiteral("Packed into %1 bytes").arg(size)));
+}
+
+void TestResultsArchive::anArchiveThatChangesIsNoticed()
+{
+    Site site(smallTree());
+    FakeArchiver archiver;
+    archiver.waitFor(QStringLiteral("check"));
+    site.useFakeArchiver(archiver);
+    site.start({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
+    const auto operation = [&archiver] { return archiver.arguments().value(0); };
+    QTRY_COMPARE_WITH_TIMEOUT(operation(), QStringLiteral("l"), TimeLimit);
+    makeGood(archiver, site);
+    archiver.waitFor(QStringLiteral("pack"));
+    QVERIFY(archiver.goOn(QStringLiteral("check")));
+    QTRY_COMPARE_WITH_TIMEOUT(operation(), QStringLiteral("a"), TimeLimit);
+    QTRY_COMPARE_WITH_TIMEOUT(readFile(site.archive()), QByteArray("archive"), TimeLimit);
+
+    archiver.writeFile(site.archive(), "another archive"); // from the next run on
+    QVERIFY(archiver.goOn(QStringLiteral("pack")));
+    QCOMPARE(site.finish(), 1);
+    QCOMPARE(site.errors(),
+             error(QStringLiteral("The archive changed: it has 15 bytes instead of 7")));
+    QCOMPARE(entriesOf(site.outFolder()), QStringList());
+    QVERIFY(site.isTempFolderClean());
+}
+
+void TestResultsArchive::aFolderThatChangesIsNoticed()
+{
+    Site site(smallTree());
+    FakeArchiver archiver;
+    archiver.waitFor(QStringLiteral("check"));
+    site.useFakeArchiver(archiver);
+    site.start({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
+    const auto isAsked
+        = [&archiver] { return archiver.arguments().value(0) == QLatin1String("l"); };
+    QTRY_VERIFY_WITH_TIMEOUT(isAsked(), TimeLimit);
+    QVERIFY(writeFile(site.dataFile(QStringLiteral("sub/late.txt")), "later"));
+    QVERIFY(archiver.goOn(QStringLiteral("check")));
+    QCOMPARE(site.finish(), 1);
+    QCOMPARE(site.errors(),
+             error(QStringLiteral("The folder is changing: it holds 8 bytes instead of 3")));
+    QCOMPARE(entriesOf(site.outFolder()), QStringList());
+    QVERIFY(site.isTempFolderClean());
+}
+
+void TestResultsArchive::hiddenFilesAndLinksDoNotCountAsAChange()
+{
+    NEED_ARCHIVER;
+    Tree tree = smallTree();
+    for (const char *name : {".b", ".sub/c", ".sub/deep/d", "sub/.e", "sub/f"})
+        tree.insert(QString::fromLatin1(name), name);
+    Site site(tree);
+    site.useRealArchiver();
+    const QString target = site.path(QStringLiteral("target"));
+    QVERIFY(writeFile(target + QStringLiteral("/inside.txt"), "inside"));
+    for (const char *name : {"file.lnk", ".file.lnk", ".sub/file.lnk", "sub/file.lnk"})
+        QVERIFY(QFile::link(target + QStringLiteral("/inside.txt"),
+                            site.dataFile(QString::fromLatin1(name))));
+    for (const char *name : {"folder.lnk", ".folder.lnk", ".sub/folder.lnk", "sub/folder.lnk"})
+        QVERIFY(QFile::link(target, site.dataFile(QString::fromLatin1(name))));
+    QVERIFY(QFile::link(site.dataFile(QStringLiteral(".b")),
+                        site.dataFile(QStringLiteral("hidden.lnk"))));
+    const int exitCode = site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
+    QCOMPARE(site.errors(), QString());
+    QCOMPARE(exitCode, 0);
+    QVERIFY(site.logLines().contains(
+        QStringLiteral("6 files, %1 bytes, 9 left out").arg(sizeOf(tree))));
+}
+
+// Although their sum is the same.
+void TestResultsArchive::lengthsThatDifferAreNoticed_data()
+{
+    QTest::addColumn<QByteArray>("first");
+    QTest::addColumn<QByteArray>("second");
+    QTest::addRow("bytes missing") << QByteArray("ab") << QByteArray("def");
+    QTest::addRow("bytes added") << QByteArray("abcd") << QByteArray("d");
+}
+
+void TestResultsArchive::lengthsThatDifferAreNoticed()
+{
+    QFETCH(QByteArray, first);
+    QFETCH(QByteArray, second);
+    Site site({{QStringLiteral("a.txt"), "abc"}, {QStringLiteral("b.txt"), "de"}});
+    FakeArchiver archiver;
+    archiver.writeFile(site.archive(), "archive");
+    archiver.unpackFile(QStringLiteral("a.txt"), first);
+    archiver.unpackFile(QStringLiteral("b.txt"), second);
+    archiver.print(listing("a.txt", 5)
+                       .replace("  a.txt\n",
+                                "  a.txt\n2024-03-05 14:23:10 ....A "
+                                "2 2  b.txt\n"));
+    site.useFakeArchiver(archiver);
+    QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 1);
+    QCOMPARE(site.errors(), error(QStringLiteral("a.txt differs from its packed form")));
+    QCOMPARE(entriesOf(site.outFolder()), QStringList());
+}
+
+void TestResultsArchive::theFreeBytesAreLogged()
+{
+    Site site(smallTree());
+    FakeArchiver archiver;
+    makeGood(archiver, site);
+    site.useFakeArchiver(archiver);
+    QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
+    const QString pattern = QStringLiteral(
+        "Free for the archive: [1-9]\\d* bytes, for the unpacked files: [1-9]\\d* bytes");
+    QCOMPARE(matching(site.logLines(), pattern).size(), 1);
+}
+
+void TestResultsArchive::aDiskNeedsRoomForItsFiles_data()
+{
+    QTest::addColumn<qint64>("archiveFree");
+    QTest::addColumn<qint64>("unpackFree");
+    QTest::addColumn<bool>("isOneDisk");
+    QTest::addColumn<qint64>("bytes");
+    QTest::addColumn<QString>("problem");
+    const auto row = [](const char *name, qint64 archiveFree, qint64 unpackFree, bool isOneDisk,
+                        qint64 bytes, const char *problem) {
+        const QString text = QString::fromLatin1(problem);
+        QTest::newRow(name) << archiveFree << unpackFree << isOneDisk << bytes
+                            << (text.isEmpty() ? text
+                                               : QStringLiteral("The disk is too full: ") + text);
+    };
+    constexpr qint64 Most = std::numeric_limits<qint64>::max();
+    row("just enough", 100, 100, false, 100, "");
+    row("archive", 99, 100, false, 100, "99 bytes are free of 100 needed in out");
+    row("unpacked files", 100, 99, false, 100, "99 bytes are free of 100 needed in tmp");
+    row("both", 98, 99, false, 100, "98 bytes are free of 100 needed in out");
+    row("one disk, just enough", 200, 200, true, 100, "");
+    row("one disk", 199, 199, true, 100, "199 bytes are free of 200 needed in out");
+    row("one disk, two quotas", 200, 199, true, 100, "199 bytes are free of 200 needed in tmp");
+    row("full", 0, 100, false, 1, "0 bytes are free of 1 needed in out");
+    row("full, nothing to pack", 0, 0, true, 0, "");
+    row("both unknown", -1, -1, true, 100, "");
+    row("archive unknown", -1, 99, false, 100, "99 bytes are free of 100 needed in tmp");
+    row("unpacked files unknown", 99, -1, false, 100, "99 bytes are free of 100 needed in out");
+    row("largest numbers", Most, Most, true, Most,
+        "9223372036854775807 bytes are free of 18446744073709551614 needed in out");
+}
+
+void TestResultsArchive::aDiskNeedsRoomForItsFiles()
+{
+    QFETCH(qint64, archiveFree);
+    QFETCH(qint64, unpackFree);
+    QFETCH(bool, isOneDisk);
+    QFETCH(qint64, bytes);
+    const ResultsArchive::Room room{QStringLiteral("out"), QStringLiteral("tmp"), archiveFree,
+                                    unpackFree, isOneDisk};
+    QTEST(ResultsArchive::roomProblem(room, bytes), "problem");
+}
+
+// With a file that is larger than what is free and takes no room itself.
+void TestResultsArchive::aRunWithoutRoomIsRefused()
+{
+    constexpr qint64 More = qint64(64) << 30;
+    Site site(smallTree());
+    FakeArchiver archiver;
+    site.useFakeArchiver(archiver);
+    QFile file(site.dataFile(QStringLiteral("large")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    if (!file.resize(QStorageInfo(site.outFolder()).bytesAvailable() + More))
+        QSKIP("This file system has no files that take less room than their size.");
+    file.close();
+    const int exitCode = site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
+    const QString pattern
+        = QStringLiteral("^results-archive: The disk is too full: \\d+ bytes are free of %1 "
+                         "needed in %2\n$")
+              .arg(QString::number(2 * (file.size() + 3)),
+                   QRegularExpression::escape(native(site.outFolder())));
+    QVERIFY(file.remove());
+    QVERIFY2(QRegularExpression(pattern).match(site.errors()).hasMatch(),
+             qPrintable(site.errors()));
+    QCOMPARE(exitCode, 1);
+    QCOMPARE(archiver.arguments().value(0), QStringLiteral("l")); // not "a"
+    QCOMPARE(entriesOf(site.outFolder()), QStringList());
+    QVERIFY(site.isTempFolderClean());
+}
+
+void TestResultsArchive::theTemporaryFolderMayLieInTheFolder()
+{
+    Site site(smallTree());
+    FakeArchiver archiver;
+    makeGood(archiver, site);
+    site.useFakeArchiver(archiver);
+    const QString temp = site.dataFile(QStringLiteral("tmp"));
+    QVERIFY(QDir().mkdir(temp));
+    site.useTempFolder(temp);
+    const int exitCode = site.run({QStringLiteral("--log"), site.path(QStringLiteral("run.log")),
+                                   QStringLiteral("--archive"), site.archive(), site.dataFolder()});
+    QCOMPARE(site.errors(), QString());
+    QCOMPARE(exitCode, 0);
+    QCOMPARE(entriesOf(temp), QStringList());
+}
+
+void TestResultsArchive::withoutATemporaryFolderTheRunEnds()
+{
+    Site site(smallTree());
+    FakeArchiver archiver;
+    site.useFakeArchiver(archiver);
+    const QString temp = site.path(QStringLiteral("file"));
+    QVERIFY(writeFile(temp, "no folder"));
+    site.useTempFolder(temp);
+    QCOMPARE(site.run({QStringLiteral("--log"), site.path(QStringLiteral("run.log")),
+                       QStringLiteral("--archive"), site.archive(), site.dataFolder()}),
+             1);
+    QCOMPARE(site.errors(),
+             error(QStringLiteral("A temporary folder cannot be made in ") + native(temp)));
+    QCOMPARE(archiver.arguments().value(0), QStringLiteral("l")); // not "a"
+    QCOMPARE(entriesOf(site.outFolder()), QStringList());
+}
+
+void TestResultsArchive::theHeadNodeIsLogged_data()
+{
+    QTest::addColumn<QByteArray>("nodes");
+    QTest::addColumn<QString>("line");
+    QTest::addRow("head and compute nodes")
+        << QByteArray("h1:8:1:32:HeadNodes\nc1:16:2:64:ComputeNodes\nc2:24:2:64:ComputeNodes\n")
+        << QStringLiteral("Head node: h1, compute nodes: 2, cores: 40");
+    QTest::addRow("one of both kinds") << QByteArray("h2:12:2:48:HeadNodes,ComputeNodes\n")
+                                       << QStringLiteral("Head node: h2, compute nodes: 1, "
+                                                         "cores: 12");
+    QTest::addRow("head node only") << QByteArray("h3:8:1:32:HeadNodes\n")
+                                    << QStringLiteral("Head node: h3, compute nodes: 0, cores: 0");
+}
+
+void TestResultsArchive::theHeadNodeIsLogged()
+{
+    QFETCH(QByteArray, nodes);
+    QFETCH(QString, line);
+    Site site(smallTree());
+    FakeArchiver archiver;
+    makeGood(archiver, site);
+    site.useFakeArchiver(archiver);
+    site.useClusterTool(nodes);
+    QVERIFY(writeFile(site.path(QStringLiteral("record")), QByteArray()));
+    const QStringList entries = entriesOf(site.path(QStringLiteral(".")));
+    QCOMPARE(site.run({QStringLiteral("--cluster-tools"), QStringLiteral("tools"),
+                       QStringLiteral("--archive"), site.archive(), site.dataFolder()}),
+             0);
+    const QStringList lines = site.logLines();
+    QVERIFY(lines.contains(QStringLiteral("Starting task: Log the cluster")));
+    QCOMPARE(lines.filter(QStringLiteral("ead node")), QStringList(line));
+    QVERIFY(site.output().contains(QStringLiteral("\nLog the cluster: done in ")));
+
+    // No script is left, neither in the current folder nor in that of the tool.
+    QCOMPARE(entriesOf(site.path(QStringLiteral("."))), entries);
+    QCOMPARE(readFile(site.path(QStringLiteral("record"))),
+             QByteArray("NodeInformation.exe|-q|-cluster\n"));
+    QCOMPARE(entriesOf(site.path(QStringLiteral("tools"))),
+             QStringList(QStringLiteral("NodeInformation.exe")));
+    QVERIFY(site.isTempFolderClean());
+}
+
+void TestResultsArchive::withoutAHeadNodeTheRunGoesOn_data()
+{
+    QTest::addColumn<bool>("hasTool");
+    QTest::addColumn<QByteArray>("nodes");
+    QTest::addRow("no tool") << false << QByteArray();
+    QTest::addRow("silent tool") << true << QByteArray();
+    QTest::addRow("compute nodes only") << true << QByteArray("c1:16:2:64:ComputeNodes\n");
+    QTest::addRow("error") << true << QByteArray("Error: no cluster\nh1:8:1:32:HeadNodes\n");
+}
+
+void TestResultsArchive::withoutAHeadNodeTheRunGoesOn()
+{
+    QFETCH(bool, hasTool);
+    QFETCH(QByteArray, nodes);
+    Site site(smallTree());
+    FakeArchiver archiver;
+    makeGood(archiver, site);
+    site.useFakeArchiver(archiver);
+    if (hasTool)
+        site.useClusterTool(nodes);
+    const QString tools = hasTool ? QStringLiteral("tools") : QStringLiteral("out");
+    QCOMPARE(site.run({QStringLiteral("--cluster-tools"), site.path(tools),
+                       QStringLiteral("--archive"), site.archive(), site.dataFolder()}),
+             0);
+    QCOMPARE(QFile::exists(site.path(QStringLiteral("record"))), hasTool);
+    QCOMPARE(
+        matching(site.logLines(), QStringLiteral("The cluster tool named no head node")).size(), 1);
+    QCOMPARE(entriesOf(site.outFolder()), QStringList(QStringLiteral("results.7z")));
+    QVERIFY(!QFile::exists(site.path(QStringLiteral("work.bat"))));
+    QVERIFY(site.isTempFolderClean());
+}
+
+void TestResultsArchive::theClusterIsNotAskedUnlessTold()
+{
+    Site site(smallTree());
+    FakeArchiver archiver;
+    makeGood(archiver, site);
+    site.useFakeArchiver(archiver);
+    site.useClusterTool("h1:8:1:32:HeadNodes\n");
+    QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
+    QVERIFY(!QFile::exists(site.path(QStringLiteral("record"))));
+    QCOMPARE(site.logLines().filter(QStringLiteral("head node"), Qt::CaseInsensitive),
+             QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestResultsArchive)

@@ -2,60 +2,114 @@
 
 #include "Names.h"
 
+#include <Utility/System.h>
+
 #include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 #include <filesystem>
 
+using namespace Vorn::Util;
+
 namespace ResultsArchive {
 
 namespace {
 
-// Qt passes over names that it cannot read as text; so the count of what is there tells whether
-// it has shown everything. -1 when that cannot be told.
+// -1 when that cannot be told.
 qint64 countEntries(const QString &folder)
 {
-    using Entries = std::filesystem::recursive_directory_iterator;
+    using Entries = std::filesystem::directory_iterator;
     const QByteArray name = QDir::toNativeSeparators(folder).toUtf8();
     std::error_code error;
     qint64 count = 0;
     Entries entry(std::filesystem::u8path(name.constData()), error);
-    for (; !error && entry != Entries(); entry.increment(error)) {
-        if (!std::filesystem::is_directory(entry->symlink_status(error)))
-            ++count;
-    }
+    for (; !error && entry != Entries(); entry.increment(error))
+        ++count;
     return error ? -1 : count;
 }
+
+// What lies in one folder after the other.
+class Walk
+{
+public:
+    explicit Walk(const QString &folder)
+        : prefix_(QDir(folder).filePath(QString(QLatin1Char('x'))).size() - 1)
+    {
+        enter(folder, false);
+        found_.names.sort();
+    }
+
+    FolderFiles found() const { return found_; }
+
+private:
+    void enter(const QString &folder, bool isHidden)
+    {
+        const QDir::Filters filters
+            = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+        QDirIterator entries(folder, filters);
+        qint64 count = 0;
+        for (; entries.hasNext(); ++count) {
+            entries.next();
+            const QFileInfo entry = entries.fileInfo();
+            take(entry, isHidden || entry.isHidden());
+        }
+        // Qt passes over names that it cannot read as text.
+        if (countEntries(folder) != count)
+            addProblem(QStringLiteral("The folder holds a name that cannot be read"));
+    }
+
+    void take(const QFileInfo &entry, bool isHidden)
+    {
+        const bool isLink = entry.isSymLink() || (entry.isDir() && entry.isJunction());
+        if (!isLink && !entry.isReadable())
+            addProblem(QStringLiteral("%1 cannot be read").arg(oneLine(nameOf(entry))));
+        else if (isLink || !(entry.isFile() || entry.isDir()))
+            leaveOut(entry, isHidden);
+        else if (entry.isDir())
+            enter(entry.filePath(), isHidden);
+        else
+            add(entry, isHidden);
+    }
+
+    void add(const QFileInfo &file, bool isHidden)
+    {
+        found_.names << nameOf(file);
+        found_.bytes += file.size();
+        if (isHidden)
+            found_.hiddenBytes += file.size();
+    }
+
+    void leaveOut(const QFileInfo &entry, bool isHidden)
+    {
+        found_.leftOut << nameOf(entry);
+        if (!isHidden && entry.isFile())
+            found_.linkedBytes += entry.size();
+    }
+
+    void addProblem(const QString &problem)
+    {
+        if (found_.problem.isEmpty())
+            found_.problem = problem;
+    }
+
+    QString nameOf(const QFileInfo &entry) const { return entry.filePath().mid(prefix_); }
+
+    FolderFiles found_;
+    const int prefix_;
+};
 
 } // namespace
 
 FolderFiles filesOf(const QString &folder)
 {
-    FolderFiles found;
-    const QDir::Filters filters
-        = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
-    QDirIterator entries(folder, filters, QDirIterator::Subdirectories);
-    const int prefix = QDir(folder).filePath(QString(QLatin1Char('x'))).size() - 1;
-    while (entries.hasNext()) {
-        entries.next();
-        const QFileInfo entry = entries.fileInfo();
-        const QString name = entry.filePath().mid(prefix);
-        if (!entry.isSymLink() && !entry.isReadable()) {
-            if (found.problem.isEmpty())
-                found.problem = QStringLiteral("%1 cannot be read").arg(oneLine(name));
-        } else if (entry.isSymLink() || !(entry.isFile() || entry.isDir())) {
-            found.leftOut << name;
-        } else if (entry.isFile()) {
-            found.names << name;
-            found.bytes += entry.size();
-        }
-    }
-    if (found.problem.isEmpty()
-        && countEntries(folder) != found.names.size() + found.leftOut.size())
-        found.problem = QStringLiteral("The folder holds a name that cannot be read");
-    found.names.sort();
-    return found;
+    return Walk(folder).found();
+}
+
+qint64 countedBytes(const QString &folder, const FolderFiles &found)
+{
+    // Hidden files are not in the folder's size, but those that links point to are.
+    return System::getDirectorySize(folder) + found.hiddenBytes - found.linkedBytes;
 }
 
 QString differenceInFiles(const QString &original, const QString &copy)

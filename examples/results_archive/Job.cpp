@@ -1,8 +1,10 @@
 #include "Job.h"
 
 #include "CancelRequest.h"
+#include "Machine.h"
 #include "Names.h"
 #include "Platform.h"
+#include "Room.h"
 
 #include <Utility/Command.h>
 #include <Utility/Log.h>
@@ -24,6 +26,19 @@ QString shown(const QString &path)
     return oneLine(QDir::toNativeSeparators(path));
 }
 
+// A command line goes through a file in the current folder.
+class CurrentFolder
+{
+public:
+    explicit CurrentFolder(const QString &folder) { QDir::setCurrent(folder); }
+    ~CurrentFolder() { QDir::setCurrent(before_); }
+
+private:
+    Q_DISABLE_COPY(CurrentFolder)
+
+    const QString before_ = QDir::currentPath();
+};
+
 } // namespace
 
 Job::Job(const Options &options, const CancelRequest &cancel, Log &log)
@@ -41,6 +56,24 @@ void Job::inspectFolder()
     log_.append(QStringLiteral("%1 files, %2 bytes, %3 left out")
                     .arg(QString::number(files_.names.size()), QString::number(files_.bytes),
                          QString::number(files_.leftOut.size())));
+}
+
+QString Job::logMachine()
+{
+    scratch_ = std::make_unique<QTemporaryDir>(
+        QDir::temp().filePath(QStringLiteral("results-archive-XXXXXX")));
+    if (!scratch_->isValid() || !QDir().mkdir(unpackFolder()))
+        return QStringLiteral("A temporary folder cannot be made in %1")
+            .arg(shown(QDir::tempPath()));
+    ResultsArchive::logMachine(log_, scratch_->path());
+    return QString();
+}
+
+QString Job::logCluster() const
+{
+    const CurrentFolder current(scratch_->path());
+    ResultsArchive::logCluster(log_, options_.clusterTools);
+    return QString();
 }
 
 QString Job::checkStart() const
@@ -61,6 +94,20 @@ QString Job::checkStart() const
     if (!archive.listFiles() && archive.isOk())
         return QStringLiteral("7-Zip cannot be started");
     return QString();
+}
+
+QString Job::checkSizes() const
+{
+    const qint64 bytes = countedBytes(options_.folder, files_);
+    if (bytes != files_.bytes) {
+        return QStringLiteral("The folder is changing: it holds %1 bytes instead of %2")
+            .arg(QString::number(bytes), QString::number(files_.bytes));
+    }
+    const Room room = roomIn(QFileInfo(options_.archive).absolutePath(), QDir::tempPath());
+    const QString unit = QStringLiteral("bytes");
+    log_.append(QStringLiteral("Free for the archive: %1, for the unpacked files: %2")
+                    .arg(measure(room.archiveFree, unit), measure(room.unpackFree, unit)));
+    return roomProblem(room, files_.bytes);
 }
 
 QString Job::startPacking(SevenZip &archive)
@@ -85,10 +132,13 @@ QString Job::startPacking(SevenZip &archive)
     return QString();
 }
 
-QString Job::checkPacking(const SevenZip &archive) const
+QString Job::checkPacking(const SevenZip &archive)
 {
-    if (archive.isOk() && archive.compressedSize() > 0)
+    packedBytes_ = archive.compressedSize();
+    if (archive.isOk() && packedBytes_ > 0) {
+        log_.append(QStringLiteral("Packed into %1 bytes").arg(packedBytes_));
         return QString();
+    }
     if (!archive.output().isEmpty())
         log_.append(archive.output());
     return QStringLiteral("7-Zip could not pack the files");
@@ -117,15 +167,10 @@ QString Job::checkListing(const SevenZip &archive) const
     return QString();
 }
 
-QString Job::startUnpacking(SevenZip &archive)
+QString Job::startUnpacking(SevenZip &archive) const
 {
-    unpacked_ = std::make_unique<QTemporaryDir>(
-        QDir::temp().filePath(QStringLiteral("results-archive-XXXXXX")));
-    if (!unpacked_->isValid())
-        return QStringLiteral("A temporary folder cannot be made in %1")
-            .arg(shown(QDir::tempPath()));
     archive.setArchiveFile(options_.archive);
-    archive.startExtractingFilesTo(unpacked_->path());
+    archive.startExtractingFilesTo(unpackFolder());
     return QString();
 }
 
@@ -133,12 +178,17 @@ QString Job::checkUnpacking(const SevenZip &archive) const
 {
     if (!archive.isOk())
         return QStringLiteral("7-Zip could not unpack the archive");
-    const FolderFiles unpacked = filesOf(unpacked_->path());
+    const FolderFiles unpacked = filesOf(unpackFolder());
     if (!unpacked.problem.isEmpty())
         return unpacked.problem;
     if (unpacked.names != files_.names || !unpacked.leftOut.isEmpty()) {
         return QStringLiteral("The archive holds %1 files instead of %2, or others")
             .arg(QString::number(unpacked.names.size()), QString::number(files_.names.size()));
+    }
+    const qint64 bytes = countedBytes(unpackFolder(), unpacked);
+    if (bytes != files_.bytes) {
+        return QStringLiteral("The archive unpacks to %1 bytes instead of %2")
+            .arg(QString::number(bytes), QString::number(files_.bytes));
     }
     return QString();
 }
@@ -150,8 +200,8 @@ QStringList Job::names() const
 
 QString Job::compareFile(const QString &name) const
 {
-    const QString difference
-        = differenceInFiles(QDir(options_.folder).filePath(name), unpacked_->filePath(name));
+    const QString difference = differenceInFiles(QDir(options_.folder).filePath(name),
+                                                 QDir(unpackFolder()).filePath(name));
     return difference.isEmpty() ? QString() : oneLine(name) + QLatin1Char(' ') + difference;
 }
 
@@ -160,24 +210,27 @@ QString Job::listWithSystem()
     const QString variable = QStringLiteral("RESULTS_ARCHIVE_FILE");
     qputenv(variable.toLatin1().constData(),
             QFile::encodeName(QDir::toNativeSeparators(options_.archive)));
-    // A command line goes through a file in the current folder.
     constexpr int MostLines = 20;
-    const QString currentPath = QDir::currentPath();
-    QDir::setCurrent(unpacked_->path());
+    const CurrentFolder current(scratch_->path());
     const QString listing = Command(&log_).run(listingCommand(variable), MostLines, true);
-    QDir::setCurrent(currentPath);
     if (listing.trimmed().isEmpty())
         return QStringLiteral("The system does not list the archive");
+    const qint64 bytes = QFileInfo(options_.archive).size();
+    if (bytes != packedBytes_) {
+        return QStringLiteral("The archive changed: it has %1 bytes instead of %2")
+            .arg(QString::number(bytes), QString::number(packedBytes_));
+    }
     proven_ = true;
     return QString();
 }
 
 QString Job::cleanUp()
 {
+    logLoad(log_, load_);
     complete_ = proven_ && !cancel_.isTold();
     QString problem;
-    if (unpacked_ && unpacked_->isValid() && !unpacked_->remove())
-        problem = QStringLiteral("%1 cannot be removed").arg(shown(unpacked_->path()));
+    if (scratch_ && scratch_->isValid() && !scratch_->remove())
+        problem = QStringLiteral("%1 cannot be removed").arg(shown(scratch_->path()));
     if (startedPacking_ && !complete_ && QFileInfo::exists(options_.archive)
         && !QFile::remove(options_.archive))
         problem = QStringLiteral("%1 cannot be removed").arg(shown(options_.archive));
@@ -191,15 +244,19 @@ bool Job::isComplete() const
 
 QString Job::summary(qint64 milliseconds) const
 {
-    const qint64 size = QFileInfo(options_.archive).size();
     const double bytes = static_cast<double>(files_.bytes);
     const QString ratio = files_.bytes == 0
         ? QStringLiteral("-")
-        : QStringLiteral("%1 %").arg(100.0 * static_cast<double>(size) / bytes, 0, 'f', 1);
+        : QStringLiteral("%1 %").arg(100.0 * static_cast<double>(packedBytes_) / bytes, 0, 'f', 1);
     return QStringLiteral("Packed and proven: %1 files, %2 bytes in %3 bytes (%4), %5: %6")
         .arg(QString::number(files_.names.size()), QString::number(files_.bytes),
-             QString::number(size), ratio, System::getElapsedTimeString(milliseconds),
+             QString::number(packedBytes_), ratio, System::getElapsedTimeString(milliseconds),
              shown(options_.archive));
+}
+
+QString Job::unpackFolder() const
+{
+    return scratch_->filePath(QStringLiteral("unpacked"));
 }
 
 } // namespace ResultsArchive

@@ -3,6 +3,8 @@
 #include "FolderFiles.h"
 #include "Options.h"
 
+#include <Utility/CpuCounter.h>
+
 #include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -29,15 +31,18 @@ public:
     Job(const Options &options, const CancelRequest &cancel, Vorn::Util::Log &log);
 
     Q_INVOKABLE void inspectFolder();
+    QString logMachine();
+    QString logCluster() const;
     QString checkStart() const;
+    QString checkSizes() const;
 
     QString startPacking(Vorn::Util::SevenZip &archive);
-    QString checkPacking(const Vorn::Util::SevenZip &archive) const;
+    QString checkPacking(const Vorn::Util::SevenZip &archive);
 
     QString startListing(Vorn::Util::SevenZip &archive) const;
     QString checkListing(const Vorn::Util::SevenZip &archive) const;
 
-    QString startUnpacking(Vorn::Util::SevenZip &archive);
+    QString startUnpacking(Vorn::Util::SevenZip &archive) const;
     QString checkUnpacking(const Vorn::Util::SevenZip &archive) const;
 
     QStringList names() const;
@@ -46,7 +51,8 @@ public:
     /// The last of the proofs.
     QString listWithSystem();
 
-    /// Removes what a run leaves: the unpacked files and, unless everything went well, the archive.
+    /// Removes what a run leaves: the temporary files and, unless everything went well, the
+    /// archive.
     QString cleanUp();
 
     /// Whether the archive is there and proven. Settled by cleanUp().
@@ -56,11 +62,15 @@ public:
     QString summary(qint64 milliseconds) const;
 
 private:
+    QString unpackFolder() const;
+
     Options options_;
     const CancelRequest &cancel_;
     Vorn::Util::Log &log_;
     FolderFiles files_;
-    std::unique_ptr<QTemporaryDir> unpacked_;
+    Vorn::Util::CpuCounter load_{Vorn::Util::CpuCounter::CpuPercent};
+    std::unique_ptr<QTemporaryDir> scratch_;
+    qint64 packedBytes_ = 0;
     bool startedPacking_ = false;
     bool proven_ = false;
     bool complete_ = false;

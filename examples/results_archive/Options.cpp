@@ -115,6 +115,14 @@ QString readArchive(QString text, const QString &folder, Options &options)
     return tryArchive(options.archive);
 }
 
+QString readClusterTools(const QString &text, Options &options)
+{
+    if (text.isEmpty() || !QFileInfo(text).isDir())
+        return QStringLiteral("The folder of the cluster tool does not exist: %1").arg(shown(text));
+    options.clusterTools = QFileInfo(text).absoluteFilePath();
+    return QString();
+}
+
 QString readLog(const QString &text, Options &options)
 {
     const QString log
@@ -135,7 +143,9 @@ QString readOptions(Options &options)
     parser.setApplicationDescription(QStringLiteral(
         "Packs the files below a folder into a new archive and proves that nothing was lost:\n"
         "the archive is listed, unpacked and compared byte for byte. Symbolic links are left "
-        "out."));
+        "out.\n"
+        "There has to be room for the files in the archive's folder and, unpacked, in the one for\n"
+        "temporary files."));
     parser.addHelpOption();
     const QCommandLineOption archive(
         QStringLiteral("archive"),
@@ -155,7 +165,11 @@ QString readOptions(Options &options)
         QStringLiteral("The log, whose name gets the time of the start; otherwise "
                        "results-archive.log in the folder for temporary files."),
         QStringLiteral("file"));
-    parser.addOptions({archive, type, method, level, log});
+    const QCommandLineOption clusterTools(
+        QStringLiteral("cluster-tools"),
+        QStringLiteral("The folder of the cluster tool, to log the cluster as well."),
+        QStringLiteral("folder"));
+    parser.addOptions({archive, type, method, level, log, clusterTools});
     parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder to pack."));
 
     if (!parser.parse(QCoreApplication::arguments()))
@@ -173,6 +187,8 @@ QString readOptions(Options &options)
         problem = readLevel(parser.value(level), options);
     if (problem.isEmpty())
         problem = readFolder(folders.first(), options);
+    if (problem.isEmpty() && parser.isSet(clusterTools))
+        problem = readClusterTools(parser.value(clusterTools), options);
     if (problem.isEmpty())
         problem = readLog(parser.value(log), options);
     if (problem.isEmpty())

@@ -1,5 +1,6 @@
 // Packs a folder of results into an archive and proves that nothing was lost: a queue of tasks
-// with a clean-up task, a log, a cancel by Ctrl-C, 7-Zip archives and a command line.
+// with a clean-up task, a log, a cancel by Ctrl-C, 7-Zip archives, the machine and its cluster and
+// a command line.
 
 #include "CancelRequest.h"
 #include "Display.h"
@@ -29,7 +30,8 @@ int fail(const QString &problem)
     return 1;
 }
 
-void addTasks(AsyncTaskProcessor &processor, Job &job, const CancelRequest &cancel)
+void addTasks(AsyncTaskProcessor &processor, const Options &options, Job &job,
+              const CancelRequest &cancel)
 {
     const auto step = [&](const char *name, const StepTask::Work &work) {
         return new StepTask(QString::fromLatin1(name), cancel, work);
@@ -38,9 +40,16 @@ void addTasks(AsyncTaskProcessor &processor, Job &job, const CancelRequest &canc
         = [&](const char *name, const ArchiveTask::Start &start, const ArchiveTask::Check &check) {
               return new ArchiveTask(QString::fromLatin1(name), cancel, start, check);
           };
-    const QList<AsyncTask *> tasks{
+    // The temporary folder is made behind the checks: it may lie in the folder to pack.
+    QList<AsyncTask *> tasks{
         new SyncTask(&job, QStringLiteral("inspectFolder"), nullptr),
         step("Check names and 7-Zip", [&job] { return job.checkStart(); }),
+        step("Check sizes and room", [&job] { return job.checkSizes(); }),
+        step("Log the machine", [&job] { return job.logMachine(); }),
+    };
+    if (!options.clusterTools.isEmpty())
+        tasks << step("Log the cluster", [&job] { return job.logCluster(); });
+    tasks += {
         archiveStep(
             "Pack", [&job](SevenZip &archive) { return job.startPacking(archive); },
             [&job](const SevenZip &archive) { return job.checkPacking(archive); }),
@@ -54,7 +63,7 @@ void addTasks(AsyncTaskProcessor &processor, Job &job, const CancelRequest &canc
         step("List with the system", [&job] { return job.listWithSystem(); }),
     };
     auto *cleanUp = new CleanUpTask(QStringLiteral("Clean up"), job);
-    for (AsyncTask *task : tasks) {
+    for (AsyncTask *task : qAsConst(tasks)) {
         processor.addTask(task);
         processor.setCleanUpTask(task, cleanUp);
     }
@@ -90,7 +99,7 @@ int main(int argc, char *argv[])
     processor.setTaskMonitor(&cancel);
     processor.setExitOnError(true);
     processor.setExitEventLoopWhenDone(true);
-    addTasks(processor, job, cancel);
+    addTasks(processor, options, job, cancel);
     processor.startLater();
     const int exitCode = QCoreApplication::exec();
 

@@ -378,11 +378,13 @@ void tst_Registry::aKeyPathThatDoesNotFitIsPrintedAsNotOpened()
                                             QStringLiteral("readRegistryValue=Name|k") + longest});
     QCOMPARE(outcome.results, (QStringList{QString(), QString()}));
     QCOMPARE(outcome.printed.size(), 2);
-    const QString fits = QStringLiteral("RegOpenKeyEx: %1: 2: ").arg(longest);
-    QVERIFY2(outcome.printed.first().startsWith(fits), qPrintable(outcome.printed.first()));
-    const QString doesNot = QStringLiteral("RegOpenKeyEx: k%1: ").arg(longest);
-    QVERIFY2(outcome.printed.last().startsWith(doesNot), qPrintable(outcome.printed.last()));
-    QVERIFY(!outcome.printed.last().startsWith(doesNot + QStringLiteral("2: ")));
+    const QString tooLong = onWindows() ? QStringLiteral("206") : QStringLiteral("36");
+    const QString line = QStringLiteral("RegOpenKeyEx: %1: %2: ");
+    // What the system says of a key of such a name differs; it was asked.
+    QVERIFY(outcome.printed.first().startsWith(QStringLiteral("RegOpenKeyEx: k")));
+    QVERIFY(!outcome.printed.first().startsWith(line.arg(longest, tooLong)));
+    const QString expected = line.arg(QLatin1Char('k') + longest, tooLong);
+    QVERIFY2(outcome.printed.last().startsWith(expected), qPrintable(outcome.printed.last()));
 }
 
 void tst_Registry::aValueThatDoesNotFitIsNotThere()

@@ -8,7 +8,6 @@
 #include <QtCore/QChildEvent>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
-#include <QtCore/QScopedValueRollback>
 
 #include <algorithm>
 
@@ -16,9 +15,37 @@ namespace Vorn::Util {
 
 namespace {
 
-// The task whose end a processor is handling, or that it is deleting: its going is nothing to react
-// to, and is not searched in the queue.
-thread_local const QObject *taskInHand = nullptr;
+// The tasks whose end a processor is handling, or that it is deleting, innermost first (a slot may
+// run an event loop of its own): their going is nothing to react to, nor searched in the queue.
+class TaskInHand
+{
+public:
+    TaskInHand(const AsyncTaskProcessor *processor, const QObject *task)
+        : processor_(processor)
+        , task_(task)
+        , outer_(innermost_)
+    {
+        innermost_ = this;
+    }
+    ~TaskInHand() { innermost_ = outer_; }
+
+    static bool holds(const AsyncTaskProcessor *processor, const QObject *task)
+    {
+        const TaskInHand *mark = innermost_;
+        while (mark && (mark->processor_ != processor || mark->task_ != task))
+            mark = mark->outer_;
+        return mark;
+    }
+
+private:
+    Q_DISABLE_COPY(TaskInHand)
+
+    const AsyncTaskProcessor *processor_;
+    const QObject *task_;
+    const TaskInHand *outer_;
+    static thread_local const TaskInHand *innermost_;
+};
+thread_local const TaskInHand *TaskInHand::innermost_ = nullptr;
 
 // Stands for a clean-up task that is gone. It is never queued, so that a jump to it finds nothing,
 // not even a later task at the same address.
@@ -174,7 +201,7 @@ void AsyncTaskProcessor::handleFinishedTask()
     AsyncTask *task = currentTask_;
     if (!task || sender() != task)
         return;
-    const QScopedValueRollback<const QObject *> mark(taskInHand, task);
+    const TaskInHand mark(this, task);
     const QPointer<AsyncTaskProcessor> self(this);
     const QPointer<AsyncTask> alive(task);
     Result result(*task);
@@ -257,14 +284,14 @@ void AsyncTaskProcessor::finishRun()
 
 void AsyncTaskProcessor::deleteTask(AsyncTask *task)
 {
-    const QScopedValueRollback<const QObject *> mark(taskInHand, task);
+    const TaskInHand mark(this, task);
     task->setParent(nullptr); // its destructor may delete this processor
     delete task;
 }
 
 void AsyncTaskProcessor::childEvent(QChildEvent *event)
 {
-    if (event->removed() && event->child() != taskInHand)
+    if (event->removed() && !TaskInHand::holds(this, event->child()))
         forgetTask(event->child());
 }
 

@@ -66,7 +66,10 @@ public:
     void setExitOnError(bool exitOnError);
     bool exitOnError() const;
 
+    /// Tasks that were added before keep the log they had. Not owned; null for none.
     void setLog(Vorn::Util::Log *log);
+
+    /// Asked after every task whether the run is to be cancelled. Not owned; null for none.
     void setTaskMonitor(Vorn::Util::AsyncTaskMonitor *monitor);
 
     /// True when no task waits in the queue, so already while the last one runs.

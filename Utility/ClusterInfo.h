@@ -18,8 +18,10 @@ class Log;
 ///     submit(cluster.headNode(), cluster.computeCoreCount());
 /// \endcode
 ///
-/// Construction runs the tool through Command, with its log lines, and waits for it. Without a
-/// tool or a cluster there are no nodes: the counts are 0 and the names empty.
+/// Construction runs the tool through Command, with its log lines and its "work.bat" in the current
+/// folder, and waits for it up to 30 seconds. At most 32 lines of the tool are read: further nodes
+/// are missing. Without a tool or a cluster there are no nodes: the counts are 0 and the names
+/// empty.
 ///
 /// A copyable value for one thread; the log is not owned and may be null.
 class VORNUTILITY_EXPORT ClusterInfo
@@ -46,6 +48,8 @@ public:
 
     /// The name of the first head node.
     QString headNode() const;
+
+    /// Whether that node is a compute node too; false without a head node.
     bool isHeadNodeAComputeNode() const;
 
 private:

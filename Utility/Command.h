@@ -42,8 +42,9 @@ public:
     /// Returns the exit code; 0 when the interpreter could not be started.
     int runQ(const QString &command);
 
-    /// Starts \a command and returns 0 at once. Nobody waits for it or reads its output; what it
-    /// takes is given back when the program ends. An empty \a workingDirectory is the current
+    /// Starts \a command and returns 0 at once. Nobody waits for it or reads its output; the object
+    /// behind it lives until the program ends, its pipes until the thread's event loop has seen the
+    /// command's end. An empty \a workingDirectory is the current
     /// folder.
     int runNoWait(const QString &command, bool logIt, const QString &workingDirectory);
 

@@ -15,7 +15,8 @@ namespace Vorn::Util {
 
 namespace {
 
-// Whether elements lie in elements so often that the document's recursion might run out of stack.
+// Whether elements lie in elements so often that the document's recursion might run out of stack. A
+// file that might be is read by a stricter parser first, and one that this cannot read counts too.
 bool isDeep(const QString &text)
 {
     constexpr int DeepestKnown = 500;
@@ -33,6 +34,17 @@ bool isDeep(const QString &text)
             --depth;
     }
     return depth > DeepestKnown || reader.hasError();
+}
+
+// Never through a link, which somebody may have put there for that.
+bool openForWriting(QFile &file)
+{
+    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text;
+    if (file.open(mode | QIODevice::NewOnly))
+        return true;
+    // Another process was first: the last one wins.
+    return QFileInfo(file).isFile() && !QFileInfo(file).isSymLink()
+        && file.open(mode | QIODevice::Truncate);
 }
 
 } // namespace
@@ -95,6 +107,7 @@ bool CpuInfo::getSystemInfo()
 bool CpuInfo::loadFromXml()
 {
     QFile file(infoFilePath_);
+    // A pipe of that name would keep the caller waiting.
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
@@ -162,12 +175,16 @@ bool CpuInfo::saveToXml() const
            hyperThreading_ ? QStringLiteral("on") : QStringLiteral("off"));
 
     QFile file(infoFilePath_);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Truncate))
+    if (!openForWriting(file))
         return false;
     QTextStream stream(&file);
     stream.setCodec("UTF-8");
     stream << document.toString(1);
-    return true;
+    stream.flush();
+    if (stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError)
+        return true;
+    file.remove(); // half a file could never be read
+    return false;
 }
 
 void CpuInfo::log(const QString &message)

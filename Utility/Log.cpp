@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <type_traits>
 
 namespace Vorn::Util {
@@ -21,10 +20,6 @@ const qint64 Log::AmountToTruncate = 1048576;
 const int Log::MaxLogCount = 10;
 
 namespace {
-
-// What the mutex orders, once more: the waiting inside Qt's mutex is not instrumented, so that the
-// thread sanitizer does not see it.
-std::atomic<int> appendOrder{0};
 
 // The prefix of a second: asking for the local time as text costs several times the writing of a
 // line. Plain memory, which static objects may use while they are destroyed.
@@ -113,10 +108,8 @@ void Log::flush()
 void Log::append(const QString &text)
 {
     const QMutexLocker locker(&mutex_);
-    appendOrder.load(std::memory_order_acquire);
     checkSizeAndTruncate();
     fastAppend(text);
-    appendOrder.store(0, std::memory_order_release);
 }
 
 void Log::fastAppend(const QString &text)

@@ -28,8 +28,9 @@ namespace Vorn::Util {
 /// writes nothing; no member throws. A Qt message handler that calls append() on a log waits for
 /// ever when the message comes from an append() to the same log.
 ///
-/// Two processes may append to one file below the size limit. When one of them truncates the
-/// file, the other goes on writing to the file that was replaced until it opens the log again.
+/// On Linux two processes may append to one file below the size limit. When one of them truncates
+/// the file, the other goes on writing to the file that was replaced until it opens the log again.
+/// On Windows each process needs a file of its own.
 class VORNUTILITY_EXPORT Log
 {
 public:
@@ -59,8 +60,9 @@ public:
     /// Closes the file.
     ~Log();
 
-    /// Names the file and, with a time stamp, prunes old files of the same base name. Call it
-    /// before open(): it neither opens nor creates the new file.
+    /// Names the file (by an absolute path, where the current folder may change: a truncation
+    /// looks for the name again) and, with a time stamp, prunes old files of the same base name.
+    /// Call it before open(): it neither opens nor creates the new file.
     void setName(const QString &name, Log::FileTimeStamp fileTimeStamp);
 
     /// The path of the file that is written, with its time stamp.
@@ -80,7 +82,8 @@ public:
     /// As append(), but without the lock and without the size check.
     void fastAppend(const QString &text);
 
-    /// Write the value alone: no prefix, no line end. They check the size, but take no lock.
+    /// Write the value alone: no prefix, no line end. They check the size, but take no lock. A
+    /// character is Latin-1; a real number has up to 6 significant digits (3.14159, 1e+10).
     Log &operator<<(const QString &text);
     Log &operator<<(char character);
     Log &operator<<(int number);

@@ -73,8 +73,9 @@ qint64 logCutPosition(const QByteArray &head)
     return std::min({nextPiece, nextLine, head.size()});
 }
 
-void truncateLogFile(const QString &name)
+void truncateLogFile(const QString &logName)
 {
+    const QString name = QFileInfo(logName).canonicalFilePath();
     QFile log(name);
     if (!log.open(QIODevice::ReadOnly))
         return;

@@ -17,8 +17,10 @@ extern const int LogCutHeadSize;
 /// it. Returns the length of \a head when nothing is kept.
 qint64 logCutPosition(const QByteArray &head);
 
-/// Replaces the file \a name by its own tail. Whatever fails (reading, a full disk, another file
-/// system, a file that cannot be replaced), the file stays as it was. Permissions are kept.
+/// Replaces the file \a name, or the one that a link of that name leads to, by its own tail.
+/// Whatever fails (reading, a full disk, another file system, a file that cannot be replaced), the
+/// file stays as it was. The permission bits are kept; owner and access list are those of a new
+/// temporary file.
 void truncateLogFile(const QString &name);
 
 } // namespace Vorn::Util

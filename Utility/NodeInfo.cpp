@@ -10,8 +10,8 @@ NodeInfo::~NodeInfo() = default;
 bool NodeInfo::operator==(const NodeInfo &other) const
 {
     return name == other.name && cores == other.cores && sockets == other.sockets
-        && quantity == other.quantity
-        && isHeadNode == other.isHeadNode && isComputeNode == other.isComputeNode;
+        && quantity == other.quantity && isHeadNode == other.isHeadNode
+        && isComputeNode == other.isComputeNode;
 }
 
 QString NodeInfo::toString() const

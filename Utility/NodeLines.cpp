@@ -1,5 +1,7 @@
 #include <Utility/NodeLines.h>
 
+#include <cmath>
+
 namespace Vorn::Util {
 
 namespace {
@@ -10,7 +12,8 @@ NodeInfo nodeOf(const QStringList &parts)
     node.name = parts.at(0);
     node.cores = parts.at(1).toInt();
     node.sockets = parts.at(2).toInt();
-    node.quantity = parts.at(3).toDouble();
+    const double quantity = parts.at(3).toDouble();
+    node.quantity = std::isfinite(quantity) ? quantity : 0; // "nan" and "inf" are no numbers here
     const QString &roles = parts.at(4);
     node.isHeadNode = roles.contains(QLatin1String("headnodes"), Qt::CaseInsensitive);
     node.isComputeNode = roles.contains(QLatin1String("computenodes"), Qt::CaseInsensitive);

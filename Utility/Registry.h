@@ -18,7 +18,8 @@ namespace Vorn::Util {
 /// The buffer of a value holds at least 1024 wide characters, that of a folder at least 512.
 /// What does not fit counts as not there. No text is an empty text, never an exception.
 ///
-/// Settings that cannot be read print one line to the standard output.
+/// Settings that cannot be read print one line to the standard output. Without state of its own:
+/// for any thread.
 class VORNUTILITY_EXPORT Registry
 {
 public:
@@ -32,9 +33,13 @@ public:
     /// Reads "InstallationDirectory"; true when there is one.
     static bool readProductInstallationFolder(wchar_t *out, const wchar_t *keyPath);
 
-    /// The same as Latin-1 text, into 512 bytes.
+    /// The same as Latin-1 text, into 512 bytes; other characters become "?". False, too, for a
+    /// text that does not fit.
     static bool readProductInstallationFolder(char *out, const wchar_t *keyPath);
 
+    /// The translators' folder below the folder that the variable AllUsersProfile names, the
+    /// translation server's folder in it and the server's program file, into 512 characters each.
+    /// Without the variable they begin with a separator; empty when they do not fit.
     static void readOrlithTranslatorsFolder(wchar_t *const out);
     static void readOrlith_HLXServerFolder(wchar_t *const out);
     static void getOrlith_HLXServer_exe(wchar_t *const out);

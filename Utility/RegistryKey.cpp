@@ -3,7 +3,6 @@
 #include <QtCore/QRegExp>
 
 #include <algorithm>
-#include <limits>
 
 namespace Vorn::Util {
 
@@ -13,7 +12,6 @@ namespace {
 // front are allowed); a negative one for anything else.
 int releaseNumber(const QString &text)
 {
-    static_assert(std::numeric_limits<int>::max() == 2147483647);
     int digits = 0;
     while (digits < text.size() && text.at(digits).isSpace())
         ++digits;

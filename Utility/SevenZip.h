@@ -105,6 +105,9 @@ public:
     /// The folder of the last extraction.
     QString folder() const;
 
+    /// Bytes: after a compression those of the archive and of the files on disk, after an
+    /// extraction or a listing what 7-Zip printed of them. An operation that tells nothing leaves
+    /// them as they were.
     qint64 compressedSize() const;
     qint64 uncompressedSize() const;
 

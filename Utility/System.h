@@ -103,7 +103,8 @@ public:
     /// may not be opened are passed over.
     static long getPID(const QStringList &names);
 
-    /// Whether a program of exactly this file name is running.
+    /// Whether a program of exactly this file name is running. On Linux one of another user is
+    /// found by a name of fewer than 15 characters only.
     static bool isProcessRunning(const QString &exeName);
 
     /// Ends the processes whose program's name is in \a names and whose program's path contains
@@ -156,9 +157,11 @@ public:
     /// rest is removed all the same.
     static bool removeDir(const QString &path, bool keepFolder, const QStringList &exceptions);
 
-    /// Shares a folder on the network, to be read and written by anybody. False where there are
-    /// no such shares.
+    /// Shares a folder on the network, to be read and written by anybody. False when the system
+    /// refuses or has no such shares (Linux).
     static bool shareFolder(const QString &shareName, const QString &path);
+
+    /// Whether the system tells that \a path is shared; false on Linux.
     static bool isFolderShared(const QString &path);
 
     /// The version of a program file, "24.0.75.1", which is also printed to the standard output.

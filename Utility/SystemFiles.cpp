@@ -46,7 +46,7 @@ qint64 sizeBelow(const QString &folder)
 QFileInfo folderNamed(const QString &path)
 {
     QString name = QDir::fromNativeSeparators(path);
-    while (name.size() > 1
+    while (!QFileInfo(name).isRoot()
            && (name.endsWith(QLatin1Char('/')) || name.endsWith(QLatin1String("/."))))
         name.chop(1);
     const QFileInfo folder(name);
@@ -81,6 +81,7 @@ bool System::isFlagSet(const QString &flag)
     if (folder.isEmpty())
         return false;
     QFile file(folder + QLatin1Char('/') + QStringLiteral("VORN_flags.txt"));
+    // A pipe of that name would keep the caller waiting.
     if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);

@@ -15,17 +15,16 @@ struct Language
     int id;
 };
 
-constexpr Language Languages[] = {{"en-US", 1033}, {"zh-CN", 2052}, {"zh-TW", 1028},
-                                  {"de-DE", 1031}, {"fr-FR", 1036}, {"ja-JP", 1041},
-                                  {"it-IT", 1040}, {"ko-KR", 1042}, {"ru-RU", 1049}};
+constexpr Language Languages[]
+    = {{"en-US", 1033}, {"zh-CN", 2052}, {"zh-TW", 1028}, {"de-DE", 1031}, {"fr-FR", 1036},
+       {"ja-JP", 1041}, {"it-IT", 1040}, {"ko-KR", 1042}, {"ru-RU", 1049}};
 constexpr int DefaultId = 1033;
 
 } // namespace
 
 QString System::getLocale()
 {
-    const QString key = QStringLiteral("SOFTWARE\\Vantorel\\VORN\\%1").arg(QStringLiteral("24.0"));
-    const auto settings = Platform::openSettings(key);
+    const auto settings = Platform::openSettings(QStringLiteral("SOFTWARE\\Vantorel\\VORN\\24.0"));
     const QString locale
         = settings ? settings->value(QStringLiteral("Locale")).toString() : QString();
     return locale.isEmpty() ? QStringLiteral("en-US") : locale;

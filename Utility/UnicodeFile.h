@@ -24,6 +24,8 @@ namespace Vorn::Util {
 ///
 /// Every copy moves the file back when it is destroyed, so the first one ends the plain name.
 ///
+/// Give an absolute path: a relative one counts from the current folder of each move.
+///
 /// Construction changes the current folder of the process for a moment: construct from one
 /// thread. Nothing throws: see isOk() and error().
 class VORNUTILITY_EXPORT UnicodeFile

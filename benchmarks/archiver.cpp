@@ -144,19 +144,44 @@ void extractShell(benchmark::State &state)
         state.PauseTiming();
         const QString folder = freshFolder();
         state.ResumeTiming();
-        Workplace::shell(
-            QStringLiteral("%1 x %2 -o%3 -aoa").arg(archiver(), ownArchive(), folder));
+        Workplace::shell(QStringLiteral("%1 x %2 -o%3 -aoa").arg(archiver(), ownArchive(), folder));
     }
 }
 
 } // namespace
 
-BENCHMARK(listOwn)->Name("list/own")->Arg(50000)->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(listShell)->Name("list/shell")->Arg(50000)->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(compressOwn)->Name("compress/own")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(compressShell)->Name("compress/shell")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(extractOwn)->Name("extract/own")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(extractShell)->Name("extract/shell")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(listOwn)
+    ->Name("list/own")
+    ->Arg(50000)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(listShell)
+    ->Name("list/shell")
+    ->Arg(50000)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(compressOwn)
+    ->Name("compress/own")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(compressShell)
+    ->Name("compress/shell")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(extractOwn)
+    ->Name("extract/own")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(extractShell)
+    ->Name("extract/shell")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 BENCHMARK(listOwn)
     ->Name("growth/list")
     ->Arg(1000)

@@ -65,5 +65,9 @@ void removeRm(benchmark::State &state)
 
 BENCHMARK(sizeOwn)->Name("size/own")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(sizeDu)->Name("size/du")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(5);
-BENCHMARK(removeOwn)->Name("remove/own")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(removeOwn)
+    ->Name("remove/own")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 BENCHMARK(removeRm)->Name("remove/rm")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1);

@@ -147,8 +147,8 @@ void linesOfLength(benchmark::State &state)
     const QString text(static_cast<int>(state.range(0)), QLatin1Char('x'));
     for (auto _ : state)
         log.fastAppend(text);
-    state.counters["lines"] = benchmark::Counter(static_cast<double>(state.iterations()),
-                                                 benchmark::Counter::kIsRate);
+    state.counters["lines"]
+        = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 } // namespace
@@ -160,4 +160,8 @@ BENCHMARK(appendOwn)->Name("append/own")->Iterations(Lines);
 BENCHMARK(appendWrite)->Name("append/write")->Iterations(Lines);
 BENCHMARK(truncationOwn)->Name("truncation/own")->Iterations(20);
 BENCHMARK(truncationCopy)->Name("truncation/copy")->Iterations(20);
-BENCHMARK(linesOfLength)->Name("growth/line")->RangeMultiplier(4)->Range(16, 4096)->Iterations(1000);
+BENCHMARK(linesOfLength)
+    ->Name("growth/line")
+    ->RangeMultiplier(4)
+    ->Range(16, 4096)
+    ->Iterations(1000);

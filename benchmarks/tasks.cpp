@@ -59,7 +59,8 @@ public:
         if (--left_ == 0)
             QCoreApplication::exit(0);
         else
-            QMetaObject::invokeMethod(this, [this] { next(); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                this, [this] { next(); }, Qt::QueuedConnection);
     }
 
 private:
@@ -70,7 +71,8 @@ void queueTurns(benchmark::State &state)
 {
     for (auto _ : state) {
         Turn turn(TaskCount);
-        QMetaObject::invokeMethod(&turn, [&turn] { turn.next(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            &turn, [&turn] { turn.next(); }, Qt::QueuedConnection);
         QCoreApplication::exec();
     }
 }

@@ -33,6 +33,12 @@ public:
         return add(QStringLiteral("printError"), QString(), bytes, 0);
     }
 
+    /// Prints the same so often without a pause.
+    FakeArchiver &flood(const QByteArray &bytes, int times)
+    {
+        return add(QStringLiteral("flood"), QString(), bytes, times);
+    }
+
     /// A relative name lies in the current folder of the program.
     FakeArchiver &writeFile(const QString &name, const QByteArray &bytes)
     {

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void aClusterMayHaveNoKnownHeadNode();
 
     void slurmIsAskedForAllNodes();
+    void theSettingsOfTheUserDoNotMatter_data();
     void theSettingsOfTheUserDoNotMatter();
     void theOptionsMayStandInAnyOrder_data();
     void theOptionsMayStandInAnyOrder();
@@ -110,10 +111,10 @@ void tst_ClusterTool::placeProgram(const QString &name, const QByteArray &script
         qFatal("A program cannot be placed");
 }
 
-// Prints the lines, and records its arguments and the user's partition.
+// Prints the lines, and records its arguments and what the user has set for it.
 void tst_ClusterTool::placeSinfo(std::initializer_list<const char *> lines, int exitCode)
 {
-    QByteArray script = "printf '%s\\n' \"$@\" \"partition ${SINFO_PARTITION-none}\" > '"
+    QByteArray script = "printf '%s\\n' \"$@\" \" > '"
         + QFile::encodeName(inPath(QStringLiteral("record"))) + "'\n";
     for (const char *line : lines)
         script += "printf '%s\\n' '" + QByteArray(line) + "'\n";
@@ -327,15 +328,25 @@ void tst_ClusterTool::slurmIsAskedForAllNodes()
 {
     run();
     QCOMPARE(contentOf(inPath(QStringLiteral("record"))),
-             QByteArray("--noheader\n--Node\n--all\n--format\n%N %X %Y %m\npartition none\n"));
+             QByteArray("--noheader\n--Node\n--all\n--local\n--format\n%N %X %Y %m\nset .\n"));
+}
+
+void tst_ClusterTool::theSettingsOfTheUserDoNotMatter_data()
+{
+    QTest::addColumn<QByteArray>("variable");
+
+    for (const char *name : {"SINFO_PARTITION", "SINFO_SORT", "SINFO_FEDERATION", "SLURM_CLUSTERS"})
+        QTest::newRow(name) << QByteArray(name);
 }
 
 void tst_ClusterTool::theSettingsOfTheUserDoNotMatter()
 {
-    qputenv("SINFO_PARTITION", "small");
+    QFETCH(QByteArray, variable);
+
+    qputenv(variable.constData(), "small");
     run();
-    qunsetenv("SINFO_PARTITION");
-    QVERIFY(contentOf(inPath(QStringLiteral("record"))).endsWith("\npartition none\n"));
+    qunsetenv(variable.constData());
+    QVERIFY(contentOf(inPath(QStringLiteral("record"))).endsWith("\nset .\n"));
 }
 
 void tst_ClusterTool::theOptionsMayStandInAnyOrder_data()

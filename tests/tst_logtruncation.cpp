@@ -1,3 +1,4 @@
+#include "OtherFileSystem.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
 
@@ -8,7 +9,6 @@
 #include <QtCore/QProcess>
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QRandomGenerator>
-#include <QtCore/QStorageInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
@@ -104,21 +104,6 @@ bool run(const QString &program, const QStringList &arguments,
 bool runHelper(const QStringList &arguments, const QString &temporaryFolder)
 {
     return run(QStringLiteral(HELPER_PROGRAM), arguments, withTemporaryFolder(temporaryFolder));
-}
-
-// The first of the usual folders that lies on another file system than \a folder and can hold a
-// log; empty without one.
-QString folderOnAnotherFileSystem(const QString &folder)
-{
-    const QByteArray device = QStorageInfo(folder).device();
-    for (const char *name : {"/dev/shm", "/run/user", "/run", "/tmp", "/var/tmp"}) {
-        const QStorageInfo storage(QString::fromLatin1(name));
-        if (storage.isValid() && storage.isReady() && !storage.isReadOnly()
-            && storage.device() != device && storage.bytesAvailable() > 8 * Limit
-            && QTemporaryDir(QString::fromLatin1(name) + QStringLiteral("/log-XXXXXX")).isValid())
-            return QString::fromLatin1(name);
-    }
-    return QString();
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Utility/SysInfo.h>
+#include <Utility/SysInfo.h> // an interface alone, which the systems implement
 
 #include <QtCore/QString>
 

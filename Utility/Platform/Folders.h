@@ -5,7 +5,7 @@
 namespace Vorn::Util::Platform {
 
 /// The folder of the machine's common application data, below which the product keeps the folder
-/// \a maker, with neither of them created. Empty when the system does not name one.
+/// \a maker, which is not created. Empty when the system does not name one.
 QString commonApplicationDataFolder(const QString &maker);
 
 /// The root of the public documents, with its last separator; \a maker as above.

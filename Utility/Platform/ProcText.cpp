@@ -58,6 +58,26 @@ long loadBetween(const ProcessorTime &before, const ProcessorTime &after)
     return static_cast<long>(busy >= total ? 100 : busy * 100 / total);
 }
 
+LoadMeter::LoadMeter(const char *firstSample)
+    : last_(readProcessorTime(firstSample))
+{
+}
+
+long LoadMeter::load(const char *sample)
+{
+    const ProcessorTime now = readProcessorTime(sample);
+    if (now.total == 0)
+        return -1;
+    if (now.total < last_.total)
+        last_ = now; // the count began anew
+    const long load = loadBetween(last_, now);
+    if (load >= 0) {
+        load_ = load;
+        last_ = now;
+    }
+    return load_;
+}
+
 qint64 readMemoryBytes(const char *text, const char *key)
 {
     const std::size_t length = std::strlen(key);

@@ -7,6 +7,7 @@
 #include <QtCore/QtEndian>
 
 #include <algorithm>
+#include <limits>
 
 namespace Vorn::Util::Platform {
 
@@ -26,6 +27,19 @@ void count(ProcessorCounts &counts, quint32 kind)
         ++counts.cores;
     else if (kind == PackageRecord)
         ++counts.packages;
+}
+
+// Calls without a buffer for the length, then with one.
+CallOutcome read(const RecordsCall &call, QByteArray &records)
+{
+    quint32 length = 0;
+    call(nullptr, &length);
+    if (length > static_cast<quint32>(std::numeric_limits<int>::max()))
+        return {false, 0};
+    records = QByteArray(static_cast<int>(length), '\0');
+    const CallOutcome outcome = call(records.data(), &length);
+    records.truncate(static_cast<int>(std::min<quint32>(length, records.size())));
+    return outcome;
 }
 
 // One online logical processor. Core numbers repeat from package to package.
@@ -120,6 +134,25 @@ ProcessorCounts countFixedRecords(const QByteArray &records)
     for (int offset = 0; offset + KindAt + 4 <= records.size(); offset += RecordSize)
         count(counts, wordAt(records, offset + KindAt));
     return counts;
+}
+
+ProcessorQuery queryRecords(const RecordsCall &extended, const RecordsCall &older)
+{
+    ProcessorQuery query;
+    QByteArray records;
+    if (!extended)
+        query.messages << QStringLiteral("Using GetLogicalProcessorInformation");
+    const CallOutcome outcome = read(extended ? extended : older, records);
+    query.ok = outcome.ok;
+    if (query.ok) {
+        query.counts = extended ? countExtendedRecords(records) : countFixedRecords(records);
+    } else {
+        const QString call = extended ? QStringLiteral("GetLogicalProcessorInformationEx")
+                                      : QStringLiteral("GetLogicalProcessorInformation");
+        query.messages
+            << QStringLiteral("%1 failed, error = %2").arg(call, QString::number(outcome.error));
+    }
+    return query;
 }
 
 ProcessorCounts countSysfs(const QString &folder)

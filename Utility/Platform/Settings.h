@@ -23,7 +23,8 @@ struct SettingsValue
 /// 511 characters at the most.
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name);
 
-/// The key \a keyPath of the same store, to read from; null when there is none.
+/// The key \a keyPath of the same store, to read from. Null or a store without values when there is
+/// none.
 std::unique_ptr<QSettings> openSettings(const QString &keyPath);
 
 /// The names of the subkeys of \a keyPath in the store's order; none when there is no such key.

@@ -23,7 +23,6 @@ class Display : public QObject
     Q_OBJECT
 
 public:
-    /// The processor outlives the display or ends with it.
     Display(Vorn::Util::AsyncTaskProcessor &processor, const QString &archive);
 
     /// The text of the first task that failed; empty when none did.

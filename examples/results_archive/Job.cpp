@@ -208,8 +208,7 @@ QString Job::compareFile(const QString &name) const
 QString Job::listWithSystem()
 {
     const QString variable = QStringLiteral("RESULTS_ARCHIVE_FILE");
-    qputenv(variable.toLatin1().constData(),
-            QFile::encodeName(QDir::toNativeSeparators(options_.archive)));
+    setVariable(variable, QDir::toNativeSeparators(options_.archive));
     constexpr int MostLines = 20;
     const CurrentFolder current(scratch_->path());
     const QString listing = Command(&log_).run(listingCommand(variable), MostLines, true);

@@ -11,4 +11,7 @@ bool isTerminal();
 /// The path stays out of the text: a command line takes no letters outside Latin-1.
 QString listingCommand(const QString &variable);
 
+/// Sets the variable \a name for programs started from now on, whatever characters \a value holds.
+void setVariable(const QString &name, const QString &value);
+
 } // namespace ResultsArchive

@@ -92,6 +92,13 @@ void print(std::FILE *channel, const QByteArray &bytes, int blockSize)
     }
 }
 
+void flood(const QByteArray &bytes, int times)
+{
+    for (int i = 0; i < times; ++i)
+        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
+    std::fflush(stdout);
+}
+
 void waitFor(const QString &fileName)
 {
     while (!QFile::exists(fileName))
@@ -126,6 +133,8 @@ void run(const QJsonObject &step)
         print(stdout, bytes, number > 0 ? number : bytes.size());
     else if (action == QLatin1String("printError"))
         print(stderr, bytes, number > 0 ? number : bytes.size());
+    else if (action == QLatin1String("flood"))
+        flood(bytes, number);
     else if (action == QLatin1String("writeFile"))
         writeFile(name, bytes);
     else if (action == QLatin1String("unpackFile"))

@@ -1,10 +1,25 @@
 #include "log.h"
 
+#include "../NumberedLines.h"
+
 #include <Utility/Log.h>
 
+#include <QtCore/QFileInfo>
+
+#include <cstdio>
 #include <cstdlib>
 
 using namespace Vorn::Util;
+
+namespace {
+
+void tell(int number)
+{
+    std::printf("%d\n", number);
+    std::fflush(stdout);
+}
+
+} // namespace
 
 int logCheck(const QStringList &arguments)
 {
@@ -21,4 +36,39 @@ int logAppend(const QStringList &arguments)
         return EXIT_FAILURE;
     log.append(arguments.value(1));
     return EXIT_SUCCESS;
+}
+
+int logAppendLines(const QStringList &arguments)
+{
+    Log log(arguments.value(0), Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    if (!log.open(true))
+        return EXIT_FAILURE;
+    const int count = arguments.value(2).toInt();
+    tell(count);
+    while (std::getchar() != '\n') { }
+    for (int number = 0; number < count; ++number)
+        log.append(numberedLine(arguments.value(1), number));
+    return EXIT_SUCCESS;
+}
+
+int logCutEndlessly(const QStringList &arguments)
+{
+    constexpr int LinesAtOnce = 1000;
+    Log log(arguments.value(0), Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    if (!log.open(true))
+        return EXIT_FAILURE;
+    int number = arguments.value(1).toInt();
+    for (;;) {
+        log.append(numberedLine(QStringLiteral("line"), number));
+        tell(number++);
+        while (QFileInfo(log.name()).size() <= Log::MaxLogSize) {
+            QStringList lines;
+            for (int i = 0; i < LinesAtOnce; ++i)
+                lines += numberedLine(QStringLiteral("line"), number++);
+            log.fastAppend(lines.join(QStringLiteral("\n ")));
+            tell(number - 1);
+        }
+    }
 }

@@ -7,3 +7,12 @@ int logCheck(const QStringList &arguments);
 
 /// "log-append FILE TEXT": opens the log and appends a line without a time.
 int logAppend(const QStringList &arguments);
+
+/// "log-append-lines FILE NAME COUNT": opens the log, prints a line, waits for one and appends
+/// lines of NumberedLines.h.
+int logAppendLines(const QStringList &arguments);
+
+/// "log-cut-endlessly FILE FIRST": appends lines of NumberedLines.h, from the one of this number
+/// on, so that the log is cut again and again, and prints the number of the last one that is
+/// written.
+int logCutEndlessly(const QStringList &arguments);

@@ -40,8 +40,12 @@ int main(int argc, char *argv[])
         return printEnumAtExit();
     if (behaviour == "log-append")
         return logAppend(arguments);
+    if (behaviour == "log-append-lines")
+        return logAppendLines(arguments);
     if (behaviour == "log-check")
         return logCheck(arguments);
+    if (behaviour == "log-cut-endlessly")
+        return logCutEndlessly(arguments);
     if (behaviour == "sevenzip-convert")
         return sevenZipConvert(arguments);
     if (behaviour == "sevenzip-missing")

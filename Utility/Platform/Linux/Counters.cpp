@@ -50,31 +50,11 @@ public:
 class LoadCounter : public SysInfo
 {
 public:
-    LoadCounter()
-        : last_(readProcessorTime(file_.read()))
-    {
-    }
-
-    long getValue() override
-    {
-        const ProcessorTime now = readProcessorTime(file_.read());
-        if (now.total == 0)
-            return -1;
-        if (now.total < last_.total)
-            last_ = now; // the count began anew
-        const long load = loadBetween(last_, now);
-        // Within one tick the load of the interval before is all that is known.
-        if (load >= 0) {
-            load_ = load;
-            last_ = now;
-        }
-        return load_;
-    }
+    long getValue() override { return meter_.load(file_.read()); }
 
 private:
     ProcFile<512> file_{"/proc/stat"}; // only the first line is read
-    ProcessorTime last_;
-    long load_ = 0;
+    LoadMeter meter_{file_.read()};
 };
 
 class MemoryCounter : public SysInfo
@@ -106,7 +86,9 @@ public:
         const char *text = file_.read();
         const qint64 used = readMemoryBytes(text, "Committed_AS:");
         const qint64 limit = readMemoryBytes(text, "CommitLimit:");
-        return used < 0 || limit <= 0 ? -1 : static_cast<long>(static_cast<double>(used) * 100 / static_cast<double>(limit));
+        return used < 0 || limit <= 0
+            ? -1
+            : static_cast<long>(static_cast<double>(used) * 100 / static_cast<double>(limit));
     }
 
 private:

@@ -27,11 +27,11 @@ QString programOf(const QString &id)
     const ssize_t length = ::readlink(link.constData(), path.data(), path.size());
     if (length <= 0)
         return QString();
-    QByteArray program(path.data(), static_cast<int>(length));
-    const QByteArray deleted = " (deleted)";
-    if (program.endsWith(deleted))
-        program.chop(deleted.size());
-    return QFile::decodeName(program);
+    const QString program = QFile::decodeName(QByteArray(path.data(), static_cast<int>(length)));
+    const QString deleted = QStringLiteral(" (deleted)");
+    return program.endsWith(deleted) && !QFileInfo::exists(program)
+        ? program.chopped(deleted.size())
+        : program;
 }
 
 QString fileNameOf(const QString &path)
@@ -39,15 +39,19 @@ QString fileNameOf(const QString &path)
     return path.section(QLatin1Char('/'), -1);
 }
 
+QByteArray contentOf(const QString &id, const char *name)
+{
+    QFile file(QStringLiteral("/proc/%1/%2").arg(id, QString::fromLatin1(name)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 // The name of another user's program, as far as it is told: nothing when it may have been cut.
+// What has no command line is a thread of the system or a process that has ended.
 QString shortNameOf(const QString &id)
 {
     constexpr int LongestName = 15;
-    QFile file(QStringLiteral("/proc/%1/comm").arg(id));
-    if (!file.open(QIODevice::ReadOnly))
-        return QString();
-    const QString name = QFile::decodeName(file.readAll()).trimmed();
-    return name.size() < LongestName ? name : QString();
+    const QString name = QFile::decodeName(contentOf(id, "comm")).trimmed();
+    return name.size() < LongestName && !contentOf(id, "cmdline").isEmpty() ? name : QString();
 }
 
 QStringList processIds()

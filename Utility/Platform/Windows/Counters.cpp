@@ -9,13 +9,15 @@
 
 namespace Vorn::Util {
 
+static_assert(PDH_FMT_LONG == 0x100);
+
 class WindowsSysInfo : public SysInfo
 {
 public:
     explicit WindowsSysInfo(const QString &counterPath)
     {
         constexpr int Longest = PathSize - 1;
-        std::copy_n(wide(counterPath), std::min(counterPath.size(), Longest), path_);
+        std::copy_n(Platform::wide(counterPath), std::min(counterPath.size(), Longest), path_);
         if (PdhOpenQueryW(nullptr, 0, &query_) != ERROR_SUCCESS
             || PdhAddCounterW(query_, path_, 0, &counter_) != ERROR_SUCCESS)
             return;
@@ -42,7 +44,6 @@ public:
 
 private:
     static constexpr int PathSize = 2048;
-    static const wchar_t *wide(const QString &text) { return Platform::wide(text); }
 
     PDH_HQUERY query_ = nullptr;
     PDH_HCOUNTER counter_ = nullptr;

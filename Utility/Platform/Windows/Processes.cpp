@@ -39,17 +39,15 @@ public:
 
     QString name() const override
     {
-        wchar_t name[260] = L"<unknown>";
-        return K32GetModuleBaseNameW(handle_, module_, name, 260) == 0
-            ? QStringLiteral("<unknown>")
-            : textOf(name);
+        wchar_t name[260] = L"<unknown>"; // which stays when the call fails
+        K32GetModuleBaseNameW(handle_, module_, name, 260);
+        return textOf(name);
     }
 
     QString path() const override
     {
         wchar_t path[260] = {};
-        return K32GetModuleFileNameExW(handle_, module_, path, 260) == 0 ? QString()
-                                                                          : textOf(path);
+        return K32GetModuleFileNameExW(handle_, module_, path, 260) == 0 ? QString() : textOf(path);
     }
 
     bool terminate(int exitCode) override

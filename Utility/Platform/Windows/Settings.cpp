@@ -6,20 +6,22 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-class RegistryKey
+static_assert(KEY_READ == 0x20019);
+
+class OpenKey
 {
 public:
-    explicit RegistryKey(const QString &keyPath)
+    explicit OpenKey(const QString &keyPath)
         : code_(RegOpenKeyExW(HKEY_LOCAL_MACHINE, wide(keyPath), 0, KEY_READ, &key_))
     {
     }
-    ~RegistryKey()
+    ~OpenKey()
     {
         if (isOpen())
             RegCloseKey(key_);
     }
-    RegistryKey(const RegistryKey &) = delete;
-    RegistryKey &operator=(const RegistryKey &) = delete;
+    OpenKey(const OpenKey &) = delete;
+    OpenKey &operator=(const OpenKey &) = delete;
 
     bool isOpen() const { return code_ == ERROR_SUCCESS; }
     LONG code() const { return code_; }
@@ -51,7 +53,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     constexpr int KeyPathSize = 512;
     if (keyPath.size() >= KeyPathSize)
         return noKey(ERROR_FILENAME_EXCED_RANGE);
-    const RegistryKey key(keyPath);
+    const OpenKey key(keyPath);
     if (!key.isOpen())
         return noKey(key.code());
     wchar_t value[1024] = {};
@@ -59,6 +61,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     DWORD size = sizeof value;
     LONG code = RegQueryValueExW(key.get(), wide(name), nullptr, nullptr,
                                  reinterpret_cast<BYTE *>(value), &size);
+    const DWORD lastError = GetLastError();
     const QString text = textOf(value);
     if (code == ERROR_SUCCESS && text.size() < 1024)
         return {SettingsValue::Found, text, 0, QString()};
@@ -66,7 +69,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
         code = ERROR_MORE_DATA; // no room for the terminating null
     // The thread's last error, which need not be the code returned: the line printed has always
     // held both.
-    return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(GetLastError())};
+    return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(lastError)};
 }
 
 std::unique_ptr<QSettings> openSettings(const QString &keyPath)
@@ -78,7 +81,7 @@ std::unique_ptr<QSettings> openSettings(const QString &keyPath)
 QStringList settingsSubkeys(const QString &keyPath)
 {
     QStringList names;
-    const RegistryKey key(keyPath);
+    const OpenKey key(keyPath);
     DWORD count = 0;
     if (!key.isOpen()
         || RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr,

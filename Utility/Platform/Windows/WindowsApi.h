@@ -27,7 +27,7 @@
 
 namespace Vorn::Util::Platform {
 
-/// A file's path in the form that the wide-character calls take.
+/// A text in the form that the wide-character calls take; valid as long as \a text is unchanged.
 inline const wchar_t *wide(const QString &text)
 {
     return reinterpret_cast<const wchar_t *>(text.utf16());

@@ -1,5 +1,7 @@
 #include "Platform.h"
 
+#include <QtCore/QFile>
+
 #include <unistd.h>
 
 namespace ResultsArchive {
@@ -12,6 +14,11 @@ bool isTerminal()
 QString listingCommand(const QString &variable)
 {
     return QStringLiteral("ls -l \"$%1\"").arg(variable);
+}
+
+void setVariable(const QString &name, const QString &value)
+{
+    qputenv(name.toLatin1().constData(), QFile::encodeName(value));
 }
 
 } // namespace ResultsArchive

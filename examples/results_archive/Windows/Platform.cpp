@@ -1,6 +1,7 @@
 #include "Platform.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <io.h>
 
 namespace ResultsArchive {
@@ -12,7 +13,12 @@ bool isTerminal()
 
 QString listingCommand(const QString &variable)
 {
-    return QStringLiteral("@dir \"%%1%\"").arg(variable);
+    return QStringLiteral("@dir /b \"%%1%\"").arg(variable);
+}
+
+void setVariable(const QString &name, const QString &value)
+{
+    _wputenv_s(name.toStdWString().c_str(), value.toStdWString().c_str());
 }
 
 } // namespace ResultsArchive

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QtCore/QtGlobal>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+/// While it lives, this process can open no more files than it has open. Files of the test
+/// framework count too: no messages in between.
+class DescriptorLimit
+{
+public:
+    DescriptorLimit()
+    {
+        const int firstFree = dup(STDIN_FILENO);
+        close(firstFree);
+        getrlimit(RLIMIT_NOFILE, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = static_cast<rlim_t>(firstFree);
+        isSet_ = firstFree > 0 && setrlimit(RLIMIT_NOFILE, &limit) == 0;
+    }
+
+    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before_); }
+
+    bool isSet() const { return isSet_; }
+
+private:
+    Q_DISABLE_COPY(DescriptorLimit)
+
+    rlimit before_{};
+    bool isSet_ = false;
+};

@@ -1,0 +1,11 @@
+vorn_add_test(tst_fulldisk FROM linux FOLDER fake-archiver)
+add_dependencies(tst_fulldisk fakearchiver)
+target_compile_definitions(tst_fulldisk PRIVATE LOAD_FACTOR=${load_factor})
+vorn_add_test(tst_readonly FROM linux)
+vorn_add_test(tst_archiverfaults FROM linux FOLDER faulty-archiver) # it puts its archiver there
+add_dependencies(tst_archiverfaults fakearchiver)
+target_compile_definitions(tst_archiverfaults PRIVATE
+    FAKE_ARCHIVER_PROGRAM="$<TARGET_FILE:fakearchiver>" LOAD_FACTOR=${load_factor})
+vorn_add_test(tst_load FROM linux FOLDER fake-archiver)
+add_dependencies(tst_load fakearchiver)
+target_compile_definitions(tst_load PRIVATE LOAD_FACTOR=${load_factor})

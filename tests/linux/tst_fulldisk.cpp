@@ -1,0 +1,398 @@
+// What is written when the disk is full or the process may open no more files.
+
+#include "../FakeArchiver.h"
+#include "../HelperProgram.h"
+#include "../NumberedLines.h"
+#include "../OtherFileSystem.h"
+#include "../TestFiles.h"
+#include "../TestFolder.h"
+#include "../TestMessages.h"
+#include "DescriptorLimit.h"
+#include "FileSizeLimit.h"
+#include "ProcessState.h"
+
+#include <Utility/Command.h>
+#include <Utility/CpuInfo.h>
+#include <Utility/Log.h>
+#include <Utility/SevenZip.h>
+#include <Utility/System.h>
+
+#include <QtCore/QProcess>
+#include <QtTest/QtTest>
+
+using namespace Vorn::Util;
+
+namespace {
+
+QByteArray lineOf(int number)
+{
+    return ' ' + numberedLine(QStringLiteral("line"), number).toUtf8() + '\n';
+}
+
+QByteArray tooLargeLog()
+{
+    QByteArray log;
+    for (int number = 0; log.size() <= Log::MaxLogSize; ++number)
+        log += lineOf(number);
+    return log;
+}
+
+// All lines are of one length, so that the first whole one behind a mebibyte is easily found.
+QByteArray tailOf(const QByteArray &log)
+{
+    const int length = lineOf(0).size();
+    return log.mid((static_cast<int>(Log::AmountToTruncate) / length + 1) * length);
+}
+
+struct Counts
+{
+    explicit Counts(const CpuInfo &info)
+        : processors(info.processorCount())
+        , cores(info.coreCount())
+        , threads(info.isHyperThreadingOn())
+    {
+    }
+
+    bool operator==(const Counts &other) const
+    {
+        return processors == other.processors && cores == other.cores && threads == other.threads;
+    }
+
+    bool areDefaults() const { return processors == 1 && cores == 1 && !threads; }
+
+    int processors;
+    int cores;
+    bool threads;
+};
+
+} // namespace
+
+class TestFullDisk : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void aFullDiskTakesWholeLinesOfALog();
+    void aFullDiskDoesNotFillTheMemory();
+    void aLogOnAFullDeviceLosesItsLines();
+    void aLogThatCannotBeCutIsCutWhenThereIsRoomAgain();
+    void withoutRoomBesideTheLogItStaysAsItWas();
+    void withoutAFreeDescriptorTheLogIsStillWritten();
+
+    void withoutAFreeDescriptorACommandPrintsNothing();
+    void withoutAFreeDescriptorTheArchiverGivesFalseAndNoSignal();
+
+    void aListFileWithoutRoomIsTakenAway();
+
+    void aFullDiskLeavesTheCountsOfTheSystem();
+    void aCutInformationFileGivesItsCountsOrTheDefaults();
+    void anInformationFileOnADeviceLeavesTheDefaults();
+
+private:
+    TestFolder folder_;
+    QString fileName_ = folder_.filePath(QStringLiteral("run.log"));
+    QString lists_;
+};
+
+// List files go to a folder of their own, which is worked out once per process.
+void TestFullDisk::initTestCase()
+{
+    QVERIFY(folder_.isValid());
+    lists_ = folder_.filePath(QStringLiteral("lists"));
+    QVERIFY(QDir().mkdir(lists_));
+    const QByteArray before = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(lists_));
+    QCOMPARE(System::getTempDirPath(), lists_);
+    if (before.isEmpty())
+        qunsetenv("TMPDIR");
+    else
+        qputenv("TMPDIR", before);
+}
+
+void TestFullDisk::init()
+{
+    QFile::remove(fileName_);
+}
+
+// A line that finds no room is lost as a whole, or comes when there is room again.
+void TestFullDisk::aFullDiskTakesWholeLinesOfALog()
+{
+    constexpr int Before = 100;
+    constexpr int During = 2000;
+    constexpr int After = 10;
+    Log log(fileName_, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(log.open(true));
+    int number = 0;
+    for (; number < Before; ++number)
+        log.append(numberedLine(QStringLiteral("line"), number));
+    const int length = lineOf(0).size();
+    const int room = Before * length + length / 2;
+    QByteArray content;
+    {
+        const FileSizeLimit limit(room);
+        QVERIFY(limit.isSet());
+        for (; number < Before + During; ++number)
+            log.append(numberedLine(QStringLiteral("line"), number));
+        content = contentOf(fileName_);
+    }
+    QCOMPARE(content.size(), room);
+    for (; number < Before + During + After; ++number)
+        log.append(numberedLine(QStringLiteral("line"), number));
+    log.close();
+
+    content = contentOf(fileName_);
+    QCOMPARE(content.size() % length, 0);
+    int last = -1;
+    for (int from = 0; from < content.size(); from += length) {
+        const int next = content.mid(from + QByteArray(" line ").size(), 9).toInt();
+        QVERIFY(next > last);
+        QCOMPARE(content.mid(from, length), lineOf(next));
+        last = next;
+    }
+    QCOMPARE(last, number - 1);
+    for (int i = 0; i < Before; ++i)
+        QCOMPARE(content.mid(i * length, length), lineOf(i));
+    for (int i = 1; i <= After; ++i)
+        QCOMPARE(content.mid(content.size() - i * length, length), lineOf(number - i));
+}
+
+void TestFullDisk::aFullDiskDoesNotFillTheMemory()
+{
+    constexpr int Lines = 200000 / LOAD_FACTOR; // 20 MB
+    Log log(fileName_, Log::NoFileTimeStamp);
+    QVERIFY(log.open(true));
+    qint64 before = 0;
+    qint64 after = 0;
+    {
+        const FileSizeLimit limit(1000);
+        for (int number = 0; number < Lines; ++number) {
+            log.append(numberedLine(QStringLiteral("line"), number));
+            if (number == Lines / 10)
+                before = residentMemory();
+        }
+        after = residentMemory();
+    }
+    if (LOAD_FACTOR == 1) // a sanitizer keeps what was freed
+        QVERIFY2(after - before < 2 * MiB, qPrintable(QString::number(after - before)));
+    QCOMPARE(QFileInfo(fileName_).size(), Q_INT64_C(1000));
+}
+
+void TestFullDisk::aLogOnAFullDeviceLosesItsLines()
+{
+    Log log(QStringLiteral("/dev/full"), Log::NoFileTimeStamp);
+    QVERIFY(log.open(true));
+    log.append(QStringLiteral("line"));
+    log.fastAppend(QString(100000, QLatin1Char('x')));
+    log << QStringLiteral("text") << 'c' << 1 << 2.5;
+    log.flush();
+    log.close();
+    QVERIFY(log.open(true)); // and closed by the destructor
+    log.append(QStringLiteral("line"));
+}
+
+void TestFullDisk::aLogThatCannotBeCutIsCutWhenThereIsRoomAgain()
+{
+    const QByteArray before = tooLargeLog();
+    QVERIFY(writeFile(fileName_, before));
+    Log log(fileName_, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QByteArray content;
+    bool isOpen = false;
+    {
+        const FileSizeLimit limit(Log::MaxLogSize / 2);
+        isOpen = log.open(true);
+        log.append(QStringLiteral("lost or late"));
+        content = contentOf(fileName_);
+    }
+    QVERIFY(isOpen);
+    QVERIFY(content == before);
+    log.append(QStringLiteral("again"));
+    content = contentOf(fileName_);
+    QVERIFY(content.startsWith(tailOf(before)));
+    const QByteArray rest = content.mid(tailOf(before).size());
+    QVERIFY2(rest == " again\n" || rest == " lost or late\n again\n", rest.constData());
+}
+
+// On a file system of its own, which has room for the log but not for its tail beside it.
+void TestFullDisk::withoutRoomBesideTheLogItStaysAsItWas()
+{
+    const QString mount = folder_.filePath(QStringLiteral("mount"));
+    const QString copy = folder_.filePath(QStringLiteral("copy.log"));
+    const QString names = folder_.filePath(QStringLiteral("names"));
+    QVERIFY(QDir().mkpath(mount));
+    const QByteArray log = tooLargeLog();
+    QVERIFY(writeFile(fileName_, log));
+    constexpr int Failed = 5;
+    const QString script = QStringLiteral(
+        "mount -t tmpfs -o size=8m tmpfs \"$1\" || exit 1\n"
+        "cp \"$2\" \"$1/run.log\" && \"$0\" log-check \"$1/run.log\" 2> /dev/null || exit 5\n"
+        "cp \"$1/run.log\" \"$3\" && ls -A \"$1\" > \"$4\" || exit 5\n");
+    const int exitCode = QProcess::execute(
+        QStringLiteral("unshare"),
+        {QStringLiteral("--map-root-user"), QStringLiteral("--mount"), QStringLiteral("sh"),
+         QStringLiteral("-c"), script, helperProgram(), mount, fileName_, copy, names});
+    if (exitCode != 0 && exitCode != Failed)
+        QSKIP("This account cannot mount a file system of its own");
+    QCOMPARE(exitCode, 0);
+    QVERIFY(contentOf(copy) == log);
+    QCOMPARE(contentOf(names), QByteArray("run.log\n"));
+}
+
+void TestFullDisk::withoutAFreeDescriptorTheLogIsStillWritten()
+{
+    if (LOAD_FACTOR > 1)
+        QSKIP("The sanitizer's look at the type of an object opens a pipe");
+    const QByteArray before = tooLargeLog();
+    Log log(fileName_, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(log.open(true));
+    log.fastAppend(QString::fromUtf8(before.mid(1))); // the blank comes by itself
+
+    bool isSet = false;
+    {
+        const DescriptorLimit limit;
+        isSet = limit.isSet();
+        log.append(QStringLiteral("more"));
+    }
+    QVERIFY(isSet);
+    QVERIFY(contentOf(fileName_) == before + " more\n");
+    log.append(QStringLiteral("again"));
+    QVERIFY(contentOf(fileName_) == tailOf(before) + " more\n again\n");
+}
+
+void TestFullDisk::withoutAFreeDescriptorACommandPrintsNothing()
+{
+    if (LOAD_FACTOR > 1)
+        QSKIP("The sanitizer's look at the type of an object opens a pipe");
+    const QString start = QDir::currentPath();
+    const TestFolder folder;
+    QVERIFY(QDir::setCurrent(folder.path()));
+    const TestMessages messages; // of Qt, about the pipes
+    const QString text = QStringLiteral("echo text");
+    const int descriptors = openDescriptors();
+    QStringList outcome;
+    bool isSet = false;
+    {
+        const DescriptorLimit limit;
+        isSet = limit.isSet();
+        outcome += Command().run(text, 100, false);
+        outcome += Command().runL(text, 100, false);
+        outcome += QString::number(Command().runQ(text));
+        outcome += QString::number(Command().runNoWait(text, false, QString()));
+    }
+    const QStringList left = entriesOf(folder.path());
+    QVERIFY(QDir::setCurrent(start));
+    QVERIFY(isSet);
+    QCOMPARE(outcome,
+             QStringList({QString(), QString(), QStringLiteral("0"), QStringLiteral("0")}));
+    QCOMPARE(left, QStringList());
+    QCOMPARE(openDescriptors(), descriptors);
+}
+
+void TestFullDisk::withoutAFreeDescriptorTheArchiverGivesFalseAndNoSignal()
+{
+    if (LOAD_FACTOR > 1)
+        QSKIP("The sanitizer's look at the type of an object opens a pipe");
+    const TestMessages messages;
+    const FakeArchiver fake;
+    SevenZip archive;
+    int ends = 0;
+    connect(&archive, &SevenZip::extractionFinished, this, [&ends] { ++ends; });
+    const int descriptors = openDescriptors();
+    bool isSet = false;
+    bool result = true;
+    {
+        const DescriptorLimit limit;
+        isSet = limit.isSet();
+        result = archive.extractFilesTo(QStringLiteral("to"));
+    }
+    QVERIFY(isSet);
+    QVERIFY(!result);
+    QCOMPARE(ends, 0);
+    QVERIFY(!fake.wasCalled());
+    QCOMPARE(openDescriptors(), descriptors);
+    QVERIFY(archive.extractFilesTo(QStringLiteral("to")));
+    QCOMPARE(ends, 1);
+}
+
+// An archiver that got only some of the names would leave files out.
+void TestFullDisk::aListFileWithoutRoomIsTakenAway()
+{
+    const TestMessages messages;
+    constexpr int Room = 65536; // for the record of the call, not for the names
+    QStringList files;
+    for (int number = 0; number < 40; ++number)
+        files += QStringLiteral("%1 %2").arg(number).arg(QString(3000, QLatin1Char('x')));
+    FakeArchiver fake;
+    fake.exit(2);
+    SevenZip archive;
+    archive.setArchiveFile(QStringLiteral("archive.7z"));
+    bool result = false;
+    {
+        const FileSizeLimit limit(Room);
+        result = archive.compressFiles(files);
+    }
+    QVERIFY(!result);
+    QCOMPARE(archive.error(), SevenZip::FatalError);
+    QCOMPARE(fake.arguments().value(3), QStringLiteral("@%1/listfile.tmp").arg(lists_));
+    QVERIFY(!fake.hasListFile());
+    QCOMPARE(entriesOf(lists_), QStringList());
+
+    QVERIFY(!archive.compressFiles(files)); // with room, all of them
+    QCOMPARE(fake.listFile(), files.join(QLatin1Char('\n')).toUtf8() + '\n');
+}
+
+void TestFullDisk::aFullDiskLeavesTheCountsOfTheSystem()
+{
+    const TestMessages messages;
+    const TestFolder whole;
+    const Counts counts{CpuInfo(nullptr, whole.path())};
+    const QString infoFile = whole.filePath(QStringLiteral("SystemInfo.xml"));
+    const qint64 size = QFileInfo(infoFile).size();
+    QVERIFY(size > 0);
+    for (qint64 room = 0; room < size; room += 7) {
+        const TestFolder folder;
+        const auto construct = [&folder, room] {
+            const FileSizeLimit limit(room);
+            return Counts(CpuInfo(nullptr, folder.path()));
+        };
+        const bool isTheSystems = construct() == counts;
+        QVERIFY2(isTheSystems, qPrintable(QString::number(room)));
+        QVERIFY(QFileInfo(folder.filePath(QStringLiteral("SystemInfo.xml"))).size() <= room);
+    }
+}
+
+void TestFullDisk::aCutInformationFileGivesItsCountsOrTheDefaults()
+{
+    const TestMessages messages;
+    const TestFolder folder;
+    const Counts counts{CpuInfo(nullptr, folder.path())};
+    const QString infoFile = folder.filePath(QStringLiteral("SystemInfo.xml"));
+    const QByteArray whole = contentOf(infoFile);
+    for (int size = 0; size < whole.size(); ++size) {
+        QVERIFY(writeFile(infoFile, whole.left(size)));
+        const Counts read{CpuInfo(nullptr, folder.path())};
+        QVERIFY2(read == counts || read.areDefaults(), qPrintable(QString::number(size)));
+        QCOMPARE(contentOf(infoFile), whole.left(size));
+    }
+}
+
+void TestFullDisk::anInformationFileOnADeviceLeavesTheDefaults()
+{
+    const TestMessages messages;
+    const TestFolder folder;
+    const QString infoFile = folder.filePath(QStringLiteral("SystemInfo.xml"));
+    for (const char *device : {"/dev/full", "/dev/zero", "/dev/null"}) {
+        QVERIFY(QFile::link(QString::fromLatin1(device), infoFile));
+        QVERIFY(Counts(CpuInfo(nullptr, folder.path())).areDefaults());
+        QVERIFY(QFile::remove(infoFile));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestFullDisk)
+
+#include "tst_fulldisk.moc"

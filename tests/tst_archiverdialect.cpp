@@ -99,6 +99,7 @@ private Q_SLOTS:
     void methodsLoseTheirParameters();
     void rowsOfAListing_data();
     void rowsOfAListing();
+    void whatTheReadersTakeForARulerEndsTheTable();
     void totalsOfAListing_data();
     void totalsOfAListing();
     void linesOfAnExtraction_data();
@@ -493,6 +494,17 @@ void TestArchiverDialect::rowsOfAListing()
     QFETCH(QString, expected);
     const QString ruler = QString::fromLatin1(Ruler);
     QCOMPARE(currentListing(table(line + '\n', "")), QStringList({ruler, expected, ruler}));
+}
+
+void TestArchiverDialect::whatTheReadersTakeForARulerEndsTheTable()
+{
+    const QByteArray indented = "  --------";
+    const QByteArray totals
+        = "2024-02-29 12:34:56               2569          305  9 files\n\nWarnings: 1\n";
+    const QStringList lines = currentListing(QByteArray(Ruler) + '\n' + indented + '\n' + totals);
+    QCOMPARE(lines.size(), 3);
+    QVERIFY(lines.at(1).startsWith(utf8("--------")));
+    QCOMPARE(lines.at(2), utf8("2569 305 9 files"));
 }
 
 void TestArchiverDialect::totalsOfAListing_data()

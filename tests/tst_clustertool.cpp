@@ -114,7 +114,8 @@ void tst_ClusterTool::placeProgram(const QString &name, const QByteArray &script
 // Prints the lines, and records its arguments and what the user has set for it.
 void tst_ClusterTool::placeSinfo(std::initializer_list<const char *> lines, int exitCode)
 {
-    QByteArray script = "printf '%s\\n' \"$@\" \" > '"
+    QByteArray script = "printf '%s\\n' \"$@\" \"set ${SINFO_PARTITION-}${SINFO_SORT-}"
+                        "${SINFO_FEDERATION-}${SLURM_CLUSTERS-}.\" > '"
         + QFile::encodeName(inPath(QStringLiteral("record"))) + "'\n";
     for (const char *line : lines)
         script += "printf '%s\\n' '" + QByteArray(line) + "'\n";

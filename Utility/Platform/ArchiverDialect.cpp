@@ -151,13 +151,15 @@ QString ArchiverLineDecoder::decodeHeader(const QString &line)
 
 QString ArchiverLineDecoder::decodeEntry(const QString &line)
 {
-    if (isRuler(line)) {
-        block_ = Block::Totals;
-        return line;
-    }
     const Row row = splitRow(line);
-    return QStringList{row.date, row.time, row.attributes, row.size, row.packedSize, row.rest}.join(
-        QLatin1Char(' '));
+    QString entry = isRuler(line)
+        ? line
+        : QStringList{row.date, row.time, row.attributes, row.size, row.packedSize, row.rest}.join(
+            QLatin1Char(' '));
+    // Not the line alone: without the blanks in front of it the readers may take it for a ruler.
+    if (isRuler(entry))
+        block_ = Block::Totals;
+    return entry;
 }
 
 // There is one line of totals; what follows it are warnings, which hold no number at its place.

@@ -38,7 +38,8 @@ CallOutcome read(const RecordsCall &call, QByteArray &records)
         return {false, 0};
     records = QByteArray(static_cast<int>(length), '\0');
     const CallOutcome outcome = call(records.data(), &length);
-    records.truncate(static_cast<int>(std::min<quint32>(length, records.size())));
+    if (length < static_cast<quint32>(records.size()))
+        records.truncate(static_cast<int>(length));
     return outcome;
 }
 

@@ -1,0 +1,19 @@
+// A text such as /proc/cpuinfo.
+
+#include "Fuzz.h"
+
+#include <Utility/Platform/ProcessorRecords.h>
+
+using namespace Vorn::Util::Platform;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray text = bytesOf(data, size);
+    const ProcessorCounts counts = countCpuinfo(textOf(text));
+    CHECK(0 <= counts.packages && counts.packages <= counts.cores);
+    CHECK(counts.cores <= text.count("processor"));
+    CHECK((counts.cores > 0) == (counts.packages > 0));
+    CHECK(counts.tellsSmt == (counts.cores > 0));
+    CHECK(counts.tellsSmt || !counts.smt);
+    return 0;
+}

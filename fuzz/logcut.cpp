@@ -1,0 +1,69 @@
+// Where the kept part of a log begins. The bytes are, in pairs, by how much the log is shorter
+// than the longest one here, the length of its first line in sixteens, and the lengths of the
+// lines behind it, again and again up to the end.
+
+#include "Fuzz.h"
+
+#include <Utility/Log.h>
+#include <Utility/LogTruncation.h>
+
+#include <QtCore/QtEndian>
+
+#include <algorithm>
+#include <cstring>
+
+using namespace Vorn::Util;
+
+namespace {
+
+constexpr std::size_t NumberSize = 2;
+
+int lengthAt(const std::uint8_t *data, std::size_t index)
+{
+    return qFromLittleEndian<quint16>(data + index * NumberSize);
+}
+
+const QByteArray &logOf(const std::uint8_t *data, std::size_t count)
+{
+    constexpr int Slack = 4096;
+    const int size = LogCutHeadSize + Slack / 2 - lengthAt(data, 0) % Slack;
+    static QByteArray log; // keeps its room
+    log.fill('x', size);
+    if (count < 3)
+        return log;
+    char *bytes = log.data();
+    std::size_t index = 2;
+    for (int at = lengthAt(data, 1) * 16; at < size; at += lengthAt(data, index)) {
+        bytes[at++] = '\n';
+        index = index + 1 < count ? index + 1 : 2;
+    }
+    return log;
+}
+
+// Reads the log piece by piece.
+qint64 cutOf(const QByteArray &log)
+{
+    constexpr int PieceSize = 255;
+    int position = 0;
+    while (position < log.size() && position <= Log::AmountToTruncate) {
+        const int length = std::min(PieceSize, log.size() - position);
+        const char *begin = log.constData() + position;
+        const void *lineEnd = std::memchr(begin, '\n', static_cast<std::size_t>(length));
+        position
+            += lineEnd ? static_cast<int>(static_cast<const char *>(lineEnd) - begin) + 1 : length;
+    }
+    return position;
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    if (size < NumberSize)
+        return 0;
+    const QByteArray &log = logOf(data, size / NumberSize);
+    const QByteArray head
+        = QByteArray::fromRawData(log.constData(), std::min(log.size(), LogCutHeadSize));
+    CHECK(logCutPosition(head) == cutOf(log));
+    return 0;
+}

@@ -1,0 +1,27 @@
+// What the cluster tool printed.
+
+#include "Fuzz.h"
+
+#include <Utility/NodeLines.h>
+
+using namespace Vorn::Util;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QStringList lines = linesOf(bytesOf(data, size));
+    const QList<NodeInfo> nodes = parseNodeLines(lines);
+    CHECK(nodes.size() <= lines.size());
+    for (const NodeInfo &node : nodes) {
+        CHECK(node.isHeadNode || node.isComputeNode);
+        CHECK(!node.name.isEmpty() && !node.name.contains(QLatin1Char(':')));
+        const QString text = node.toString();
+        CHECK(text.startsWith(node.name + QLatin1Char(':')));
+        CHECK(text.count(QLatin1Char(':')) == 3);
+        // With a role it is a node's line again; a name of blanks only would be lost.
+        const QList<NodeInfo> again = parseNodeLines({text + QLatin1String(":HeadNodes")});
+        if (!node.name.trimmed().isEmpty())
+            CHECK(again.size() == 1 && again.first().cores == node.cores
+                  && again.first().sockets == node.sockets && again.first().isHeadNode);
+    }
+    return 0;
+}

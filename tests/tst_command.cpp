@@ -92,6 +92,7 @@ private Q_SLOTS:
     void theScriptIsTheCommandInLatin1();
     void otherCharactersAreReplacedBeforeTheCommandRuns();
     void theScriptRunsInTheCurrentFolder();
+    void aProgramNamedAsTheInterpreterIsNotRun();
     void theScriptInheritsTheEnvironment();
     void anExistingScriptIsReplaced_data();
     void anExistingScriptIsReplaced();
@@ -371,6 +372,19 @@ void tst_Command::theScriptRunsInTheCurrentFolder()
     QVERIFY(writeFile(QStringLiteral("here.txt"), "text"));
     Command().run(helperCall(QStringLiteral("copy here.txt copy.txt")), 100, false);
     QCOMPARE(contentOf(QStringLiteral("copy.txt")), QByteArray("text"));
+}
+
+void tst_Command::aProgramNamedAsTheInterpreterIsNotRun()
+{
+    const QString decoy = onWindows() ? QStringLiteral("cmd.exe") : QStringLiteral("sh");
+    QVERIFY(QFile::copy(helperProgram(), decoy));
+    const QByteArray folders = qgetenv("PATH");
+    qputenv("PATH",
+            QFile::encodeName(QDir::toNativeSeparators(QDir::currentPath()))
+                + (onWindows() ? ';' : ':') + folders);
+    const QString output = Command().run(QStringLiteral("echo here"), 100, false);
+    qputenv("PATH", folders);
+    QVERIFY2(output.contains(QLatin1String("here")), qPrintable(output));
 }
 
 void tst_Command::theScriptInheritsTheEnvironment()

@@ -145,6 +145,7 @@ private Q_SLOTS:
     void aValueThatDoesNotFitIsNotThere();
     void aValueThatDoesNotFitIsPrinted();
     void aKeyPathThatDoesNotFitIsPrintedAsNotOpened();
+    void aKeyPathDoesNotLeadAroundTheSettings();
     void everyFolderOfTheSettingsIsSearched();
 
     void aMissingKeyIsPrinted();
@@ -395,6 +396,17 @@ void tst_Registry::aValueThatDoesNotFitIsNotThere()
     const QString value(size, QLatin1Char('x'));
     QVERIFY(writeSetting(productKey(), installationDirectory(), value));
     QCOMPARE(read(installationDirectory()), isThere ? value : QString());
+}
+
+void tst_Registry::aKeyPathDoesNotLeadAroundTheSettings()
+{
+    QVERIFY(writeSetting(QStringLiteral("SOFTWARE\\Vantorel\\VORN24.0"), QStringLiteral("Name"),
+                         QStringLiteral("value")));
+    const SystemOutcome outcome = runCalls(
+        {QStringLiteral("readRegistryValue=Name|SOFTWARE\\Vantorel\\VORN\\24.0"),
+         QStringLiteral("readRegistryValue=Name|SOFTWARE\\Vantorel/../Vantorel\\VORN\\24.0")});
+    QCOMPARE(outcome.results, (QStringList{QStringLiteral("value"), QString()}));
+    QCOMPARE(outcome.printed.size(), 1);
 }
 
 void tst_Registry::everyFolderOfTheSettingsIsSearched()

@@ -7,6 +7,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMutexLocker>
+#include <QtCore/QStringBuilder>
 #include <QtCore/QTextStream>
 
 #include <algorithm>
@@ -115,7 +116,7 @@ void Log::append(const QString &text)
 void Log::fastAppend(const QString &text)
 {
     // The blank stands there without a prefix too: programs that read the logs count on it.
-    const QString line = getPrefix() + QLatin1Char(' ') + rstrip(text) + QLatin1Char('\n');
+    const QString line = getPrefix() % QLatin1Char(' ') % rstrip(text) % QLatin1Char('\n');
     file_->write(line.toUtf8());
     file_->flush();
 }

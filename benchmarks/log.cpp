@@ -164,4 +164,5 @@ BENCHMARK(linesOfLength)
     ->Name("growth/line")
     ->RangeMultiplier(4)
     ->Range(16, 4096)
+    ->UseRealTime()
     ->Iterations(1000);

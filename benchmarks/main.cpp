@@ -10,6 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
+#include <unistd.h>
 
 namespace Workplace {
 
@@ -52,6 +53,13 @@ void shell(const QString &command)
 {
     if (std::system(qPrintable(command + QStringLiteral(" >/dev/null 2>&1 </dev/null"))) != 0)
         qFatal("failed: %s", qPrintable(command));
+}
+
+qint64 memory()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    file.open(QIODevice::ReadOnly);
+    return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
 }
 
 } // namespace Workplace

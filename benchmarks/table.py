@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Prints the ratio of each figure to its peers' from Google Benchmark's JSON output."""
+"""Prints the ratio of each figure to its peers' from Google Benchmark's JSON output, and writes them
+as JSON to a second file."""
 import collections
 import json
 import statistics
@@ -34,9 +35,14 @@ for run in runs:
         work, who = run["name"].split("/")[:2]
         times[work, who].append(run["real_time"])
 
+ratios = []
 print(f"{'work':<18} {'beside':<8} {'ratio':>6} {'at most':>8}")
 for (work, peer), target in TARGETS.items():
     if times[work, "own"] and times[work, peer]:
         ratio = statistics.median(times[work, "own"]) / statistics.median(times[work, peer])
+        ratios.append({"work": work, "beside": peer, "ratio": ratio, "atMost": target})
         note = "" if ratio <= target else "  over"
         print(f"{work:<18} {peer:<8} {ratio:>6.2f} {target:>8.2f}{note}")
+
+with open(sys.argv[2], "w", encoding="utf-8") as file:
+    json.dump(ratios, file, indent=1)

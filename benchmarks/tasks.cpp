@@ -28,14 +28,18 @@ protected:
     void execute() override { setFinished(); }
 };
 
-void runQueue(int count)
+// Returns the memory, in bytes, that the process took while all tasks waited.
+qint64 runQueue(int count)
 {
+    const qint64 before = Workplace::memory();
     AsyncTaskProcessor processor;
     processor.setExitEventLoopWhenDone(true);
     for (int index = 0; index < count; ++index)
         processor.addTask(new QuickTask);
+    const qint64 taken = Workplace::memory() - before;
     processor.startLater();
     QCoreApplication::exec();
+    return taken;
 }
 
 void queueOwn(benchmark::State &state)
@@ -80,7 +84,7 @@ void queueTurns(benchmark::State &state)
 void queueOfLength(benchmark::State &state)
 {
     for (auto _ : state)
-        runQueue(static_cast<int>(state.range(0)));
+        state.counters["memory"] = static_cast<double>(runQueue(static_cast<int>(state.range(0))));
 }
 
 void commandOwn(benchmark::State &state)
@@ -113,6 +117,7 @@ BENCHMARK(queueOfLength)
     ->Name("growth/queue")
     ->RangeMultiplier(10)
     ->Range(1000, 1000000)
+    ->UseRealTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
 BENCHMARK(commandOwn)->Name("command/own")->UseRealTime()->Iterations(100);

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Measures each figure beside its peer in one run, five repetitions, interleaved, and prints the
-# ratios of the medians. The raw figures stay in build/bench/results.json.
-# "bench.sh FILTER" runs only the benchmarks whose names match the regular expression.
+# ratios of the medians; "bench.sh FILTER" runs only the benchmarks whose names match the regular
+# expression. "bench.sh growth" measures how cost grows instead and draws docs/growth.svg. The raw
+# figures stay in build/bench: results.json and ratios.json, or growth.json.
 . "$(dirname "$0")/common.sh"
 need_build_tools
 need libbenchmark-dev libspdlog-dev python3
@@ -11,7 +12,22 @@ cmake -S . -B build/bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPIL
     -DVORNUTILITY_BUILD_TESTS=OFF -DVORNUTILITY_BUILD_BENCHMARKS=ON >/dev/null
 cmake --build build/bench
 cd build/bench
-benchmarks/vorn_benchmarks --benchmark_filter="${1:-^[^g]|^g[^r]}" --benchmark_repetitions=5 \
-    --benchmark_enable_random_interleaving=true --benchmark_out=results.json \
-    --benchmark_out_format=json >/dev/null
-python3 "$project/benchmarks/table.py" results.json
+
+# measure NAME OPTION...: the figures go to NAME.json.
+measure() {
+    local name=$1
+    shift
+    benchmarks/vorn_benchmarks --benchmark_out="$name.json" --benchmark_out_format=json "$@" >/dev/null
+}
+
+if [ "${1:-}" = growth ]; then
+    need gnuplot-nox
+    measure growth --benchmark_filter='^growth/' --benchmark_repetitions=3
+    python3 "$project/benchmarks/growth.py" growth.json >growth.txt
+    gnuplot -e "data='growth.txt'; picture='$project/docs/growth.svg'" "$project/benchmarks/growth.gp"
+    say "docs/growth.svg"
+else
+    measure results --benchmark_filter="${1:--^growth/}" --benchmark_repetitions=5 \
+        --benchmark_enable_random_interleaving=true
+    python3 "$project/benchmarks/table.py" results.json ratios.json
+fi

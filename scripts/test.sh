@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# The Linux test suite: release build, address and undefined-behaviour sanitizers (with debug
-# assertions), the tests with threads under the thread sanitizer, clang-tidy on the library.
-# "test.sh PRESET..." runs only those of linux-release, linux-asan, linux-tsan, tidy.
+# The Linux test suite: release build, clang-tidy on the library, address and undefined-behaviour
+# sanitizers (with debug assertions), the tests with threads under the thread sanitizer, each fuzzer
+# for 20 seconds. "test.sh PART..." runs only those of linux-release, tidy, linux-asan, linux-tsan,
+# fuzz.
 . "$(dirname "$0")/common.sh"
 need_build_tools
 cd "$project"
 
-[ $# -gt 0 ] || set -- linux-release tidy linux-asan linux-tsan
+[ $# -gt 0 ] || set -- linux-release tidy linux-asan linux-tsan fuzz
 
 run_tidy() {
     need clang-tidy
@@ -29,5 +30,9 @@ run_preset() {
 }
 
 for part in "$@"; do
-    if [ "$part" = tidy ]; then run_tidy; else run_preset "$part"; fi
+    case $part in
+    tidy) run_tidy ;;
+    fuzz) scripts/fuzz.sh 20 ;;
+    *) run_preset "$part" ;;
+    esac
 done

@@ -13,7 +13,7 @@ bool isTerminal()
 
 QString listingCommand(const QString &variable)
 {
-    return QStringLiteral("@dir /b \"%%1%\"").arg(variable);
+    return QStringLiteral("@dir /a /b \"%%1%\"").arg(variable);
 }
 
 void setVariable(const QString &name, const QString &value)

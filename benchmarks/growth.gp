@@ -1,0 +1,30 @@
+# Draws the tables of growth.py: gnuplot -e "data='FILE'; picture='FILE'" growth.gp
+set terminal svg size 900,640 font "sans,12" background "white"
+set output picture
+set multiplot layout 2,2
+unset key
+set grid
+set logscale xy
+set format x "%g"
+
+set title "Log::fastAppend"
+set xlabel "characters a line"
+set ylabel "lines a second"
+plot data index 0 using 1:2 with linespoints pt 7
+
+set format x "10^{%L}"
+set title "SevenZip::listFiles"
+set xlabel "entries"
+set ylabel "seconds"
+plot data index 1 using 1:2 with linespoints pt 7
+
+set title "AsyncTaskProcessor, tasks that finish at once"
+set xlabel "tasks"
+set ylabel "seconds"
+plot data index 2 using 1:2 with linespoints pt 7
+
+set title "AsyncTaskProcessor, all tasks waiting"
+set xlabel "tasks"
+set ylabel "MiB"
+plot data index 3 using 1:2 with linespoints pt 7
+unset multiplot

@@ -216,11 +216,13 @@ private Q_SLOTS:
     void anIgnoredErrorIsLoggedAndTheQueueGoesOn();
     void anIgnoredErrorDoesNotSkipToTheCleanUpTask();
     void anIgnoredErrorDoesNotHideAnotherOne();
+    void anErrorIgnoredInTheFinishedSignalDoesNotCount();
     void withExitOnErrorOffEveryTaskRuns();
     void aCleanUpTaskThatFailsStopsNothing();
     void aCleanUpTaskOutsideTheQueueDeletesTheWholeQueue();
     void aTaskThatIsItsOwnCleanUpTaskDeletesTheWholeQueue();
     void theCleanUpTaskCanBeReplaced();
+    void aReplacedCleanUpTaskThatIsGoneDoesNotCount();
     void theCleanUpTaskCanBeTakenAway();
     void theCleanUpTaskOfAnotherTaskDoesNotCount();
     void oneTaskMayCleanUpForSeveral();
@@ -264,6 +266,10 @@ private Q_SLOTS:
     void aTaskDeletedInTheStartedSignalCountsAsFailed();
     void aTaskDeletedInTheFinishedSignalCountsAsItEnded_data();
     void aTaskDeletedInTheFinishedSignalCountsAsItEnded();
+    void aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded_data();
+    void aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded();
+    void aFinishedTaskHandedToAnotherProcessorIsNotRunAgain_data();
+    void aFinishedTaskHandedToAnotherProcessorIsNotRunAgain();
     void aTaskAddedTwiceRunsOnce();
     void aTaskBornAsAChildIsAddedOnce();
     void aMonitorMayDeleteTheProcessor();
@@ -952,6 +958,22 @@ void tst_AsyncTaskProcessor::anIgnoredErrorDoesNotHideAnotherOne()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
 }
 
+// The result counts as the slots of the signal leave it.
+void tst_AsyncTaskProcessor::anErrorIgnoredInTheFinishedSignalDoesNotCount()
+{
+    Queue queue;
+    queue.add("A", fail());
+    queue.add("B");
+    connect(&queue.processor, &AsyncTaskProcessor::finished, this,
+            [](AsyncTask *task) { task->setIgnoreError(true); });
+    QCOMPARE(queue.run(), 0);
+    QVERIFY(queue.processor.isOk());
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A",
+                    "Task finished with errors in TIME: error = broken", "Starting task: B",
+                    "Task finished in TIME", "Finished processing tasks in TIME"}));
+}
+
 void tst_AsyncTaskProcessor::withExitOnErrorOffEveryTaskRuns()
 {
     Queue queue;
@@ -1033,6 +1055,20 @@ void tst_AsyncTaskProcessor::theCleanUpTaskCanBeReplaced()
     queue.processor.setCleanUpTask(a, d);
     QCOMPARE(queue.run(), 1);
     QVERIFY(!b);
+    QVERIFY(!c);
+    QCOMPARE(queue.journal, texts({"started A", "finished A", "started D", "finished D"}));
+}
+
+void tst_AsyncTaskProcessor::aReplacedCleanUpTaskThatIsGoneDoesNotCount()
+{
+    Queue queue;
+    const QPointer<TestTask> a = queue.add("A", fail());
+    const QPointer<TestTask> b = queue.add("B");
+    const QPointer<TestTask> c = queue.add("C");
+    queue.processor.setCleanUpTask(a, b);
+    queue.processor.setCleanUpTask(a, queue.add("D"));
+    delete b;
+    QCOMPARE(queue.run(), 1);
     QVERIFY(!c);
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started D", "finished D"}));
 }
@@ -1639,6 +1675,95 @@ void tst_AsyncTaskProcessor::aTaskDeletedInTheFinishedSignalCountsAsItEnded()
                  {QStringLiteral("Start processing tasks"), QStringLiteral("Starting task: A"),
                   line, QStringLiteral("Starting task: B"), QStringLiteral("Task finished in TIME"),
                   QStringLiteral("Finished processing tasks in TIME")}));
+}
+
+void tst_AsyncTaskProcessor::aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded_data()
+{
+    aTaskDeletedInTheFinishedSignalCountsAsItEnded_data();
+}
+
+// The other processor is handling a task of its own meanwhile.
+void tst_AsyncTaskProcessor::aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded()
+{
+    QFETCH(bool, fails);
+    QFETCH(QString, line);
+
+    Queue queue;
+    queue.processor.setExitOnError(!fails);
+    const QPointer<TestTask> a = queue.add("A", fails ? fail() : succeed());
+    queue.add("B");
+    queue.add("C");
+
+    Queue other;
+    other.processor.setExitEventLoopWhenDone(false);
+    other.add("X");
+    QEventLoop loop;
+    connect(&other.processor, &AsyncTaskProcessor::finished, &loop, [&] {
+        delete a;
+        loop.quit();
+    });
+    connect(&queue.processor, &AsyncTaskProcessor::finished, &loop, [&](AsyncTask *task) {
+        if (task == a) {
+            other.processor.startLater();
+            QTimer::singleShot(20000, &loop, &QEventLoop::quit);
+            loop.exec();
+        }
+    });
+    QCOMPARE(queue.run(), fails ? 1 : 0);
+    QCOMPARE(other.journal, texts({"started X", "finished X"}));
+    QVERIFY(!a);
+    QCOMPARE(queue.processor.isOk(), !fails);
+    QCOMPARE(
+        queue.journal,
+        texts({"started A", "finished A", "started B", "finished B", "started C", "finished C"}));
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A"}) + QStringList(line)
+                 + texts({"Starting task: B", "Task finished in TIME", "Starting task: C",
+                          "Task finished in TIME", "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskProcessor::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain_data()
+{
+    QTest::addColumn<bool>("amongOthers");
+
+    QTest::newRow("alone") << false;
+    QTest::newRow("among others") << true;
+}
+
+// The processor that ran it deletes it, and the other one lets it go.
+void tst_AsyncTaskProcessor::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain()
+{
+    QFETCH(bool, amongOthers);
+
+    Queue other;
+    if (amongOthers)
+        other.add("X");
+    Queue queue;
+    queue.processor.setExitEventLoopWhenDone(false);
+    const QPointer<TestTask> a = queue.add("A");
+    connect(&queue.processor, &AsyncTaskProcessor::finished, this, [&](AsyncTask *task) {
+        other.processor.addTask(task);
+        if (amongOthers)
+            other.add("Y");
+        other.processor.startLater();
+    });
+    queue.processor.startLater();
+    QCOMPARE(exec(), 0);
+    QVERIFY(!a);
+    QCOMPARE(queue.journal, texts({"started A", "finished A"}));
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
+                    "Finished processing tasks in TIME"}));
+    QVERIFY(other.processor.isOk());
+    QStringList journal;
+    QStringList lines = texts({"Start processing tasks"});
+    if (amongOthers) {
+        journal = texts({"started X", "finished X", "started Y", "finished Y"});
+        lines += texts({"Starting task: X", "Task finished in TIME", "Starting task: Y",
+                        "Task finished in TIME"});
+    }
+    QCOMPARE(other.journal, journal);
+    QCOMPARE(other.lines(), lines + texts({"Finished processing tasks in TIME"}));
 }
 
 void tst_AsyncTaskProcessor::aTaskAddedTwiceRunsOnce()

@@ -185,6 +185,8 @@ private Q_SLOTS:
     void theTextIsWrittenAsUtf8();
     void appendWritesTheSameLineAsFastAppend();
     void everyLineIsOnDiskWhenTheCallReturns();
+    void aStaticObjectMayWriteWhileItIsDestroyed_data();
+    void aStaticObjectMayWriteWhileItIsDestroyed();
 
     void aTextIsStreamedAsItIs_data();
     void aTextIsStreamedAsItIs();
@@ -205,6 +207,7 @@ private Q_SLOTS:
     void onATruncatedLogLinesAreAppended_data();
     void onATruncatedLogLinesAreAppended();
     void openChecksTheSizeOfAnOpenLog();
+    void anOpenLogThatWasRenamedIsContinuedUnderItsName();
     void openWithoutAppendEmptiesATooLargeLog();
     void fastAppendNeverTruncates();
     void theCutIsAtTheBeginningOfALine_data();
@@ -691,6 +694,37 @@ void TestLog::everyLineIsOnDiskWhenTheCallReturns()
     }
 }
 
+void TestLog::aStaticObjectMayWriteWhileItIsDestroyed_data()
+{
+    QTest::addColumn<int>("timeStamp");
+    QTest::addColumn<QString>("prefix");
+
+    QTest::newRow("none") << static_cast<int>(Log::NoTimeStamp) << QString();
+    QTest::newRow("time") << static_cast<int>(Log::TimeOnly)
+                          << QStringLiteral("\\[\\d\\d:\\d\\d:\\d\\d\\]");
+    QTest::newRow("date and time")
+        << static_cast<int>(Log::DateAndTime)
+        << QStringLiteral("\\[\\S+ \\S+ \\d+ \\d\\d:\\d\\d:\\d\\d \\d{4}\\]");
+}
+
+// After the end of main(), and of what a thread keeps for itself.
+void TestLog::aStaticObjectMayWriteWhileItIsDestroyed()
+{
+    QFETCH(int, timeStamp);
+    QFETCH(QString, prefix);
+    QProcess helper;
+    helper.setProcessChannelMode(QProcess::ForwardedChannels);
+    helper.start(QStringLiteral(HELPER_PROGRAM),
+                 {QStringLiteral("log-at-exit"), fileName_, QString::number(timeStamp)});
+    QVERIFY(helper.waitForFinished());
+    QCOMPARE(helper.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(helper.exitCode(), 0);
+    const QRegularExpression expected(QRegularExpression::anchoredPattern(
+        QStringLiteral("%1 made\r?\n%1 destroyed\r?\n").arg(prefix)));
+    const QString content = QString::fromUtf8(written());
+    QVERIFY2(expected.match(content).hasMatch(), qPrintable(content));
+}
+
 void TestLog::aTextIsStreamedAsItIs_data()
 {
     QTest::addColumn<QString>("text");
@@ -922,6 +956,29 @@ void TestLog::openChecksTheSizeOfAnOpenLog()
     QVERIFY(writeFile(fileName_, content));
     QVERIFY(log.open(false));
     QCOMPARE(written(), content.mid(1048600));
+}
+
+// The size that counts is the open file's, not that of what bears its name meanwhile.
+void TestLog::anOpenLogThatWasRenamedIsContinuedUnderItsName()
+{
+    if (onWindows())
+        QSKIP("An open file cannot be renamed here.");
+    const QString renamed = path(QStringLiteral("renamed.log"));
+    QByteArray content = lines(100, Limit);
+    QVERIFY(writeFile(fileName_, content));
+    Log log(fileName_, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(log.open(true));
+    QVERIFY(QFile::rename(fileName_, renamed));
+    log.append(QStringLiteral("at the limit")); // follows the file
+    content += " at the limit\n";
+    QVERIFY(contentOf(renamed) == content);
+    QVERIFY(!QFile::exists(fileName_));
+
+    log.append(QStringLiteral("above"));
+    log.append(QStringLiteral("small again"));
+    QCOMPARE(written(), QByteArray(" above\n small again\n"));
+    QVERIFY(contentOf(renamed) == content);
 }
 
 void TestLog::openWithoutAppendEmptiesATooLargeLog()

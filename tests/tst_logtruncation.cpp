@@ -145,6 +145,8 @@ private Q_SLOTS:
     void theCutHoldsOnAnotherFileSystem_data();
     void theCutHoldsOnAnotherFileSystem();
     void onAnotherFileSystemNothingIsLeftBehind();
+    void theFileBehindALinkIsCut_data();
+    void theFileBehindALinkIsCut();
 
 private:
     void addBadTemporaryFolders();
@@ -538,6 +540,62 @@ void TestLogTruncation::onAnotherFileSystemNothingIsLeftBehind()
     QVERIFY(runHelper({QStringLiteral("log-check"), fileName_}, temporary.path()));
     QCOMPARE(entriesOf(temporary.path()), QStringList());
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
+}
+
+void TestLogTruncation::theFileBehindALinkIsCut_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<bool>("isAbsolute");
+    QTest::addColumn<bool>("isOnAnotherFileSystem");
+
+    for (const bool another : {false, true}) {
+        const char *suffix = another ? ", temporary files elsewhere" : "";
+        QTest::addRow("relative%s", suffix)
+            << QStringLiteral("../files/real.log") << false << another;
+        QTest::addRow("absolute%s", suffix)
+            << QStringLiteral("../files/real.log") << true << another;
+        QTest::addRow("through a linked folder%s", suffix)
+            << QStringLiteral("../linked/real.log") << false << another;
+        QTest::addRow("to a link%s", suffix) << QStringLiteral("../link.log") << false << another;
+    }
+}
+
+// In its own folder, where nothing but it lies afterwards; the link stays as it was.
+void TestLogTruncation::theFileBehindALinkIsCut()
+{
+    if (onWindows())
+        QSKIP("A link is a file of its own here.");
+    QFETCH(QString, target);
+    QFETCH(bool, isAbsolute);
+    QFETCH(bool, isOnAnotherFileSystem);
+    QString folder = folder_->path();
+    if (isOnAnotherFileSystem) {
+        folder = folderOnAnotherFileSystem(folder);
+        if (folder.isEmpty())
+            QSKIP("There is no other file system for the temporary files");
+    }
+    const QTemporaryDir temporary(folder + QStringLiteral("/log-XXXXXX"));
+    const QString real = path(QStringLiteral("files/real.log"));
+    const QByteArray log = logOfLines(100, Limit + 1);
+    QVERIFY(QDir().mkdir(path(QStringLiteral("files"))));
+    QVERIFY(writeFile(real, log));
+    QVERIFY(QFile::link(QStringLiteral("files"), path(QStringLiteral("linked"))));
+    QVERIFY(QFile::link(QStringLiteral("files/real.log"), path(QStringLiteral("link.log"))));
+    QVERIFY(QFile::link(isAbsolute ? real : target, fileName_));
+    const QString linkTarget = QFileInfo(fileName_).symLinkTarget();
+    const QStringList before = entriesOf(folder_->path());
+
+    QVERIFY(runHelper({QStringLiteral("log-append"), fileName_, QStringLiteral("more")},
+                      temporary.path()));
+    QVERIFY(contentOf(real) == keptOf(log) + " more\n");
+    QVERIFY(!QFileInfo(real).isSymLink());
+    QVERIFY(!linkTarget.isEmpty());
+    QCOMPARE(QFileInfo(fileName_).symLinkTarget(), linkTarget);
+    QVERIFY(QFileInfo(path(QStringLiteral("link.log"))).isSymLink());
+    QCOMPARE(entriesOf(temporary.path()), QStringList());
+    QCOMPARE(entriesOf(path(QStringLiteral("files"))), QStringList{QStringLiteral("real.log")});
+    QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
+    QCOMPARE(entriesOf(folder_->path()), before);
 }
 
 QTEST_GUILESS_MAIN(TestLogTruncation)

@@ -139,6 +139,8 @@ private Q_SLOTS:
     void namesThatAreNoReleaseAreNeverRead();
     void aValueIsReadAsItStands_data();
     void aValueIsReadAsItStands();
+    void aNameNeverReachesIntoASubkey_data();
+    void aNameNeverReachesIntoASubkey();
     void aValueEndsAtItsFirstNull();
     void theTypeOfAValueIsNotChecked();
     void aValueThatDoesNotFitIsNotThere_data();
@@ -330,6 +332,28 @@ void tst_Registry::aValueIsReadAsItStands()
 
     QVERIFY(writeSetting(productKey(), installationDirectory(), value));
     QCOMPARE(read(installationDirectory()), value);
+}
+
+void tst_Registry::aNameNeverReachesIntoASubkey_data()
+{
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("/") << QStringLiteral("sub/Value");
+    QTest::newRow("\\") << QStringLiteral("sub\\Value");
+    QTest::newRow("/ in front") << QStringLiteral("/sub/Value");
+    QTest::newRow("nothing but the subkey") << QStringLiteral("sub");
+}
+
+void tst_Registry::aNameNeverReachesIntoASubkey()
+{
+    QFETCH(QString, name);
+
+    QVERIFY(writeSetting(productKey() + QStringLiteral("\\sub"), QStringLiteral("Value"),
+                         QStringLiteral("of the subkey")));
+    QCOMPARE(read(name), QString());
+    QVERIFY(writeSetting(productKey(), QStringLiteral("Value"), QStringLiteral("of the key")));
+    QCOMPARE(read(name), QString());
+    QCOMPARE(read(QStringLiteral("Value")), QStringLiteral("of the key"));
 }
 
 // A list of texts is how a null gets into the registry.

@@ -206,6 +206,8 @@ private Q_SLOTS:
     void anOlderCommandAnnouncesTheKindOfTheNewerOne();
     void everyCommandStaysAChild();
     void theArchiverOutlivesItsObject();
+    void anArchiveMayBeDeletedInItsOwnSignals_data();
+    void anArchiveMayBeDeletedInItsOwnSignals();
     void settingsStayAcrossOperations();
 
     // The current folder
@@ -949,6 +951,34 @@ void TestSevenZipCommands::theArchiverOutlivesItsObject()
     archive.reset();
     QVERIFY(fake.goOn(QStringLiteral("go on")));
     QTRY_VERIFY(QFile::exists(end));
+}
+
+void TestSevenZipCommands::anArchiveMayBeDeletedInItsOwnSignals_data()
+{
+    theAsynchronousFormsReturnAtOnce_data();
+}
+
+// The blocking call then tells of no success, although there was one.
+void TestSevenZipCommands::anArchiveMayBeDeletedInItsOwnSignals()
+{
+    QFETCH(int, kind);
+    const FakeArchiver fake;
+    const QPointer<SevenZip> archive = new SevenZip;
+    const auto deleteArchive = [&archive] { delete archive; };
+    bool result = true;
+    if (kind == 0) {
+        connect(archive, &SevenZip::compressionFinished, this, deleteArchive);
+        result = archive->compressFiles(numberedFiles(33)); // with a list file to take away
+    } else if (kind == 1) {
+        connect(archive, &SevenZip::extractionFinished, this, deleteArchive);
+        result = archive->extractFilesTo(QStringLiteral("to"));
+    } else {
+        connect(archive, &SevenZip::listFinished, this, deleteArchive);
+        result = archive->listFiles();
+    }
+    QVERIFY(!archive);
+    QVERIFY(!result);
+    QVERIFY(fake.wasCalled());
 }
 
 void TestSevenZipCommands::settingsStayAcrossOperations()

@@ -75,6 +75,7 @@ private Q_SLOTS:
     void workingFolderIsStoredAsGiven();
     void workingFolderOfAFileIsItsFolder();
     void workingFolderOfARelativeFileIsAbsolute();
+    void workingFolderOfAFileInALinkedFolderIsTheLink();
     void settingTheWorkingFolderKeepsTheCurrentOne();
 
     void analysisFolderIsReadUntilItIsThere();
@@ -434,6 +435,22 @@ void tst_System::workingFolderOfARelativeFileIsAbsolute()
                          "Passing file name to Util::System::setWorkingDirPath \"a file.dat\"");
     System::setWorkingDirPath(QStringLiteral("a file.dat"));
     QCOMPARE(System::getWorkingDirPath(), here_);
+}
+
+void tst_System::workingFolderOfAFileInALinkedFolderIsTheLink()
+{
+    if (onWindows())
+        QSKIP("A link to a folder is a file here.");
+    const QString link = path(QStringLiteral("link"));
+    QVERIFY(QDir().mkdir(path(QStringLiteral("folder"))));
+    QVERIFY(QFile::link(path(QStringLiteral("folder")), link));
+    const QString file = link + QStringLiteral("/a file.dat");
+    QVERIFY(writeFile(file, QByteArray()));
+    const QString message
+        = debugMessage("Passing file name to Util::System::setWorkingDirPath", file);
+    QTest::ignoreMessage(QtDebugMsg, message.toUtf8().constData());
+    System::setWorkingDirPath(file);
+    QCOMPARE(System::getWorkingDirPath(), link);
 }
 
 void tst_System::settingTheWorkingFolderKeepsTheCurrentOne()

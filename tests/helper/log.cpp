@@ -19,6 +19,24 @@ void tell(int number)
     std::fflush(stdout);
 }
 
+class Farewell
+{
+public:
+    Farewell(const QString &name, Log::TimeStamp timeStamp)
+        : log_(name, Log::NoFileTimeStamp)
+    {
+        log_.setTimeStamp(timeStamp);
+        log_.open(true);
+        log_.append(QStringLiteral("made"));
+    }
+    ~Farewell() { log_.append(QStringLiteral("destroyed")); }
+
+private:
+    Q_DISABLE_COPY(Farewell)
+
+    Log log_;
+};
+
 } // namespace
 
 int logCheck(const QStringList &arguments)
@@ -49,6 +67,13 @@ int logAppendLines(const QStringList &arguments)
     while (std::getchar() != '\n') { }
     for (int number = 0; number < count; ++number)
         log.append(numberedLine(arguments.value(1), number));
+    return EXIT_SUCCESS;
+}
+
+int logAtExit(const QStringList &arguments)
+{
+    static const Farewell farewell(arguments.value(0),
+                                   static_cast<Log::TimeStamp>(arguments.value(1).toInt()));
     return EXIT_SUCCESS;
 }
 

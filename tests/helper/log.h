@@ -12,6 +12,10 @@ int logAppend(const QStringList &arguments);
 /// lines of NumberedLines.h.
 int logAppendLines(const QStringList &arguments);
 
+/// "log-at-exit FILE FORM": a static object appends "made" when it is made and "destroyed" after
+/// the end of main(), with the time in the form of this number.
+int logAtExit(const QStringList &arguments);
+
 /// "log-cut-endlessly FILE FIRST": appends lines of NumberedLines.h, from the one of this number
 /// on, so that the log is cut again and again, and prints the number of the last one that is
 /// written.

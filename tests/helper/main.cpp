@@ -42,6 +42,8 @@ int main(int argc, char *argv[])
         return logAppend(arguments);
     if (behaviour == "log-append-lines")
         return logAppendLines(arguments);
+    if (behaviour == "log-at-exit")
+        return logAtExit(arguments);
     if (behaviour == "log-check")
         return logCheck(arguments);
     if (behaviour == "log-cut-endlessly")

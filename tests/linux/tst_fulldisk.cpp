@@ -80,6 +80,7 @@ private Q_SLOTS:
     void aLogOnAFullDeviceLosesItsLines();
     void aLogThatCannotBeCutIsCutWhenThereIsRoomAgain();
     void withoutRoomBesideTheLogItStaysAsItWas();
+    void aTailWhoseLastBytesFindNoRoomDoesNotReplaceTheLog();
     void withoutAFreeDescriptorTheLogIsStillWritten();
 
     void withoutAFreeDescriptorACommandPrintsNothing();
@@ -240,6 +241,34 @@ void TestFullDisk::withoutRoomBesideTheLogItStaysAsItWas()
     QCOMPARE(exitCode, 0);
     QVERIFY(contentOf(copy) == log);
     QCOMPARE(contentOf(names), QByteArray("run.log\n"));
+}
+
+// They wait in memory until the file is flushed, after every write has succeeded.
+void TestFullDisk::aTailWhoseLastBytesFindNoRoomDoesNotReplaceTheLog()
+{
+    constexpr int Room = 16 << 18; // for the blocks that are written at once
+    constexpr int Rest = 1000;
+    const int cut = tooLargeLog().size() - tailOf(tooLargeLog()).size();
+    const QByteArray log = tooLargeLog().leftJustified(cut + Room + Rest, '.', true);
+    QVERIFY(log.size() > Log::MaxLogSize);
+    QVERIFY(writeFile(fileName_, log));
+    const TestMessages messages;
+    const QByteArray before = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(lists_));
+    {
+        const FileSizeLimit limit(Room + Rest / 2);
+        Log(fileName_, Log::NoFileTimeStamp).append(QStringLiteral("lost"));
+    }
+    const QByteArray content = contentOf(fileName_);
+    const QStringList left = entriesOf(lists_);
+    Log(fileName_, Log::NoFileTimeStamp).append(QStringLiteral("lost"));
+    if (before.isEmpty())
+        qunsetenv("TMPDIR");
+    else
+        qputenv("TMPDIR", before);
+    QVERIFY(content == log);
+    QCOMPARE(left, QStringList());
+    QVERIFY(contentOf(fileName_) == log.mid(cut)); // with room
 }
 
 void TestFullDisk::withoutAFreeDescriptorTheLogIsStillWritten()

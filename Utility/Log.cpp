@@ -220,7 +220,7 @@ QString Log::getPrefix() const
     if (last.second == now && last.form == timeStamp_)
         return QString(last.text.data(), last.length);
     const QDateTime local = QDateTime::fromSecsSinceEpoch(now);
-    const QString prefix
+    QString prefix
         = QStringLiteral("[%1]").arg(timeStamp_ == TimeOnly ? local.time().toString(Qt::TextDate)
                                                             : local.toString(Qt::TextDate));
     if (prefix.size() <= static_cast<int>(last.text.size())) {

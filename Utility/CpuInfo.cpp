@@ -183,7 +183,8 @@ bool CpuInfo::saveToXml() const
     stream.flush();
     if (stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError)
         return true;
-    file.remove(); // half a file could never be read
+    file.close(); // after an error, the object would not remove it
+    QFile::remove(infoFilePath_); // half a file could never be read
     return false;
 }
 

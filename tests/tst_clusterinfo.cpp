@@ -9,6 +9,7 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
+#include <limits>
 #include <memory>
 
 using namespace Vorn::Util;
@@ -58,6 +59,7 @@ private Q_SLOTS:
     void countsAndNames_data();
     void countsAndNames();
     void theSumOfManyCoresIsFormed();
+    void theSumOfTooManyCoresIsSafe();
 
     void theToolIsAskedForTheClusterOnce();
     void theToolMayLieInAnyFolder_data();
@@ -266,6 +268,14 @@ void tst_ClusterInfo::theSumOfManyCoresIsFormed()
     const ClusterInfo cluster = clusterOf(
         {"a:1000000000:1:1:ComputeNodes", "h:5:1:1:HeadNodes", "b:1000000000:1:1:ComputeNodes"});
     QCOMPARE(cluster.computeCoreCount(), 2000000000);
+}
+
+// One more than the largest number, which is the smallest.
+void tst_ClusterInfo::theSumOfTooManyCoresIsSafe()
+{
+    const ClusterInfo cluster
+        = clusterOf({"a:2147483647:1:1:ComputeNodes", "b:1:1:1:ComputeNodes"});
+    QCOMPARE(cluster.computeCoreCount(), std::numeric_limits<int>::min());
 }
 
 void tst_ClusterInfo::theToolIsAskedForTheClusterOnce()

@@ -98,7 +98,9 @@ private Q_SLOTS:
     void aFileOfDeepElementsCannotBeRead_data();
     void aFileOfDeepElementsCannotBeRead();
     void aLongFileOfShallowElementsIsRead();
+    void elementsFromEntitiesCountToo_data();
     void elementsFromEntitiesCountToo();
+    void aLongFileWithAnErrorCannotBeRead();
 
     void aFileWithoutHyperThreadingHasTheSystemAskedAgain_data();
     void aFileWithoutHyperThreadingHasTheSystemAskedAgain();
@@ -378,18 +380,54 @@ void tst_CpuInfo::aLongFileOfShallowElementsIsRead()
 }
 
 // What the elements of a file would become cannot be told from its text.
-void tst_CpuInfo::elementsFromEntitiesCountToo()
+void tst_CpuInfo::elementsFromEntitiesCountToo_data()
 {
-    QByteArray entities = "<!ENTITY e0 \"<a></a>\">";
+    QTest::addColumn<QByteArray>("entities");
+    QTest::addColumn<QByteArray>("last");
+
+    QByteArray nested = "<!ENTITY e0 \"<a></a>\">";
     for (int number = 1; number <= 600; ++number) {
-        entities += "<!ENTITY e" + QByteArray::number(number) + " \"<a>&e"
+        nested += "<!ENTITY e" + QByteArray::number(number) + " \"<a>&e"
             + QByteArray::number(number - 1) + ";</a>\">";
     }
+    QTest::newRow("one in the other") << nested << QByteArray("&e600;");
+    constexpr int Depth = 200000;
+    QTest::newRow("of references instead of brackets") << "<!ENTITY e \""
+            + QByteArray("&#60;a>").repeated(Depth) + QByteArray("&#60;/a>").repeated(Depth)
+            + "\">" << QByteArray("&e;");
+}
+
+void tst_CpuInfo::elementsFromEntitiesCountToo()
+{
+    QFETCH(QByteArray, entities);
+    QFETCH(QByteArray, last);
     QVERIFY(writeFile(infoFile(),
                       "<!DOCTYPE Root [" + entities
-                          + "]><Root><processorCount>3</processorCount>&e600;</Root>"));
+                          + "]><Root><processorCount>3</processorCount>"
+                            "<hyperThreading>on</hyperThreading>"
+                          + last + "</Root>"));
     TestLog log;
     QCOMPARE(CpuInfo(log, folder()).processorCount(), 1);
+    QCOMPARE(log.lines(),
+             texts({"Reading CPU information from SystemInfo.xml",
+                    "Cannot read CPU information from SystemInfo.xml"}));
+}
+
+// A long file is read by a stricter parser too, which knows what stops it before the end.
+void tst_CpuInfo::aLongFileWithAnErrorCannotBeRead()
+{
+    for (const bool isLong : {false, true}) {
+        QVERIFY(writeFile(infoFile(),
+                          "<Root><processorCount>3</processorCount>"
+                          "<hyperThreading>on</hyperThreading><b>&unknown;</b>"
+                              + QByteArray("<a/>").repeated(isLong ? 600 : 10) + "</Root>"));
+        TestLog log;
+        QStringList expected = texts({"Reading CPU information from SystemInfo.xml"});
+        if (isLong)
+            expected += texts({"Cannot read CPU information from SystemInfo.xml"});
+        QCOMPARE(CpuInfo(log, folder()).processorCount(), isLong ? 1 : 3);
+        QCOMPARE(log.lines(), expected);
+    }
 }
 
 void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm_data()

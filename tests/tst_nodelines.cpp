@@ -188,6 +188,8 @@ void tst_NodeLines::theQuantityIsRead_data()
     QTest::newRow("exponent") << QStringLiteral("1e3") << 1000.0;
     QTest::newRow("comma") << QStringLiteral("62,5") << 0.0;
     QTest::newRow("no number") << QStringLiteral("much") << 0.0;
+    for (const char *text : {"nan", "inf", "+inf", "-inf"})
+        QTest::newRow(text) << QString::fromLatin1(text) << 0.0;
 }
 
 void tst_NodeLines::theQuantityIsRead()

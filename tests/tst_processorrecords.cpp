@@ -8,6 +8,7 @@
 #include <QtCore/QtEndian>
 #include <QtTest/QtTest>
 
+#include <cstring>
 #include <vector>
 
 using namespace Vorn::Util::Platform;
@@ -141,6 +142,63 @@ QByteArray fixedRecord(quint32 kind, char flags = 0)
         + zeros(15);
 }
 
+// A call of Windows that gives these records, as often as it is asked, and notes the lengths that
+// it was given: that of a buffer, or -1 without one.
+class FakeCall
+{
+public:
+    explicit FakeCall(const QByteArray &records)
+        : announced(static_cast<quint32>(records.size()))
+        , records_(records)
+    {
+    }
+
+    RecordsCall call()
+    {
+        return [this](char *buffer, quint32 *length) -> CallOutcome {
+            lengths.append(buffer ? static_cast<qint64>(*length) : -1);
+            if (!buffer) {
+                *length = announced;
+                return {false, TooSmall}; // which says nothing about the other call
+            }
+            const int size = qMin(records_.size(), static_cast<int>(*length));
+            std::memcpy(buffer, records_.constData(), static_cast<std::size_t>(size));
+            *length = static_cast<quint32>(size);
+            return outcome;
+        };
+    }
+
+    quint32 announced;
+    CallOutcome outcome{true, 0};
+    QList<qint64> lengths;
+
+private:
+    static constexpr quint32 TooSmall = 122;
+
+    QByteArray records_;
+};
+
+// Both calls of Windows.
+void addCalls()
+{
+    QTest::addColumn<bool>("isExtended");
+    QTest::newRow("extended") << true;
+    QTest::newRow("older") << false;
+}
+
+ProcessorQuery query(bool isExtended, FakeCall &fake)
+{
+    return isExtended ? queryRecords(fake.call(), RecordsCall())
+                      : queryRecords(RecordsCall(), fake.call());
+}
+
+QStringList messagesOf(bool isExtended, const QStringList &messages)
+{
+    return isExtended
+        ? messages
+        : QStringList{QStringLiteral("Using GetLogicalProcessorInformation")} + messages;
+}
+
 // A folder such as /sys/devices/system/cpu.
 class SysfsTree
 {
@@ -195,6 +253,18 @@ private Q_SLOTS:
     void fixedRecordsAreCounted_data();
     void fixedRecordsAreCounted();
     void thePartOfALastFixedRecordCounts();
+
+    void theExtendedCallIsAskedAlone();
+    void theOlderCallIsAskedWhereThereIsNoOther();
+    void theLengthIsAskedForFirst_data();
+    void theLengthIsAskedForFirst();
+    void aFailedCallIsNamedWithItsError_data();
+    void aFailedCallIsNamedWithItsError();
+    void onlyWhatTheCallHasWrittenCounts_data();
+    void onlyWhatTheCallHasWrittenCounts();
+    void aCallWithoutRecordsCountsNothing_data();
+    void aCallWithoutRecordsCountsNothing();
+    void moreThanABufferCanHoldIsAFailure();
 
     void sysfsCoresOfOnePackage();
     void sysfsThreadsOfACoreAreOneCore_data();
@@ -367,6 +437,123 @@ void tst_ProcessorRecords::thePartOfALastFixedRecordCounts()
     }
 }
 
+void tst_ProcessorRecords::theExtendedCallIsAskedAlone()
+{
+    FakeCall extended(package() + times(2, core(Smt)));
+    FakeCall older(fixedRecord(Package) + fixedRecord(Core));
+    const ProcessorQuery read = queryRecords(extended.call(), older.call());
+    QVERIFY(read.ok);
+    QCOMPARE(read.counts, counts(1, 2, Smt));
+    QCOMPARE(read.messages, QStringList());
+    QCOMPARE(older.lengths, QList<qint64>());
+
+    // Also when it fails.
+    extended.outcome = {false, 5};
+    const ProcessorQuery failed = queryRecords(extended.call(), older.call());
+    QVERIFY(!failed.ok);
+    QCOMPARE(failed.messages,
+             QStringList{QStringLiteral("GetLogicalProcessorInformationEx failed, error = 5")});
+    QCOMPARE(older.lengths, QList<qint64>());
+}
+
+void tst_ProcessorRecords::theOlderCallIsAskedWhereThereIsNoOther()
+{
+    FakeCall older(fixedRecord(Package) + times(3, fixedRecord(Core, 1)));
+    const ProcessorQuery read = queryRecords(RecordsCall(), older.call());
+    QVERIFY(read.ok);
+    QCOMPARE(read.counts, countsWithoutSmt(1, 3));
+    QCOMPARE(read.messages, QStringList{QStringLiteral("Using GetLogicalProcessorInformation")});
+}
+
+void tst_ProcessorRecords::theLengthIsAskedForFirst_data()
+{
+    addCalls();
+}
+
+void tst_ProcessorRecords::theLengthIsAskedForFirst()
+{
+    QFETCH(bool, isExtended);
+    const QByteArray records = isExtended ? package() + core(NoSmt) : fixedRecord(Core);
+    FakeCall fake(records);
+    QVERIFY(query(isExtended, fake).ok);
+    QCOMPARE(fake.lengths, (QList<qint64>{-1, records.size()}));
+}
+
+void tst_ProcessorRecords::aFailedCallIsNamedWithItsError_data()
+{
+    QTest::addColumn<bool>("isExtended");
+    QTest::addColumn<quint32>("error");
+    QTest::addColumn<QString>("message");
+
+    const auto row = [](bool isExtended, quint32 error, const char *message) {
+        QTest::newRow(message) << isExtended << error << QString::fromLatin1(message);
+    };
+    row(true, 5, "GetLogicalProcessorInformationEx failed, error = 5");
+    row(true, 0, "GetLogicalProcessorInformationEx failed, error = 0");
+    row(true, 0xFFFFFFFF, "GetLogicalProcessorInformationEx failed, error = 4294967295");
+    row(false, 122, "GetLogicalProcessorInformation failed, error = 122");
+    row(false, 0, "GetLogicalProcessorInformation failed, error = 0");
+}
+
+void tst_ProcessorRecords::aFailedCallIsNamedWithItsError()
+{
+    QFETCH(bool, isExtended);
+    QFETCH(quint32, error);
+    QFETCH(QString, message);
+    FakeCall fake(isExtended ? package() + core(Smt) : fixedRecord(Package) + fixedRecord(Core));
+    fake.outcome = {false, error};
+    const ProcessorQuery failed = query(isExtended, fake);
+    QVERIFY(!failed.ok);
+    QCOMPARE(failed.counts, countsWithoutSmt(0, 0));
+    QCOMPARE(failed.messages, messagesOf(isExtended, {message}));
+}
+
+void tst_ProcessorRecords::onlyWhatTheCallHasWrittenCounts_data()
+{
+    addCalls();
+}
+
+// The rest of the buffer is zeros, which would be cores to the older call.
+void tst_ProcessorRecords::onlyWhatTheCallHasWrittenCounts()
+{
+    QFETCH(bool, isExtended);
+    const QByteArray records
+        = isExtended ? package() + core(Smt) : fixedRecord(Package) + fixedRecord(Core);
+    FakeCall fake(records);
+    fake.announced += 320;
+    const ProcessorQuery read = query(isExtended, fake);
+    QVERIFY(read.ok);
+    QCOMPARE(read.counts, isExtended ? counts(1, 1, Smt) : countsWithoutSmt(1, 1));
+    QCOMPARE(fake.lengths, (QList<qint64>{-1, records.size() + 320}));
+}
+
+void tst_ProcessorRecords::aCallWithoutRecordsCountsNothing_data()
+{
+    addCalls();
+}
+
+void tst_ProcessorRecords::aCallWithoutRecordsCountsNothing()
+{
+    QFETCH(bool, isExtended);
+    FakeCall fake{QByteArray()};
+    const ProcessorQuery read = query(isExtended, fake);
+    QVERIFY(read.ok);
+    QCOMPARE(read.counts, countsWithoutSmt(0, 0));
+    QCOMPARE(read.messages, messagesOf(isExtended, {}));
+    QCOMPARE(fake.lengths, (QList<qint64>{-1, 0}));
+}
+
+void tst_ProcessorRecords::moreThanABufferCanHoldIsAFailure()
+{
+    FakeCall fake(package());
+    fake.announced = 0x80000000U;
+    const ProcessorQuery failed = query(true, fake);
+    QVERIFY(!failed.ok);
+    QCOMPARE(failed.messages,
+             QStringList{QStringLiteral("GetLogicalProcessorInformationEx failed, error = 0")});
+    QCOMPARE(fake.lengths, QList<qint64>{-1});
+}
+
 void tst_ProcessorRecords::sysfsCoresOfOnePackage()
 {
     SysfsTree tree;
@@ -491,6 +678,8 @@ void tst_ProcessorRecords::sysfsThatSaysNothingHasNoPackages_data()
     QTest::newRow("an empty list") << QByteArray("");
     QTest::newRow("blanks") << QByteArray("  \n");
     QTest::newRow("no numbers") << QByteArray("all,none-some");
+    QTest::newRow("no last number") << QByteArray("0-x");
+    QTest::newRow("no first number") << QByteArray("x-0");
     QTest::newRow("backwards") << QByteArray("3-1");
     QTest::newRow("below 0") << QByteArray("-1");
     QTest::newRow("beyond all numbers") << QByteArray("99999999999999999999");
@@ -514,6 +703,7 @@ void tst_ProcessorRecords::sysfsListsOfAnyKindAreSafe_data()
     QTest::newRow("one") << QByteArray("7") << 1;
     QTest::newRow("bad parts are left out") << QByteArray("x,0,,2-y,4-5,3-1,-,") << 3;
     QTest::newRow("the largest numbers") << QByteArray("2147483646-2147483647") << 2;
+    QTest::newRow("more numbers than there are processors") << QByteArray("0-2147483647") << 65536;
 }
 
 void tst_ProcessorRecords::sysfsListsOfAnyKindAreSafe()

@@ -46,6 +46,8 @@ private Q_SLOTS:
     void theLoadIsTheBusyShare_data();
     void theLoadIsTheBusyShare();
     void theLoadOfTwoRecordedTexts();
+    void theLoadIsThatSinceTheSampleBefore_data();
+    void theLoadIsThatSinceTheSampleBefore();
     void theMemoryIsReadInBytes_data();
     void theMemoryIsReadInBytes();
 };
@@ -144,6 +146,51 @@ void tst_ProcText::theLoadOfTwoRecordedTexts()
     const ProcessorTime before = readProcessorTime("cpu  100 10 50 800 20 1 2 3 40 0\n");
     const ProcessorTime after = readProcessorTime("cpu  130 10 60 850 25 1 4 6 50 0\n");
     QCOMPARE(loadBetween(before, after), 45L); // 45 of 100
+}
+
+void tst_ProcText::theLoadIsThatSinceTheSampleBefore_data()
+{
+    QTest::addColumn<QList<QByteArray>>("samples");
+    QTest::addColumn<QList<long>>("loads");
+
+    using Samples = QList<QByteArray>;
+    using Loads = QList<long>;
+    const auto sample = [](int busy, int idle) {
+        return "cpu  " + QByteArray::number(busy) + " 0 0 " + QByteArray::number(idle) + '\n';
+    };
+    QTest::newRow("rising") << Samples{sample(0, 100), sample(50, 150), sample(140, 160),
+                                       sample(140, 260)}
+                            << Loads{50, 90, 0};
+    // Not since the machine was switched on.
+    QTest::newRow("the first interval begins with the object")
+        << Samples{sample(900, 100), sample(900, 200)} << Loads{0};
+    QTest::newRow("no tick has passed since the first sample")
+        << Samples{sample(900, 100), sample(900, 100), sample(960, 140)} << Loads{0, 60};
+    QTest::newRow("within one tick the load is that of the interval before")
+        << Samples{sample(0, 100), sample(70, 130), sample(70, 130), sample(70, 130),
+                   sample(80, 220)}
+        << Loads{70, 70, 70, 10};
+    QTest::newRow("the count begins anew")
+        << Samples{sample(500, 500), sample(540, 560), sample(10, 90), sample(40, 160)}
+        << Loads{40, 40, 30};
+    QTest::newRow("what cannot be read does not end the interval")
+        << Samples{sample(0, 100), sample(50, 150), QByteArray(), QByteArray("cpu  x"),
+                   sample(80, 220)}
+        << Loads{50, -1, -1, 30};
+    QTest::newRow("behind what cannot be read no tick has passed")
+        << Samples{sample(0, 100), sample(50, 150), QByteArray(), sample(50, 150)}
+        << Loads{50, -1, 50};
+}
+
+void tst_ProcText::theLoadIsThatSinceTheSampleBefore()
+{
+    QFETCH(QList<QByteArray>, samples);
+    QFETCH(QList<long>, loads);
+    LoadMeter meter(samples.takeFirst().constData());
+    QList<long> measured;
+    for (const QByteArray &sample : qAsConst(samples))
+        measured.append(meter.load(sample.constData()));
+    QCOMPARE(measured, loads);
 }
 
 void tst_ProcText::theMemoryIsReadInBytes_data()

@@ -1,4 +1,5 @@
 #include "HelperProgram.h"
+#include "SubstitutedDrive.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestMessages.h"
@@ -89,6 +90,8 @@ private Q_SLOTS:
     void exceptionsAreNamesInTheirLetterCase_data();
     void exceptionsAreNamesInTheirLetterCase();
     void hiddenEntriesCanBeExcepted();
+    void emptyingADriveIsNotEmptyingItsCurrentFolder_data();
+    void emptyingADriveIsNotEmptyingItsCurrentFolder();
     void removingAnEmptyPathIsFalse();
     void removingAMissingFolderIsFalse();
     void removingAFileIsFalse();
@@ -493,6 +496,38 @@ void tst_SystemFiles::hiddenEntriesCanBeExcepted()
     QVERIFY(makeHidden(path("tree/.keep")));
     QVERIFY(System::removeDir(path("tree"), false, {QStringLiteral(".keep")}));
     QCOMPARE(entriesOf(path("tree")), QStringList{QStringLiteral(".keep")});
+}
+
+void tst_SystemFiles::emptyingADriveIsNotEmptyingItsCurrentFolder_data()
+{
+    QTest::addColumn<QString>("root");
+
+    for (const char *root : {"\\", "/", "//", "/.", "\\.\\"})
+        QTest::newRow(root) << QString::fromLatin1(root);
+}
+
+// "X:" is the folder of the drive X that is current, "X:\" its root.
+void tst_SystemFiles::emptyingADriveIsNotEmptyingItsCurrentFolder()
+{
+    QFETCH(QString, root);
+
+    if (!onWindows())
+        QSKIP("There are no drives on this system.");
+    QVERIFY(makeFolder("drive/current/sub"));
+    QVERIFY(makeFolder("drive/sub"));
+    QVERIFY(makeFile("drive/file"));
+    QVERIFY(makeFile("drive/sub/file"));
+    QVERIFY(makeFile("drive/current/file"));
+    const SubstitutedDrive drive(QDir::toNativeSeparators(path("drive")));
+    QVERIFY(!drive.name().isEmpty());
+    QVERIFY(QDir::setCurrent(drive.name() + QStringLiteral("/current")));
+    // No process can take its own current folder away.
+    const bool isDone = System::removeDir(drive.name() + root, true, {QStringLiteral("current")});
+    QVERIFY(QDir::setCurrent(here_));
+    QVERIFY(isDone);
+    QCOMPARE(entriesOf(path("drive")), QStringList{QStringLiteral("current")});
+    QCOMPARE(entriesOf(path("drive/current")),
+             (QStringList{QStringLiteral("file"), QStringLiteral("sub")}));
 }
 
 // An empty path is the current folder to others.

@@ -1,4 +1,5 @@
 #include "TestFiles.h"
+#include "TestSystem.h"
 
 #include <Utility/System.h>
 #include <Utility/UnicodeFile.h>
@@ -77,6 +78,7 @@ private Q_SLOTS:
     void aFileIsFoundUnderBothOfItsPaths();
     void anExistingFileAtThePlainPathIsOverwritten();
     void anExistingFileAtTheOwnPathIsOverwritten();
+    void aFileThatIsItsOwnPlainFileStays();
     void theFileCanBeMovedToAndFro();
     void movingAFileThatIsNotThereIsASuccess();
     void movingAPlainFileIsASuccess();
@@ -475,6 +477,28 @@ void tst_UnicodeFile::anExistingFileAtTheOwnPathIsOverwritten()
     }
     QCOMPARE(contentOf(own), QByteArray("worked on"));
     QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+}
+
+// Its folder is a link to the temporary folder: there is nothing to make room for.
+void tst_UnicodeFile::aFileThatIsItsOwnPlainFileStays()
+{
+    if (onWindows())
+        QSKIP("A link to a folder is a file here.");
+    QVERIFY(QFile::link(temp_.path(), path(unicodeFolder())));
+    const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    {
+        UnicodeFile file(own);
+        QVERIFY(file.isOk());
+        QVERIFY(file.isUnicode());
+        QCOMPARE(contentOf(own), Content);
+        QCOMPARE(contentOf(file.asciiFilePath()), Content);
+        QVERIFY(file.renameToUnicode());
+        QVERIFY(file.renameToAscii());
+        QVERIFY(file.isOk());
+    }
+    QCOMPARE(contentOf(own), Content);
+    QCOMPARE(entriesOf(temp_.path()), QStringList{QStringLiteral("beam.dat")});
+    QVERIFY(QFile::remove(own));
 }
 
 void tst_UnicodeFile::theFileCanBeMovedToAndFro()

@@ -403,6 +403,11 @@ void tst_Version::anElementIsRead_data()
         "24.0.75");
     row("an empty major", "<major/><minor>1</minor><patch>75</patch>", "0.1.75");
     row("no hexadecimal numbers", "<major>0x18</major><minor>1</minor><patch>75</patch>", "0.1.75");
+    // Unlike in a text, where blanks make it no number.
+    row("blanks around the numbers", "<major> 23 </major><minor>\n1\n</minor><patch>\t75</patch>",
+        "23.1.75");
+    row("blanks around a build", "<patch> 0 </patch><build> 12 </build>", "0.0.12");
+    row("a blank between digits", "<major>2 3</major><minor>1</minor>", "0.1.0");
     row("the first of two", "<major>24</major><major>25</major><minor>1</minor>", "24.1.0");
     row("names in another case", "<Major>24</Major><Minor>1</Minor><Patch>75</Patch>", "0.0.0");
     row("children of children", "<x><major>24</major></x><minor>1</minor>", "0.1.0");

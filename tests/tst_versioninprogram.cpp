@@ -7,6 +7,8 @@
 #include <QtCore/QtEndian>
 #include <QtTest/QtTest>
 
+#include <initializer_list>
+
 using namespace Vorn::Util;
 
 namespace {
@@ -97,6 +99,13 @@ struct Layout
         return entry;
     }
 
+    // The table that names the resources, behind the number of its entries.
+    int directories(const QByteArray &bytes) const
+    {
+        const bool isPlus = qFromLittleEndian<quint16>(bytes.constData() + header + 24) == 0x20b;
+        return header + 24 + (isPlus ? 112 : 96);
+    }
+
     int header;
     int sections;
     int resourceSection;
@@ -122,6 +131,12 @@ private Q_SLOTS:
     void aChangedByteLeavesAVersionOfTheFile();
     void damagedProgramsHaveNone_data();
     void damagedProgramsHaveNone();
+    void theResourcesMayBeTheLastDirectory_data() { addPrograms(); }
+    void theResourcesMayBeTheLastDirectory();
+    void aSectionThatBeginsBehindTheResourcesDoesNotHoldThem_data() { addPrograms(); }
+    void aSectionThatBeginsBehindTheResourcesDoesNotHoldThem();
+    void theVersionOfTheFirstNameCounts_data() { addPrograms(); }
+    void theVersionOfTheFirstNameCounts();
     void theBlockMayLieInAnotherSection();
     void whatLiesBehindTheSectionIsFollowedWithinTheFile_data() { addPrograms(); }
     void whatLiesBehindTheSectionIsFollowedWithinTheFile();
@@ -249,6 +264,7 @@ void tst_VersionInProgram::damagedProgramsHaveNone_data()
     row("no sections", layout.header + 6, quint16(0));
     row("sections beyond the end", layout.header + 20, quint16(0xffff));
     row("no resources", directory, 0u);
+    row("two directories, none of them the resources'", directory - 2 * 8 - 4, 2u);
     row("resources in no section", directory, 0x7fffffffu);
     row("resources at the greatest address", directory, 0xffffffffu);
     row("empty section", layout.resourceSection + 16, 0u);
@@ -286,6 +302,71 @@ void tst_VersionInProgram::damagedProgramsHaveNone()
     QFETCH(QByteArray, program);
 
     QCOMPARE(versionTextIn(program), none());
+}
+
+void tst_VersionInProgram::theResourcesMayBeTheLastDirectory()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(QString, version);
+
+    const Layout layout(program);
+    put(program, layout.directories(program) - 4, 3u);
+    QCOMPARE(versionTextIn(program), version);
+}
+
+// Not even when its size goes around the end of the memory.
+void tst_VersionInProgram::aSectionThatBeginsBehindTheResourcesDoesNotHoldThem()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(QString, version);
+
+    const Layout layout(program);
+    QVERIFY(layout.sections < layout.resourceSection);
+    put(program, layout.sections + 12, 0xfffff000u);
+    put(program, layout.sections + 16, 0xffffffffu);
+    QCOMPARE(versionTextIn(program), version);
+}
+
+// Not that of a name in front of it.
+void tst_VersionInProgram::theVersionOfTheFirstNameCounts()
+{
+    QFETCH(QByteArray, program);
+    QFETCH(QString, version);
+
+    const Layout layout(program);
+    const auto append = [&program, &layout](std::initializer_list<quint32> numbers) {
+        const auto offset = static_cast<quint32>(program.size() - layout.resources);
+        for (const quint32 number : numbers) {
+            program.append(QByteArray(4, '\0'));
+            put(program, program.size() - 4, number);
+        }
+        return offset;
+    };
+    constexpr quint32 Directory = 0x80000000u;
+    constexpr quint32 OneEntry = 0x00010000u;
+    constexpr quint32 TwoEntries = 0x00020000u;
+    constexpr quint32 English = 0x409;
+    // Another version takes the place of what lies in the first section.
+    constexpr int BlockSize = 40 + 52;
+    const int target = static_cast<int>(dwordAt(program, layout.sections + 20));
+    program.replace(target, BlockSize, program.mid(versionOffset(program) - 48, BlockSize));
+    put(program, target + 48, 0x00010002u);
+    put(program, target + 52, 0x00030004u);
+    const quint32 place = append({dwordAt(program, layout.sections + 12), BlockSize, 0, 0});
+    const quint32 languages = append({0, 0, 0, OneEntry, English, place});
+    const int kind = layout.versionKind(program);
+    const quint32 oldNames = dwordAt(program, kind + 4);
+    const quint32 oldLanguages
+        = dwordAt(program, layout.resources + static_cast<int>(oldNames & ~Directory) + 20);
+    const auto setNames = [&](quint32 first, quint32 second) {
+        const quint32 names
+            = append({0, 0, 0, TwoEntries, first, languages | Directory, second, oldLanguages});
+        put(program, kind + 4, names | Directory);
+    };
+    setNames(2, 1);
+    QCOMPARE(versionTextIn(program), version);
+    setNames(1, 2); // the other version can be found
+    QCOMPARE(versionTextIn(program), QStringLiteral("1.2.3.4"));
 }
 
 // Only the directories need to lie with the other resources.

@@ -9,3 +9,5 @@ target_compile_definitions(tst_archiverfaults PRIVATE
 vorn_add_test(tst_load FROM linux FOLDER fake-archiver)
 add_dependencies(tst_load fakearchiver)
 target_compile_definitions(tst_load PRIVATE LOAD_FACTOR=${load_factor})
+vorn_add_test(tst_specialfiles FROM linux)
+vorn_add_test(tst_processes FROM linux)

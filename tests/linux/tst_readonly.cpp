@@ -66,6 +66,7 @@ private Q_SLOTS:
     void settingsThatMayNotBeReadAreNotThere();
     void theLocaleIsTheDefaultWhenSettingsMayNotBeRead();
     void settingsThatMayNotBeReadAreNotOverwritten();
+    void theLocaleStaysWhenSettingsMayNotBeWritten();
 
     void aFileInSuchAFolderKeepsItsName();
 
@@ -253,17 +254,22 @@ namespace {
 
 const QByteArray Settings = "[24.0]\nInstallationDirectory=/product\nLocale=fr-FR\n";
 
-// Settings that nobody may read. Not written by QSettings, which would keep them in memory.
-QString makeLockedSettings(const QString &folder)
+// Settings with these permissions. Not written by QSettings, which would keep them in memory.
+QString makeSettings(const QString &folder, QFile::Permissions permissions)
 {
     QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, folder);
     const QDir product(folder + QStringLiteral("/Vantorel"));
     const QString fileName = product.filePath(QStringLiteral("VORN.conf"));
     return QDir().mkdir(product.path()) && QFile::setPermissions(product.path(), OpenFolder)
-            && writeFile(fileName, Settings)
-            && QFile::setPermissions(fileName, QFile::Permissions())
+            && writeFile(fileName, Settings) && QFile::setPermissions(fileName, permissions)
         ? fileName
         : QString();
+}
+
+// Settings that nobody may read.
+QString makeLockedSettings(const QString &folder)
+{
+    return makeSettings(folder, QFile::Permissions());
 }
 
 } // namespace
@@ -297,6 +303,21 @@ void TestReadOnly::settingsThatMayNotBeReadAreNotOverwritten()
     });
     QCOMPARE(outcome, QByteArray("en-US"));
     QVERIFY(QFile::setPermissions(fileName, QFile::ReadOwner));
+    QCOMPARE(contentOf(fileName), Settings);
+}
+
+// The process does not see a value that was never stored.
+void TestReadOnly::theLocaleStaysWhenSettingsMayNotBeWritten()
+{
+    const QString fileName
+        = makeSettings(folder_->path(), QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+    QVERIFY(QFile::exists(fileName));
+    const QByteArray outcome = asOrdinaryUser([] {
+        const QString before = System::getLocale();
+        System::setLocale(QStringLiteral("de-DE"));
+        return (before + QLatin1Char(' ') + System::getLocale()).toUtf8();
+    });
+    QCOMPARE(outcome, QByteArray("fr-FR fr-FR"));
     QCOMPARE(contentOf(fileName), Settings);
 }
 

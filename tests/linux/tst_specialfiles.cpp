@@ -1,0 +1,125 @@
+// Pipes and links in the place of files.
+
+#include "../TestFiles.h"
+#include "../TestFolder.h"
+#include "../TestLog.h"
+#include "Fifo.h"
+
+#include <Utility/CpuInfo.h>
+#include <Utility/System.h>
+
+#include <QtCore/QFileInfo>
+#include <QtTest/QtTest>
+
+#include <memory>
+
+using namespace Vorn::Util;
+
+class TestSpecialFiles : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void aPipeIsNoticedWhenItIsRead();
+    void aPipeInThePlaceOfTheInformationFileIsNotWaitedFor();
+    void aPipeInThePlaceOfTheFlagsFileIsNotWaitedFor();
+
+    void nothingIsWrittenThroughALinkToNothing();
+    void anInformationFileMayBeALink();
+
+private:
+    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
+
+    TestFolder userData_;
+    std::unique_ptr<TestFolder> folder_;
+};
+
+// The folder of the flags is worked out once per process.
+void TestSpecialFiles::initTestCase()
+{
+    QVERIFY(userData_.isValid());
+    qputenv("XDG_DATA_HOME", QFile::encodeName(userData_.path()));
+    QVERIFY(System::getFlagsDirPath().startsWith(userData_.path()));
+}
+
+void TestSpecialFiles::init()
+{
+    folder_ = std::make_unique<TestFolder>();
+    QVERIFY(folder_->isValid());
+}
+
+void TestSpecialFiles::cleanup()
+{
+    folder_.reset();
+}
+
+// Otherwise the tests would show nothing.
+void TestSpecialFiles::aPipeIsNoticedWhenItIsRead()
+{
+    Fifo pipe(path("pipe"));
+    QVERIFY(pipe.isMade());
+    QCOMPARE(contentOf(path("pipe")), QByteArray());
+    QVERIFY(pipe.wasRead());
+}
+
+void TestSpecialFiles::aPipeInThePlaceOfTheInformationFileIsNotWaitedFor()
+{
+    Fifo pipe(path("SystemInfo.xml"));
+    QVERIFY(pipe.isMade());
+    TestLog log;
+    const CpuInfo info(log, folder_->path());
+    QVERIFY(!pipe.wasRead());
+    QCOMPARE(info.processorCount(), 1);
+    QCOMPARE(info.coreCount(), 1);
+    QCOMPARE(log.lines(),
+             texts({"Reading CPU information from SystemInfo.xml",
+                    "Cannot read CPU information from SystemInfo.xml"}));
+}
+
+void TestSpecialFiles::aPipeInThePlaceOfTheFlagsFileIsNotWaitedFor()
+{
+    const QString fileName = System::getFlagsDirPath() + QStringLiteral("/VORN_flags.txt");
+    {
+        Fifo pipe(fileName);
+        QVERIFY(pipe.isMade());
+        QVERIFY(!System::isFlagSet(QStringLiteral("DebugMode")));
+        QVERIFY(!pipe.wasRead());
+    }
+    QVERIFY(QFile::remove(fileName));
+    // It is the file that is looked at.
+    QVERIFY(writeFile(fileName, "DebugMode on\n"));
+    QVERIFY(System::isFlagSet(QStringLiteral("DebugMode")));
+    QVERIFY(QFile::remove(fileName));
+}
+
+// Somebody may have put it there so that another file comes to be or is overwritten.
+void TestSpecialFiles::nothingIsWrittenThroughALinkToNothing()
+{
+    const TestFolder whole;
+    const CpuInfo system(nullptr, whole.path());
+    QVERIFY(QFile::link(path("target"), path("SystemInfo.xml")));
+    TestLog log;
+    const CpuInfo info(log, folder_->path());
+    QCOMPARE(info.processorCount(), system.processorCount());
+    QCOMPARE(info.coreCount(), system.coreCount());
+    QCOMPARE(log.lines(), texts({"Cannot save CPU information to SystemInfo.xml"}));
+    QCOMPARE(entriesOf(folder_->path()), texts({"SystemInfo.xml"}));
+    QCOMPARE(QFileInfo(path("SystemInfo.xml")).symLinkTarget(), path("target"));
+}
+
+void TestSpecialFiles::anInformationFileMayBeALink()
+{
+    QVERIFY(writeFile(path("target"),
+                      "<Root><processorCount>977</processorCount>"
+                      "<hyperThreading>on</hyperThreading></Root>"));
+    QVERIFY(QFile::link(path("target"), path("SystemInfo.xml")));
+    QCOMPARE(CpuInfo(nullptr, folder_->path()).processorCount(), 977);
+}
+
+QTEST_GUILESS_MAIN(TestSpecialFiles)
+
+#include "tst_specialfiles.moc"

@@ -56,9 +56,11 @@ CpuInfo::CpuInfo(Log *log, const QString &dir)
     , log_(log)
 {
     // The messages name the file without its folder: callers rely on their text.
-    if (QFile::exists(infoFilePath_)) {
+    const QFileInfo file(infoFilePath_);
+    if (file.exists()) {
         this->log(QStringLiteral("Reading CPU information from %1").arg(InfoFileName));
-        if (!loadFromXml())
+        // A pipe of that name would keep the caller waiting.
+        if (!file.isFile() || !loadFromXml())
             this->log(QStringLiteral("Cannot read CPU information from %1").arg(InfoFileName));
         return;
     }
@@ -107,8 +109,7 @@ bool CpuInfo::getSystemInfo()
 bool CpuInfo::loadFromXml()
 {
     QFile file(infoFilePath_);
-    // A pipe of that name would keep the caller waiting.
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     QTextStream stream(&file);
     stream.setCodec("UTF-8");

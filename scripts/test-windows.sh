@@ -27,6 +27,11 @@ mkdir -p "$WINEPREFIX"
 wine wineboot --init >/dev/null 2>&1
 trap 'wineserver -k 2>/dev/null || true' EXIT
 
+# A drive of its own, whose root a test empties.
+mkdir -p build/drive
+ln -sfn "$project/build/drive" "$WINEPREFIX/dosdevices/q:"
+export VORNUTILITY_TEST_DRIVE=Q:
+
 status=0
 ctest --preset windows-release 2>&1 | tee build/windows-tests.log || status=$?
 python3 scripts/test-table.py build/linux-release/tests/run build/windows-release/tests/run

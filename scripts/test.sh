@@ -2,7 +2,7 @@
 # The Linux test suite: release build, clang-tidy on the library, address and undefined-behaviour
 # sanitizers (with debug assertions), the tests with threads under the thread sanitizer, each fuzzer
 # for 20 seconds. "test.sh PART..." runs only those of linux-release, tidy, linux-asan, linux-tsan,
-# fuzz.
+# fuzz, or linux-valgrind, which is no part of the whole.
 . "$(dirname "$0")/common.sh"
 need_build_tools
 cd "$project"
@@ -33,6 +33,10 @@ for part in "$@"; do
     case $part in
     tidy) run_tidy ;;
     fuzz) scripts/fuzz.sh 20 ;;
+    linux-valgrind)
+        need valgrind
+        run_preset linux-valgrind
+        ;;
     *) run_preset "$part" ;;
     esac
 done

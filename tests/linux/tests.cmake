@@ -11,3 +11,4 @@ add_dependencies(tst_load fakearchiver)
 target_compile_definitions(tst_load PRIVATE LOAD_FACTOR=${load_factor})
 vorn_add_test(tst_specialfiles FROM linux)
 vorn_add_test(tst_processes FROM linux)
+vorn_add_test(tst_permissions FROM linux FOLDER own-archiver) # it puts its archiver there

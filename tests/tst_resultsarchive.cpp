@@ -338,6 +338,12 @@ QStringList matching(const QStringList &lines, const QString &pattern)
     return lines.filter(QRegularExpression(QLatin1Char('^') + pattern + QLatin1Char('$')));
 }
 
+// Some systems tell nothing of the file system that a folder lies on.
+bool tellsRoom(const QString &folder)
+{
+    return QStorageInfo(folder).bytesTotal() > 0;
+}
+
 } // namespace
 
 class TestResultsArchive : public QObject
@@ -1257,8 +1263,10 @@ void TestResultsArchive::theFreeBytesAreLogged()
     makeGood(archiver, site);
     site.useFakeArchiver(archiver);
     QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
-    const QString pattern = QStringLiteral(
-        "Free for the archive: [1-9]\\d* bytes, for the unpacked files: [1-9]\\d* bytes");
+    const QString free = tellsRoom(site.outFolder()) ? QStringLiteral("[1-9]\\d* bytes")
+                                                     : QStringLiteral("unknown");
+    const QString pattern
+        = QStringLiteral("Free for the archive: %1, for the unpacked files: %1").arg(free);
     QCOMPARE(matching(site.logLines(), pattern).size(), 1);
 }
 
@@ -1309,6 +1317,8 @@ void TestResultsArchive::aRunWithoutRoomIsRefused()
 {
     constexpr qint64 More = qint64(64) << 30;
     Site site(smallTree());
+    if (!tellsRoom(site.outFolder()))
+        QSKIP("The system does not tell how much room there is.");
     FakeArchiver archiver;
     site.useFakeArchiver(archiver);
     QFile file(site.dataFile(QStringLiteral("large")));

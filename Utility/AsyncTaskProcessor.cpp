@@ -184,8 +184,9 @@ void AsyncTaskProcessor::startTaskFromQueue()
     log(QStringLiteral("Starting task: %1").arg(task->name()));
 
     const QPointer<AsyncTaskProcessor> self(this);
+    const QPointer<AsyncTask> alive(task);
     Q_EMIT started(task);
-    if (self && currentTask_ == task)
+    if (self && alive && currentTask_ == task)
         task->start();
 }
 
@@ -199,7 +200,7 @@ void AsyncTaskProcessor::handleProgressFromTask(const QString &text)
 void AsyncTaskProcessor::handleFinishedTask()
 {
     AsyncTask *task = currentTask_;
-    if (!task || sender() != task)
+    if (!task || sender() != task || TaskInHand::holds(this, task))
         return;
     const TaskInHand mark(this, task);
     const QPointer<AsyncTaskProcessor> self(this);

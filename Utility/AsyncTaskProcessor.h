@@ -69,7 +69,8 @@ public:
     /// Tasks that were added before keep the log they had. Not owned; null for none.
     void setLog(Vorn::Util::Log *log);
 
-    /// Asked after every task whether the run is to be cancelled. Not owned; null for none.
+    /// Asked after every task that has finished whether the run is to be cancelled. Not owned; null
+    /// for none.
     void setTaskMonitor(Vorn::Util::AsyncTaskMonitor *monitor);
 
     /// True when no task waits in the queue, so already while the last one runs.

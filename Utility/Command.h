@@ -44,8 +44,7 @@ public:
 
     /// Starts \a command and returns 0 at once. Nobody waits for it or reads its output; the object
     /// behind it lives until the program ends, its pipes until the thread's event loop has seen the
-    /// command's end. An empty \a workingDirectory is the current
-    /// folder.
+    /// command's end. An empty \a workingDirectory is the current folder.
     int runNoWait(const QString &command, bool logIt, const QString &workingDirectory);
 
 private:

@@ -15,13 +15,18 @@ namespace Vorn::Util {
 
 namespace {
 
-// Whether elements lie in elements so often that the document's recursion might run out of stack. A
-// file that might be is read by a stricter parser first, and one that this cannot read counts too.
+// Whether the file might have the document's parser run out of stack, which is recursive: elements
+// in elements, or parentheses in a declaration. A declared entity may become anything. No file of
+// this kind has declarations, or more than a few elements; a long one has to be right for the
+// stricter parser that counts here, too.
 bool isDeep(const QString &text)
 {
     constexpr int DeepestKnown = 500;
-    // Only an entity can hold more elements than the text has "<".
-    if (text.count(QLatin1Char('<')) <= DeepestKnown && !text.contains(QLatin1String("<!ENTITY")))
+    if (text.contains(QLatin1String("<!ENTITY"))
+        || (text.contains(QLatin1String("<!ELEMENT"))
+            && text.count(QLatin1Char('(')) > DeepestKnown))
+        return true;
+    if (text.count(QLatin1Char('<')) <= DeepestKnown)
         return false;
     QXmlStreamReader reader(text);
     reader.setNamespaceProcessing(false);
@@ -39,12 +44,13 @@ bool isDeep(const QString &text)
 // Never through a link, which somebody may have put there for that.
 bool openForWriting(QFile &file)
 {
-    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text;
-    if (file.open(mode | QIODevice::NewOnly))
+    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text | QIODevice::NewOnly;
+    if (file.open(mode))
         return true;
     // Another process was first: the last one wins.
-    return QFileInfo(file).isFile() && !QFileInfo(file).isSymLink()
-        && file.open(mode | QIODevice::Truncate);
+    const QFileInfo other(file);
+    return other.isFile() && !other.isSymLink() && QFile::remove(file.fileName())
+        && file.open(mode);
 }
 
 } // namespace
@@ -184,7 +190,7 @@ bool CpuInfo::saveToXml() const
     stream.flush();
     if (stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError)
         return true;
-    file.close(); // after an error, the object would not remove it
+    file.close();                 // after an error, the object would not remove it
     QFile::remove(infoFilePath_); // half a file could never be read
     return false;
 }

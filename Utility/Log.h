@@ -29,8 +29,9 @@ namespace Vorn::Util {
 /// ever when the message comes from an append() to the same log.
 ///
 /// On Linux two processes may append to one file below the size limit. When one of them truncates
-/// the file, the other goes on writing to the file that was replaced until it opens the log again.
-/// On Windows each process needs a file of its own.
+/// the file, the next append() of the other truncates it once more and goes on there, whereas its
+/// fastAppend() goes on writing to the file that was replaced. On Windows each process needs a file
+/// of its own.
 class VORNUTILITY_EXPORT Log
 {
 public:

@@ -104,7 +104,7 @@ public:
     static long getPID(const QStringList &names);
 
     /// Whether a program of exactly this file name is running. On Linux one of another user is
-    /// found by a name of fewer than 15 characters only.
+    /// found by a name of fewer than 15 bytes only.
     static bool isProcessRunning(const QString &exeName);
 
     /// Ends the processes whose program's name is in \a names and whose program's path contains

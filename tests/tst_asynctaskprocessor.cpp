@@ -271,6 +271,7 @@ private Q_SLOTS:
     void aFinishedTaskHandedToAnotherProcessorIsNotRunAgain_data();
     void aFinishedTaskHandedToAnotherProcessorIsNotRunAgain();
     void aTaskAddedTwiceRunsOnce();
+    void aTaskThatFinishesAgainInItsFinishedSignalCountsOnce();
     void aTaskBornAsAChildIsAddedOnce();
     void aMonitorMayDeleteTheProcessor();
     void aTasksDestructorMayDeleteTheProcessor_data();
@@ -1779,6 +1780,31 @@ void tst_AsyncTaskProcessor::aTaskAddedTwiceRunsOnce()
     queue.add("B");
     QCOMPARE(queue.run(), 0);
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
+}
+
+// A slot may run an event loop of its own, in which the task says it again.
+void tst_AsyncTaskProcessor::aTaskThatFinishesAgainInItsFinishedSignalCountsOnce()
+{
+    Queue queue;
+    const QPointer<TestTask> a = queue.add("A");
+    const QPointer<TestTask> b = queue.add("B", idle());
+    queue.add("C");
+    connect(&queue.processor, &AsyncTaskProcessor::finished, this, [&](AsyncTask *task) {
+        if (task != a)
+            return;
+        a->setFinished();
+        deliverQueuedCalls(queue.processor);
+    });
+    queue.processor.startLater();
+    QTRY_VERIFY(!a);
+    deliverQueuedCalls(queue.processor);
+    QCOMPARE(queue.journal, texts({"started A", "finished A", "started B"}));
+    QMetaObject::invokeMethod(
+        b, [b] { b->setFinished(); }, Qt::QueuedConnection);
+    QCOMPARE(exec(), 0);
+    QCOMPARE(
+        queue.journal,
+        texts({"started A", "finished A", "started B", "finished B", "started C", "finished C"}));
 }
 
 void tst_AsyncTaskProcessor::aTaskBornAsAChildIsAddedOnce()

@@ -97,6 +97,8 @@ private Q_SLOTS:
     void numbersOfAnySizeAreSafe();
     void aFileOfDeepElementsCannotBeRead_data();
     void aFileOfDeepElementsCannotBeRead();
+    void aFileOfADeepDeclarationCannotBeRead();
+    void aFileWithAPlainDeclarationIsRead();
     void aLongFileOfShallowElementsIsRead();
     void elementsFromEntitiesCountToo_data();
     void elementsFromEntitiesCountToo();
@@ -367,6 +369,27 @@ void tst_CpuInfo::aFileOfDeepElementsCannotBeRead()
     TestLog log;
     QCOMPARE(CpuInfo(log, folder()).processorCount(), isRead ? 3 : 1);
     QCOMPARE(log.lines().size(), isRead ? 1 : 2);
+}
+
+// The declaration of an element is read recursively too.
+void tst_CpuInfo::aFileOfADeepDeclarationCannotBeRead()
+{
+    const int depth = 200000;
+    QVERIFY(writeFile(infoFile(),
+                      "<!DOCTYPE Root [<!ELEMENT Root " + QByteArray(depth, '(') + "a"
+                          + QByteArray(depth, ')')
+                          + ">]><Root><processorCount>3</processorCount></Root>"));
+    TestLog log;
+    QCOMPARE(CpuInfo(log, folder()).processorCount(), 1);
+}
+
+void tst_CpuInfo::aFileWithAPlainDeclarationIsRead()
+{
+    QVERIFY(writeFile(infoFile(),
+                      "<!DOCTYPE Root [<!ELEMENT Root (a,(b|c))>]><Root><processorCount>3"
+                      "</processorCount><hyperThreading>on</hyperThreading></Root>"));
+    TestLog log;
+    QCOMPARE(CpuInfo(log, folder()).processorCount(), 3);
 }
 
 void tst_CpuInfo::aLongFileOfShallowElementsIsRead()

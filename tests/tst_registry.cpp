@@ -1,5 +1,6 @@
 #include "HelperProgram.h"
 #include "SystemCalls.h"
+#include "TestFiles.h"
 #include "TestSettings.h"
 #include "TestSystem.h"
 
@@ -147,6 +148,7 @@ private Q_SLOTS:
     void aValueThatDoesNotFitIsNotThere();
     void aValueThatDoesNotFitIsPrinted();
     void aKeyPathThatDoesNotFitIsPrintedAsNotOpened();
+    void aKeyPathDoesNotLeadAroundTheSettings_data();
     void aKeyPathDoesNotLeadAroundTheSettings();
     void everyFolderOfTheSettingsIsSearched();
 
@@ -422,13 +424,32 @@ void tst_Registry::aValueThatDoesNotFitIsNotThere()
     QCOMPARE(read(installationDirectory()), isThere ? value : QString());
 }
 
+void tst_Registry::aKeyPathDoesNotLeadAroundTheSettings_data()
+{
+    QTest::addColumn<QString>("keyPath");
+
+    QTest::newRow("folders in a part")
+        << QStringLiteral("SOFTWARE\\Vantorel/../Vantorel\\VORN\\24.0");
+    QTest::newRow("this folder") << QStringLiteral("SOFTWARE\\.\\Around\\24.0");
+    QTest::newRow("the folder above") << QStringLiteral("SOFTWARE\\..\\Around\\24.0");
+    QTest::newRow("a part too few") << QStringLiteral("SOFTWARE\\\\Around\\24.0");
+}
+
 void tst_Registry::aKeyPathDoesNotLeadAroundTheSettings()
 {
-    QVERIFY(writeSetting(QStringLiteral("SOFTWARE\\Vantorel\\VORN24.0"), QStringLiteral("Name"),
+    QFETCH(QString, keyPath);
+
+    const QString name = QStringLiteral("Name");
+    QVERIFY(writeSetting(QStringLiteral("SOFTWARE\\Vantorel\\VORN24.0"), name,
                          QStringLiteral("value")));
-    const SystemOutcome outcome = runCalls(
-        {QStringLiteral("readRegistryValue=Name|SOFTWARE\\Vantorel\\VORN\\24.0"),
-         QStringLiteral("readRegistryValue=Name|SOFTWARE\\Vantorel/../Vantorel\\VORN\\24.0")});
+    // Files that such paths would lead to, were they paths of files.
+    const QDir folder(settings_.path());
+    for (const char *around : {"Around24.0.conf", "../Around24.0.conf"})
+        QVERIFY(writeFile(folder.filePath(QString::fromLatin1(around)), "Name=around\n"));
+    const SystemOutcome outcome
+        = runCalls({QStringLiteral("readRegistryValue=Name|SOFTWARE\\Vantorel\\VORN\\24.0"),
+                    QStringLiteral("readRegistryValue=Name|") + keyPath});
+    QVERIFY(QFile::remove(folder.filePath(QStringLiteral("../Around24.0.conf"))));
     QCOMPARE(outcome.results, (QStringList{QStringLiteral("value"), QString()}));
     QCOMPARE(outcome.printed.size(), 1);
 }

@@ -21,6 +21,11 @@ namespace ResultsArchive {
 
 namespace {
 
+QString scratchIsGone()
+{
+    return QStringLiteral("The temporary folder is gone");
+}
+
 QString shown(const QString &path)
 {
     return oneLine(QDir::toNativeSeparators(path));
@@ -30,13 +35,19 @@ QString shown(const QString &path)
 class CurrentFolder
 {
 public:
-    explicit CurrentFolder(const QString &folder) { QDir::setCurrent(folder); }
+    explicit CurrentFolder(const QString &folder)
+        : isSet_(QDir::setCurrent(folder))
+    {
+    }
     ~CurrentFolder() { QDir::setCurrent(before_); }
+
+    bool isSet() const { return isSet_; }
 
 private:
     Q_DISABLE_COPY(CurrentFolder)
 
     const QString before_ = QDir::currentPath();
+    const bool isSet_;
 };
 
 } // namespace
@@ -72,6 +83,8 @@ QString Job::logMachine()
 QString Job::logCluster() const
 {
     const CurrentFolder current(scratch_->path());
+    if (!current.isSet())
+        return scratchIsGone();
     ResultsArchive::logCluster(log_, options_.clusterTools);
     return QString();
 }
@@ -211,6 +224,8 @@ QString Job::listWithSystem()
     setVariable(variable, QDir::toNativeSeparators(options_.archive));
     constexpr int MostLines = 20;
     const CurrentFolder current(scratch_->path());
+    if (!current.isSet())
+        return scratchIsGone();
     const QString listing = Command(&log_).run(listingCommand(variable), MostLines, true);
     if (listing.trimmed().isEmpty())
         return QStringLiteral("The system does not list the archive");

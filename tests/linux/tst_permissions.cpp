@@ -38,6 +38,7 @@ private Q_SLOTS:
     void cleanup();
 
     void aLogIsWrittenByItsUserOnly();
+    void theMaskOfTheProcessCounts();
     void aLogThatWasCutIsWrittenByItsUserOnly();
     void aScriptIsWrittenByItsUserOnly();
     void anInformationFileIsWrittenByItsUserOnly();
@@ -77,6 +78,22 @@ void TestPermissions::aLogIsWrittenByItsUserOnly()
     QVERIFY(log.open(true));
     log.append(QStringLiteral("line"));
     QVERIFY(!isWritableByOthers(path("run.log")));
+}
+
+void TestPermissions::theMaskOfTheProcessCounts()
+{
+    const mode_t before = umask(077);
+    Log log(path("run.log"), Log::NoFileTimeStamp);
+    const bool isOpen = log.open(true);
+    const QString mode = Command().run(QStringLiteral("stat -c %a work.bat"), 10, false);
+    CpuInfo(nullptr, folder_->path());
+    umask(before);
+    QVERIFY(isOpen);
+    QCOMPARE(mode, QStringLiteral("600\n"));
+    constexpr QFile::Permissions NotTheUser = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup
+        | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+    QVERIFY(!(QFile::permissions(path("run.log")) & NotTheUser));
+    QVERIFY(!(QFile::permissions(path("SystemInfo.xml")) & NotTheUser));
 }
 
 void TestPermissions::aLogThatWasCutIsWrittenByItsUserOnly()

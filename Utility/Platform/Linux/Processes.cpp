@@ -49,9 +49,11 @@ QByteArray contentOf(const QString &id, const char *name)
 // What has no command line is a thread of the system or a process that has ended.
 QString shortNameOf(const QString &id)
 {
-    constexpr int LongestName = 15;
-    const QString name = QFile::decodeName(contentOf(id, "comm")).trimmed();
-    return name.size() < LongestName && !contentOf(id, "cmdline").isEmpty() ? name : QString();
+    constexpr int LongestName = 15; // bytes
+    QByteArray name = contentOf(id, "comm");
+    name.chop(1); // the line end
+    const bool isTold = name.size() < LongestName && !contentOf(id, "cmdline").isEmpty();
+    return isTold ? QFile::decodeName(name) : QString();
 }
 
 QStringList processIds()

@@ -8,7 +8,7 @@ seconds=${1:-20}
 [[ $seconds =~ ^[1-9][0-9]*$ ]] || { echo "usage: fuzz.sh [SECONDS]" >&2; exit 2; }
 
 need_build_tools
-need clang
+need clang libclang-rt-dev
 cd "$project"
 
 cmake --preset linux-fuzz >/dev/null

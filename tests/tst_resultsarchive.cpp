@@ -3,6 +3,7 @@
 
 #include "FakeArchiver.h"
 #include "Machine.h"
+#include "Noise.h"
 #include "Room.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
@@ -65,18 +66,6 @@ QStringList entriesOf(const QString &folder)
 {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System
                                   | QDir::NoDotAndDotDot);
-}
-
-// Bytes that do not compress, the same in every run.
-QByteArray noise(int size)
-{
-    quint32 state = 12345;
-    QByteArray bytes;
-    for (int i = 0; i < size; ++i) {
-        state = state * 1664525U + 1013904223U;
-        bytes.append(static_cast<char>(state >> 24U));
-    }
-    return bytes;
 }
 
 // Names of every kind that can be packed.

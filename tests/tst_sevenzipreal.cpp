@@ -1,6 +1,7 @@
 #include <Utility/SevenZip.h>
 #include <Utility/System.h>
 
+#include "Noise.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
@@ -69,18 +70,6 @@ qint64 sizeOf(const Tree &tree)
     for (const QByteArray &bytes : tree)
         sum += bytes.size();
     return sum;
-}
-
-// The same bytes in every run, which do not compress.
-QByteArray noise(int size)
-{
-    quint32 state = 12345;
-    QByteArray bytes;
-    for (int i = 0; i < size; ++i) {
-        state = state * 1664525U + 1013904223U;
-        bytes.append(static_cast<char>(state >> 24U));
-    }
-    return bytes;
 }
 
 Tree numberedTree(int count)

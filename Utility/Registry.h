@@ -23,7 +23,7 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT Registry
 {
 public:
-    Registry() = delete;
+    explicit Registry() = delete; // explicit: Registry{} does not compile either
 
     /// Reads a text of the product's key, or of \a keyPath below the machine-wide settings. A
     /// last part such as "24.x" of \a keyPath stands for its greatest release; any other last

@@ -22,7 +22,7 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT System
 {
 public:
-    System() = delete;
+    explicit System() = delete; // explicit: System{} does not compile either
 
     /// The data folder that all users share; native. It is not created.
     static QString getAllUsersDataPath();

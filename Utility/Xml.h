@@ -17,7 +17,7 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT Xml
 {
 public:
-    Xml() = delete;
+    explicit Xml() = delete; // explicit: Xml{} does not compile either
 
     /// "true" or "false".
     static QString boolToString(bool value);

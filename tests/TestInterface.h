@@ -29,6 +29,10 @@ template <typename Type, typename... Arguments> constexpr bool isImplicit(...)
     return false;
 }
 
+// Whether `Type{}` compiles: a deleted constructor alone does not forbid it for an aggregate.
+template <typename Type, typename = void> constexpr bool hasEmptyBraces = false;
+template <typename Type> constexpr bool hasEmptyBraces<Type, decltype(void(Type{}))> = true;
+
 template <typename Type>
 constexpr bool isNeitherCopiedNorMoved
     = !std::is_copy_constructible_v<

@@ -409,8 +409,11 @@ void tst_Interface::theValuesOfEnumerations()
 
 void tst_Interface::classesOfStaticMembersHaveNoObjects()
 {
+    static_assert(hasEmptyBraces<Log>); // the check itself finds what compiles
     QVERIFY(!std::is_default_constructible_v<Registry>);
+    QVERIFY(!hasEmptyBraces<Registry>);
     QVERIFY(!std::is_default_constructible_v<Xml>);
+    QVERIFY(!hasEmptyBraces<Xml>);
 }
 
 void tst_Interface::defaultArguments()

@@ -124,6 +124,7 @@ void tst_InterfaceSystem::theCachesAreClosedToClients()
 void tst_InterfaceSystem::thereAreNoObjects()
 {
     QVERIFY(!std::is_default_constructible_v<System>);
+    QVERIFY(!hasEmptyBraces<System>);
     QVERIFY(std::is_empty_v<System>);
 }
 

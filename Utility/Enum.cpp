@@ -2,7 +2,7 @@
 
 namespace Vorn::Util {
 
-const int Enum::Invalid = -1;
+const int Enum::Invalid;
 
 Enum::Enum()
     : id_(Invalid)

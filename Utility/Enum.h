@@ -55,7 +55,7 @@ public:
     bool operator!=(const Enum &other) const;
 
 protected:
-    static const int Invalid; ///< -1
+    static const int Invalid = -1; ///< a constant expression, usable in a `case`
 
     /// An invalid member of no type.
     Enum();

@@ -96,6 +96,7 @@ class tst_Enum : public QObject
 
 private Q_SLOTS:
     void invalidIsMinusOne();
+    void invalidIsAConstantExpression();
     void aDefaultMemberIsInvalidAndOfNoType();
     void idsFollowTheOrderOfRegistration();
     void valuesAreIdsUnlessGiven();
@@ -137,6 +138,21 @@ void tst_Enum::invalidIsMinusOne()
 {
     const int *address = &Member::Invalid;
     QCOMPARE(*address, -1);
+}
+
+void tst_Enum::invalidIsAConstantExpression()
+{
+    static_assert(Member::Invalid == -1);
+    const auto isInvalid = [](int id) {
+        switch (id) {
+        case Member::Invalid:
+            return true;
+        default:
+            return false;
+        }
+    };
+    QVERIFY(isInvalid(Member().id()));
+    QVERIFY(!isInvalid(Red.id()));
 }
 
 void tst_Enum::aDefaultMemberIsInvalidAndOfNoType()

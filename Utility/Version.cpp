@@ -15,9 +15,11 @@ const int Version::Patch;
 const int Version::Hotfix;
 const int Version::DevStage;
 
-// Constant-initialised: statics of other files may use them while they are built themselves.
-constexpr Version Version::Current(Major, Minor, Patch, DevStage);
-constexpr Version Version::CurrentRelease(Major, Minor, Hotfix, DevStage);
+// Constant-initialised, because the constructor is constexpr: static objects of other files may use
+// them in their own constructors. The definitions are not constexpr themselves: that would make
+// them inline variables, which the compiler exports as unique for the whole process.
+const Version Version::Current(Major, Minor, Patch, DevStage);
+const Version Version::CurrentRelease(Major, Minor, Hotfix, DevStage);
 const QString Version::Public = QStringLiteral("2024");
 
 namespace {

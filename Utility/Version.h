@@ -5,7 +5,7 @@
 #include <QtCore/QString>
 #include <QtXml/QDomDocument>
 
-// A system header has macros of these names.
+// <sys/sysmacros.h> defines macros of these names; the class comment says what follows from that.
 #ifdef major
 #undef major
 #endif
@@ -24,6 +24,10 @@ namespace Vorn::Util {
 /// \endcode
 ///
 /// A plain value; any thread may use it. A version that could not be read is 0.0.0 and invalid.
+///
+/// \note This header removes the macros `major` and `minor` that glibc's `<sys/sysmacros.h>`
+/// defines. A program that includes both headers uses `gnu_dev_major()` and `gnu_dev_minor()`
+/// instead.
 class VORNUTILITY_EXPORT Version
 {
 public:
@@ -46,7 +50,7 @@ public:
     {
     }
 
-    /// As fromString() on 0.0.0.
+    /// 0.0.0, then fromString().
     Version(const QString &text);
 
     void setVersion(int major, int minor, int patch, int developmentStage);

@@ -19,6 +19,14 @@ exports() {
     esac | grep 'Vorn::Util' | sort -u
 }
 
+# A symbol of this kind is one for the whole process, also across two copies of the library, and keeps
+# dlclose() from unloading the library.
+unique=$(case $library in *.dll) ;; *) nm -DC --defined-only "$library" | grep ' u ' || true ;; esac)
+if [ -n "$unique" ]; then
+    printf 'Exported as GNU-unique symbols:\n%s\n' "$unique"
+    exit 1
+fi
+
 if [ -n "$update" ]; then
     exports > "$list"
 elif ! difference=$(diff "$list" <(exports)); then

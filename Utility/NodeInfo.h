@@ -13,7 +13,8 @@ public:
     QString name;
     int cores = 0;
     int sockets = 0;
-    double quantity = 0; ///< reported by the cluster tool; carried, compared and printed only
+    double quantity
+        = 0; ///< a number that the cluster tool reports, infinity included; not interpreted
     bool isHeadNode = false;
     bool isComputeNode = false;
 

@@ -188,8 +188,13 @@ void tst_NodeLines::theQuantityIsRead_data()
     QTest::newRow("exponent") << QStringLiteral("1e3") << 1000.0;
     QTest::newRow("comma") << QStringLiteral("62,5") << 0.0;
     QTest::newRow("no number") << QStringLiteral("much") << 0.0;
-    for (const char *text : {"nan", "inf", "+inf", "-inf"})
+    for (const char *text : {"nan", "+nan", "-nan"})
         QTest::newRow(text) << QString::fromLatin1(text) << 0.0;
+    for (const char *text : {"inf", "+inf", "1e999"})
+        QTest::newRow(text) << QString::fromLatin1(text) << qInf();
+    for (const char *text : {"-inf", "-1e999"})
+        QTest::newRow(text) << QString::fromLatin1(text) << -qInf();
+    QTest::newRow("another word for it") << QStringLiteral("infinity") << 0.0;
 }
 
 void tst_NodeLines::theQuantityIsRead()

@@ -13,9 +13,12 @@
 /// on Qt.
 ///
 /// Narrow text is UTF-8, never the local code page, and ends at its first NUL byte in both
-/// directions; a byte-order mark at its beginning is not part of the text. Wide text is the
-/// platform's form: UTF-16 where `wchar_t` has 16 bits, UTF-32 where it has 32. All functions are
-/// stateless and may be called from any thread.
+/// directions. Wide text is the platform's form: UTF-16 where `wchar_t` has 16 bits, UTF-32 where
+/// it has 32. All functions are stateless and may be called from any thread.
+///
+/// Byte-order marks: one byte-order mark (U+FEFF) at the beginning of a `std::string` or
+/// `std::wstring` is left out. A QString that begins with U+FEFF is written with it. The functions
+/// that take or fill an array keep it in both directions.
 ///
 /// \code
 /// std::string name = Vorn::Util::toStdString(QStringLiteral("Träger.dat"));

@@ -30,8 +30,12 @@ public:
     static QDomElement textElement(const QString &tagName, const QString &text,
                                    QDomDocument &document);
 
-    /// The text of the first child of \a element named \a name; \a defaultValue when there is no
-    /// such child, an empty string when the child holds no text.
+    /// The text of the first child of \a element named \a name. Returns \a defaultValue when there
+    /// is no such child, and an empty string when the child is empty.
+    ///
+    /// Only the first node of that child counts: of `<a>one<!-- -->two</a>` the result is "one",
+    /// and a child that begins with a comment gives the comment's text, one that begins with an
+    /// element gives an empty string.
     static QString valueOf(const QString &name, const QDomElement &element,
                            const QString &defaultValue);
 };

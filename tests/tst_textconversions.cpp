@@ -104,6 +104,8 @@ private Q_SLOTS:
     void aQStringBecomesWideText_data() { addTexts(); }
     void aQStringBecomesWideText();
 
+    void aByteOrderMarkInFrontDoesNotGetIntoAQString();
+    void aByteOrderMarkInAQStringIsWritten();
     void theCommonFormOfNarrowTextIsNeverTheLocalCodePage();
     void narrowInputEndsAtItsFirstNul_data();
     void narrowInputEndsAtItsFirstNul();
@@ -270,6 +272,32 @@ void TestTextConversions::elementsEndAtTheirFirstNul()
     QCOMPARE(toStringVector(
                  {QStringLiteral("ab") + QChar() + QStringLiteral("cd"), QStringLiteral("ef")}),
              cutVector);
+}
+
+void TestTextConversions::aByteOrderMarkInFrontDoesNotGetIntoAQString()
+{
+    const QString text = QStringLiteral("ab");
+    QCOMPARE(toQString(std::string("\xEF\xBB\xBF"
+                                   "ab")),
+             text);
+    QCOMPARE(toQString(std::wstring(L"\uFEFFab")), text);
+    QVERIFY(toStdWString(std::string("\xEF\xBB\xBF"
+                                     "ab"))
+            == L"ab");
+    QVERIFY(toStdString(std::wstring(L"\uFEFFab")) == "ab");
+    // Only one, and only in front.
+    const QString mark(QChar(0xFEFF));
+    QCOMPARE(toQString(std::wstring(L"\uFEFF\uFEFFab")), mark + text);
+    QCOMPARE(toQString(std::wstring(L"ab\uFEFF")), text + mark);
+}
+
+void TestTextConversions::aByteOrderMarkInAQStringIsWritten()
+{
+    const QString text = QChar(0xFEFF) + QStringLiteral("ab");
+    QVERIFY(toStdString(text)
+            == "\xEF\xBB\xBF"
+               "ab");
+    QVERIFY(toStdWString(text) == L"\uFEFFab");
 }
 
 void TestTextConversions::aNewWideArrayHoldsTheTextAndAZero()

@@ -15,13 +15,15 @@ namespace Vorn::Util {
 namespace {
 
 constexpr int MostFilesOnCommandLine = 32;
+constexpr int WarningCode = 1;
+constexpr int FatalErrorCode = 2;
 
 // Only these two of the archiver's codes count: callers look at the files for the others.
 SevenZip::Error errorOf(int exitCode, QProcess::ExitStatus exitStatus)
 {
-    if (exitStatus == QProcess::CrashExit || exitCode == 2)
+    if (exitStatus == QProcess::CrashExit || exitCode == FatalErrorCode)
         return SevenZip::FatalError;
-    return exitCode == 1 ? SevenZip::Warning : SevenZip::NoError;
+    return exitCode == WarningCode ? SevenZip::Warning : SevenZip::NoError;
 }
 
 Platform::ArchiverOperation operationOf(int kind)
@@ -44,6 +46,7 @@ bool exists(const QString &name)
     return info.exists() || info.isSymLink(); // a link to nowhere is in the way too
 }
 
+// Closes the file: some errors show only then.
 bool writeNames(QFile &file, const QStringList &names)
 {
     QTextStream stream(&file);
@@ -51,7 +54,10 @@ bool writeNames(QFile &file, const QStringList &names)
     for (const QString &name : names)
         stream << name << '\n';
     stream.flush();
-    return stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError;
+    const bool isWritten = stream.status() == QTextStream::Ok;
+    stream.setDevice(nullptr);
+    file.close();
+    return isWritten && file.error() == QFileDevice::NoError;
 }
 
 } // namespace
@@ -78,6 +84,11 @@ void SevenZipCommand::start()
         savedPath_ = QDir::currentPath();
         QDir::setCurrent(owner_->currentPath());
     }
+    if (isRefused_) {
+        // Queued, as the end of a program that was started: callers hear of it after the call.
+        QMetaObject::invokeMethod(this, &SevenZipCommand::endRefused, Qt::QueuedConnection);
+        return;
+    }
     process_ = new QProcess;
     process_->setProcessChannelMode(QProcess::MergedChannels);
     connect(process_, &QProcess::readyReadStandardOutput, this, &SevenZipCommand::readOutput);
@@ -95,7 +106,24 @@ void SevenZipCommand::start()
 
 bool SevenZipCommand::waitForFinished()
 {
-    return process_->waitForFinished(-1);
+    if (process_)
+        return process_->waitForFinished(-1);
+    endRefused();
+    return true;
+}
+
+void SevenZipCommand::refuseToStart()
+{
+    isRefused_ = true;
+}
+
+// Once: the queued call comes too late after a wait.
+void SevenZipCommand::endRefused()
+{
+    if (!isRefused_)
+        return;
+    isRefused_ = false;
+    handleFinished(FatalErrorCode, QProcess::NormalExit);
 }
 
 void SevenZipCommand::readOutput()
@@ -159,9 +187,9 @@ QStringList SevenZipCompressCommand::fileNames() const
     return names;
 }
 
-// The name is predictable, so the file is made here or not at all, and never through a link. A
-// list that is not whole is taken away: the archiver then reports a missing list instead of
-// leaving files out.
+// The name is predictable, so the file is made here or not at all, and never through a link. With
+// a list that is not complete the archiver would leave files out without an error, and without a
+// list it ends with an exit code that counts as none: it is not started then.
 void SevenZipCompressCommand::writeListFile()
 {
     const QString folder = System::getTempDirPath();
@@ -178,8 +206,11 @@ void SevenZipCompressCommand::writeListFile()
         if (!exists(listFile_))
             return;
     }
-    if (!writeNames(file, fileNames()))
-        file.remove();
+    if (!writeNames(file, fileNames())) {
+        QFile::remove(listFile_);
+        listFile_.clear(); // the name is free again for others
+        refuseToStart();
+    }
 }
 
 void SevenZipCompressCommand::handleFinished(int exitCode, QProcess::ExitStatus exitStatus)

@@ -29,7 +29,8 @@ public:
     /// Starts the archiver and returns. Call it once.
     void start();
 
-    /// Waits for its end without a time limit; false when it did not start.
+    /// Waits for the end without a time limit; false when the archiver could not be started. A slot
+    /// of the owner's signal may delete the owner, and this command with it, during the call.
     bool waitForFinished();
 
 protected:
@@ -41,16 +42,21 @@ protected Q_SLOTS:
 
 protected:
     SevenZip *owner() const { return owner_; }
-    QProcess *process() const { return process_; }
+
+    /// Makes start() end the command as a fatal error, without starting the archiver.
+    void refuseToStart();
 
     /// Hands every whole line that is there to \a handle, in the form that the readers expect.
     template <typename Handler> void readLines(Handler handle);
 
 private:
+    void endRefused();
+
     int kind_;
     SevenZip *owner_;
     QProcess *process_ = nullptr; // never deleted: that would end a program that still runs
     QString savedPath_;
+    bool isRefused_ = false;
     std::unique_ptr<Platform::ArchiverLineDecoder> decoder_;
 };
 

@@ -86,7 +86,9 @@ private Q_SLOTS:
     void withoutAFreeDescriptorACommandPrintsNothing();
     void withoutAFreeDescriptorTheArchiverGivesFalseAndNoSignal();
 
-    void aListFileWithoutRoomIsTakenAway();
+    void aListFileThatIsNotWrittenWholeEndsTheCompression_data();
+    void aListFileThatIsNotWrittenWholeEndsTheCompression();
+    void anArchiveWithoutAWholeListFileMayBeDestroyed();
 
     void aFullDiskLeavesTheCountsOfTheSystemAndNoFile();
     void aCutInformationFileGivesItsCountsOrTheDefaults();
@@ -348,31 +350,88 @@ void TestFullDisk::withoutAFreeDescriptorTheArchiverGivesFalseAndNoSignal()
     QCOMPARE(ends, 1);
 }
 
-// An archiver that got only some of the names would leave files out.
-void TestFullDisk::aListFileWithoutRoomIsTakenAway()
+void TestFullDisk::aListFileThatIsNotWrittenWholeEndsTheCompression_data()
 {
+    QTest::addColumn<int>("nameLength");
+    QTest::addColumn<bool>("blocking");
+    for (const bool blocking : {true, false}) {
+        const char *form = blocking ? "blocking" : "asynchronous";
+        QTest::addRow("all names in one buffer, %s", form) << 10 << blocking;
+        QTest::addRow("names of many buffers, %s", form) << 3000 << blocking;
+    }
+}
+
+// An archiver that got only some of the names would leave files out.
+void TestFullDisk::aListFileThatIsNotWrittenWholeEndsTheCompression()
+{
+    QFETCH(int, nameLength);
+    QFETCH(bool, blocking);
     const TestMessages messages;
-    constexpr int Room = 65536; // for the record of the call, not for the names
     QStringList files;
     for (int number = 0; number < 40; ++number)
-        files += QStringLiteral("%1 %2").arg(number).arg(QString(3000, QLatin1Char('x')));
-    FakeArchiver fake;
-    fake.exit(2);
+        files += QStringLiteral("%1 %2").arg(number).arg(QString(nameLength, QLatin1Char('x')));
+    const QByteArray list = files.join(QLatin1Char('\n')).toUtf8() + '\n';
+    const QString before = QDir::currentPath();
+    const FakeArchiver fake;
     SevenZip archive;
     archive.setArchiveFile(QStringLiteral("archive.7z"));
-    bool result = false;
-    {
-        const FileSizeLimit limit(Room);
-        result = archive.compressFiles(files);
+    archive.setCurrentPath(folder_.path());
+    QSignalSpy finished(&archive, &SevenZip::compressionFinished);
+    for (const int room : {0, 1, list.size() / 2, list.size() - 1}) {
+        finished.clear();
+        bool result = false;
+        {
+            const FileSizeLimit limit(room);
+            if (blocking)
+                result = archive.compressFiles(files);
+            else
+                archive.startCompressingFiles(files);
+        }
+        QVERIFY(!result);
+        if (!blocking) {
+            QCOMPARE(finished.size(), 0); // callers connect or wait after the start
+            QTRY_COMPARE(finished.size(), 1);
+        }
+        QCoreApplication::processEvents();
+        QCOMPARE(finished.size(), 1);
+        QCOMPARE(archive.error(), SevenZip::FatalError);
+        QCOMPARE(QDir::currentPath(), before);
+        QVERIFY(!fake.wasCalled());
+        QCOMPARE(entriesOf(lists_), QStringList());
     }
-    QVERIFY(!result);
-    QCOMPARE(archive.error(), SevenZip::FatalError);
-    QCOMPARE(fake.arguments().value(3), QStringLiteral("@%1/listfile.tmp").arg(lists_));
-    QVERIFY(!fake.hasListFile());
-    QCOMPARE(entriesOf(lists_), QStringList());
+    archive.setCurrentPath(QString());
+    QVERIFY(archive.compressFiles(files)); // there is room again
+    QCOMPARE(fake.listFile(), list);
+}
 
-    QVERIFY(!archive.compressFiles(files)); // with room, all of them
-    QCOMPARE(fake.listFile(), files.join(QLatin1Char('\n')).toUtf8() + '\n');
+void TestFullDisk::anArchiveWithoutAWholeListFileMayBeDestroyed()
+{
+    const TestMessages messages;
+    QStringList files;
+    for (int number = 0; number < 40; ++number)
+        files += QString::number(number);
+    const FakeArchiver fake;
+    {
+        SevenZip archive;
+        const FileSizeLimit limit(0);
+        archive.startCompressingFiles(files);
+    }
+    QCoreApplication::processEvents();
+    auto *archive = new SevenZip;
+    bool isGone = false;
+    connect(archive, &SevenZip::compressionFinished, this, [archive, &isGone] {
+        delete archive;
+        isGone = true;
+    });
+    bool result = true;
+    {
+        const FileSizeLimit limit(0);
+        result = archive->compressFiles(files);
+    }
+    QVERIFY(isGone);
+    QVERIFY(!result);
+    QVERIFY(!fake.wasCalled());
+    QCOMPARE(entriesOf(lists_), QStringList());
 }
 
 // Half an information file could never be read.

@@ -133,8 +133,9 @@ void SevenZipCommand::readOutput()
 
 template <typename Handler> void SevenZipCommand::readLines(Handler handle)
 {
-    while (process_->canReadLine()) {
-        const QString line = decoder_->decode(process_->readLine());
+    const QList<QByteArray> lines = lines_.add(process_->readAllStandardOutput());
+    for (const QByteArray &bytes : lines) {
+        const QString line = decoder_->decode(bytes);
         if (!line.isNull())
             handle(line);
     }
@@ -303,12 +304,8 @@ void SevenZipListCommand::readEntry(const QString &line)
         return;
     }
     QStringList parts = afterBlanks(line, 4).split(QLatin1Char(' '));
-    if (parts.size() > 1) {
-        bool isNumber = false;
-        parts.first().toLongLong(&isNumber);
-        if (isNumber)
-            parts.removeFirst();
-    }
+    if (parts.size() > 1 && Platform::isDecimalNumber(parts.first()))
+        parts.removeFirst();
     owner()->addFile(parts.join(QLatin1Char(' ')));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Utility/Formats/LineSplitter_p.h>
 #include <Utility/Platform/ArchiverDialect.h>
 
 #include <QtCore/QObject>
@@ -57,6 +58,7 @@ private:
     QProcess *process_ = nullptr; // never deleted: that would end a program that still runs
     QString savedPath_;
     bool isRefused_ = false;
+    LineSplitter lines_;
     std::unique_ptr<Platform::ArchiverLineDecoder> decoder_;
 };
 

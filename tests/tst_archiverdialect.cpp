@@ -519,6 +519,9 @@ void TestArchiverDialect::totalsOfAListing_data()
     row("with a date", dated, "2569 305 9 files");
     row("without a date", "                                  2569          305  9 files\n",
         "2569 305 9 files");
+    row("beyond 63 bits",
+        "2024-02-29 12:34:56       9223372036854775808 9223372036854775808  9 files\n",
+        "9223372036854775808 9223372036854775808 9 files");
     row("without a size", "                                                305  1 files\n",
         "0 305 1 files");
     row("wider numbers",

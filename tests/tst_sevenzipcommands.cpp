@@ -1422,6 +1422,12 @@ void TestSevenZipCommands::entriesOfAListing_data()
     row("numbers for a name", "2024-02-29 12:34:56 ....A          292          139  12 34\n",
         "12 34");
     row("a number of 64 bits", "2024-02-29 12:34:56 ....A 9000000000 8000000000 a b\n", "a b");
+    row("sizes beyond 63 bits",
+        "2024-02-29 12:34:56 ....A 9223372036854775808 9223372036854775808 a b\n", "a b");
+    row("sizes beyond 64 bits",
+        "2024-02-29 12:34:56 ....A 36893488147419103232 36893488147419103232 a b\n", "a b");
+    row("no packed size, a sign first", "2024-02-29 12:34:56 ....A 292               -5 b\n",
+        "-5 b");
     row("Latin-1",
         "2024-02-29 12:34:56 ....A 1 2 gr\xf6\xdf"
         "e\n",

@@ -1,5 +1,7 @@
 #include <Utility/Platform/ArchiverDialect.h>
 
+#include <algorithm>
+
 namespace Vorn::Util::Platform {
 
 namespace {
@@ -84,6 +86,12 @@ QStringList archiverArguments(ArchiverDialect dialect, ArchiverOperation operati
     return all;
 }
 
+bool isDecimalNumber(const QString &text)
+{
+    const auto isDigit = [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); };
+    return !text.isEmpty() && std::all_of(text.begin(), text.end(), isDigit);
+}
+
 ArchiverLineDecoder::ArchiverLineDecoder(ArchiverDialect dialect, ArchiverOperation operation)
     : dialect_(dialect)
     , operation_(operation)
@@ -166,9 +174,7 @@ QString ArchiverLineDecoder::decodeEntry(const QString &line)
 QString ArchiverLineDecoder::decodeTotals(const QString &line)
 {
     const Row row = splitRow(line);
-    bool isNumber = false;
-    row.size.toLongLong(&isNumber);
-    const bool isTotals = isNumber && !row.rest.isEmpty();
+    const bool isTotals = isDecimalNumber(row.size) && !row.rest.isEmpty();
     return isTotals ? QStringList{row.size, row.packedSize, row.rest}.join(QLatin1Char(' '))
                     : QString();
 }

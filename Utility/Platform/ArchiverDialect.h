@@ -18,6 +18,10 @@ enum class ArchiverDialect {
 QStringList archiverArguments(ArchiverDialect dialect, ArchiverOperation operation,
                               const QStringList &arguments);
 
+/// Whether \a text is one digit or more and nothing else. A size of an archive may be greater than
+/// any integer type holds.
+bool isDecimalNumber(const QString &text);
+
 /// Brings the lines of one run's output into the form that the readers expect. Use one decoder
 /// per run, for all of its lines in order.
 class ArchiverLineDecoder

@@ -28,9 +28,35 @@ class SevenZipCommand;
 /// A 7-Zip that cannot be started emits no signal; the blocking form then returns false. After a
 /// start that failed the current folder stays changed.
 ///
-/// Names are handed on as they are: 7-Zip reads one that begins with "-" or "@" as a switch or a
-/// list file. Archives are extracted with 7-Zip's own care for paths; existing files are
-/// overwritten.
+/// More than 32 files are named in a list file in the temporary folder. When that file cannot be
+/// written completely, as on a full disk, 7-Zip is not started: the operation ends with FatalError
+/// and its signal. (A list file that cannot even be created is left to 7-Zip, whose exit code for
+/// it does not count as an error.)
+///
+/// Names are passed to 7-Zip unchanged, except that every occurrence of currentPath() and the
+/// separator after it is removed, wherever it stands in the name. What 7-Zip then receives is
+/// dangerous when it
+/// - begins with "-", which is a switch: a file "-sdel" makes 7-Zip delete the files that it packs,
+///   and "-x!plain" leaves the file "plain" out;
+/// - begins with "@", which is a list file: 7-Zip packs the files that it names;
+/// - holds "*" or "?" and the program is 7z.exe: it packs all names that match. (Windows allows no
+///   such names. The programs that are used on Linux are told to take them as they are.)
+///
+/// An absolute path below currentPath() is no protection, because its front is removed. Pass such a
+/// name relative to currentPath() and with "./" in front: "./-sdel". Do this only for a name
+/// without a folder: 7-Zip stores a file without its folders when the name is absolute or holds "."
+/// or ".." as a folder. A file in a folder whose name begins with "-" or "@" can be packed only
+/// with the whole folder ("./-folder"). Of archiveFile() nothing is removed: give an absolute path.
+///
+/// In a list file the first two are ordinary names, but a line break in a name makes two names of
+/// it, and 7-Zip removes blanks and double quotes around a name.
+///
+/// An entry of an archive whose path leads out of the folder is extracted to another name inside
+/// it; files() holds the name that the archive tells, which then does not exist. Existing files are
+/// overwritten. There is no way to give a password: an operation that needs one ends with
+/// FatalError.
+///
+/// Of a line of 7-Zip's output the first mebibyte is read.
 ///
 /// Thread: that of the object. Sizes are bytes.
 class VORNUTILITY_EXPORT SevenZip : public QObject
@@ -57,7 +83,7 @@ public:
     enum Error : int {
         NoError = 0,   ///< also for exit codes other than 1 and 2
         Warning = 1,   ///< exit code 1
-        FatalError = 2 ///< exit code 2, or a crash
+        FatalError = 2 ///< exit code 2, a crash, or an incomplete list file
     };
 
     SevenZip(QObject *parent = nullptr);
@@ -70,7 +96,9 @@ public:
     QString currentPath() const;
     void setCurrentPath(const QString &currentPath);
 
-    /// Type7z and LZMA2 at first. A listing sets both from the archive.
+    /// Type7z and LZMA2 at first. A listing sets each of the two when the archive tells it: a zip
+    /// archive and an empty one tell no method, which then stays as it was. A zip archive takes
+    /// Copy and Deflate only: set one of them before compressing.
     Type type() const;
     void setType(Type type);
     Method method() const;
@@ -105,13 +133,15 @@ public:
     /// The folder of the last extraction.
     QString folder() const;
 
-    /// Bytes: after a compression those of the archive and of the files on disk, after an
-    /// extraction or a listing what 7-Zip printed of them. An operation that tells nothing leaves
-    /// them as they were.
+    /// Bytes. After a compression: the size of the archive, and the sum of the sizes of files(),
+    /// where a folder counts as its own entry in the file system (4096, for example, or 0), not as
+    /// what it contains. After an extraction or a listing: what 7-Zip printed; when it printed
+    /// nothing, they stay as they were.
     qint64 compressedSize() const;
     qint64 uncompressedSize() const;
 
-    /// True when 7-Zip ran and error() is NoError.
+    /// True when 7-Zip ran and error() is NoError. That includes every exit code other than 1 and
+    /// 2: also 7 (a wrong command line), 8 (not enough memory) and 255 (stopped by the user).
     bool compressFiles(const QStringList &files);
     void startCompressingFiles(const QStringList &files);
 

@@ -18,7 +18,8 @@ constexpr int MostFilesOnCommandLine = 32;
 constexpr int WarningCode = 1;
 constexpr int FatalErrorCode = 2;
 
-// Only these two of the archiver's codes count: callers look at the files for the others.
+// Only these two exit codes count. Kept for compatibility: docs/compatibility.md, "Exit codes of
+// the archiver".
 SevenZip::Error errorOf(int exitCode, QProcess::ExitStatus exitStatus)
 {
     if (exitStatus == QProcess::CrashExit || exitCode == FatalErrorCode)
@@ -175,7 +176,8 @@ QStringList SevenZipCompressCommand::arguments()
     return all;
 }
 
-// Relative to the current path, where they lie below it.
+// Every occurrence of the current path is removed, not only that at the front. Kept for
+// compatibility: docs/compatibility.md, "Names below the current path".
 QStringList SevenZipCompressCommand::fileNames() const
 {
     QStringList names = owner()->files();
@@ -205,7 +207,7 @@ void SevenZipCompressCommand::writeListFile()
         if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Text))
             break;
         if (!exists(listFile_))
-            return;
+            return; // kept for compatibility: docs/compatibility.md, "List file that is missing"
     }
     if (!writeNames(file, fileNames())) {
         QFile::remove(listFile_);
@@ -295,8 +297,9 @@ void SevenZipListCommand::readHeader(const QString &line)
         state_ = Entries;
 }
 
-// Date, time, attributes, size, then the packed size where there is one. A name whose first word
-// is a number loses it when there is none; what the column holds cannot be told from the line.
+// Date, time, attributes, size, then the packed size where there is one. Without it a name loses a
+// first word that is a number. Kept for compatibility: docs/compatibility.md, "Entries of a
+// listing".
 void SevenZipListCommand::readEntry(const QString &line)
 {
     if (line.startsWith(QLatin1String("--------"))) {
@@ -309,7 +312,8 @@ void SevenZipListCommand::readEntry(const QString &line)
     owner()->addFile(parts.join(QLatin1Char(' ')));
 }
 
-// Every line after the table counts, so the last one holds.
+// Every line after the table counts, so the last one holds. Kept for compatibility:
+// docs/compatibility.md, "Totals of a listing".
 void SevenZipListCommand::readTotals(const QString &line)
 {
     owner()->setUncompressedSize(line.section(QLatin1Char(' '), 0, 0).toLongLong());

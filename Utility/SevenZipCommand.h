@@ -107,7 +107,8 @@ class SevenZipListCommand : public SevenZipCommand
     Q_OBJECT
 
 public:
-    /// The owner's files stay: what is listed is appended to them, as callers count on.
+    /// The owner's files stay, and the entries are appended to them. Kept for compatibility:
+    /// docs/compatibility.md, "Files of a listing".
     explicit SevenZipListCommand(SevenZip *owner);
     ~SevenZipListCommand() override;
 

@@ -79,8 +79,8 @@ class TestArchiverDialect : public QObject
 private Q_SLOTS:
     void theProductsArgumentsStay_data();
     void theProductsArgumentsStay();
-    void theCurrentProgramIsAskedForNamesInUtf8_data();
-    void theCurrentProgramIsAskedForNamesInUtf8();
+    void theCurrentProgramIsToldHowToTakeAndPrintNames_data();
+    void theCurrentProgramIsToldHowToTakeAndPrintNames();
 
     void theProductsLinesAreSimplifiedLatin1_data();
     void theProductsLinesAreSimplifiedLatin1();
@@ -119,10 +119,11 @@ void operationRows()
     QTest::addColumn<ArchiverOperation>("operation");
     QTest::addColumn<QStringList>("added");
     const QString utf8Console = QStringLiteral("-sccUTF-8");
-    QTest::newRow("compress") << ArchiverOperation::Compress << QStringList();
+    const QString noWildcards = QStringLiteral("-spd");
+    QTest::newRow("compress") << ArchiverOperation::Compress << QStringList{noWildcards};
     QTest::newRow("extract") << ArchiverOperation::Extract
-                             << QStringList{utf8Console, QStringLiteral("-bb1")};
-    QTest::newRow("list") << ArchiverOperation::List << QStringList{utf8Console};
+                             << QStringList{noWildcards, utf8Console, QStringLiteral("-bb1")};
+    QTest::newRow("list") << ArchiverOperation::List << QStringList{noWildcards, utf8Console};
 }
 
 QStringList someArguments()
@@ -146,12 +147,12 @@ void TestArchiverDialect::theProductsArgumentsStay()
     QCOMPARE(archiverArguments(ArchiverDialect::Product, operation, {}), QStringList());
 }
 
-void TestArchiverDialect::theCurrentProgramIsAskedForNamesInUtf8_data()
+void TestArchiverDialect::theCurrentProgramIsToldHowToTakeAndPrintNames_data()
 {
     operationRows();
 }
 
-void TestArchiverDialect::theCurrentProgramIsAskedForNamesInUtf8()
+void TestArchiverDialect::theCurrentProgramIsToldHowToTakeAndPrintNames()
 {
     QFETCH(ArchiverOperation, operation);
     QFETCH(QStringList, added);

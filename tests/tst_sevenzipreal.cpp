@@ -116,7 +116,9 @@ Tree hardNames()
         QStringLiteral("%PATH% ^& $HOME `x`"),
         QStringLiteral("Type = zip"),
         QStringLiteral("d/- minus"),
-        QStringLiteral("d/@at")};
+        QStringLiteral("d/@at"),
+        QStringLiteral("*"),
+        QStringLiteral("d/*.t?t")};
     for (const QString &name : names)
         tree.insert(name, name.toUtf8());
     return tree;
@@ -139,6 +141,8 @@ private Q_SLOTS:
     void aRoundTripOfManyFiles();
     void aRoundTripOfHardNames_data();
     void aRoundTripOfHardNames();
+    void namesWithWildcardsStandForThemselvesAlone_data();
+    void namesWithWildcardsStandForThemselvesAlone();
     void aRoundTripWithoutThreadsInEveryLevel_data();
     void aRoundTripWithoutThreadsInEveryLevel();
     void asynchronousOperations();
@@ -333,6 +337,39 @@ void TestSevenZipReal::aRoundTripOfHardNames()
         tree.insert(QStringLiteral(" blank first"), "blank"); // the lines of a list are trimmed
     }
     roundTrip(archive, tree);
+}
+
+void TestSevenZipReal::namesWithWildcardsStandForThemselvesAlone_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::newRow("on the command line") << 1;
+    QTest::newRow("in a list file") << 40;
+}
+
+void TestSevenZipReal::namesWithWildcardsStandForThemselvesAlone()
+{
+    if (onWindows())
+        QSKIP("No file can have such a name here.");
+    QFETCH(int, count);
+    Tree tree = numberedTree(count - 1);
+    tree.insert(QStringLiteral("*"), "all");
+    QVERIFY(writeTree(path("in"), tree));
+    const Tree neighbours{{QStringLiteral("neighbour"), "left out"}};
+    QVERIFY(writeTree(path("in"), neighbours));
+    SevenZip archive;
+    archive.setCurrentPath(path("in"));
+    archive.setArchiveFile(path("other.7z"));
+    QVERIFY(archive.compressFiles({QStringLiteral("neighbour")}));
+
+    archive.setArchiveFile(path("*.7z"));
+    QVERIFY2(archive.compressFiles(tree.keys()), qPrintable(archive.output()));
+    QVERIFY(archive.extractFilesTo(path("out")));
+    QCOMPARE(readTree(path("out")), tree);
+    QCOMPARE(sorted(archive.files()), sorted(tree.keys()));
+    SevenZip lister;
+    lister.setArchiveFile(path("*.7z"));
+    QVERIFY(lister.listFiles());
+    QCOMPARE(sorted(lister.files()), sorted(tree.keys()));
 }
 
 void TestSevenZipReal::aRoundTripWithoutThreadsInEveryLevel_data()

@@ -78,10 +78,13 @@ QString withoutLineEnd(QString line)
 QStringList archiverArguments(ArchiverDialect dialect, ArchiverOperation operation,
                               const QStringList &arguments)
 {
+    if (dialect == ArchiverDialect::Product)
+        return arguments;
     QStringList all = arguments;
-    if (dialect == ArchiverDialect::Current && operation != ArchiverOperation::Compress)
+    all << QStringLiteral("-spd"); // names are no wildcards
+    if (operation != ArchiverOperation::Compress)
         all << QStringLiteral("-sccUTF-8");
-    if (dialect == ArchiverDialect::Current && operation == ArchiverOperation::Extract)
+    if (operation == ArchiverOperation::Extract)
         all << QStringLiteral("-bb1");
     return all;
 }

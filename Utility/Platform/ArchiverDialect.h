@@ -14,7 +14,8 @@ enum class ArchiverDialect {
     Current  ///< since 15.05: names only when asked for, totals that begin with a date
 };
 
-/// The command line \a arguments with what \a dialect needs to print names, in UTF-8.
+/// The command line \a arguments with what \a dialect needs to take names as they are, without
+/// wildcards, and to print them, in UTF-8.
 QStringList archiverArguments(ArchiverDialect dialect, ArchiverOperation operation,
                               const QStringList &arguments);
 

@@ -15,6 +15,12 @@ bool isControl(QChar character)
     return character.category() == QChar::Other_Control;
 }
 
+bool isNumber(const QString &word)
+{
+    return std::all_of(word.begin(), word.end(),
+                       [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); });
+}
+
 bool isAscii(const QString &text)
 {
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
@@ -24,12 +30,8 @@ bool isAscii(const QString &text)
 QString comparable(const QString &name)
 {
     QStringList words = QDir::fromNativeSeparators(name).simplified().split(QLatin1Char(' '));
-    bool isNumber = true;
-    while (words.size() > 1 && isNumber) {
-        words.first().toLongLong(&isNumber);
-        if (isNumber)
-            words.removeFirst();
-    }
+    while (words.size() > 1 && isNumber(words.first()))
+        words.removeFirst();
     return words.join(QLatin1Char(' '));
 }
 
@@ -51,9 +53,7 @@ bool canBePacked(const QString &name)
     const bool isSubfolder = name.indexOf(QLatin1Char('/')) > 0;
     const bool beginsAsOption
         = name.startsWith(QLatin1Char('-')) || name.startsWith(QLatin1Char('@'));
-    const auto isWildcard = [](QChar c) { return c == QLatin1Char('*') || c == QLatin1Char('?'); };
-    return std::none_of(name.begin(), name.end(), isWildcard)
-        && std::none_of(name.begin(), name.end(), isControl) && !name.endsWith(QLatin1Char(' '))
+    return std::none_of(name.begin(), name.end(), isControl) && !name.endsWith(QLatin1Char(' '))
         && !(isSubfolder && beginsAsOption);
 }
 

@@ -5,8 +5,8 @@
 
 namespace ResultsArchive {
 
-/// Whether 7-Zip can be told to take the one file \a name of a folder. It reads wildcards, control
-/// characters, a blank at the end and a subfolder that begins with "-" or "@" as something else.
+/// Whether 7-Zip can be told to take the one file \a name of a folder. It takes control characters,
+/// a blank at the end and a subfolder that begins with "-" or "@" for something else.
 bool canBePacked(const QString &name);
 
 /// \a name, relative to a folder, as 7-Zip takes it for a file in any case.

@@ -3,8 +3,6 @@
 #include <Utility/Platform/Settings.h>
 #include <Utility/System.h>
 
-#include <QtCore/QSettings>
-
 namespace Vorn::Util {
 
 namespace {
@@ -20,13 +18,16 @@ constexpr Language Languages[]
        {"ja-JP", 1041}, {"it-IT", 1040}, {"ko-KR", 1042}, {"ru-RU", 1049}};
 constexpr int DefaultId = 1033;
 
+QString productKey()
+{
+    return QStringLiteral("SOFTWARE\\Vantorel\\VORN\\24.0");
+}
+
 } // namespace
 
 QString System::getLocale()
 {
-    const auto settings = Platform::openSettings(QStringLiteral("SOFTWARE\\Vantorel\\VORN\\24.0"));
-    const QString locale
-        = settings ? settings->value(QStringLiteral("Locale")).toString() : QString();
+    const QString locale = Platform::readSettingsText(productKey(), QStringLiteral("Locale"));
     return locale.isEmpty() ? QStringLiteral("en-US") : locale;
 }
 
@@ -56,13 +57,7 @@ QStringList System::validLocales()
 
 void System::writeToRegistry(const QString &key, const QString &value)
 {
-    QSettings settings(QSettings::NativeFormat, QSettings::SystemScope, QStringLiteral("Vantorel"),
-                       QStringLiteral("VORN"));
-    if (!settings.isWritable())
-        return; // the process would go on seeing a value that was never stored
-    settings.beginGroup(QStringLiteral("24.0"));
-    settings.setValue(key, value);
-    settings.endGroup();
+    Platform::writeSettingsText(productKey(), key, value);
 }
 
 } // namespace Vorn::Util

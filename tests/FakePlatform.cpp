@@ -42,7 +42,8 @@ FakePlatform::FakePlatform()
     , programVersion(always(Vorn::Util::Platform::ProgramVersion()))
     , readSettingsValue(always(Vorn::Util::Platform::SettingsValue{
           Vorn::Util::Platform::SettingsValue::NoKey, QString(), 2, QStringLiteral("Not found\n")}))
-    , openSettings(always(nullptr))
+    , readSettingsText(always(QString()))
+    , writeSettingsText([](auto &&...) {})
     , settingsSubkeys(always(QStringList()))
     , shareFolder(always(false))
     , isFolderShared(always(false))
@@ -148,9 +149,14 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     return fakePlatform().readSettingsValue(keyPath, name);
 }
 
-std::unique_ptr<QSettings> openSettings(const QString &keyPath)
+QString readSettingsText(const QString &keyPath, const QString &name)
 {
-    return fakePlatform().openSettings(keyPath);
+    return fakePlatform().readSettingsText(keyPath, name);
+}
+
+void writeSettingsText(const QString &keyPath, const QString &name, const QString &text)
+{
+    fakePlatform().writeSettingsText(keyPath, name, text);
 }
 
 QStringList settingsSubkeys(const QString &keyPath)

@@ -46,7 +46,8 @@ struct FakePlatform
     Function<Vorn::Util::Platform::ProgramVersion, const QString &> programVersion;
     Function<Vorn::Util::Platform::SettingsValue, const QString &, const QString &>
         readSettingsValue;
-    Function<std::unique_ptr<QSettings>, const QString &> openSettings;
+    Function<QString, const QString &, const QString &> readSettingsText;
+    Function<void, const QString &, const QString &, const QString &> writeSettingsText;
     Function<QStringList, const QString &> settingsSubkeys;
     Function<bool, const QString &, const QString &> shareFolder;
     Function<bool, const QString &> isFolderShared;

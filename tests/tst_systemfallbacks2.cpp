@@ -77,6 +77,11 @@ private:
     QStringList terminated_;
 };
 
+QString productKey()
+{
+    return QStringLiteral("SOFTWARE\\Vantorel\\VORN\\24.0");
+}
+
 QString childBehaviour()
 {
     return QStringLiteral("child");
@@ -136,7 +141,8 @@ private Q_SLOTS:
     void theFilterIsFoundAnywhereInThePath();
     void theRunningProgramIsAskedForAsItIsWritten();
 
-    void aSettingThatCannotBeOpenedIsTheDefault();
+    void aSettingThatCannotBeReadIsTheDefault();
+    void aTextIsWrittenToTheProductsKey();
     void theFolderIsSharedUnderItsName_data();
     void theFolderIsSharedUnderItsName();
 
@@ -451,17 +457,30 @@ void tst_SystemFallbacks2::theRunningProgramIsAskedForAsItIsWritten()
              (QStringList{QStringLiteral("VORN.exe"), QStringLiteral("vorn.exe"), QString()}));
 }
 
-void tst_SystemFallbacks2::aSettingThatCannotBeOpenedIsTheDefault()
+void tst_SystemFallbacks2::aSettingThatCannotBeReadIsTheDefault()
 {
     QStringList asked;
-    fakePlatform().openSettings = [&asked](const QString &keyPath) {
-        asked += keyPath;
-        return nullptr;
+    fakePlatform().readSettingsText = [&asked](const QString &keyPath, const QString &name) {
+        asked += {keyPath, name};
+        return QString();
     };
     QCOMPARE(System::getLocale(), QStringLiteral("en-US"));
+    QCOMPARE(asked, (QStringList{productKey(), QStringLiteral("Locale")}));
     QCOMPARE(System::getLocaleID(), 1033);
-    const QString key = QStringLiteral("SOFTWARE\\Vantorel\\VORN\\24.0");
-    QCOMPARE(asked, (QStringList{key, key}));
+}
+
+void tst_SystemFallbacks2::aTextIsWrittenToTheProductsKey()
+{
+    QStringList written;
+    fakePlatform().writeSettingsText
+        = [&written](const QString &keyPath, const QString &name, const QString &text) {
+              written += {keyPath, name, text};
+          };
+    System::setLocale(QStringLiteral("de-DE"));
+    System::writeToRegistry(QStringLiteral("A Name"), QStringLiteral("a text"));
+    QCOMPARE(written,
+             (QStringList{productKey(), QStringLiteral("Locale"), QStringLiteral("de-DE"),
+                          productKey(), QStringLiteral("A Name"), QStringLiteral("a text")}));
 }
 
 void tst_SystemFallbacks2::theFolderIsSharedUnderItsName_data()

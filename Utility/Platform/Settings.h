@@ -1,10 +1,7 @@
 #pragma once
 
-#include <QtCore/QSettings>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
-
-#include <memory>
 
 namespace Vorn::Util::Platform {
 
@@ -23,9 +20,12 @@ struct SettingsValue
 /// 511 characters at the most.
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name);
 
-/// The key \a keyPath of the same store, to read from. Null or a store without values when there is
-/// none.
-std::unique_ptr<QSettings> openSettings(const QString &keyPath);
+/// The value \a name of the key \a keyPath as a text, whatever its type; null when there is none.
+QString readSettingsText(const QString &keyPath, const QString &name);
+
+/// Sets the value \a name of the key \a keyPath, which is made when it is missing. Nothing happens
+/// when it cannot be written.
+void writeSettingsText(const QString &keyPath, const QString &name, const QString &text);
 
 /// The names of the subkeys of \a keyPath in the store's order; none when there is no such key.
 QStringList settingsSubkeys(const QString &keyPath);

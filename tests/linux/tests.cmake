@@ -12,3 +12,4 @@ target_compile_definitions(tst_load PRIVATE LOAD_FACTOR=${load_factor})
 vorn_add_test(tst_specialfiles FROM linux)
 vorn_add_test(tst_processes FROM linux)
 vorn_add_test(tst_permissions FROM linux FOLDER own-archiver) # it puts its archiver there
+vorn_add_test(tst_settingsfiles FROM linux)

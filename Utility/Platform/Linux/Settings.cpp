@@ -1,10 +1,19 @@
 #include <Utility/Platform/Settings.h>
 
-#include <QtCore/QSettings>
+#include <Utility/Platform/SettingsText_p.h>
+#include <Utility/Platform/SmallFile_p.h>
 
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QLockFile>
+#include <QtCore/QSaveFile>
+#include <QtCore/QSettings>
+#include <QtCore/QStandardPaths>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <memory>
+#include <optional>
 
 namespace Vorn::Util::Platform {
 
@@ -45,6 +54,43 @@ bool locate(const QString &keyPath, Location &location)
     return true;
 }
 
+// The file that QSettings names; where that does not exist, the first of the other folders of
+// XDG_CONFIG_DIRS that has one. A folder set with QSettings::setPath() has no others beside it.
+QString fileOf(const Location &location)
+{
+    const QString named = QSettings(QSettings::NativeFormat, QSettings::SystemScope,
+                                    location.organisation, location.application)
+                              .fileName();
+    const QString below
+        = QStringLiteral("/%1/%2.conf").arg(location.organisation, location.application);
+    QStringList files;
+    // The first is the user's own folder.
+    for (const QString &folder :
+         QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation).mid(1))
+        files.append(folder + below);
+    const auto isThere = [](const QString &name) { return QFileInfo::exists(name); };
+    const auto found = std::find_if(files.cbegin(), files.cend(), isThere);
+    return files.contains(named) && found != files.cend() ? *found : named;
+}
+
+// The values of a key and, with "GROUP/" in front, of its subkeys; none when there is no such key.
+QMap<QString, QString> readKey(const QString &keyPath)
+{
+    Location location;
+    if (!locate(keyPath, location))
+        return {};
+    const std::optional<QByteArray> content = readSmallFile(fileOf(location));
+    const QMap<QString, QString> all = settingsTexts(content.value_or(QByteArray()));
+    if (location.group.isEmpty())
+        return all;
+    QMap<QString, QString> key;
+    const QString prefix = location.group + QLatin1Char('/');
+    for (auto value = all.lowerBound(prefix); value != all.cend() && value.key().startsWith(prefix);
+         ++value)
+        key.insert(value.key().mid(prefix.size()), value.value());
+    return key;
+}
+
 SettingsValue failure(SettingsValue::Outcome outcome, int code)
 {
     const QString message = QString::fromLocal8Bit(std::strerror(code));
@@ -53,39 +99,69 @@ SettingsValue failure(SettingsValue::Outcome outcome, int code)
 
 } // namespace
 
-std::unique_ptr<QSettings> openSettings(const QString &keyPath)
+QString readSettingsText(const QString &keyPath, const QString &name)
+{
+    return readKey(keyPath).value(name);
+}
+
+void writeSettingsText(const QString &keyPath, const QString &name, const QString &text)
 {
     Location location;
-    if (!locate(keyPath, location))
-        return nullptr;
-    auto settings = std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::SystemScope,
-                                                location.organisation, location.application);
-    if (!location.group.isEmpty())
-        settings->beginGroup(location.group);
-    // Of all folders of XDG_CONFIG_DIRS: a desktop session puts one of its own in front.
-    return settings->allKeys().isEmpty() ? nullptr : std::move(settings);
+    // As QSettings takes it: "/" separates groups, and there is no group without a name.
+    const QString key = name.split(QLatin1Char('/'), Qt::SkipEmptyParts).join(QLatin1Char('/'));
+    if (!locate(keyPath, location) || location.group.isEmpty() || key.isEmpty())
+        return;
+    const QString fileName = fileOf(location);
+    if (!QDir().mkpath(QFileInfo(fileName).path()))
+        return;
+    QLockFile lock(fileName + QStringLiteral(".lock")); // QSettings locks the same one
+    if (!lock.lock())
+        return;
+
+    const bool isNew = !QFileInfo::exists(fileName);
+    const std::optional<QByteArray> before = isNew ? QByteArray() : readSmallFile(fileName);
+    if (!before)
+        return;
+    const QByteArray after = withSettingsText(*before, location.group, key, text);
+    QMap<QString, QString> expected = settingsTexts(*before);
+    expected.insert(location.group + QLatin1Char('/') + key, text);
+    // A quotation without an end would take in what is added.
+    if (settingsTexts(after) != expected)
+        return;
+    QSaveFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly))
+        return;
+    if (isNew) // for every user of the machine
+        file.setPermissions(file.permissions() | QFile::ReadGroup | QFile::ReadOther);
+    file.write(after);
+    file.commit();
 }
 
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
 {
     if (keyPath.size() >= KeyPathSize)
         return failure(SettingsValue::NoKey, ENAMETOOLONG);
-    const std::unique_ptr<QSettings> key = openSettings(keyPath);
-    if (!key)
+    const QMap<QString, QString> key = readKey(keyPath);
+    if (key.isEmpty())
         return failure(SettingsValue::NoKey, ENOENT);
-    if (!isPlainName(name) || !key->contains(name))
+    const auto value = key.constFind(name);
+    if (!isPlainName(name) || value == key.constEnd())
         return failure(SettingsValue::NoValue, ENOENT);
-    // An unquoted comma in the file makes a list of the value.
-    const QString text = key->value(name).toStringList().join(QLatin1String(", "));
-    if (text.size() >= ValueSize)
+    if (value->size() >= ValueSize)
         return failure(SettingsValue::NoValue, EMSGSIZE);
-    return {SettingsValue::Found, text.left(text.indexOf(QChar())), 0, QString()};
+    return {SettingsValue::Found, value->left(value->indexOf(QChar())), 0, QString()};
 }
 
 QStringList settingsSubkeys(const QString &keyPath)
 {
-    const std::unique_ptr<QSettings> key = openSettings(keyPath);
-    return key ? key->childGroups() : QStringList();
+    QStringList names;
+    const QMap<QString, QString> key = readKey(keyPath);
+    for (auto value = key.cbegin(); value != key.cend(); ++value) {
+        if (value.key().contains(QLatin1Char('/')))
+            names.append(value.key().section(QLatin1Char('/'), 0, 0));
+    }
+    names.removeDuplicates();
+    return names;
 }
 
 } // namespace Vorn::Util::Platform

@@ -2,11 +2,15 @@
 
 #include <Utility/Platform/Windows/WindowsApi.h>
 
+#include <QtCore/QSettings>
+
 namespace Vorn::Util::Platform {
 
 namespace {
 
 static_assert(KEY_READ == 0x20019);
+
+constexpr QLatin1String LocalMachine("HKEY_LOCAL_MACHINE\\");
 
 class OpenKey
 {
@@ -72,10 +76,17 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(lastError)};
 }
 
-std::unique_ptr<QSettings> openSettings(const QString &keyPath)
+QString readSettingsText(const QString &keyPath, const QString &name)
 {
-    return std::make_unique<QSettings>(QStringLiteral("HKEY_LOCAL_MACHINE\\") + keyPath,
-                                       QSettings::NativeFormat);
+    return QSettings(LocalMachine + keyPath, QSettings::NativeFormat).value(name).toString();
+}
+
+void writeSettingsText(const QString &keyPath, const QString &name, const QString &text)
+{
+    QSettings settings(LocalMachine + keyPath, QSettings::NativeFormat);
+    // Otherwise this process would read a value that was never stored.
+    if (settings.isWritable())
+        settings.setValue(name, text);
 }
 
 QStringList settingsSubkeys(const QString &keyPath)

@@ -1,0 +1,26 @@
+// The content of a settings file.
+
+#include "Fuzz.h"
+
+#include <Utility/Platform/SettingsText_p.h>
+
+using namespace Vorn::Util::Platform;
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray content = bytesOf(data, size);
+    const QMap<QString, QString> before = settingsTexts(content);
+    for (auto text = before.cbegin(); text != before.cend(); ++text)
+        CHECK(text->size() <= content.size());
+
+    const QString group = QStringLiteral("24.0");
+    const QString name = QStringLiteral("Locale");
+    const QString value = QStringLiteral("a,b \\\"\n@");
+    const QByteArray after = withSettingsText(content, group, name, value);
+    QMap<QString, QString> expected = before;
+    expected.insert(group + QLatin1Char('/') + name, value);
+    // A quotation or an escape that has no end takes in what is added after it.
+    const bool isOpen = content.contains('"') || content.endsWith('\\');
+    CHECK(isOpen || settingsTexts(after) == expected);
+    return 0;
+}

@@ -1,0 +1,246 @@
+// Which file holds the machine-wide settings, and how its text is read and changed. Every call runs
+// in a fresh process: Qt works the folders out once.
+
+#include "../HelperProgram.h"
+#include "../SystemCalls.h"
+#include "../TestFiles.h"
+#include "../TestFolder.h"
+
+#include <QtTest/QtTest>
+
+#include <memory>
+
+namespace {
+
+const QString ReadDirectory = QStringLiteral("readRegistryValue=InstallationDirectory");
+
+QString setLocale(const char *locale)
+{
+    return QStringLiteral("setLocale=") + QString::fromLatin1(locale);
+}
+
+} // namespace
+
+class TestSettingsFiles : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void aTextIsUtf8();
+    void aTextIsReadAsItIsWritten_data();
+    void aTextIsReadAsItIsWritten();
+    void aLocaleWithACommaIsOneText();
+    void theFileOfTheOrganisationDoesNotCount();
+    void theFileOfTheOrganisationIsNotWritten();
+    void theFirstFileThatExistsCounts();
+    void aFileThatExistsHidesTheOnesAfterIt();
+    void aChangeGoesToTheFileThatIsRead();
+    void aChangeWithoutAFileMakesTheFirst();
+    void aChangeLeavesTheRestOfTheFileAsItIs();
+    void aChangeIsReadByQt();
+    void aDamagedFileLosesNothing();
+    void aFileOfMoreThanAMebibyteIsNotRead();
+    void aNewFileCanBeReadByEveryUser();
+    void aLinkedFileStaysALink();
+
+private:
+    QString folder(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
+    QString file(const char *name) const
+    {
+        return folder(name) + QStringLiteral("/Vantorel/VORN.conf");
+    }
+    bool writeSettings(const QString &fileName, const QByteArray &content) const
+    {
+        return QDir().mkpath(QFileInfo(fileName).path()) && writeFile(fileName, content);
+    }
+    SystemOutcome run(const QStringList &calls) const
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_CONFIG_DIRS"),
+                           folder("first") + QLatin1Char(':') + folder("second"));
+        return runSystemCalls(helperProgram(), QStringLiteral("system"), calls, environment);
+    }
+    QString installationDirectory() const { return run({ReadDirectory}).results.value(0); }
+
+    std::unique_ptr<TestFolder> folder_;
+};
+
+void TestSettingsFiles::init()
+{
+    folder_ = std::make_unique<TestFolder>();
+    QVERIFY(folder_->isValid());
+}
+
+void TestSettingsFiles::cleanup()
+{
+    folder_.reset();
+}
+
+void TestSettingsFiles::aTextIsUtf8()
+{
+    QVERIFY(writeSettings(
+        file("first"), "[24.0]\nInstallationDirectory=/opt/Tr\xC3\xA4ger\nLocale=\xE6\x97\xA5\n"));
+    QCOMPARE(
+        run({ReadDirectory, QStringLiteral("getLocale")}).results,
+        (QStringList{QString::fromUtf8("/opt/Tr\xC3\xA4ger"), QString::fromUtf8("\xE6\x97\xA5")}));
+}
+
+void TestSettingsFiles::aTextIsReadAsItIsWritten_data()
+{
+    QTest::addColumn<QByteArray>("written");
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("comma") << QByteArray("/opt/a,b") << QStringLiteral("/opt/a,b");
+    QTest::newRow("blanks around commas")
+        << QByteArray("/opt/a , b,  c") << QStringLiteral("/opt/a , b,  c");
+    QTest::newRow("quoted") << QByteArray("\"/opt/a,b \"") << QStringLiteral("/opt/a,b ");
+    QTest::newRow("escape") << QByteArray("/opt/Tr\\xe4ger")
+                            << QString::fromUtf8("/opt/Tr\xC3\xA4ger");
+    QTest::newRow("carriage return") << QByteArray("/opt/a,b\r") << QStringLiteral("/opt/a,b");
+}
+
+void TestSettingsFiles::aTextIsReadAsItIsWritten()
+{
+    QFETCH(QByteArray, written);
+    QFETCH(QString, text);
+
+    QVERIFY(writeSettings(file("first"),
+                          "[24.0]\nInstallationDirectory=" + written + "\nLocale=en-US\n"));
+    QCOMPARE(installationDirectory(), text);
+}
+
+void TestSettingsFiles::aLocaleWithACommaIsOneText()
+{
+    QVERIFY(writeSettings(file("first"), "[24.0]\nLocale=de-DE, fr-FR\n"));
+    QCOMPARE(run({QStringLiteral("getLocale")}).results,
+             QStringList{QStringLiteral("de-DE, fr-FR")});
+}
+
+void TestSettingsFiles::theFileOfTheOrganisationDoesNotCount()
+{
+    QVERIFY(writeSettings(folder("first") + QStringLiteral("/Vantorel.conf"),
+                          "[24.0]\nInstallationDirectory=/organisation\nLocale=de-DE\n"));
+    const SystemOutcome outcome = run({ReadDirectory, QStringLiteral("getLocale"),
+                                       QStringLiteral("readRegistryValue=InstallationDirectory|"
+                                                      "SOFTWARE\\Vantorel\\VORN\\24.x")});
+    QCOMPARE(outcome.results, (QStringList{QString(), QStringLiteral("en-US"), QString()}));
+    QCOMPARE(outcome.printed.size(), 2);
+    QVERIFY(outcome.printed.first().startsWith(QLatin1String("RegOpenKeyEx: ")));
+}
+
+void TestSettingsFiles::theFileOfTheOrganisationIsNotWritten()
+{
+    const QString organisation = folder("first") + QStringLiteral("/Vantorel.conf");
+    const QByteArray content = "[24.0]\nLocale=de-DE\n";
+    QVERIFY(writeSettings(organisation, content));
+    QCOMPARE(run({setLocale("it-IT"), QStringLiteral("getLocale")}).results,
+             QStringList{QStringLiteral("it-IT")});
+    QCOMPARE(contentOf(organisation), content);
+}
+
+void TestSettingsFiles::theFirstFileThatExistsCounts()
+{
+    QVERIFY(writeSettings(file("second"), "[24.0]\nInstallationDirectory=/second\n"));
+    QCOMPARE(installationDirectory(), QStringLiteral("/second"));
+    QVERIFY(writeSettings(file("first"), "[24.0]\nInstallationDirectory=/first\n"));
+    QCOMPARE(installationDirectory(), QStringLiteral("/first"));
+}
+
+void TestSettingsFiles::aFileThatExistsHidesTheOnesAfterIt()
+{
+    QVERIFY(writeSettings(file("first"), "[24.0]\nLocale=it-IT\n"));
+    QVERIFY(writeSettings(file("second"), "[24.0]\nInstallationDirectory=/second\n"));
+    QCOMPARE(installationDirectory(), QString());
+}
+
+void TestSettingsFiles::aChangeGoesToTheFileThatIsRead()
+{
+    QVERIFY(writeSettings(file("second"), "[24.0]\nLocale=de-DE\n"));
+    QCOMPARE(run({setLocale("it-IT"), QStringLiteral("getLocale")}).results,
+             QStringList{QStringLiteral("it-IT")});
+    QCOMPARE(contentOf(file("second")), QByteArray("[24.0]\nLocale=it-IT\n"));
+    QVERIFY(!QFileInfo::exists(file("first")));
+}
+
+void TestSettingsFiles::aChangeWithoutAFileMakesTheFirst()
+{
+    QCOMPARE(run({setLocale("it-IT"), QStringLiteral("getLocale")}).results,
+             QStringList{QStringLiteral("it-IT")});
+    QCOMPARE(contentOf(file("first")), QByteArray("[24.0]\nLocale=it-IT\n"));
+    QVERIFY(!QFileInfo::exists(file("second")));
+    QCOMPARE(entriesOf(QFileInfo(file("first")).path()), QStringList{QStringLiteral("VORN.conf")});
+}
+
+void TestSettingsFiles::aChangeLeavesTheRestOfTheFileAsItIs()
+{
+    const QByteArray before = "; by hand\r\n[Other]\r\nList=a,b\r\n"
+                              "[24.0]\r\nInstallationDirectory=/opt/Tr\xC3\xA4ger, b\r\nLocale=";
+    const QByteArray after = " ; a comment\r\nRaw=\xFF\xFE\r\n[More]\r\nLocale=xx\r\n";
+    QVERIFY(writeSettings(file("first"), before + "de-DE" + after));
+    run({setLocale("it-IT")});
+    QCOMPARE(contentOf(file("first")), before + "it-IT" + after.mid(1));
+    QCOMPARE(installationDirectory(), QString::fromUtf8("/opt/Tr\xC3\xA4ger, b"));
+}
+
+// Other programs read the settings with QSettings, and without a codec.
+void TestSettingsFiles::aChangeIsReadByQt()
+{
+    const QString locale = QString::fromUtf8("a,b;c\"d\" Tr\xC3\xA4ger \xE6\x97\xA5\\");
+    run({QStringLiteral("setLocale=") + locale});
+    QSettings settings(file("first"), QSettings::NativeFormat);
+    QCOMPARE(settings.value(QStringLiteral("24.0/Locale")).toString(), locale);
+}
+
+// A quotation without an end goes on to the end of the file: whatever is added there becomes part
+// of it.
+void TestSettingsFiles::aDamagedFileLosesNothing()
+{
+    const QByteArray open = "InstallationDirectory=\"/opt/a\n";
+    QVERIFY(writeSettings(file("first"), "[24.0]\n" + open));
+    QCOMPARE(run({setLocale("it-IT"), QStringLiteral("getLocale")}).results,
+             QStringList{QStringLiteral("it-IT")});
+    QCOMPARE(contentOf(file("first")), QByteArray("[24.0]\nLocale=it-IT\n" + open));
+
+    QVERIFY(writeSettings(file("first"), open));
+    QCOMPARE(run({setLocale("it-IT"), QStringLiteral("getLocale")}).results,
+             QStringList{QStringLiteral("en-US")});
+    QCOMPARE(contentOf(file("first")), open);
+}
+
+void TestSettingsFiles::aFileOfMoreThanAMebibyteIsNotRead()
+{
+    const QByteArray settings = "[24.0]\nInstallationDirectory=/opt/a\n;";
+    const int rest = 1024 * 1024 - settings.size();
+    QVERIFY(writeSettings(file("first"), settings + QByteArray(rest, 'x')));
+    QCOMPARE(installationDirectory(), QStringLiteral("/opt/a"));
+    const QByteArray tooLong = settings + QByteArray(rest + 1, 'x');
+    QVERIFY(writeSettings(file("first"), tooLong));
+    QCOMPARE(run({ReadDirectory, setLocale("it-IT")}).results, QStringList{QString()});
+    QCOMPARE(contentOf(file("first")), tooLong);
+}
+
+void TestSettingsFiles::aNewFileCanBeReadByEveryUser()
+{
+    run({setLocale("it-IT")});
+    const QFile::Permissions permissions = QFile::permissions(file("first"));
+    QVERIFY(permissions & QFile::ReadGroup);
+    QVERIFY(permissions & QFile::ReadOther);
+    QVERIFY(!(permissions & QFile::WriteOther));
+}
+
+void TestSettingsFiles::aLinkedFileStaysALink()
+{
+    QVERIFY(writeSettings(folder("target"), "[24.0]\nLocale=de-DE\n"));
+    QVERIFY(QDir().mkpath(QFileInfo(file("first")).path()));
+    QVERIFY(QFile::link(folder("target"), file("first")));
+    run({setLocale("it-IT")});
+    QCOMPARE(QFileInfo(file("first")).symLinkTarget(), folder("target"));
+    QCOMPARE(contentOf(folder("target")), QByteArray("[24.0]\nLocale=it-IT\n"));
+}
+
+QTEST_GUILESS_MAIN(TestSettingsFiles)
+
+#include "tst_settingsfiles.moc"

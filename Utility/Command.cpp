@@ -1,46 +1,80 @@
 #include <Utility/Command.h>
 
+#include <Utility/CommandOutput_p.h>
 #include <Utility/Log.h>
 #include <Utility/Platform/Shell.h>
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
 
-#include <array>
-#include <functional>
-#include <memory>
+#include <algorithm>
+#include <string>
 
 namespace Vorn::Util {
 
 namespace {
 
 constexpr int TimeLimit = 30000; // milliseconds
-constexpr int LineBufferSize = 200;
 
 QString scriptName()
 {
     return QStringLiteral("work.bat");
 }
 
-// Latin-1 although the output is read as UTF-8: callers rely on both.
-void writeScript(const QString &command)
+// False unless the whole script was written: the first half of a command can do harm. Latin-1
+// although the output is read as UTF-8: kept for compatibility, see "Command scripts" in
+// docs/compatibility.md.
+bool writeScript(const QString &command)
 {
     QFile::remove(scriptName());
     QFile script(scriptName());
-    if (script.open(QIODevice::WriteOnly))
-        script.write(command.toLatin1());
+    const QByteArray text = command.toLatin1();
+    const bool isWritten = script.open(QIODevice::WriteOnly) && script.write(text) == text.size();
+    script.close(); // writes what the file still holds in memory
+    return isWritten && script.error() == QFileDevice::NoError;
 }
 
-void runScript(QProcess &process, const Platform::ShellCall &call)
+void startScript(QProcess &process, const Platform::ShellCall &call)
 {
+    process.setStandardErrorFile(QProcess::nullDevice());
     process.start(call.program, call.arguments, QIODevice::ReadWrite);
-    process.waitForFinished(TimeLimit);
 }
 
 void finishScript(QProcess &process)
 {
     process.close(); // stops a command that is still running
     QFile::remove(scriptName());
+}
+
+// Keeps the first bytes that a process prints, at most \a most, and drops the others as they come.
+class KeptOutput
+{
+public:
+    KeptOutput(QProcess &process, qint64 most)
+    {
+        QObject::connect(&process, &QProcess::readyReadStandardOutput, [this, &process, most] {
+            const QByteArray block = process.readAll();
+            const qint64 room = most - static_cast<qint64>(bytes_.size());
+            bytes_.append(block.constData(),
+                          static_cast<std::size_t>(std::min<qint64>(block.size(), room)));
+        });
+    }
+
+    const std::string &bytes() const { return bytes_; }
+
+private:
+    Q_DISABLE_COPY(KeptOutput)
+
+    std::string bytes_;
+};
+
+// QProcess::waitForFinished() may wait longer for a process that prints without a pause.
+void waitForEnd(QProcess &process)
+{
+    const QDeadlineTimer deadline(TimeLimit);
+    while (!deadline.hasExpired()
+           && process.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) { }
 }
 
 void logCall(Log &log, const Platform::ShellCall &call)
@@ -51,35 +85,28 @@ void logCall(Log &log, const Platform::ShellCall &call)
     log.append(line);
 }
 
-using LineHandler = std::function<void(const QString &)>;
-
-// The count is compared before it is raised, so that two lines more than asked for are read, and
-// a read that fails counts as an empty line: callers rely on both.
-void readLines(QProcess &process, int maxLines, const LineHandler &handle)
+QStringList runAndRead(const QString &command, int maxLines, Log *log)
 {
-    std::array<char, LineBufferSize> buffer{};
-    qint64 count = 0;
-    while (process.readLine(buffer.data(), LineBufferSize) != 0) {
-        handle(QString::fromUtf8(buffer.data()));
-        if (count++ > maxLines || process.atEnd())
-            return;
-    }
-}
-
-void runAndRead(const QString &command, int maxLines, Log *log, const LineHandler &handle)
-{
-    writeScript(command);
-    const auto process = std::make_unique<QProcess>();
+    const bool isWritten = writeScript(command);
+    QProcess process;
+    const KeptOutput output(process, neededOutput(maxLines));
     const Platform::ShellCall call = Platform::callOfScript(scriptName());
     if (log)
         logCall(*log, call);
-    runScript(*process, call);
-    readLines(*process, maxLines, [&](const QString &line) {
-        if (log)
+    if (isWritten) {
+        startScript(process, call);
+        waitForEnd(process);
+    }
+    // A process that has not printed yet has no line. One that has ended has an empty one.
+    QStringList lines;
+    if (!output.bytes().empty() || process.state() == QProcess::NotRunning)
+        lines = outputLines(output.bytes(), maxLines);
+    if (log) {
+        for (const QString &line : qAsConst(lines))
             log->append(QStringLiteral(" output:") + line.trimmed());
-        handle(line);
-    });
-    finishScript(*process);
+    }
+    finishScript(process);
+    return lines;
 }
 
 } // namespace
@@ -91,29 +118,27 @@ Command::Command(Log *logFile)
 
 QString Command::run(const QString &command, int maxLines, bool logIt)
 {
-    QString output;
-    runAndRead(command, maxLines, logIt ? log : nullptr,
-               [&output](const QString &line) { output += line; });
-    return output;
+    return runAndRead(command, maxLines, logIt ? log : nullptr).join(QString());
 }
 
 QStringList Command::runL(const QString &command, int maxLines, bool logIt)
 {
-    QStringList lines;
-    runAndRead(command, maxLines, logIt ? log : nullptr,
-               [&lines](const QString &line) { lines.append(line); });
-    return lines;
+    return runAndRead(command, maxLines, logIt ? log : nullptr);
 }
 
 int Command::runQ(const QString &command)
 {
-    writeScript(command);
-    const auto process = std::make_unique<QProcess>();
-    runScript(*process, Platform::callOfScript(scriptName()));
+    const bool isWritten = writeScript(command);
+    QProcess process;
+    if (isWritten) {
+        process.setStandardOutputFile(QProcess::nullDevice());
+        startScript(process, Platform::callOfScript(scriptName()));
+        process.waitForFinished(TimeLimit);
+    }
     // What a process that never started reports as its exit code differs between systems.
-    const bool started = process->error() != QProcess::FailedToStart;
-    const int exitCode = started ? process->exitCode() : 0;
-    finishScript(*process);
+    const bool hasStarted = isWritten && process.error() != QProcess::FailedToStart;
+    const int exitCode = hasStarted ? process.exitCode() : 0;
+    finishScript(process);
     return exitCode;
 }
 
@@ -126,6 +151,8 @@ int Command::runNoWait(const QString &command, bool logIt, const QString &workin
         logCall(*log, call);
     if (!workingDirectory.isEmpty())
         process->setWorkingDirectory(workingDirectory);
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->setStandardErrorFile(QProcess::nullDevice());
     process->start(call.program, call.arguments, QIODevice::ReadWrite);
     return 0;
 }

@@ -6,8 +6,11 @@
 #include <Utility/Command.h>
 #include <Utility/Log.h>
 
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QThread>
 #include <QtTest/QtTest>
 
 #include <limits>
@@ -99,7 +102,8 @@ private Q_SLOTS:
     void aLinkInThePlaceOfTheScriptIsNotFollowed();
     void noScriptIsLeft_data();
     void noScriptIsLeft();
-    void aScriptThatCannotBeWrittenIsIgnored();
+    void withoutItsScriptACommandIsNotRun();
+    void aScriptThatCannotBeDeletedIsOverwritten();
 
     void theCallAndEachTrimmedLineAreLogged();
     void theLinesOfRunLAreLoggedToo();
@@ -113,6 +117,7 @@ private Q_SLOTS:
     void runNoWaitRunsInTheCurrentFolder();
     void runNoWaitRunsInTheGivenFolder();
     void runNoWaitDoesNotWait();
+    void runNoWaitDoesNotHoldUpACommandThatPrints();
     void runNoWaitWritesNoScript();
     void runNoWaitLogsTheCommand();
     void runNoWaitLogsNothingUnlessAsked();
@@ -452,12 +457,30 @@ void tst_Command::noScriptIsLeft()
     QVERIFY(QDir().isEmpty());
 }
 
-void tst_Command::aScriptThatCannotBeWrittenIsIgnored()
+// The results are those of an interpreter that cannot be started.
+void tst_Command::withoutItsScriptACommandIsNotRun()
 {
     QVERIFY(QDir().mkdir(scriptName()));
-    QCOMPARE(Command().run(printCall("text"), 100, false), QString());
-    QCOMPARE(Command().runL(printCall("text"), 100, false), QStringList{QString()});
+    TestLog log;
+    Command command(log);
+    QCOMPARE(command.run(printCall("text"), 100, true), QString());
+    QCOMPARE(command.runL(printCall("text"), 100, true), QStringList{QString()});
+    QCOMPARE(command.runQ(printCall("text")), 0);
+    const QStringList call = QStringList{commandLine()} + texts({" output:"});
+    QCOMPARE(log.lines(), call + call);
     QVERIFY(QFileInfo(scriptName()).isDir());
+}
+
+// On Windows a file that somebody holds open can be written, but not deleted.
+void tst_Command::aScriptThatCannotBeDeletedIsOverwritten()
+{
+    if (!onWindows())
+        QSKIP("tst_readonly shows it with the permissions of a folder");
+    QVERIFY(writeFile(scriptName(), printCall("older").toLatin1() + "\r\n"));
+    QFile other(scriptName());
+    QVERIFY(other.open(QIODevice::ReadOnly));
+    QCOMPARE(Command().run(printCall("newer"), 100, false), QStringLiteral("newer"));
+    QVERIFY(QFile::exists(scriptName()));
 }
 
 void tst_Command::theCallAndEachTrimmedLineAreLogged()
@@ -549,17 +572,32 @@ void tst_Command::runNoWaitRunsInTheGivenFolder()
     QVERIFY(!QFile::exists(QStringLiteral("done.txt")));
 }
 
+// Nobody reads what it prints: this thread's event loop does not run.
+void tst_Command::runNoWaitDoesNotHoldUpACommandThatPrints()
+{
+    const QString script = printLinesCall(50000) + QLatin1Char('\n')
+        + helperCall(QStringLiteral("copy later.bat done.txt"));
+    QVERIFY(writeFile(QStringLiteral("later.bat"), script.toLatin1()));
+    QCOMPARE(Command().runNoWait(scriptCall(QStringLiteral("later.bat")), false, QString()), 0);
+    const QDeadlineTimer deadline(LongestWait);
+    while (!QFile::exists(QStringLiteral("done.txt")) && !deadline.hasExpired())
+        QThread::msleep(5);
+    QVERIFY(QFile::exists(QStringLiteral("done.txt")));
+}
+
 // The command waits for what is done after the call has returned and its object is gone.
 void tst_Command::runNoWaitDoesNotWait()
 {
     const QString script = helperCall(QStringLiteral("wait-for go.txt")) + QLatin1Char('\n')
         + helperCall(QStringLiteral("copy go.txt done.txt"));
     QVERIFY(writeFile(QStringLiteral("later.bat"), script.toLatin1()));
+    QElapsedTimer timer;
+    timer.start();
     {
         Command command;
         QCOMPARE(command.runNoWait(scriptCall(QStringLiteral("later.bat")), false, QString()), 0);
     }
-    QVERIFY(!QFile::exists(QStringLiteral("done.txt")));
+    QVERIFY(timer.elapsed() < LongestWait / 2);
     QVERIFY(writeFile(QStringLiteral("go.new"), "go"));
     QVERIFY(QFile::rename(QStringLiteral("go.new"), QStringLiteral("go.txt")));
     QTRY_COMPARE_WITH_TIMEOUT(contentOf(QStringLiteral("done.txt")), QByteArray("go"), LongestWait);
@@ -599,12 +637,16 @@ void tst_Command::runNoWaitLogsNothingUnlessAsked()
     QCOMPARE(log.lines(), QStringList());
 }
 
+// Commands that were started later have ended when it is asked for the effect of the first.
 void tst_Command::runNoWaitReturnsZeroWhenNothingIsStarted()
 {
     const QString missing = QDir().filePath(QStringLiteral("missing"));
-    QCOMPARE(Command().runNoWait(QStringLiteral("echo 1> done.txt"), false, missing), 0);
-    QVERIFY(!QFile::exists(QStringLiteral("done.txt")));
-    QVERIFY(!QFile::exists(missing));
+    Command command;
+    QCOMPARE(command.runNoWait(QStringLiteral("echo 1> done.txt"), false, missing), 0);
+    QCOMPARE(command.runNoWait(QStringLiteral("echo 2> second.txt"), false, QString()), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("second.txt")), LongestWait);
+    QCOMPARE(command.runQ(helperCall(QStringLiteral("exit 3"))), 3);
+    QCOMPARE(entriesOf(QDir::currentPath()), QStringList{QStringLiteral("second.txt")});
 }
 
 QTEST_GUILESS_MAIN(tst_Command)

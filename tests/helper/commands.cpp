@@ -2,10 +2,14 @@
 
 #include "BinaryStreams.h"
 
+#include <Utility/Command.h>
+
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QThread>
 
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -29,6 +33,31 @@ void waitFor(const QString &fileName)
 {
     for (int waited = 0; waited < LongestWait && !QFile::exists(fileName); waited += 5)
         QThread::msleep(5);
+}
+
+// After \a delay milliseconds, until nobody takes what is printed.
+void printWithoutPause(int delay)
+{
+    constexpr int LongestTime = 12000; // milliseconds
+    QThread::msleep(static_cast<unsigned long>(delay));
+    char line[64];
+    std::memset(line, 'x', sizeof line);
+    line[sizeof line - 1] = '\n';
+    QElapsedTimer timer;
+    timer.start();
+    while (!timer.hasExpired(LongestTime) && std::fwrite(line, sizeof line, 1, stdout) == 1) { }
+}
+
+// Prints how many milliseconds the call took, and what it returned.
+void runCommand(const QString &operation, const QString &text)
+{
+    constexpr int MaxLines = 30;
+    QElapsedTimer timer;
+    timer.start();
+    const QString result = operation == QLatin1String("runQ")
+        ? QString::number(Vorn::Util::Command().runQ(text))
+        : Vorn::Util::Command().run(text, MaxLines, false);
+    print(stdout, QByteArray::number(timer.elapsed()) + ' ' + result.toUtf8());
 }
 
 void waitForEndOfInput()
@@ -64,6 +93,10 @@ bool runCommandBehaviour(const QByteArray &behaviour, const QStringList &argumen
         QFile::copy(first, second);
     } else if (behaviour == "wait-for") {
         waitFor(first);
+    } else if (behaviour == "print-without-pause") {
+        printWithoutPause(first.toInt());
+    } else if (behaviour == "run-command") {
+        runCommand(first, QString::fromUtf8(QByteArray::fromHex(second.toLatin1())));
     } else if (behaviour == "hang") {
         print(stdout, QByteArray::fromHex(first.toLatin1()));
         waitForEndOfInput();

@@ -84,6 +84,8 @@ private Q_SLOTS:
     void withoutAFreeDescriptorTheLogIsStillWritten();
 
     void withoutAFreeDescriptorACommandPrintsNothing();
+    void halfAScriptIsNeverRun_data();
+    void halfAScriptIsNeverRun();
     void withoutAFreeDescriptorTheArchiverGivesFalseAndNoSignal();
 
     void aListFileThatIsNotWrittenWholeEndsTheCompression_data();
@@ -322,6 +324,46 @@ void TestFullDisk::withoutAFreeDescriptorACommandPrintsNothing()
              QStringList({QString(), QString(), QStringLiteral("0"), QStringLiteral("0")}));
     QCOMPARE(left, QStringList());
     QCOMPARE(openDescriptors(), descriptors);
+}
+
+void TestFullDisk::halfAScriptIsNeverRun_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<int>("length");
+    for (const char *operation : {"run", "runL", "runQ"}) {
+        QTest::addRow("%s, a short script", operation) << QString::fromLatin1(operation) << 100;
+        QTest::addRow("%s, a long script", operation) << QString::fromLatin1(operation) << 100000;
+    }
+}
+
+// The first half would be a command of its own.
+void TestFullDisk::halfAScriptIsNeverRun()
+{
+    QFETCH(QString, operation);
+    QFETCH(int, length);
+    const QString start = QDir::currentPath();
+    const TestFolder folder;
+    QVERIFY(QDir::setCurrent(folder.path()));
+    const QString text
+        = QStringLiteral("> run.txt; exit 5 ").leftJustified(length, QLatin1Char('x'));
+    QStringList outcome;
+    bool isSet = false;
+    {
+        const FileSizeLimit limit(length / 2);
+        isSet = limit.isSet();
+        if (operation == QLatin1String("run"))
+            outcome.append(Command().run(text, 100, false));
+        else if (operation == QLatin1String("runL"))
+            outcome = Command().runL(text, 100, false);
+        else
+            outcome.append(QString::number(Command().runQ(text)));
+    }
+    const QStringList left = entriesOf(folder.path());
+    QVERIFY(QDir::setCurrent(start));
+    QVERIFY(isSet);
+    QCOMPARE(outcome,
+             QStringList{operation == QLatin1String("runQ") ? QStringLiteral("0") : QString()});
+    QCOMPARE(left, QStringList());
 }
 
 void TestFullDisk::withoutAFreeDescriptorTheArchiverGivesFalseAndNoSignal()

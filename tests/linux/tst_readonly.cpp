@@ -58,6 +58,9 @@ private Q_SLOTS:
     void oldLogsInSuchAFolderStay();
 
     void aCommandInSuchAFolderPrintsNothing();
+    void aScriptThatCannotBeDeletedIsOverwritten_data();
+    void aScriptThatCannotBeDeletedIsOverwritten();
+    void aScriptThatMayNotBeWrittenIsNotRun();
     void aCommandThatIsNotWaitedForRunsInSuchAFolder();
 
     void theCountsAreTheSystemsAlthoughTheyCannotBeSaved();
@@ -195,9 +198,56 @@ void TestReadOnly::aCommandInSuchAFolderPrintsNothing()
             && command.runL(text, 100, true) == QStringList{QString()};
         return truth(isEmpty) + ' ' + truth(command.runQ(text) == 0);
     });
-    QCOMPARE(outcome, QByteArray("true false"));
+    QCOMPARE(outcome, QByteArray("true true"));
     const QByteArray call = " Command:/bin/sh work.bat\n  output:\n";
     QCOMPARE(contentOf(logName), call + call);
+}
+
+void TestReadOnly::aScriptThatCannotBeDeletedIsOverwritten_data()
+{
+    QTest::addColumn<QByteArray>("older");
+    QTest::newRow("shorter") << QByteArray("echo older\n");
+    QTest::newRow("longer") << QByteArray("echo older\n").repeated(100);
+}
+
+// Its former lines are not run.
+void TestReadOnly::aScriptThatCannotBeDeletedIsOverwritten()
+{
+    QFETCH(QByteArray, older);
+    const QString folder = path(QStringLiteral("scripts"));
+    const QString script = folder + QStringLiteral("/work.bat");
+    QVERIFY(QDir().mkdir(folder));
+    QVERIFY(writeFile(script, older));
+    QVERIFY(QFile::setPermissions(script, OpenFile));
+    QVERIFY(QFile::setPermissions(folder, ReadOnlyFolder));
+    const QByteArray outcome = asOrdinaryUser([&folder] {
+        QDir::setCurrent(folder);
+        return Command().run(QStringLiteral("echo newer"), 100, false).toUtf8();
+    });
+    QVERIFY(QFile::setPermissions(folder, OpenFolder));
+    QCOMPARE(outcome, QByteArray("newer\n"));
+    QCOMPARE(contentOf(script), QByteArray("echo newer"));
+}
+
+// It is somebody else's.
+void TestReadOnly::aScriptThatMayNotBeWrittenIsNotRun()
+{
+    const QString folder = path(QStringLiteral("scripts"));
+    const QString script = folder + QStringLiteral("/work.bat");
+    QVERIFY(QDir().mkdir(folder));
+    QVERIFY(writeFile(script, "echo other\nexit 5"));
+    QVERIFY(QFile::setPermissions(script, QFile::ReadOwner | QFile::ReadOther));
+    QVERIFY(QFile::setPermissions(folder, ReadOnlyFolder));
+    const QByteArray outcome = asOrdinaryUser([&folder] {
+        QDir::setCurrent(folder);
+        const QString text = QStringLiteral("echo mine");
+        return truth(Command().run(text, 100, false).isEmpty()) + ' '
+            + truth(Command().runL(text, 100, false) == QStringList{QString()}) + ' '
+            + QByteArray::number(Command().runQ(text));
+    });
+    QVERIFY(QFile::setPermissions(folder, OpenFolder));
+    QCOMPARE(outcome, QByteArray("true true 0"));
+    QCOMPARE(contentOf(script), QByteArray("echo other\nexit 5"));
 }
 
 void TestReadOnly::aCommandThatIsNotWaitedForRunsInSuchAFolder()

@@ -53,8 +53,11 @@ class SevenZipCommand;
 ///
 /// An entry of an archive whose path leads out of the folder is extracted to another name inside
 /// it; files() holds the name that the archive tells, which then does not exist. Existing files are
-/// overwritten. There is no way to give a password: an operation that needs one ends with
-/// FatalError.
+/// overwritten.
+///
+/// There is no way to give a password, and 7-Zip cannot ask for one. To extract encrypted files or
+/// to list encrypted names is a FatalError. To add files to an encrypted archive fails too, but
+/// some versions end with exit code 255 then, which does not count as an error.
 ///
 /// Of a line of 7-Zip's output the first mebibyte is read.
 ///

@@ -90,7 +90,7 @@ void SevenZipCommand::start()
         QMetaObject::invokeMethod(this, &SevenZipCommand::endRefused, Qt::QueuedConnection);
         return;
     }
-    process_ = new QProcess;
+    process_ = Platform::makeArchiverProcess().release();
     process_->setProcessChannelMode(QProcess::MergedChannels);
     connect(process_, &QProcess::readyReadStandardOutput, this, &SevenZipCommand::readOutput);
     connect(process_, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,

@@ -7,7 +7,7 @@ need g++-mingw-w64-x86-64-posix wine wine64 python3
 cd "$project"
 
 VORNUTILITY_QT_WINDOWS=$(scripts/qt-windows.sh)
-VORNUTILITY_7ZIP_WINDOWS=$(scripts/7zip-windows.sh)
+VORNUTILITY_7ZIP_WINDOWS=$(scripts/test-archivers.sh 7zip-windows)
 export VORNUTILITY_QT_WINDOWS VORNUTILITY_7ZIP_WINDOWS
 
 say "windows-release"

@@ -1,6 +1,7 @@
 #include "FakePlatform.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QProcess>
 
 namespace {
 
@@ -57,6 +58,11 @@ namespace Vorn::Util::Platform {
 Archiver findArchiver(const QString &productFolder)
 {
     return fakePlatform().findArchiver(productFolder);
+}
+
+std::unique_ptr<QProcess> makeArchiverProcess()
+{
+    return std::make_unique<QProcess>();
 }
 
 QString clusterToolCommand(const QString &dir, const QString &options)

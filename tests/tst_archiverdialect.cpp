@@ -121,9 +121,12 @@ void operationRows()
     const QString utf8Console = QStringLiteral("-sccUTF-8");
     const QString noWildcards = QStringLiteral("-spd");
     QTest::newRow("compress") << ArchiverOperation::Compress << QStringList{noWildcards};
+    const QString emptyPassword = QStringLiteral("-p");
     QTest::newRow("extract") << ArchiverOperation::Extract
-                             << QStringList{noWildcards, utf8Console, QStringLiteral("-bb1")};
-    QTest::newRow("list") << ArchiverOperation::List << QStringList{noWildcards, utf8Console};
+                             << QStringList{noWildcards, utf8Console, emptyPassword,
+                                            QStringLiteral("-bb1")};
+    QTest::newRow("list") << ArchiverOperation::List
+                          << QStringList{noWildcards, utf8Console, emptyPassword};
 }
 
 QStringList someArguments()

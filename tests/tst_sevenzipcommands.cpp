@@ -2,6 +2,7 @@
 #include <Utility/System.h>
 
 #include "FakeArchiver.h"
+#include "OwnTempFolder.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
@@ -250,28 +251,12 @@ private Q_SLOTS:
     void aSecondListingStartsWithItsHeader();
 
 private:
-    TestFolder temp_;
+    OwnTempFolder temp_;
 };
 
-// List files go to a folder of their own. It is worked out once per process, so that the tests'
-// other temporary files can lie elsewhere.
 void TestSevenZipCommands::initTestCase()
 {
-    QVERIFY(temp_.isValid());
-    const QString folder = canonical(temp_.path()) + QStringLiteral("/temp");
-    QVERIFY(QDir().mkpath(folder));
-    QList<QPair<const char *, QByteArray>> before;
-    for (const char *variable : {"TMPDIR", "TMP", "TEMP"}) {
-        before.append({variable, qgetenv(variable)});
-        qputenv(variable, QFile::encodeName(QDir::toNativeSeparators(folder)));
-    }
-    QCOMPARE(canonical(System::getTempDirPath()), folder);
-    for (const auto &variable : qAsConst(before)) {
-        if (variable.second.isEmpty())
-            qunsetenv(variable.first);
-        else
-            qputenv(variable.first, variable.second);
-    }
+    QVERIFY(temp_.isUsed());
     QVERIFY(QFile::exists(System::getCurrentExePath() + QStringLiteral("/7z.exe")));
 }
 
@@ -666,7 +651,7 @@ void TestSevenZipCommands::twoCompressionsAtOnceHaveTheirOwnListFiles()
 void TestSevenZipCommands::aLinkToNowhereIsInTheWayOfAListFile()
 {
     const QString link = listFilePath("listfile.tmp");
-    const QString target = temp_.filePath(QStringLiteral("target"));
+    const QString target = temp_.path() + QStringLiteral("/target");
     if (!QFile::link(target, link) || !QFileInfo(link).isSymLink()) {
         QFile::remove(link);
         QSKIP("This system has no links with names of that kind.");
@@ -710,8 +695,8 @@ void TestSevenZipCommands::theListFileIsRemovedAtTheEnd()
 // A folder that is gone cannot be written to by any user.
 void TestSevenZipCommands::aListFileThatCannotBeWrittenStaysOnTheCommandLine()
 {
-    const QString folder = System::getTempDirPath();
-    const QString away = canonical(temp_.path()) + QStringLiteral("/away");
+    const QString folder = temp_.path();
+    const QString away = folder + QStringLiteral(" away");
     FakeArchiver fake;
     fake.exit(2);
     QVERIFY(QDir().rename(folder, away));

@@ -2,6 +2,7 @@
 #include <Utility/System.h>
 
 #include "Noise.h"
+#include "OwnTempFolder.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
@@ -155,6 +156,10 @@ private Q_SLOTS:
     void aDamagedArchiveIsAFatalError();
     void whatIsNoArchiveIsAFatalError();
     void aMissingArchiveIsAFatalError();
+    void withoutItsPasswordAnArchiveIsAFatalError_data();
+    void withoutItsPasswordAnArchiveIsAFatalError();
+    void theNamesInAnEncryptedArchiveAreListed_data();
+    void theNamesInAnEncryptedArchiveAreListed();
     void aFatalErrorDoesNotStay();
 
 private:
@@ -163,12 +168,14 @@ private:
     // Compresses the tree, lists and extracts it, and compares all that is reported.
     void roundTrip(SevenZip &archive, const Tree &tree);
 
+    OwnTempFolder temp_; // of the list files
     std::unique_ptr<TestFolder> folder_;
     QString before_;
 };
 
 void TestSevenZipReal::initTestCase()
 {
+    QVERIFY(temp_.isUsed());
     const bool isBeside = QFile::exists(System::getCurrentExePath() + QStringLiteral("/7z.exe"));
     if (onWindows() && !isBeside)
         QSKIP("There is no 7z.exe beside this program.");
@@ -191,9 +198,7 @@ void TestSevenZipReal::init()
 void TestSevenZipReal::cleanup()
 {
     QCOMPARE(QDir::currentPath(), before_);
-    const QStringList listFiles
-        = QDir(System::getTempDirPath()).entryList({QStringLiteral("listfile*.tmp")});
-    QVERIFY2(listFiles.isEmpty(), "A list file was left behind.");
+    QVERIFY2(QDir(temp_.path()).isEmpty(), "A list file was left behind.");
     folder_.reset();
 }
 
@@ -571,6 +576,44 @@ void TestSevenZipReal::aMissingArchiveIsAFatalError()
     QVERIFY(readTree(path("out")).isEmpty());
     QCOMPARE(listed.size(), 1);
     QCOMPARE(extracted.size(), 1);
+}
+
+void TestSevenZipReal::withoutItsPasswordAnArchiveIsAFatalError_data()
+{
+    QTest::addColumn<QString>("archive");
+    for (const char *archive : {"encrypted.7z", "encrypted-names.7z", "encrypted.zip"})
+        QTest::newRow(archive) << QString::fromLatin1(archive);
+}
+
+void TestSevenZipReal::withoutItsPasswordAnArchiveIsAFatalError()
+{
+    QFETCH(QString, archive);
+    SevenZip unpacker;
+    unpacker.setArchiveFile(QStringLiteral(TEST_DATA "/archives/") + archive);
+    QVERIFY(!unpacker.extractFilesTo(path("out")));
+    QCOMPARE(unpacker.error(), SevenZip::FatalError);
+    QVERIFY(!readTree(path("out")).values().contains("secret text\n")); // empty files may be there
+    if (archive != QLatin1String("encrypted-names.7z"))
+        return;
+    QVERIFY(!unpacker.listFiles());
+    QCOMPARE(unpacker.error(), SevenZip::FatalError);
+}
+
+void TestSevenZipReal::theNamesInAnEncryptedArchiveAreListed_data()
+{
+    QTest::addColumn<QString>("archive");
+    for (const char *archive : {"encrypted.7z", "encrypted.zip"})
+        QTest::newRow(archive) << QString::fromLatin1(archive);
+}
+
+void TestSevenZipReal::theNamesInAnEncryptedArchiveAreListed()
+{
+    QFETCH(QString, archive);
+    SevenZip lister;
+    lister.setArchiveFile(QStringLiteral(TEST_DATA "/archives/") + archive);
+    QVERIFY(lister.listFiles());
+    if (!onWindows()) // the readers know the output of the product's own version only
+        QCOMPARE(lister.files(), (QStringList{QStringLiteral("a.txt"), QStringLiteral("b.txt")}));
 }
 
 void TestSevenZipReal::aFatalErrorDoesNotStay()

@@ -66,6 +66,13 @@ QString plainMethod(const QString &methods)
     return methods;
 }
 
+// The programs end with a fatal error where they would ask for a password otherwise. Compression
+// has no such switch: there it asks for the password that encrypts.
+QString emptyPassword()
+{
+    return QStringLiteral("-p");
+}
+
 QString withoutLineEnd(QString line)
 {
     while (line.endsWith(QLatin1Char('\n')) || line.endsWith(QLatin1Char('\r')))
@@ -83,7 +90,7 @@ QStringList archiverArguments(ArchiverDialect dialect, ArchiverOperation operati
     QStringList all = arguments;
     all << QStringLiteral("-spd"); // names are no wildcards
     if (operation != ArchiverOperation::Compress)
-        all << QStringLiteral("-sccUTF-8");
+        all << QStringLiteral("-sccUTF-8") << emptyPassword();
     if (operation == ArchiverOperation::Extract)
         all << QStringLiteral("-bb1");
     return all;

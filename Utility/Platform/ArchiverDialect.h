@@ -15,7 +15,7 @@ enum class ArchiverDialect {
 };
 
 /// The command line \a arguments with what \a dialect needs to take names as they are, without
-/// wildcards, and to print them, in UTF-8.
+/// wildcards, to print them, in UTF-8, and to ask for no password.
 QStringList archiverArguments(ArchiverDialect dialect, ArchiverOperation operation,
                               const QStringList &arguments);
 

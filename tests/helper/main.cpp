@@ -52,6 +52,8 @@ int main(int argc, char *argv[])
         return sevenZipConvert(arguments);
     if (behaviour == "sevenzip-missing")
         return sevenZipMissing(arguments);
+    if (behaviour == "sevenzip-run")
+        return sevenZipRun(arguments);
     if (behaviour == "system")
         return SystemCalls().run(arguments);
     if (behaviour == "unicode-file")

@@ -5,6 +5,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
@@ -104,6 +105,28 @@ int sevenZipConvert(const QStringList &arguments)
     } else {
         return NoSuchFunction;
     }
+    return EXIT_SUCCESS;
+}
+
+int sevenZipRun(const QStringList &arguments)
+{
+    qputenv("PATH", QFile::encodeName(arguments.value(0)));
+    const QString operation = arguments.value(1);
+    const QString name = arguments.value(3);
+    SevenZip archive;
+    archive.setArchiveFile(arguments.value(2));
+    bool result = false;
+    if (operation == QLatin1String("compress"))
+        result = archive.compressFiles({name});
+    else if (operation == QLatin1String("extract"))
+        result = archive.extractFilesTo(name);
+    else
+        result = archive.listFiles();
+    const QJsonObject report{
+        {QStringLiteral("result"), result},
+        {QStringLiteral("error"), static_cast<int>(archive.error())},
+        {QStringLiteral("files"), QJsonArray::fromStringList(archive.files())}};
+    print(QJsonDocument(report).toJson(QJsonDocument::Compact) + '\n');
     return EXIT_SUCCESS;
 }
 

@@ -4,6 +4,7 @@
 #include "../HelperProgram.h"
 #include "../NumberedLines.h"
 #include "../OtherFileSystem.h"
+#include "../OwnTempFolder.h"
 #include "../TestFiles.h"
 #include "../TestFolder.h"
 #include "../TestMessages.h"
@@ -99,22 +100,13 @@ private Q_SLOTS:
 private:
     TestFolder folder_;
     QString fileName_ = folder_.filePath(QStringLiteral("run.log"));
-    QString lists_;
+    OwnTempFolder temp_; // of the list files
 };
 
-// List files go to a folder of their own, which is worked out once per process.
 void TestFullDisk::initTestCase()
 {
     QVERIFY(folder_.isValid());
-    lists_ = folder_.filePath(QStringLiteral("lists"));
-    QVERIFY(QDir().mkdir(lists_));
-    const QByteArray before = qgetenv("TMPDIR");
-    qputenv("TMPDIR", QFile::encodeName(lists_));
-    QCOMPARE(System::getTempDirPath(), lists_);
-    if (before.isEmpty())
-        qunsetenv("TMPDIR");
-    else
-        qputenv("TMPDIR", before);
+    QVERIFY(temp_.isUsed());
 }
 
 void TestFullDisk::init()
@@ -258,13 +250,13 @@ void TestFullDisk::aTailWhoseLastBytesFindNoRoomDoesNotReplaceTheLog()
     QVERIFY(writeFile(fileName_, log));
     const TestMessages messages;
     const QByteArray before = qgetenv("TMPDIR");
-    qputenv("TMPDIR", QFile::encodeName(lists_));
+    qputenv("TMPDIR", QFile::encodeName(temp_.path()));
     {
         const FileSizeLimit limit(Room + Rest / 2);
         Log(fileName_, Log::NoFileTimeStamp).append(QStringLiteral("lost"));
     }
     const QByteArray content = contentOf(fileName_);
-    const QStringList left = entriesOf(lists_);
+    const QStringList left = entriesOf(temp_.path());
     Log(fileName_, Log::NoFileTimeStamp).append(QStringLiteral("lost"));
     if (before.isEmpty())
         qunsetenv("TMPDIR");
@@ -439,7 +431,7 @@ void TestFullDisk::aListFileThatIsNotWrittenWholeEndsTheCompression()
         QCOMPARE(archive.error(), SevenZip::FatalError);
         QCOMPARE(QDir::currentPath(), before);
         QVERIFY(!fake.wasCalled());
-        QCOMPARE(entriesOf(lists_), QStringList());
+        QCOMPARE(entriesOf(temp_.path()), QStringList());
     }
     archive.setCurrentPath(QString());
     QVERIFY(archive.compressFiles(files)); // there is room again
@@ -473,7 +465,7 @@ void TestFullDisk::anArchiveWithoutAWholeListFileMayBeDestroyed()
     QVERIFY(isGone);
     QVERIFY(!result);
     QVERIFY(!fake.wasCalled());
-    QCOMPARE(entriesOf(lists_), QStringList());
+    QCOMPARE(entriesOf(temp_.path()), QStringList());
 }
 
 // Half an information file could never be read.

@@ -1,10 +1,18 @@
 #include <Utility/Platform/Archiver.h>
 
+#include <QtCore/QProcess>
+
 namespace Vorn::Util::Platform {
 
 Archiver findArchiver(const QString &productFolder)
 {
     return {QStringLiteral("%1/7z.exe").arg(productFolder), ArchiverDialect::Product};
+}
+
+// The archiver reads its standard input only, which is at its end.
+std::unique_ptr<QProcess> makeArchiverProcess()
+{
+    return std::make_unique<QProcess>();
 }
 
 } // namespace Vorn::Util::Platform

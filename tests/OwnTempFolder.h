@@ -1,0 +1,52 @@
+#pragma once
+
+#include "TestFolder.h"
+
+#include <Utility/System.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QVector>
+
+/// The folder of System::getTempDirPath() in this process, for it alone: nobody else's list files
+/// lie there. Make it before the first use of that function, which works the folder out once; the
+/// environment is the same afterwards, so that the tests' other temporary files lie elsewhere.
+class OwnTempFolder
+{
+public:
+    OwnTempFolder()
+        : path_(QDir(folder_.path()).canonicalPath() + QStringLiteral("/temp"))
+    {
+        QDir().mkpath(path_);
+        struct Variable
+        {
+            const char *name;
+            QByteArray before;
+        };
+        QVector<Variable> variables;
+        for (const char *name : {"TMPDIR", "TMP", "TEMP"}) { // of the one system or the other
+            variables.append({name, qgetenv(name)});
+            qputenv(name, QFile::encodeName(QDir::toNativeSeparators(path_)));
+        }
+        isUsed_ = QDir(Vorn::Util::System::getTempDirPath()).canonicalPath() == path_;
+        for (const Variable &variable : qAsConst(variables)) {
+            if (variable.before.isEmpty())
+                qunsetenv(variable.name);
+            else
+                qputenv(variable.name, variable.before);
+        }
+    }
+
+    /// False when the folder could not be made or was worked out before.
+    bool isUsed() const { return isUsed_; }
+
+    QString path() const { return path_; }
+
+private:
+    Q_DISABLE_COPY(OwnTempFolder)
+
+    TestFolder folder_;
+    QString path_;
+    bool isUsed_ = false;
+};

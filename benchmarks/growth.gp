@@ -21,7 +21,10 @@ plot data index 1 using 1:2 with linespoints pt 7
 set title "AsyncTaskProcessor, tasks that finish at once"
 set xlabel "tasks"
 set ylabel "seconds"
-plot data index 2 using 1:2 with linespoints pt 7
+set key left top
+plot data index 2 using 1:2 with linespoints pt 7 title "no parent", \
+    data index 4 using 1:2 with linespoints pt 6 title "the processor as parent"
+unset key
 
 set title "AsyncTaskProcessor, all tasks waiting"
 set xlabel "tasks"

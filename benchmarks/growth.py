@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Turns the figures of "growth" into four tables for gnuplot, one block each."""
+"""Turns the figures of "growth" into five tables for gnuplot, one block each."""
 import collections
 import json
 import statistics
@@ -32,3 +32,4 @@ block("lines", "line", lambda run: run["lines"])
 block("list", "list", seconds)
 block("queue", "queue", seconds)
 block("memory", "queue", lambda run: run["memory"] / 2**20)
+block("tasks born as children", "queueOfChildren", seconds)

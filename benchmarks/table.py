@@ -13,6 +13,7 @@ TARGETS = {
     ("append", "write"): 1.3,
     ("truncation", "copy"): 1.5,
     ("queue", "turns"): 1.6,
+    ("queueOfChildren", "turns"): 1.6,
     ("command", "process"): 1.1,
     ("list", "shell"): 1.1,
     ("compress", "shell"): 1.03,

@@ -19,8 +19,8 @@ constexpr int TaskCount = 100000;
 class QuickTask : public AsyncTask
 {
 public:
-    QuickTask()
-        : AsyncTask(QStringLiteral("quick"), nullptr)
+    explicit QuickTask(QObject *parent)
+        : AsyncTask(QStringLiteral("quick"), parent)
     {
     }
 
@@ -28,24 +28,27 @@ protected:
     void execute() override { setFinished(); }
 };
 
-// Returns the memory, in bytes, that the process took while all tasks waited.
-qint64 runQueue(int count)
+enum Parent { NoParent, Processor };
+
+// Returns the memory, in bytes, that the process took while all tasks waited. The tasks are made
+// with this parent, before they are added.
+qint64 runQueue(int count, Parent parent)
 {
     const qint64 before = Workplace::memory();
     AsyncTaskProcessor processor;
     processor.setExitEventLoopWhenDone(true);
     for (int index = 0; index < count; ++index)
-        processor.addTask(new QuickTask);
+        processor.addTask(new QuickTask(parent == Processor ? &processor : nullptr));
     const qint64 taken = Workplace::memory() - before;
     processor.startLater();
     QCoreApplication::exec();
     return taken;
 }
 
-void queueOwn(benchmark::State &state)
+template <Parent parent> void queueOwn(benchmark::State &state)
 {
     for (auto _ : state)
-        runQueue(TaskCount);
+        runQueue(TaskCount, parent);
 }
 
 // The least that running one object after another from the event loop costs.
@@ -81,10 +84,12 @@ void queueTurns(benchmark::State &state)
     }
 }
 
-void queueOfLength(benchmark::State &state)
+template <Parent parent> void queueOfLength(benchmark::State &state)
 {
-    for (auto _ : state)
-        state.counters["memory"] = static_cast<double>(runQueue(static_cast<int>(state.range(0))));
+    for (auto _ : state) {
+        const qint64 memory = runQueue(static_cast<int>(state.range(0)), parent);
+        state.counters["memory"] = static_cast<double>(memory);
+    }
 }
 
 void commandOwn(benchmark::State &state)
@@ -111,10 +116,22 @@ void commandProcess(benchmark::State &state)
 
 } // namespace
 
-BENCHMARK(queueOwn)->Name("queue/own")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(queueOwn<NoParent>)->Name("queue/own")->Unit(benchmark::kMillisecond)->Iterations(1);
 BENCHMARK(queueTurns)->Name("queue/turns")->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(queueOfLength)
+BENCHMARK(queueOwn<Processor>)
+    ->Name("queueOfChildren/own")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(queueTurns)->Name("queueOfChildren/turns")->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(queueOfLength<NoParent>)
     ->Name("growth/queue")
+    ->RangeMultiplier(10)
+    ->Range(1000, 1000000)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(queueOfLength<Processor>)
+    ->Name("growth/queueOfChildren")
     ->RangeMultiplier(10)
     ->Range(1000, 1000000)
     ->UseRealTime()

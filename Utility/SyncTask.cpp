@@ -33,7 +33,7 @@ void SyncTask::execute()
         return; // the method deleted the task or its processor
     if (called)
         setFinished();
-    else // The missing finished() is deliberate: the run stands still where it was set up wrongly.
+    else // No finished(): see "SyncTask without its method" in docs/compatibility.md.
         setError(QStringLiteral("Unable to run sync task: %1").arg(name()));
 }
 

@@ -21,6 +21,13 @@ public:
     int calls = 0;
 
     Q_INVOKABLE int count() { return ++calls; }
+    Q_INVOKABLE bool failAsBool() { return ++calls < 0; }
+    Q_INVOKABLE int failAsNumber() { return -(++calls); }
+    Q_INVOKABLE QString failAsText()
+    {
+        ++calls;
+        return QStringLiteral("the work went wrong");
+    }
     Q_INVOKABLE void scale(int factor) { calls += factor; }
     Q_INVOKABLE void refine(int levels = 7) { calls += levels; }
     void unknownToTheMetaObject() { ++calls; }
@@ -70,7 +77,9 @@ private Q_SLOTS:
     void everyKindOfMethodWithoutArgumentsIsCalled();
     void aSignalOfTheReceiverIsEmitted();
     void theMethodIsCalledDirectlyAlsoForAReceiverOfAnotherThread();
-    void whatTheMethodDoesDoesNotMatter();
+    void whatTheMethodReturnsDoesNotMatter_data();
+    void whatTheMethodReturnsDoesNotMatter();
+    void theStateInWhichTheMethodLeavesTheTaskIsKept();
     void eachStartCallsTheMethodOnce();
 
     void aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes_data();
@@ -219,16 +228,42 @@ void tst_SyncTask::theMethodIsCalledDirectlyAlsoForAReceiverOfAnotherThread()
     QCOMPARE(finished.count(), 1);
 }
 
-void tst_SyncTask::whatTheMethodDoesDoesNotMatter()
+void tst_SyncTask::whatTheMethodReturnsDoesNotMatter_data()
 {
+    QTest::addColumn<QString>("method");
+    QTest::newRow("false") << QStringLiteral("failAsBool");
+    QTest::newRow("a negative number") << QStringLiteral("failAsNumber");
+    QTest::newRow("an error text") << QStringLiteral("failAsText");
+}
+
+void tst_SyncTask::whatTheMethodReturnsDoesNotMatter()
+{
+    QFETCH(QString, method);
     app::Worker worker;
-    TestTask other(QStringLiteral("other"), idle());
-    worker.work = [&other] { other.setError(QStringLiteral("the work went wrong")); };
-    SyncTask task(&worker, QStringLiteral("update"), nullptr);
+    SyncTask task(&worker, method, nullptr);
+    const QSignalSpy finished(&task, &AsyncTask::finished);
     task.start();
-    QVERIFY(!other.isOk());
+    QCOMPARE(worker.calls, 1);
+    QCOMPARE(finished.count(), 1);
     QVERIFY(task.isOk());
-    QVERIFY(task.error().isEmpty());
+    QCOMPARE(task.error(), QString());
+}
+
+void tst_SyncTask::theStateInWhichTheMethodLeavesTheTaskIsKept()
+{
+    struct OpenTask : SyncTask
+    {
+        using SyncTask::setError;
+        using SyncTask::SyncTask;
+    };
+    app::Worker worker;
+    OpenTask task(&worker, QStringLiteral("update"), nullptr);
+    const QSignalSpy finished(&task, &AsyncTask::finished);
+    worker.work = [&task] { task.setError(QStringLiteral("the work went wrong")); };
+    task.start();
+    QCOMPARE(finished.count(), 1);
+    QVERIFY(!task.isOk());
+    QCOMPARE(task.error(), QStringLiteral("the work went wrong"));
 }
 
 void tst_SyncTask::eachStartCallsTheMethodOnce()

@@ -5,65 +5,37 @@
 #include <Utility/Log.h>
 #include <Utility/System.h>
 
-#include <QtCore/QChildEvent>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
 
 #include <algorithm>
 
+// How the processor survives what signals, monitors and destructors may do:
+// - A task that waits or runs here is connected to forgetTask(), so that tasks_ and currentTask_
+//   hold no task that somebody else has deleted.
+// - The running task is connected to handleFinishedTask(). Who cuts this connection handles the
+// end.
+// - After foreign code has run, a QPointer tells whether the processor and the task are still
+// there.
+
 namespace Vorn::Util {
+
+// What was said of a task. Another task may later have the same address as one that is gone.
+struct AsyncTaskProcessor::CleanUp
+{
+    QPointer<AsyncTask> task;
+    QPointer<AsyncTask> cleanUpTask;
+    QString name; // outlives the clean-up task
+};
 
 namespace {
 
-// The tasks whose end a processor is handling, or that it is deleting, innermost first (a slot may
-// run an event loop of its own): their going is nothing to react to, nor searched in the queue.
-class TaskInHand
-{
-public:
-    TaskInHand(const AsyncTaskProcessor *processor, const QObject *task)
-        : processor_(processor)
-        , task_(task)
-        , outer_(innermost_)
-    {
-        innermost_ = this;
-    }
-    ~TaskInHand() { innermost_ = outer_; }
-
-    static bool holds(const AsyncTaskProcessor *processor, const QObject *task)
-    {
-        const TaskInHand *mark = innermost_;
-        while (mark && (mark->processor_ != processor || mark->task_ != task))
-            mark = mark->outer_;
-        return mark;
-    }
-
-private:
-    Q_DISABLE_COPY(TaskInHand)
-
-    const AsyncTaskProcessor *processor_;
-    const QObject *task_;
-    const TaskInHand *outer_;
-    static thread_local const TaskInHand *innermost_;
-};
-thread_local const TaskInHand *TaskInHand::innermost_ = nullptr;
-
-// Stands for a clean-up task that is gone. It is never queued, so that a jump to it finds nothing,
-// not even a later task at the same address.
-class GoneTask : public AsyncTask
-{
-public:
-    using AsyncTask::AsyncTask;
-
-protected:
-    void execute() override { }
-};
-
-// What a finished task leaves: a slot may delete the task before all of it was used.
+// A slot may delete the finished task before all of this was used.
 struct Result
 {
     explicit Result(const AsyncTask &task)
-        : ok(task.isOk())
-        , ignoreError(task.ignoreError())
+        : isFailure(!task.isOk() && !task.ignoreError())
+        , isOk(task.isOk())
         , error(task.error())
         , elapsedTime(task.elapsedTime())
     {
@@ -72,12 +44,13 @@ struct Result
     QString text() const
     {
         const QString time = System::getElapsedTimeString(elapsedTime);
-        return ok ? QStringLiteral("Task finished in %1").arg(time)
-                  : QStringLiteral("Task finished with errors in %1: error = %2").arg(time, error);
+        return isOk
+            ? QStringLiteral("Task finished in %1").arg(time)
+            : QStringLiteral("Task finished with errors in %1: error = %2").arg(time, error);
     }
 
-    bool ok;
-    bool ignoreError;
+    bool isFailure;
+    bool isOk;
     QString error;
     qint64 elapsedTime;
 };
@@ -89,12 +62,30 @@ AsyncTaskProcessor::AsyncTaskProcessor(QObject *parent)
 {
 }
 
-AsyncTaskProcessor::~AsyncTaskProcessor() = default;
+AsyncTaskProcessor::~AsyncTaskProcessor()
+{
+    // No task may call a slot once the members are gone. The children are deleted later, after the
+    // signal destroyed().
+    if (currentTask_)
+        tasks_.append(currentTask_);
+    for (AsyncTask *task : qAsConst(tasks_)) {
+        const bool isBeingDeleted = !stopWatching(task);
+        if (isBeingDeleted)
+            task->setParent(nullptr); // or it would be deleted again, as a child
+        disconnect(task, nullptr, this, nullptr);
+    }
+}
 
 void AsyncTaskProcessor::addTask(AsyncTask *task)
 {
-    if (!task || (task->parent() == this && (task == currentTask_ || tasks_.contains(task))))
-        return; // a task runs once
+    // A task runs once: the connection is there already while it waits or runs.
+    if (!task
+        || !connect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetTask,
+                    Qt::UniqueConnection))
+        return;
+    const auto cleanUp = cleanUpTasks_.constFind(task);
+    if (cleanUp != cleanUpTasks_.constEnd() && !cleanUp->task)
+        cleanUpTasks_.remove(task); // said of an earlier task at this address
     task->setLog(log_);
     tasks_.append(task);
     task->setParent(this);
@@ -102,14 +93,10 @@ void AsyncTaskProcessor::addTask(AsyncTask *task)
 
 void AsyncTaskProcessor::setCleanUpTask(AsyncTask *task, AsyncTask *cleanUpTask)
 {
-    cleanUpTasks_.insert(task, cleanUpTask);
-    if (!cleanUpTask)
-        return;
-    const QString name = cleanUpTask->name();
-    connect(cleanUpTask, &QObject::destroyed, this, [this, task, cleanUpTask, name] {
-        if (cleanUpTasks_.value(task) == cleanUpTask)
-            cleanUpTasks_.insert(task, new GoneTask(name, this));
-    });
+    if (cleanUpTask)
+        cleanUpTasks_.insert(task, {task, cleanUpTask, cleanUpTask->name()});
+    else
+        cleanUpTasks_.remove(task);
 }
 
 void AsyncTaskProcessor::setExitEventLoopWhenDone(bool exitEventLoopWhenDone)
@@ -144,8 +131,8 @@ void AsyncTaskProcessor::setTaskMonitor(AsyncTaskMonitor *monitor)
 
 bool AsyncTaskProcessor::isFinished() const
 {
-    // The running task is not in the queue, so this is true while the last one runs: callers
-    // count on it.
+    // True while the last task runs: kept for compatibility, see "isFinished() during the last
+    // task" in docs/compatibility.md.
     return tasks_.isEmpty();
 }
 
@@ -170,39 +157,38 @@ void AsyncTaskProcessor::startTaskLater()
 
 void AsyncTaskProcessor::startTaskFromQueue()
 {
-    const bool isSecondStart = currentTask_ || !timer_.isValid();
-    if (isSecondStart)
+    if (currentTask_)
         return;
-    if (tasks_.isEmpty()) { // somebody else deleted the waiting tasks
-        finishRun();
+    if (tasks_.isEmpty()) {
+        finishRun(); // the waiting tasks were deleted
         return;
     }
+    if (!timer_.isValid())
+        timer_.start(); // called without startLater()
     AsyncTask *task = tasks_.takeFirst();
     currentTask_ = task;
     connect(task, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
     connect(task, &AsyncTask::progress, this, &AsyncTaskProcessor::handleProgressFromTask);
-    log(QStringLiteral("Starting task: %1").arg(task->name()));
+    if (log_)
+        log(QStringLiteral("Starting task: %1").arg(task->name()));
 
     const QPointer<AsyncTaskProcessor> self(this);
     const QPointer<AsyncTask> alive(task);
     Q_EMIT started(task);
-    if (self && alive && currentTask_ == task)
+    if (self && alive)
         task->start();
 }
 
 void AsyncTaskProcessor::handleProgressFromTask(const QString &text)
 {
-    if (sender() == currentTask_)
-        Q_EMIT progress(currentTask_, text);
+    Q_EMIT progress(currentTask_, text);
 }
 
-// Every step that calls foreign code may delete the task or this processor.
 void AsyncTaskProcessor::handleFinishedTask()
 {
-    AsyncTask *task = currentTask_;
-    if (!task || sender() != task || TaskInHand::holds(this, task))
+    AsyncTask *const task = currentTask_;
+    if (!task || !takeEnd())
         return;
-    const TaskInHand mark(this, task);
     const QPointer<AsyncTaskProcessor> self(this);
     const QPointer<AsyncTask> alive(task);
     Result result(*task);
@@ -210,107 +196,127 @@ void AsyncTaskProcessor::handleFinishedTask()
     if (!self)
         return;
     if (alive)
-        result = Result(*task);
+        result = Result(*task); // the slots may have changed it
 
-    const bool isFailure = !result.ok && !result.ignoreError;
-    ok_ = ok_ && !isFailure;
-    log(result.text());
-    if (isFailure)
-        stopAfterError();
+    ok_ = ok_ && !result.isFailure;
+    if (log_)
+        log(result.text());
+    if (result.isFailure)
+        stopAfterError(task);
     if (self)
-        stopWhenCanceled();
+        stopWhenCanceled(task);
     if (!self)
         return;
-
-    currentTask_ = nullptr;
-    if (alive)
+    if (alive) {
         deleteTask(task);
-    if (self)
-        goOn();
+        if (!self)
+            return;
+        currentTask_ = nullptr;
+    }
+    goOn();
+}
+
+// Cuts the connection for the end of the current task. False when that end is being handled.
+bool AsyncTaskProcessor::takeEnd()
+{
+    return disconnect(currentTask_, &AsyncTask::finished, this,
+                      &AsyncTaskProcessor::handleFinishedTask);
+}
+
+// False for a task that is being deleted.
+bool AsyncTaskProcessor::stopWatching(AsyncTask *task)
+{
+    return disconnect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetTask);
+}
+
+// The task is the current one or the first in the queue, and stays there meanwhile: see the
+// destructor.
+void AsyncTaskProcessor::deleteTask(AsyncTask *task)
+{
+    stopWatching(task);
+    delete task;
 }
 
 void AsyncTaskProcessor::goOn()
 {
-    if (tasks_.isEmpty())
-        finishRun();
-    else
+    if (!tasks_.isEmpty())
         startTaskLater();
+    else if (!currentTask_)
+        finishRun();
 }
 
-void AsyncTaskProcessor::stopAfterError()
+void AsyncTaskProcessor::stopAfterError(AsyncTask *task)
 {
     if (!exitOnError_ || stopping_)
         return;
     stopping_ = true;
-    if (AsyncTask *cleanUpTask = cleanUpTasks_.value(currentTask_))
-        skipToCleanUpTask(cleanUpTask);
-    else
-        tasks_.clear(); // the dropped tasks live on as children
+    if (cleanUpTasks_.contains(task)) {
+        skipToCleanUpTask(task);
+        return;
+    }
+    for (AsyncTask *dropped : qAsConst(tasks_))
+        stopWatching(dropped);
+    tasks_.clear(); // the dropped tasks live on as children
 }
 
-void AsyncTaskProcessor::stopWhenCanceled()
+void AsyncTaskProcessor::stopWhenCanceled(AsyncTask *task)
 {
     const QPointer<AsyncTaskProcessor> self(this);
     if (!monitor_ || !monitor_->isCanceled() || !self || stopping_)
         return;
     stopping_ = true;
     log(QStringLiteral("Task processing has been canceled"));
-    // Unlike an error, a cancel without a clean-up task leaves the queue as it is and the remaining
-    // tasks run: callers count on it.
-    if (AsyncTask *cleanUpTask = cleanUpTasks_.value(currentTask_))
-        skipToCleanUpTask(cleanUpTask);
+    // Unlike an error, a cancel without a clean-up task leaves the queue as it is: kept for
+    // compatibility, see "Cancel without a clean-up task" in docs/compatibility.md.
+    if (cleanUpTasks_.contains(task))
+        skipToCleanUpTask(task);
 }
 
-void AsyncTaskProcessor::skipToCleanUpTask(AsyncTask *cleanUpTask)
+void AsyncTaskProcessor::skipToCleanUpTask(AsyncTask *task)
 {
-    log(QStringLiteral("Skipping to clean-up task: %1").arg(cleanUpTask->name()));
-    skipToTask(cleanUpTask);
-}
-
-void AsyncTaskProcessor::skipToTask(AsyncTask *target)
-{
+    const CleanUp cleanUp = cleanUpTasks_.value(task);
+    if (log_)
+        log(QStringLiteral("Skipping to clean-up task: %1").arg(cleanUp.name));
     const QPointer<AsyncTaskProcessor> self(this);
-    while (self && !tasks_.isEmpty() && tasks_.first() != target)
-        deleteTask(tasks_.takeFirst());
+    while (self && !tasks_.isEmpty() && tasks_.first() != cleanUp.cleanUpTask) {
+        deleteTask(tasks_.first());
+        if (self)
+            tasks_.removeFirst();
+    }
 }
 
 void AsyncTaskProcessor::finishRun()
 {
-    log(QStringLiteral("Finished processing tasks in %1")
-            .arg(System::getElapsedTimeString(timer_.elapsed())));
-    timer_.invalidate(); // the run is over
+    if (!timer_.isValid())
+        return; // a start that was left over when the run ended
+    if (log_)
+        log(QStringLiteral("Finished processing tasks in %1")
+                .arg(System::getElapsedTimeString(timer_.elapsed())));
+    timer_.invalidate();
     if (exitEventLoopWhenDone_)
         QCoreApplication::exit(ok_ ? 0 : 1);
 }
 
-void AsyncTaskProcessor::deleteTask(AsyncTask *task)
-{
-    const TaskInHand mark(this, task);
-    task->setParent(nullptr); // its destructor may delete this processor
-    delete task;
-}
-
-void AsyncTaskProcessor::childEvent(QChildEvent *event)
-{
-    if (event->removed() && !TaskInHand::holds(this, event->child()))
-        forgetTask(event->child());
-}
-
-// The task was deleted, or given another parent, by somebody else: only its address is of use.
+// Somebody else is deleting this task, of which only the QObject is left.
 void AsyncTaskProcessor::forgetTask(QObject *task)
 {
     if (task != currentTask_) {
-        const auto isTask = [task](const AsyncTask *queued) { return queued == task; };
-        tasks_.erase(std::remove_if(tasks_.begin(), tasks_.end(), isTask), tasks_.end());
+        const auto queued = std::find(tasks_.begin(), tasks_.end(), task);
+        if (queued != tasks_.end())
+            tasks_.erase(queued);
         return;
     }
-    const QPointer<AsyncTaskProcessor> self(this);
-    ok_ = false;
-    stopAfterError();
-    if (!self)
-        return;
+    stopWatching(currentTask_);
+    if (takeEnd()) {
+        ok_ = false;
+        const QPointer<AsyncTaskProcessor> self(this);
+        stopAfterError(currentTask_);
+        if (!self)
+            return;
+        currentTask_ = nullptr;
+        goOn();
+    }
     currentTask_ = nullptr;
-    goOn();
 }
 
 void AsyncTaskProcessor::log(const QString &text)

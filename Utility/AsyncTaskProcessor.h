@@ -35,12 +35,24 @@ class Log;
 /// task, jumps to it; a cancel jumps to the clean-up task, but without one lets the remaining
 /// tasks run. After the first stop neither happens again.
 ///
-/// Ownership: the processor owns the tasks added to it and deletes each when it has finished. A
-/// waiting task that the caller deletes or gives another parent leaves the queue; a running one
-/// counts as failed. The log and the monitor are not owned and may be null. A processor is meant
-/// for one run.
+/// Ownership: addTask() makes the processor the parent of the task. The processor deletes
+/// - a finished task, right after the slots of finished() have run;
+/// - the tasks that a jump to a clean-up task skips, without starting them;
+/// - all other tasks when it is destroyed itself. Tasks that an error drops from the queue live
+///   until then.
+///
+/// A task that gets another parent stays in the queue: the processor runs it and deletes it all the
+/// same. The caller may delete a task: a waiting one leaves the queue, the running one counts as
+/// failed, without a line in the log. Do not emit finished() in the destructor of a running task
+/// that the caller deletes: the processor would delete the task a second time.
+///
+/// Slots of the signals, the monitor, and the destructors of tasks may delete the processor. The
+/// log and the monitor are not owned and may be null. A processor is meant for one run.
 ///
 /// Thread: everything happens in the thread of the event loop that owns the processor.
+///
+/// Cost: about 560 bytes for each waiting task with a short name, two thirds of it for noticing
+/// that the task is deleted.
 class VORNUTILITY_EXPORT AsyncTaskProcessor : public QObject
 {
     Q_OBJECT
@@ -50,12 +62,13 @@ public:
     ~AsyncTaskProcessor() override;
 
     /// Appends a task, gives it the current log and takes ownership. Null is ignored, and so is a
-    /// task that waits or runs here already.
+    /// task that waits or runs here already. A task that an error has dropped may be added again.
     void addTask(Vorn::Util::AsyncTask *task);
 
-    /// Names the task to jump to when \a task fails or the run is cancelled after it. It has to
-    /// be queued after \a task: a jump to one that is not in the queue deletes the whole queue. The
-    /// entry is kept for the address of \a task, also when the task is gone.
+    /// Names the task to jump to when \a task fails or the run is cancelled after it; null for
+    /// none. A later call replaces the name. The clean-up task has to be queued after \a task: a
+    /// jump to one that is not in the queue, or was deleted, deletes the whole queue, and nothing
+    /// more runs.
     void setCleanUpTask(Vorn::Util::AsyncTask *task, Vorn::Util::AsyncTask *cleanUpTask);
 
     /// Whether the end of the run ends the application's event loop, with 0 or 1. Off at first.
@@ -89,9 +102,6 @@ Q_SIGNALS:
     void finished(Vorn::Util::AsyncTask *task);
     void progress(Vorn::Util::AsyncTask *task, const QString &text);
 
-protected:
-    void childEvent(QChildEvent *event) override;
-
 private Q_SLOTS:
     void startTaskFromQueue();
     void handleFinishedTask();
@@ -100,16 +110,19 @@ private Q_SLOTS:
 private:
     Q_DISABLE_COPY(AsyncTaskProcessor)
 
+    struct CleanUp;
+
     void startTaskLater();
     void log(const QString &text);
-    void goOn();
-    void stopAfterError();
-    void stopWhenCanceled();
-    void skipToCleanUpTask(AsyncTask *cleanUpTask);
-    void skipToTask(AsyncTask *target);
-    void finishRun();
-    void deleteTask(AsyncTask *task);
+    bool takeEnd();
+    bool stopWatching(AsyncTask *task);
     void forgetTask(QObject *task);
+    void deleteTask(AsyncTask *task);
+    void stopAfterError(AsyncTask *task);
+    void stopWhenCanceled(AsyncTask *task);
+    void skipToCleanUpTask(AsyncTask *task);
+    void goOn();
+    void finishRun();
 
     Log *log_ = nullptr;
     AsyncTaskMonitor *monitor_ = nullptr;
@@ -117,8 +130,8 @@ private:
     bool exitOnError_ = true;
     QList<AsyncTask *> tasks_; // without the running one
     QElapsedTimer timer_;
-    AsyncTask *currentTask_ = nullptr;
-    QMap<AsyncTask *, AsyncTask *> cleanUpTasks_;
+    AsyncTask *currentTask_ = nullptr; // until it is deleted
+    QMap<AsyncTask *, CleanUp> cleanUpTasks_;
     bool stopping_ = false;
     bool ok_ = true;
 };

@@ -1,0 +1,246 @@
+#include <Utility/AsyncTaskProcessor.h>
+
+#include "TestQueue.h"
+
+#include <QtTest/QtTest>
+
+class tst_AsyncTaskCancel : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aCancelWithoutACleanUpTaskIsLoggedAndTheQueueGoesOn();
+    void aCancelSkipsToTheCleanUpTask();
+    void aCancelWithACleanUpTaskOutsideTheQueueDeletesTheWholeQueue();
+    void aCancelAfterTheSecondTaskSkipsToItsCleanUpTask();
+    void theMonitorIsAskedAfterEveryTask();
+    void theMonitorIsAskedAfterTheResultIsLoggedWhileTheTaskIsThere();
+    void aMonitorThatChangesItsMindIsObeyedOnce();
+    void afterACancelAnErrorDoesNotStopTheQueue();
+    void afterAnErrorStopACancelIsNotLogged();
+    void afterAnErrorThatDidNotStopACancelCounts();
+    void anErrorAndACancelTogetherAreAnErrorStop();
+    void aMonitorThatIsTakenAwayIsNotAsked();
+};
+
+void tst_AsyncTaskCancel::aCancelWithoutACleanUpTaskIsLoggedAndTheQueueGoesOn()
+{
+    Queue queue;
+    TestMonitor monitor({true});
+    queue.processor.setTaskMonitor(&monitor);
+    queue.add("A");
+    queue.add("B");
+    queue.add("C");
+    QCOMPARE(queue.run(), 0);
+    QVERIFY(queue.processor.isOk());
+    QCOMPARE(
+        queue.lines(),
+        texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
+               "Task processing has been canceled", "Starting task: B", "Task finished in TIME",
+               "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::aCancelSkipsToTheCleanUpTask()
+{
+    Queue queue;
+    TestMonitor monitor({true});
+    queue.processor.setTaskMonitor(&monitor);
+    const QPointer<TestTask> a = queue.add("A");
+    const QPointer<TestTask> b = queue.add("B");
+    queue.processor.setCleanUpTask(a, queue.add("C"));
+    QCOMPARE(queue.run(), 0);
+    QVERIFY(!b);
+    QVERIFY(queue.processor.isOk());
+    QCOMPARE(queue.journal, texts({"started A", "finished A", "started C", "finished C"}));
+    QCOMPARE(
+        queue.lines(),
+        texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
+               "Task processing has been canceled", "Skipping to clean-up task: C",
+               "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::aCancelWithACleanUpTaskOutsideTheQueueDeletesTheWholeQueue()
+{
+    Queue queue;
+    TestMonitor monitor({true});
+    queue.processor.setTaskMonitor(&monitor);
+    TestTask outside(QStringLiteral("outside"), idle());
+    const QPointer<TestTask> a = queue.add("A");
+    const QPointer<TestTask> b = queue.add("B");
+    queue.processor.setCleanUpTask(a, &outside);
+    QCOMPARE(queue.run(), 0);
+    QVERIFY(!b);
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
+                    "Task processing has been canceled", "Skipping to clean-up task: outside",
+                    "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::aCancelAfterTheSecondTaskSkipsToItsCleanUpTask()
+{
+    Queue queue;
+    TestMonitor monitor({false, true});
+    queue.processor.setTaskMonitor(&monitor);
+    const QPointer<TestTask> a = queue.add("A");
+    const QPointer<TestTask> b = queue.add("B");
+    const QPointer<TestTask> c = queue.add("C");
+    const QPointer<TestTask> d = queue.add("D");
+    queue.processor.setCleanUpTask(a, c);
+    queue.processor.setCleanUpTask(b, d);
+    QCOMPARE(queue.run(), 0);
+    QVERIFY(!c);
+    QCOMPARE(monitor.asked, 3);
+    QCOMPARE(
+        queue.lines(),
+        texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
+               "Starting task: B", "Task finished in TIME", "Task processing has been canceled",
+               "Skipping to clean-up task: D", "Starting task: D", "Task finished in TIME",
+               "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::theMonitorIsAskedAfterEveryTask()
+{
+    Queue queue;
+    queue.processor.setExitOnError(false);
+    TestMonitor monitor({false, true});
+    queue.processor.setTaskMonitor(&monitor);
+    QStringList asked;
+    monitor.whenAsked = [&] { asked.append(queue.journal.last()); };
+    queue.add("A");
+    queue.add("B", fail());
+    queue.add("C", fail())->setIgnoreError(true);
+    queue.add("D");
+    QCOMPARE(queue.run(), 1);
+    QCOMPARE(asked, texts({"finished A", "finished B", "finished C", "finished D"}));
+}
+
+void tst_AsyncTaskCancel::theMonitorIsAskedAfterTheResultIsLoggedWhileTheTaskIsThere()
+{
+    Queue queue;
+    TestMonitor monitor({false});
+    queue.processor.setTaskMonitor(&monitor);
+    const QPointer<TestTask> task = queue.add("A", fail());
+    bool isThere = false;
+    bool ok = true;
+    QString lastLine;
+    monitor.whenAsked = [&] {
+        isThere = task;
+        ok = queue.processor.isOk();
+        lastLine = queue.lines().last();
+    };
+    QCOMPARE(queue.run(), 1);
+    QVERIFY(isThere);
+    QVERIFY(!ok);
+    QCOMPARE(lastLine, QStringLiteral("Task finished with errors in TIME: error = broken"));
+}
+
+void tst_AsyncTaskCancel::aMonitorThatChangesItsMindIsObeyedOnce()
+{
+    Queue queue;
+    TestMonitor monitor({true, false, true});
+    queue.processor.setTaskMonitor(&monitor);
+    queue.add("A");
+    queue.add("B");
+    const QPointer<TestTask> c = queue.add("C");
+    queue.add("D");
+    queue.processor.setCleanUpTask(c, queue.add("E"));
+    QCOMPARE(queue.run(), 0);
+    QCOMPARE(monitor.asked, 5);
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
+                    "Task processing has been canceled", "Starting task: B",
+                    "Task finished in TIME", "Starting task: C", "Task finished in TIME",
+                    "Starting task: D", "Task finished in TIME", "Starting task: E",
+                    "Task finished in TIME", "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::afterACancelAnErrorDoesNotStopTheQueue()
+{
+    Queue queue;
+    TestMonitor monitor({true});
+    queue.processor.setTaskMonitor(&monitor);
+    queue.add("A");
+    const QPointer<TestTask> b = queue.add("B", fail());
+    queue.add("C");
+    queue.processor.setCleanUpTask(b, queue.add("D"));
+    QCOMPARE(queue.run(), 1);
+    QVERIFY(!queue.processor.isOk());
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
+                    "Task processing has been canceled", "Starting task: B",
+                    "Task finished with errors in TIME: error = broken", "Starting task: C",
+                    "Task finished in TIME", "Starting task: D", "Task finished in TIME",
+                    "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::afterAnErrorStopACancelIsNotLogged()
+{
+    Queue queue;
+    TestMonitor monitor({false, true});
+    queue.processor.setTaskMonitor(&monitor);
+    const QPointer<TestTask> a = queue.add("A", fail());
+    const QPointer<TestTask> c = queue.add("C");
+    queue.add("D");
+    queue.processor.setCleanUpTask(a, c);
+    queue.processor.setCleanUpTask(c, queue.add("E"));
+    QCOMPARE(queue.run(), 1);
+    QCOMPARE(monitor.asked, 4);
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A",
+                    "Task finished with errors in TIME: error = broken",
+                    "Skipping to clean-up task: C", "Starting task: C", "Task finished in TIME",
+                    "Starting task: D", "Task finished in TIME", "Starting task: E",
+                    "Task finished in TIME", "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::afterAnErrorThatDidNotStopACancelCounts()
+{
+    Queue queue;
+    queue.processor.setExitOnError(false);
+    TestMonitor monitor({true});
+    queue.processor.setTaskMonitor(&monitor);
+    const QPointer<TestTask> a = queue.add("A", fail());
+    queue.add("B");
+    queue.processor.setCleanUpTask(a, queue.add("C"));
+    QCOMPARE(queue.run(), 1);
+    QCOMPARE(
+        queue.lines(),
+        texts({"Start processing tasks", "Starting task: A",
+               "Task finished with errors in TIME: error = broken",
+               "Task processing has been canceled", "Skipping to clean-up task: C",
+               "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::anErrorAndACancelTogetherAreAnErrorStop()
+{
+    Queue queue;
+    TestMonitor monitor({true});
+    queue.processor.setTaskMonitor(&monitor);
+    queue.add("A", fail());
+    const QPointer<TestTask> b = queue.add("B");
+    QCOMPARE(queue.run(), 1);
+    QVERIFY(b);
+    QCOMPARE(monitor.asked, 1);
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A",
+                    "Task finished with errors in TIME: error = broken",
+                    "Finished processing tasks in TIME"}));
+}
+
+void tst_AsyncTaskCancel::aMonitorThatIsTakenAwayIsNotAsked()
+{
+    Queue queue;
+    TestMonitor monitor({true});
+    queue.processor.setTaskMonitor(&monitor);
+    queue.processor.setTaskMonitor(nullptr);
+    queue.add("A");
+    QCOMPARE(queue.run(), 0);
+    QCOMPARE(monitor.asked, 0);
+    QCOMPARE(queue.lines(),
+             texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
+                    "Finished processing tasks in TIME"}));
+}
+
+QTEST_GUILESS_MAIN(tst_AsyncTaskCancel)
+
+#include "tst_asynctaskcancel.moc"

@@ -14,24 +14,49 @@ class Log;
 /// of the event loop, and announces its end with finished().
 ///
 /// \code
-/// class Download : public AsyncTask
+/// class RunProgram : public AsyncTask
 /// {
-///     void execute() override
+/// public:
+///     RunProgram(const QString &program, const QStringList &arguments)
+///         : AsyncTask(QStringLiteral("Run %1").arg(program), nullptr)
 ///     {
-///         connect(&reply_, &Reply::done, this, [this] {
-///             if (reply_.failed())
-///                 setError(reply_.errorText());
-///             setFinished();
-///         });
-///         reply_.start();
+///         process_.setProgram(program);
+///         process_.setArguments(arguments);
+///         // setFinished() deletes this task and process_ with it. This must not happen inside a
+///         // signal of process_, so the connections are queued.
+///         connect(&process_, &QProcess::errorOccurred, this, &RunProgram::end,
+///                 Qt::QueuedConnection);
+///         connect(&process_, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
+///                 this, &RunProgram::end, Qt::QueuedConnection);
 ///     }
-///     ...
+///
+/// protected:
+///     void execute() override { process_.start(); }
+///
+/// private:
+///     void end()
+///     {
+///         if (process_.state() != QProcess::NotRunning)
+///             return; // an error before the end
+///         if (process_.error() != QProcess::UnknownError)
+///             setError(process_.errorString());
+///         else if (process_.exitCode() != 0)
+///             setError(QStringLiteral("Exit code %1").arg(process_.exitCode()));
+///         setFinished();
+///     }
+///
+///     QProcess process_;
 /// };
-/// processor.addTask(new Download("Download", nullptr));
 /// \endcode
 ///
 /// Ownership: once added, a task belongs to its processor, which deletes it inside finished().
-/// A task therefore does nothing after setFinished(). A task runs at most once.
+/// - Do not use a task after calling setFinished().
+/// - A member of the task dies with it. When the end of its work is a signal of a member, use a
+///   queued connection as above, or keep the object outside of the task and hand it to
+///   deleteLater(). A direct connection to a slot that calls setFinished() destroys the member
+///   inside its own signal, and the program crashes.
+///
+/// A task runs at most once.
 ///
 /// Thread: that of the processor's event loop. A failure is an error text, never an exception.
 class VORNUTILITY_EXPORT AsyncTask : public QObject

@@ -1,7 +1,10 @@
 #include <Utility/AsyncTask.h>
 
+#include <Utility/AsyncTaskProcessor.h>
 #include <Utility/Log.h>
 
+#include "HelperProgram.h"
+#include "RunProgram.h"
 #include "TestLog.h"
 #include "TestTask.h"
 
@@ -10,6 +13,7 @@
 #include <memory>
 
 using Vorn::Util::AsyncTask;
+using Vorn::Util::AsyncTaskProcessor;
 using Vorn::Util::Log;
 
 namespace {
@@ -61,6 +65,11 @@ private Q_SLOTS:
 
     void aTaskMayBeDeletedInsideItsFinishedSignal();
     void aTaskIsDestroyedThroughItsBase();
+
+    // the example in the header
+    void theExampleIsTheOneTestedHere();
+    void theExampleEndsSafelyHoweverTheProgramEnds_data();
+    void theExampleEndsSafelyHoweverTheProgramEnds();
 };
 
 void tst_AsyncTask::aNewTaskHasItsNameAndTheDefaults()
@@ -343,6 +352,59 @@ void tst_AsyncTask::aTaskIsDestroyedThroughItsBase()
     QCOMPARE(held.use_count(), 2L);
     std::unique_ptr<AsyncTask>(task).reset();
     QCOMPARE(held.use_count(), 1L);
+}
+
+void tst_AsyncTask::theExampleIsTheOneTestedHere()
+{
+    // The class in a file, without the marks of a comment and the line breaks.
+    const auto exampleIn = [](const QString &name) {
+        QFile file(QFINDTESTDATA(name));
+        if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+            qFatal("Cannot read %s", qPrintable(name));
+        const QString text = QString::fromUtf8(file.readAll()).remove(QStringLiteral("///"));
+        const int start = text.indexOf(QLatin1String("class RunProgram"));
+        const QString end = QStringLiteral("QProcess process_;");
+        return text.mid(start, text.indexOf(end) + end.size() - start).simplified();
+    };
+    const QString tested = exampleIn(QStringLiteral("RunProgram.h"));
+    QVERIFY(tested.contains(QLatin1String("Qt::QueuedConnection")));
+    QCOMPARE(exampleIn(QStringLiteral("../Utility/AsyncTask.h")), tested);
+}
+
+void tst_AsyncTask::theExampleEndsSafelyHoweverTheProgramEnds_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<bool>("succeeds");
+    const QString helper = helperProgram();
+    QTest::newRow("it succeeds") << helper << texts({"exit", "0"}) << true;
+    QTest::newRow("it fails") << helper << texts({"exit", "3"}) << false;
+    QTest::newRow("it does not start")
+        << QStringLiteral("no-such-program") << QStringList() << false;
+}
+
+void tst_AsyncTask::theExampleEndsSafelyHoweverTheProgramEnds()
+{
+    QFETCH(QString, program);
+    QFETCH(QStringList, arguments);
+    QFETCH(bool, succeeds);
+    TestLog log;
+    AsyncTaskProcessor processor;
+    processor.setLog(log);
+    processor.setExitEventLoopWhenDone(true);
+    const QPointer<AsyncTask> task = new RunProgram(program, arguments);
+    processor.addTask(task);
+    processor.startLater();
+    QCOMPARE(QCoreApplication::exec(), succeeds ? 0 : 1);
+    QVERIFY(!task);
+    const QString end = log.linesWithoutTimes().at(2);
+    if (succeeds)
+        QCOMPARE(end, QStringLiteral("Task finished in TIME"));
+    else if (arguments.isEmpty())
+        QVERIFY2(end.size() > QStringLiteral("Task finished with errors in TIME: error = ").size(),
+                 qPrintable(end));
+    else
+        QCOMPARE(end, QStringLiteral("Task finished with errors in TIME: error = Exit code 3"));
 }
 
 QTEST_GUILESS_MAIN(tst_AsyncTask)

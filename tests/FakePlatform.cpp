@@ -30,6 +30,12 @@ FakePlatform::FakePlatform()
     , replaceFile([](const QString &source, const QString &target) {
         return (!QFile::exists(target) || QFile::remove(target)) && QFile::rename(source, target);
     })
+    , moveFile([](const QString &source, const QString &target) {
+        return fakePlatform().replaceFile(source, target)
+            ? Vorn::Util::Platform::MoveOutcome::Moved
+            : Vorn::Util::Platform::MoveOutcome::Failed;
+    })
+    , openFolderTree(always(nullptr))
     , commonApplicationDataFolder(always(QString()))
     , publicDocumentsRoot(always(QString()))
     , userDataRoot(always(QString()))
@@ -93,6 +99,16 @@ QString environmentVariable(const char *name)
 bool replaceFile(const QString &source, const QString &target)
 {
     return fakePlatform().replaceFile(source, target);
+}
+
+MoveOutcome moveFile(const QString &source, const QString &target)
+{
+    return fakePlatform().moveFile(source, target);
+}
+
+std::unique_ptr<FolderTree> openFolderTree(const QString &path)
+{
+    return fakePlatform().openFolderTree(path);
 }
 
 QString commonApplicationDataFolder(const QString &maker)

@@ -6,6 +6,7 @@
 #include <Utility/Platform/Drives.h>
 #include <Utility/Platform/Environment.h>
 #include <Utility/Platform/Files.h>
+#include <Utility/Platform/FolderTree.h>
 #include <Utility/Platform/Folders.h>
 #include <Utility/Platform/Processes.h>
 #include <Utility/Platform/Processors.h>
@@ -17,7 +18,7 @@
 #include <functional>
 
 /// An operating system that a test sets up: what each function of Utility/Platform does. At first
-/// nothing is there and everything fails, but files can be replaced.
+/// nothing is there and everything fails, but files can be replaced and moved.
 struct FakePlatform
 {
     template <typename Result, typename... Arguments>
@@ -32,6 +33,8 @@ struct FakePlatform
     Function<QString, const QString &> driveTarget;
     Function<QString, const char *> environmentVariable;
     Function<bool, const QString &, const QString &> replaceFile;
+    Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
+    Function<std::unique_ptr<Vorn::Util::Platform::FolderTree>, const QString &> openFolderTree;
     Function<QString, const QString &> commonApplicationDataFolder;
     Function<QString, const QString &> publicDocumentsRoot;
     Function<QString> userDataRoot;

@@ -9,4 +9,15 @@ namespace Vorn::Util::Platform {
 /// done, for instance because the two lie on different file systems.
 bool replaceFile(const QString &source, const QString &target);
 
+/// What came of a move. Nothing has changed unless it is Moved.
+enum class MoveOutcome {
+    Moved,
+    OtherFileSystem, ///< the two paths lie on different file systems
+    Failed
+};
+
+/// Moves \a source to \a target in one step, in the place of a file that lies there. A link is
+/// moved or replaced itself, not what it leads to. A folder takes the place of nothing.
+MoveOutcome moveFile(const QString &source, const QString &target);
+
 } // namespace Vorn::Util::Platform

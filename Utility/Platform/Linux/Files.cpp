@@ -2,6 +2,7 @@
 
 #include <QtCore/QFile>
 
+#include <cerrno>
 #include <cstdio>
 
 namespace Vorn::Util::Platform {
@@ -10,6 +11,14 @@ bool replaceFile(const QString &source, const QString &target)
 {
     return std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData())
         == 0;
+}
+
+MoveOutcome moveFile(const QString &source, const QString &target)
+{
+    if (std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData())
+        == 0)
+        return MoveOutcome::Moved;
+    return errno == EXDEV ? MoveOutcome::OtherFileSystem : MoveOutcome::Failed;
 }
 
 } // namespace Vorn::Util::Platform

@@ -13,4 +13,17 @@ bool replaceFile(const QString &source, const QString &target)
     return MoveFileExW(wide(from), wide(to), MOVEFILE_REPLACE_EXISTING) != FALSE;
 }
 
+MoveOutcome moveFile(const QString &source, const QString &target)
+{
+    const QString from = longForm(source);
+    const QString to = longForm(target);
+    const DWORD attributes = GetFileAttributesW(wide(from));
+    const bool isFolder
+        = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+    if (MoveFileExW(wide(from), wide(to), isFolder ? 0 : MOVEFILE_REPLACE_EXISTING))
+        return MoveOutcome::Moved;
+    return GetLastError() == ERROR_NOT_SAME_DEVICE ? MoveOutcome::OtherFileSystem
+                                                   : MoveOutcome::Failed;
+}
+
 } // namespace Vorn::Util::Platform

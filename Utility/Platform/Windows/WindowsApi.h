@@ -23,7 +23,10 @@
 
 #include <windows.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QString>
+
+#include <vector>
 
 namespace Vorn::Util::Platform {
 
@@ -31,6 +34,18 @@ namespace Vorn::Util::Platform {
 inline const wchar_t *wide(const QString &text)
 {
     return reinterpret_cast<const wchar_t *>(text.utf16());
+}
+
+/// The absolute path in the form that is not limited to 260 characters.
+inline QString longForm(const QString &path)
+{
+    const QString native = QDir::toNativeSeparators(path);
+    const DWORD size = GetFullPathNameW(wide(native), 0, nullptr, nullptr); // with the last null
+    std::vector<wchar_t> buffer(size + 1);
+    const DWORD length = GetFullPathNameW(wide(native), size, buffer.data(), nullptr);
+    const QString full = QString::fromWCharArray(buffer.data(), static_cast<int>(length));
+    return full.startsWith(QLatin1String("\\\\")) ? QStringLiteral("\\\\?\\UNC") + full.mid(1)
+                                                  : QStringLiteral("\\\\?\\") + full;
 }
 
 /// The text of a buffer that need not be terminated.

@@ -1,5 +1,6 @@
 // Flags, folder trees, shares and program files.
 
+#include <Utility/Platform/FolderTree.h>
 #include <Utility/Platform/ProgramVersion.h>
 #include <Utility/Platform/Shares.h>
 #include <Utility/StandardOutput.h>
@@ -10,6 +11,11 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace Vorn::Util {
 
@@ -55,15 +61,68 @@ QFileInfo folderNamed(const QString &path)
     return isNameless && folder.exists() ? QFileInfo(folder.canonicalFilePath()) : folder;
 }
 
-bool removeEntry(const QFileInfo &info)
+// The folder itself or the one that a link leads to. A shortcut of Windows is a file.
+QString realPath(const QFileInfo &folder)
 {
-    // Not the absolute path, in which Qt takes "link/.." out as text.
-    const QString path = info.filePath();
-    if (isLink(info))
-        return removeLink(path);
-    if (info.isDir())
-        return System::removeDir(path, false, QStringList());
-    return !info.isFile() || QFile::remove(path);
+    return isLink(folder) && !folder.isShortcut() ? folder.canonicalFilePath() : folder.filePath();
+}
+
+struct TreeWalk
+{
+    // Called for every entry, with whether it lies at the top; tells whether to go into it.
+    std::function<bool(const Platform::FolderEntry &entry, bool isAtTop)> visit;
+    // Called in the folder above after the entries of a folder, also when it could not be entered.
+    std::function<void(const QString &folder)> leave;
+};
+
+// Depth first. No recursion: any depth is possible. False when the walk could not be finished.
+bool walkTree(Platform::FolderTree &tree, const TreeWalk &walk)
+{
+    std::vector<QStringList> ahead; // folders to go into, for each folder on the way down
+    const auto visitCurrent = [&] {
+        QStringList folders;
+        const bool isAtTop = ahead.empty();
+        tree.visitEntries([&](const Platform::FolderEntry &entry) {
+            if (walk.visit(entry, isAtTop))
+                folders.append(entry.name);
+        });
+        ahead.push_back(std::move(folders));
+    };
+    visitCurrent();
+    for (;;) {
+        if (ahead.back().isEmpty()) {
+            ahead.pop_back();
+            if (ahead.empty())
+                return true;
+            if (!tree.leave())
+                return false;
+        } else if (tree.enter(ahead.back().constLast())) {
+            visitCurrent();
+            continue;
+        }
+        walk.leave(ahead.back().takeLast());
+    }
+}
+
+// Kept for compatibility: see "What removeDir leaves" in docs/compatibility.md.
+bool emptyFolder(const QString &path, const QStringList &exceptions)
+{
+    const std::unique_ptr<Platform::FolderTree> tree = Platform::openFolderTree(path);
+    if (!tree)
+        return true; // nothing is found that could be removed
+    bool ok = true;
+    TreeWalk removal;
+    removal.visit = [&](const Platform::FolderEntry &entry, bool isAtTop) {
+        if (entry.kind == Platform::FolderEntry::Other
+            || (isAtTop && exceptions.contains(entry.name)))
+            return false;
+        if (entry.kind == Platform::FolderEntry::Folder && !entry.isLink)
+            return true;
+        ok = tree->removeFile(entry.name) && ok;
+        return false;
+    };
+    removal.leave = [&](const QString &folder) { ok = tree->removeFolder(folder) && ok; };
+    return walkTree(*tree, removal) && ok;
 }
 
 } // namespace
@@ -107,21 +166,12 @@ bool System::removeDir(const QString &path, bool keepFolder, const QStringList &
         return false;
     const bool keep = keepFolder || !exceptions.isEmpty();
     const QFileInfo folder = folderNamed(path);
+    if (keep)
+        return emptyFolder(realPath(folder), exceptions);
     if (isLink(folder))
-        return keep || removeLink(folder.filePath());
-
-    bool ok = true;
-    const QFileInfoList entries
-        = QDir(folder.filePath())
-              .entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
-                             QDir::Unsorted);
-    for (const QFileInfo &entry : entries) {
-        if (!exceptions.contains(entry.fileName()))
-            ok = removeEntry(entry) && ok;
-    }
-    if (!keep)
-        ok = QDir().rmdir(folder.filePath()) && ok;
-    return ok;
+        return removeLink(folder.filePath());
+    const bool isEmptied = emptyFolder(folder.filePath(), exceptions);
+    return QDir().rmdir(folder.filePath()) && isEmptied;
 }
 
 bool System::shareFolder(const QString &shareName, const QString &path)

@@ -103,11 +103,13 @@ private Q_SLOTS:
     void linksAreRemovedButNotWhatTheyPointTo();
     void aLinkIsRemovedButNotItsFolder_data();
     void aLinkIsRemovedButNotItsFolder();
+    void aKeptShortcutIsLeftAlone();
     void aLinkToTheFolderItselfIsNotFollowed();
     void aFolderBehindALinkIsTheSystemsOne();
     void removingTheCurrentFolderByItsPointTakesItAll();
     void anExceptedLinkStays();
     void aJunctionIsRemovedButNotItsFolder();
+    void aKeptJunctionLeadsToTheFolderToEmpty();
 
     void sharingAMissingFolderIsFalse();
     void aFolderIsNotSharedByItself();
@@ -145,6 +147,14 @@ private:
     bool makeLink(const QByteArray &target, const QByteArray &name) const
     {
         return QFile::link(path(target), path(linkName(name)));
+    }
+
+    bool makeJunction(const char *target, const char *name) const
+    {
+        runQuietly(QStringLiteral("cmd.exe"),
+                   {QStringLiteral("/C"), QStringLiteral("mklink"), QStringLiteral("/J"),
+                    QDir::toNativeSeparators(path(name)), QDir::toNativeSeparators(path(target))});
+        return QFileInfo(path(name)).isJunction();
     }
 
     // An entry that removeDir() cannot take away, as long as the test goes on.
@@ -657,35 +667,41 @@ void tst_SystemFiles::linksAreRemovedButNotWhatTheyPointTo()
 
 void tst_SystemFiles::aLinkIsRemovedButNotItsFolder_data()
 {
-    QTest::addColumn<QString>("end"); // behind the link's path
-    QTest::addColumn<bool>("keepFolder");
-    QTest::addColumn<QStringList>("exceptions");
+    QTest::addColumn<QString>("end"); // after the link's path
 
-    const QStringList exceptions{QStringLiteral("keep.txt")};
     for (const char *end : {"", "/", "//", "/."}) {
-        const QString text = QString::fromLatin1(end);
-        if (onWindows() && !text.isEmpty())
+        if (onWindows() && *end != '\0')
             break; // a link is a file
-        QTest::addRow("link%s", end) << text << false << QStringList();
-        QTest::addRow("link%s kept", end) << text << true << QStringList();
-        QTest::addRow("link%s with exceptions", end) << text << false << exceptions;
+        QTest::addRow("link%s", end) << QString::fromLatin1(end);
     }
 }
 
 void tst_SystemFiles::aLinkIsRemovedButNotItsFolder()
 {
     QFETCH(QString, end);
-    QFETCH(bool, keepFolder);
-    QFETCH(QStringList, exceptions);
 
     QVERIFY(makeFolder("other/sub"));
     QVERIFY(makeFile("other/file"));
     QVERIFY(makeFile("other/sub/file"));
     QVERIFY(makeLink("other", "link"));
-    QVERIFY(System::removeDir(path(linkName("link")) + end, keepFolder, exceptions));
-    QCOMPARE(exists(linkName("link")), keepFolder || !exceptions.isEmpty());
+    QVERIFY(System::removeDir(path(linkName("link")) + end, false, QStringList()));
+    QVERIFY(!exists(linkName("link")));
     QCOMPARE(contentOf(path("other/file")), QByteArray("content"));
     QCOMPARE(contentOf(path("other/sub/file")), QByteArray("content"));
+}
+
+// It is a file, and so is nothing that could be emptied.
+void tst_SystemFiles::aKeptShortcutIsLeftAlone()
+{
+    if (!onWindows())
+        QSKIP("There are no shortcuts on this system.");
+    QVERIFY(makeFolder("other"));
+    QVERIFY(makeFile("other/file"));
+    QVERIFY(makeLink("other", "link"));
+    QVERIFY(System::removeDir(path("link.lnk"), true, QStringList()));
+    QVERIFY(System::removeDir(path("link.lnk"), false, {QStringLiteral("keep.txt")}));
+    QVERIFY(exists("link.lnk"));
+    QCOMPARE(contentOf(path("other/file")), QByteArray("content"));
 }
 
 void tst_SystemFiles::aLinkToTheFolderItselfIsNotFollowed()
@@ -750,10 +766,7 @@ void tst_SystemFiles::aJunctionIsRemovedButNotItsFolder()
     QVERIFY(makeFile("other/sub/file"));
     QVERIFY(makeFolder("tree"));
     for (const char *name : {"tree/junction", "junction"}) {
-        runQuietly(QStringLiteral("cmd.exe"),
-                   {QStringLiteral("/C"), QStringLiteral("mklink"), QStringLiteral("/J"),
-                    QDir::toNativeSeparators(path(name)), QDir::toNativeSeparators(path("other"))});
-        if (!QFileInfo(path(name)).isJunction())
+        if (!makeJunction("other", name))
             QSKIP("The system's command interpreter makes no junctions.");
     }
     QVERIFY(System::removeDir(path("tree"), false, QStringList()));
@@ -761,6 +774,19 @@ void tst_SystemFiles::aJunctionIsRemovedButNotItsFolder()
     QCOMPARE(entriesOf(here_), QStringList{QStringLiteral("other")});
     QCOMPARE(contentOf(path("other/file")), QByteArray("content"));
     QCOMPARE(contentOf(path("other/sub/file")), QByteArray("content"));
+}
+
+void tst_SystemFiles::aKeptJunctionLeadsToTheFolderToEmpty()
+{
+    if (!onWindows())
+        QSKIP("There are no junctions on this system.");
+    QVERIFY(makeFolder("other/sub"));
+    QVERIFY(makeFile("other/file"));
+    if (!makeJunction("other", "junction"))
+        QSKIP("The system's command interpreter makes no junctions.");
+    QVERIFY(System::removeDir(path("junction"), true, QStringList()));
+    QVERIFY(QFileInfo(path("junction")).isJunction());
+    QCOMPARE(entriesOf(path("other")), QStringList());
 }
 
 void tst_SystemFiles::sharingAMissingFolderIsFalse()

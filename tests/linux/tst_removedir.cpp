@@ -1,0 +1,307 @@
+// Removing a folder tree while its owner changes it, and trees that only this system can hold.
+
+#include "../TestFiles.h"
+#include "../TestFolder.h"
+#include "DescriptorLimit.h"
+
+#include <Utility/System.h>
+
+#include <QtCore/QFileInfo>
+#include <QtTest/QtTest>
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <fcntl.h>
+#include <memory>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+using namespace Vorn::Util;
+
+namespace {
+
+// A process that exchanges pairs of names without a pause, until the object is destroyed.
+class Exchanger
+{
+public:
+    using Pair = std::pair<QByteArray, QByteArray>;
+
+    explicit Exchanger(const std::vector<Pair> &pairs)
+        : count_(static_cast<std::atomic<int> *>(mmap(nullptr, sizeof(std::atomic<int>),
+                                                      PROT_READ | PROT_WRITE,
+                                                      MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
+    {
+        *count_ = 0;
+        process_ = fork();
+        if (process_ != 0)
+            return;
+        for (;;) {
+            for (const Pair &pair : pairs) {
+                if (renameat2(AT_FDCWD, pair.first.constData(), AT_FDCWD, pair.second.constData(),
+                              RENAME_EXCHANGE)
+                    == 0)
+                    ++*count_;
+            }
+        }
+    }
+
+    ~Exchanger()
+    {
+        ::kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+        munmap(count_, sizeof *count_);
+    }
+
+    bool isRunning() const { return process_ > 0; }
+    int count() const { return *count_; }
+
+private:
+    Q_DISABLE_COPY(Exchanger)
+
+    std::atomic<int> *count_; // of the exchanges, shared with the process
+    pid_t process_ = -1;
+};
+
+bool makeSocket(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::snprintf(address.sun_path, sizeof address.sun_path, "%s", name.constData());
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool isMade
+        = bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
+    close(descriptor);
+    return isMade;
+}
+
+} // namespace
+
+class TestRemoveDir : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void aFolderThatBecomesALinkIsNeverFollowed_data();
+    void aFolderThatBecomesALinkIsNeverFollowed();
+    void aTreeOfAnyDepthIsRemoved();
+    void aTreeWiderThanTheLimitOfDescriptorsIsRemoved();
+    void aFolderThatCannotBeOpenedStays();
+    void whatIsNeitherFileNorFolderStays_data();
+    void whatIsNeitherFileNorFolderStays();
+    void aNameThatIsNoTextStays();
+    void aKeptLinkLeadsToTheFolderToEmpty_data();
+    void aKeptLinkLeadsToTheFolderToEmpty();
+
+private:
+    QString path(const QString &name) const { return folder_->filePath(name); }
+    QString path(const char *name) const { return path(QString::fromUtf8(name)); }
+
+    std::unique_ptr<TestFolder> folder_;
+};
+
+void TestRemoveDir::init()
+{
+    folder_ = std::make_unique<TestFolder>();
+    QVERIFY(folder_->isValid());
+}
+
+void TestRemoveDir::cleanup()
+{
+    folder_.reset();
+}
+
+void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed_data()
+{
+    QTest::addColumn<QString>("above"); // of the folders exchanged, in the tree
+    QTest::newRow("at the top") << QString();
+    QTest::newRow("further below") << QStringLiteral("a/b/");
+}
+
+// The rounds are made and checked under names that the other process does not touch.
+void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed()
+{
+    constexpr int Rounds = 20;
+    constexpr int Folders = 40;
+    constexpr int Files = 20;
+    QFETCH(QString, above);
+
+    const auto folderName
+        = [&above](int number) { return QStringLiteral("/tree/%1d%2").arg(above).arg(number); };
+    const auto linkName = [](int number) { return QStringLiteral("/links/%1").arg(number); };
+    std::vector<Exchanger::Pair> pairs;
+    for (int number = 0; number < Folders; ++number) {
+        pairs.emplace_back(QFile::encodeName(path("round") + folderName(number)),
+                           QFile::encodeName(path("round") + linkName(number)));
+    }
+    const Exchanger exchanger(pairs);
+    QVERIFY(exchanger.isRunning());
+
+    int lost = 0;
+    int exchanges = 0;
+    for (int round = 0; round < Rounds; ++round) {
+        const QString made = path(QStringLiteral("made %1").arg(round));
+        const QString outside = path(QStringLiteral("outside %1").arg(round));
+        QVERIFY(QDir().mkpath(made + QStringLiteral("/links")));
+        QVERIFY(QDir().mkpath(outside));
+        for (int number = 0; number < Files; ++number)
+            QVERIFY(writeFile(QStringLiteral("%1/%2").arg(outside).arg(number), "precious"));
+        for (int number = 0; number < Folders; ++number) {
+            const QString folder = made + folderName(number);
+            QVERIFY(QDir().mkpath(folder + QStringLiteral("/sub")));
+            QVERIFY(writeFile(folder + QStringLiteral("/file"), "content"));
+            QVERIFY(QFile::link(outside, made + linkName(number)));
+        }
+        QVERIFY(QFile::rename(made, path("round")));
+        const int before = exchanger.count();
+        System::removeDir(path("round/tree"), false, QStringList());
+        exchanges += exchanger.count() - before;
+        QVERIFY(QFile::rename(path("round"), made));
+        lost += Files - entriesOf(outside).size();
+    }
+    QVERIFY(exchanges > 0);
+    QCOMPARE(lost, 0);
+}
+
+// Deeper than any path can name.
+void TestRemoveDir::aTreeOfAnyDepthIsRemoved()
+{
+    constexpr int Depth = 5000;
+    const QByteArray top = QFile::encodeName(path("tree"));
+    QCOMPARE(mkdir(top.constData(), 0777), 0);
+    int folder = open(top.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (int level = 0; level < Depth; ++level) {
+        QCOMPARE(mkdirat(folder, "d", 0777), 0);
+        QCOMPARE(mkdirat(folder, "e", 0777), 0);
+        const int below = openat(folder, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        close(folder);
+        folder = below;
+    }
+    close(folder);
+    QVERIFY(System::removeDir(path("tree"), false, QStringList()));
+    QVERIFY(!QFileInfo::exists(path("tree")));
+}
+
+void TestRemoveDir::aTreeWiderThanTheLimitOfDescriptorsIsRemoved()
+{
+    for (int number = 0; number < 2000; ++number)
+        QVERIFY(QDir().mkpath(path(QStringLiteral("tree/%1").arg(number))));
+    QVERIFY(System::removeDir(path("tree"), false, QStringList()));
+    QVERIFY(!QFileInfo::exists(path("tree")));
+}
+
+// Nothing tells what it holds, and so nothing in it is removed.
+void TestRemoveDir::aFolderThatCannotBeOpenedStays()
+{
+    QVERIFY(QDir().mkpath(path("tree/empty")));
+    QVERIFY(writeFile(path("tree/file"), "content"));
+    bool isRemoved = true;
+    bool isKept = false;
+    {
+        const DescriptorLimit limit;
+        QVERIFY(limit.isSet());
+        isRemoved = System::removeDir(path("tree"), false, QStringList());
+        isKept = System::removeDir(path("tree"), true, QStringList());
+    }
+    QVERIFY(!isRemoved);
+    QVERIFY(isKept); // no removal was tried that could have failed
+    QCOMPARE(entriesOf(path("tree")),
+             (QStringList{QStringLiteral("empty"), QStringLiteral("file")}));
+}
+
+void TestRemoveDir::whatIsNeitherFileNorFolderStays_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"pipe", "socket", "link to nowhere", "link to a device",
+                             "link to a pipe", "link to itself"})
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+}
+
+void TestRemoveDir::whatIsNeitherFileNorFolderStays()
+{
+    QFETCH(QString, kind);
+    QVERIFY(QDir().mkpath(path("tree/sub")));
+    QVERIFY(writeFile(path("tree/sub/file"), "content"));
+    const QString name = path("tree/sub/special");
+    const QByteArray bytes = QFile::encodeName(name);
+    bool isMade = false;
+    if (kind == QLatin1String("pipe"))
+        isMade = mkfifo(bytes.constData(), 0666) == 0;
+    else if (kind == QLatin1String("socket"))
+        isMade = makeSocket(name);
+    else if (kind == QLatin1String("link to nowhere"))
+        isMade = QFile::link(path("nowhere"), name);
+    else if (kind == QLatin1String("link to a device"))
+        isMade = QFile::link(QStringLiteral("/dev/null"), name);
+    else if (kind == QLatin1String("link to itself"))
+        isMade = QFile::link(name, name);
+    else
+        isMade = mkfifo(QFile::encodeName(path("pipe")).constData(), 0666) == 0
+            && QFile::link(path("pipe"), name);
+    QVERIFY(isMade);
+    QVERIFY(!System::removeDir(path("tree"), true, QStringList())); // the folder "sub" is not empty
+    QCOMPARE(entriesOf(path("tree/sub")), QStringList{QStringLiteral("special")});
+    QVERIFY(System::removeDir(path("tree/sub"), true, QStringList())); // nothing is tried
+    QVERIFY(!System::removeDir(path("tree/sub"), false, QStringList()));
+    QCOMPARE(entriesOf(path("tree/sub")), QStringList{QStringLiteral("special")});
+}
+
+void TestRemoveDir::aNameThatIsNoTextStays()
+{
+    QVERIFY(QDir().mkpath(path("tree")));
+    QVERIFY(writeFile(path("tree/file"), "content"));
+    const QByteArray name = QFile::encodeName(path("tree/")) + "\xff";
+    const int file = open(name.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    QVERIFY(file >= 0);
+    close(file);
+    QVERIFY(!System::removeDir(path("tree"), false, QStringList()));
+    QVERIFY(!QFileInfo::exists(path("tree/file")));
+    QCOMPARE(access(name.constData(), F_OK), 0);
+    QVERIFY(System::removeDir(path("tree"), true, QStringList()));
+    QCOMPARE(access(name.constData(), F_OK), 0);
+    QCOMPARE(unlink(name.constData()), 0);
+}
+
+void TestRemoveDir::aKeptLinkLeadsToTheFolderToEmpty_data()
+{
+    QTest::addColumn<QString>("end"); // after the link's path
+    QTest::addColumn<bool>("keepFolder");
+    QTest::addColumn<QStringList>("exceptions");
+    const QStringList exceptions{QStringLiteral("keep.txt")};
+    for (const char *end : {"", "/", "//", "/."}) {
+        const QString text = QString::fromLatin1(end);
+        QTest::addRow("link%s kept", end) << text << true << QStringList();
+        QTest::addRow("link%s with exceptions", end) << text << false << exceptions;
+        QTest::addRow("link%s kept with exceptions", end) << text << true << exceptions;
+    }
+}
+
+void TestRemoveDir::aKeptLinkLeadsToTheFolderToEmpty()
+{
+    QFETCH(QString, end);
+    QFETCH(bool, keepFolder);
+    QFETCH(QStringList, exceptions);
+    QVERIFY(QDir().mkpath(path("other/sub")));
+    for (const char *name : {"other/file", "other/keep.txt", "other/sub/keep.txt"})
+        QVERIFY(writeFile(path(name), "content"));
+    QVERIFY(QFile::link(path("other"), path("link to it")));
+    QVERIFY(QFile::link(path("link to it"), path("link")));
+    QVERIFY(System::removeDir(path("link") + end, keepFolder, exceptions));
+    QCOMPARE(entriesOf(folder_->path()),
+             (QStringList{QStringLiteral("link"), QStringLiteral("link to it"),
+                          QStringLiteral("other")}));
+    QCOMPARE(entriesOf(path("other")), exceptions);
+}
+
+QTEST_GUILESS_MAIN(TestRemoveDir)
+
+#include "tst_removedir.moc"

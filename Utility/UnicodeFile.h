@@ -6,8 +6,8 @@
 
 namespace Vorn::Util {
 
-/// Gives a file a path of plain ASCII for the life of the object, for programs that cannot open
-/// another. A file whose path is plain stays where it is.
+/// Gives a file a plain path (7-bit ASCII) for the life of the object, for programs that can open
+/// no other. A file whose path is plain stays where it is.
 ///
 /// \code
 /// {
@@ -17,17 +17,33 @@ namespace Vorn::Util {
 /// }                                               // moved back
 /// \endcode
 ///
-/// A name is replaced by a unique one with the same suffix, a folder by System::getTempDirPath().
-/// A file that stands where this one is to go is removed. A file that does not exist yet is moved
-/// back when it has been created under its plain path meanwhile. A file that could not be moved
-/// stays where it is.
+/// A name with other characters is replaced by a random one with the same suffix, a folder with
+/// other characters by System::getTempDirPath(). The plain path can still hold other characters:
+/// - in the suffix ("a.größe" becomes "s1ko.größe");
+/// - in the folder, when System::getTempDirPath() fell back to a folder that holds some;
+/// - in the current folder, when the path given is relative.
 ///
-/// Every copy moves the file back when it is destroyed, so the first one ends the plain name.
+/// Check asciiFilePath() with isUnicode() where that matters.
 ///
-/// Give an absolute path: a relative one counts from the current folder of each move.
+/// \par Moving
+/// A file at the destination is replaced in one step; a link there is replaced itself, never
+/// written through. To another file system the file is copied: the copy is private to the user
+/// until it is complete, has the permissions of the file but not its times or owner, and is removed
+/// when it cannot be completed. When a move fails, the file stays where it was. A file of that name
+/// in the folder for temporary files is lost, whoever made it: two files with the same plain name
+/// in different folders must not be handled at the same time.
 ///
-/// Construction changes the current folder of the process for a moment: construct from one
-/// thread. Nothing throws: see isOk() and error().
+/// A file that does not exist is not moved, which is no error. When a program creates it at the
+/// plain path, it is moved to its own path like any other.
+///
+/// \par Copies
+/// Every copy of the object moves the file back when it is destroyed: the first copy destroyed ends
+/// the plain path.
+///
+/// \par Paths, threads, failures
+/// Give an absolute path: a relative one counts from the current folder of each move. Construction
+/// changes the current folder of the process for a moment when the name is replaced: do not
+/// construct while another thread uses relative paths. Nothing throws: see isOk() and error().
 class VORNUTILITY_EXPORT UnicodeFile
 {
 public:
@@ -35,18 +51,26 @@ public:
     UnicodeFile(const UnicodeFile &other);
     UnicodeFile &operator=(const UnicodeFile &other);
 
-    /// Moves the file back.
+    /// Moves the file back with renameToUnicode(). Moves nothing when no move to the plain path has
+    /// succeeded: what lies there is not this file then.
     ~UnicodeFile();
 
-    /// Move the file; true also when there is nothing to move.
+    /// Moves the file from its own path to the plain path. True also when nothing lies at its own
+    /// path or the paths are the same. On failure false: isOk() and error() tell why.
     bool renameToAscii();
+
+    /// Moves the file from the plain path to its own, whatever came of earlier moves: a file at its
+    /// own path is replaced. True also when nothing lies at the plain path or the paths are the
+    /// same. On failure false: isOk() and error() tell why.
     bool renameToUnicode();
 
     /// Whether the file lies at one of its two paths.
     bool exists() const;
 
-    /// False once something has failed; error() is the text of the last failure.
+    /// False once something has failed; a later success does not change that.
     bool isOk() const;
+
+    /// The text of the last failure, with the paths; empty while isOk().
     QString error() const;
 
     /// Whether the plain path differs from the file's own.
@@ -55,6 +79,7 @@ public:
     /// Whether \a text holds a character outside 7-bit ASCII.
     static bool isUnicode(const QString &text);
 
+    /// The plain name; empty when construction could not find one.
     QString asciiName() const;
     QString asciiPath() const;
     QString unicodeName() const;
@@ -75,9 +100,11 @@ private:
     QString unicodePath_;
     QString asciiName_;
     QString asciiPath_;
+
+    // What of the file's own path is replaced at the plain path; none before the first successful
+    // move to it.
     bool nameIsUnicode_ = false;
     bool pathIsUnicode_ = false;
-    bool stayed_ = false; // the latest move to the plain path failed
 };
 
 } // namespace Vorn::Util

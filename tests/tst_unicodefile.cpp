@@ -93,10 +93,20 @@ private Q_SLOTS:
     void aFileInThePlaceOfTheTemporaryFolderLeavesBothAlone();
     void aUnicodeTemporaryFolderIsReplaced();
     void aPlainTemporaryFolderIsUsed();
+    void aFolderWithAUnicodeNameIsMovedAsAFileIs();
     void aFolderInThePlaceOfTheFileIsNeverMoved_data();
     void aFolderInThePlaceOfTheFileIsNeverMoved();
     void aLaterSuccessDoesNotTakeTheErrorBack();
     void theLastErrorIsKept();
+
+    void aResultIsMovedAfterAFailedConstruction();
+    void aResultIsMovedAfterAFailedMove_data();
+    void aResultIsMovedAfterAFailedMove();
+    void whatThisObjectNeverHadStaysAtThePlainPath();
+    void anObstacleNeverTakesThePlaceOfTheFile_data();
+    void anObstacleNeverTakesThePlaceOfTheFile();
+    void aLinkAtThePlainPathIsReplaced_data();
+    void aLinkAtThePlainPathIsReplaced();
 
     void aCopyHasTheSameNames();
     void theFirstCopyDestroyedEndsThePlainName();
@@ -146,7 +156,9 @@ void tst_UnicodeFile::cleanup()
 {
     QCOMPARE(QDir::currentPath(), current_);
     folder_.reset();
-    QVERIFY2(entriesOf(temp_.path()).isEmpty(), "a file was left in the temporary folder");
+    const bool isEmpty = entriesOf(temp_.path()).isEmpty();
+    QDir(temp_.path()).removeRecursively(); // for the next test
+    QVERIFY2(isEmpty, "a file was left in the temporary folder");
 }
 
 QJsonObject tst_UnicodeFile::runHelper(const QString &file, const QString &tempFolder) const
@@ -698,6 +710,19 @@ void tst_UnicodeFile::aPlainTemporaryFolderIsUsed()
     QCOMPARE(entriesOf(temp), QStringList());
 }
 
+void tst_UnicodeFile::aFolderWithAUnicodeNameIsMovedAsAFileIs()
+{
+    const QString own = path(unicodeFolder());
+    create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    {
+        const UnicodeFile file(own);
+        QVERIFY2(file.isOk(), qPrintable(file.error()));
+        QCOMPARE(contentOf(file.asciiFilePath() + QStringLiteral("/beam.dat")), Content);
+        QVERIFY(!QFileInfo::exists(own));
+    }
+    QCOMPARE(contentOf(own + QStringLiteral("/beam.dat")), Content);
+}
+
 void tst_UnicodeFile::aFolderInThePlaceOfTheFileIsNeverMoved_data()
 {
     QTest::addColumn<bool>("exists");
@@ -751,6 +776,124 @@ void tst_UnicodeFile::theLastErrorIsKept()
     QVERIFY(!file.renameToUnicode());
     QVERIFY(file.error().startsWith(QLatin1String("Unable to rename ")));
     QVERIFY(QFile::remove(file.asciiFilePath()));
+}
+
+// An obstacle kept the file from its plain path; it has gone, and a program has written there.
+void tst_UnicodeFile::aResultIsMovedAfterAFailedConstruction()
+{
+    const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
+    QVERIFY(QDir().mkpath(plain));
+    const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    {
+        UnicodeFile file(own);
+        QVERIFY(!file.isOk());
+        QVERIFY(QDir().rmdir(plain));
+        QVERIFY(writeFile(plain, "result"));
+        QVERIFY(file.renameToUnicode());
+        QCOMPARE(contentOf(own), QByteArray("result"));
+        QVERIFY(!QFile::exists(plain));
+    }
+    QCOMPARE(contentOf(own), QByteArray("result"));
+}
+
+void tst_UnicodeFile::aResultIsMovedAfterAFailedMove_data()
+{
+    QTest::addColumn<bool>("isCalled");
+    QTest::newRow("by a call") << true;
+    QTest::newRow("by the destructor") << false;
+}
+
+void tst_UnicodeFile::aResultIsMovedAfterAFailedMove()
+{
+    QFETCH(bool, isCalled);
+    const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
+    const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    {
+        UnicodeFile file(own);
+        QVERIFY(file.renameToUnicode());
+        QVERIFY(QDir().mkpath(plain));
+        QVERIFY(!file.renameToAscii());
+        QVERIFY(QDir().rmdir(plain));
+        QVERIFY(writeFile(plain, "result"));
+        if (isCalled)
+            QVERIFY(file.renameToUnicode());
+    }
+    QCOMPARE(contentOf(own), QByteArray("result"));
+    QVERIFY(!QFile::exists(plain));
+}
+
+void tst_UnicodeFile::whatThisObjectNeverHadStaysAtThePlainPath()
+{
+    const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
+    QVERIFY(QDir().mkpath(plain));
+    const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    {
+        const UnicodeFile file(own);
+        const UnicodeFile copy(file);
+        QVERIFY(QDir().rmdir(plain));
+        QVERIFY(writeFile(plain, "of somebody else"));
+    }
+    QCOMPARE(contentOf(own), Content);
+    QCOMPARE(contentOf(plain), QByteArray("of somebody else"));
+    QVERIFY(QFile::remove(plain));
+}
+
+void tst_UnicodeFile::anObstacleNeverTakesThePlaceOfTheFile_data()
+{
+    QTest::addColumn<bool>("hadTheFile");
+    QTest::newRow("after a failed construction") << false;
+    QTest::newRow("after a failed move") << true;
+}
+
+void tst_UnicodeFile::anObstacleNeverTakesThePlaceOfTheFile()
+{
+    QFETCH(bool, hadTheFile);
+    const QString obstacle = temp_.filePath(QStringLiteral("beam.dat"));
+    const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    if (!hadTheFile)
+        QVERIFY(QDir().mkpath(obstacle + QStringLiteral("/content")));
+    {
+        UnicodeFile file(own);
+        if (hadTheFile) {
+            QVERIFY(file.renameToUnicode());
+            QVERIFY(QDir().mkpath(obstacle + QStringLiteral("/content")));
+            QVERIFY(!file.renameToAscii());
+        }
+        QVERIFY(!file.renameToUnicode());
+        QCOMPARE(contentOf(own), Content);
+    }
+    QCOMPARE(contentOf(own), Content);
+    QCOMPARE(entriesOf(obstacle), QStringList{QStringLiteral("content")});
+    QVERIFY(QDir(obstacle).removeRecursively());
+}
+
+void tst_UnicodeFile::aLinkAtThePlainPathIsReplaced_data()
+{
+    QTest::addColumn<bool>("exists");
+    QTest::newRow("to a file") << true;
+    QTest::newRow("to nowhere") << false;
+}
+
+void tst_UnicodeFile::aLinkAtThePlainPathIsReplaced()
+{
+    if (onWindows())
+        QSKIP("A link is a file with a name of its own here.");
+    QFETCH(bool, exists);
+    const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
+    const QString target = path(QStringLiteral("target"));
+    if (exists)
+        QVERIFY(writeFile(target, "target"));
+    QVERIFY(QFile::link(target, plain));
+    const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    {
+        const UnicodeFile file(own);
+        QVERIFY(file.isOk());
+        QVERIFY(!QFileInfo(plain).isSymLink());
+        QCOMPARE(contentOf(plain), Content);
+    }
+    QCOMPARE(contentOf(own), Content);
+    QCOMPARE(contentOf(target), exists ? QByteArray("target") : QByteArray());
+    QCOMPARE(QFile::exists(target), exists);
 }
 
 void tst_UnicodeFile::aCopyHasTheSameNames()

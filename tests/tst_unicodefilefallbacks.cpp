@@ -10,6 +10,7 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
+#include <functional>
 #include <memory>
 
 using namespace Vorn::Util;
@@ -41,8 +42,17 @@ private Q_SLOTS:
     void withoutAUniqueNameTheFileStays();
     void whenTheCurrentFolderIsGoneTheFileStays();
 
+    void toAnotherFileSystemTheFileIsCopied();
+    void aFileThatCannotBeTakenAwayStaysTheOnlyOne();
+    void aCopyThatFindsNoPlaceIsTakenBack();
+
 private:
     QString own() const { return folder_->filePath(unicodeName()); }
+
+    // Gives the file the plain name "s1ko.dat" on another file system; moves that canMove() refuses
+    // fail.
+    static void setOtherFileSystem(
+        const std::function<bool(const QString &source, const QString &target)> &canMove);
 
     std::unique_ptr<QTemporaryDir> folder_;
     QString start_;
@@ -124,7 +134,8 @@ void tst_UnicodeFileFallbacks::withoutAUniqueNameTheFileStays()
                  QStringLiteral("Unable to remove existing file: %1/").arg(folder_->path()));
         QCOMPARE(file.asciiName(), QString());
         QCOMPARE(contentOf(own()), Content);
-        QVERIFY(file.renameToUnicode()); // it is where it should be
+        QVERIFY(!file.renameToUnicode());
+        QCOMPARE(contentOf(own()), Content);
     }
     QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
     QCOMPARE(contentOf(own()), Content);
@@ -144,6 +155,63 @@ void tst_UnicodeFileFallbacks::whenTheCurrentFolderIsGoneTheFileStays()
         QCOMPARE(file.error(), QStringLiteral("Cannot set current path back to ") + current);
         QCOMPARE(file.asciiName(), QStringLiteral("s1ko.dat"));
         QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+    }
+    QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+    QCOMPARE(contentOf(own()), Content);
+}
+
+void tst_UnicodeFileFallbacks::setOtherFileSystem(
+    const std::function<bool(const QString &source, const QString &target)> &canMove)
+{
+    fakePlatform().uniqueFileName = [] { return QStringLiteral("/s1ko."); };
+    fakePlatform().moveFile = [canMove](const QString &source, const QString &target) {
+        const QStringList names{QFileInfo(source).fileName(), QFileInfo(target).fileName()};
+        if (names.contains(unicodeName()) && names.contains(QStringLiteral("s1ko.dat")))
+            return Platform::MoveOutcome::OtherFileSystem;
+        return canMove(source, target) && fakePlatform().replaceFile(source, target)
+            ? Platform::MoveOutcome::Moved
+            : Platform::MoveOutcome::Failed;
+    };
+}
+
+void tst_UnicodeFileFallbacks::toAnotherFileSystemTheFileIsCopied()
+{
+    setOtherFileSystem([](const QString &, const QString &) { return true; });
+    {
+        const UnicodeFile file(own());
+        QVERIFY2(file.isOk(), qPrintable(file.error()));
+        QCOMPARE(entriesOf(folder_->path()), QStringList{QStringLiteral("s1ko.dat")});
+        QCOMPARE(contentOf(file.asciiFilePath()), Content);
+        QVERIFY(writeFile(file.asciiFilePath(), "result"));
+    }
+    QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+    QCOMPARE(contentOf(own()), QByteArray("result"));
+}
+
+void tst_UnicodeFileFallbacks::aFileThatCannotBeTakenAwayStaysTheOnlyOne()
+{
+    setOtherFileSystem([this](const QString &source, const QString &) { return source != own(); });
+    {
+        const UnicodeFile file(own());
+        QCOMPARE(file.error(),
+                 QStringLiteral("Unable to rename %1 to %2/s1ko.dat").arg(own(), folder_->path()));
+        QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+    }
+    QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+    QCOMPARE(contentOf(own()), Content);
+}
+
+void tst_UnicodeFileFallbacks::aCopyThatFindsNoPlaceIsTakenBack()
+{
+    setOtherFileSystem([](const QString &, const QString &target) {
+        return !target.endsWith(QLatin1String("s1ko.dat"));
+    });
+    {
+        const UnicodeFile file(own());
+        QCOMPARE(file.error(),
+                 QStringLiteral("Unable to rename %1 to %2/s1ko.dat").arg(own(), folder_->path()));
+        QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
+        QCOMPARE(contentOf(own()), Content);
     }
     QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
     QCOMPARE(contentOf(own()), Content);

@@ -17,3 +17,4 @@ vorn_add_test(tst_processes FROM linux)
 vorn_add_test(tst_permissions FROM linux FOLDER own-archiver) # it puts its archiver there
 vorn_add_test(tst_settingsfiles FROM linux)
 vorn_add_test(tst_removedir FROM linux)
+vorn_add_test(tst_unicodefilemoves FROM linux)

@@ -29,12 +29,17 @@ bool System::isProcessRunning(const QString &exeName)
 QStringList System::killProcesses(const QString &pathFilter, const QStringList &names)
 {
     QStringList killed;
+    const auto isFiltered = [&pathFilter](const QString &path) {
+        return pathFilter.isEmpty() || path.contains(pathFilter, Qt::CaseInsensitive);
+    };
     Platform::visitProcesses([&](Platform::RunningProcess &process) {
         constexpr int ExitCode = 1;
         const QString name = process.name();
-        const bool isMeant = names.contains(name, Qt::CaseInsensitive)
-            && (pathFilter.isEmpty() || process.path().contains(pathFilter, Qt::CaseInsensitive));
-        if (isMeant && process.terminate(ExitCode))
+        if (!names.contains(name, Qt::CaseInsensitive))
+            return true;
+        const QString path = process.path();
+        // Kept for compatibility: see "Filter without a path" in docs/compatibility.md.
+        if (isFiltered(path.isEmpty() ? name : path) && process.terminate(ExitCode))
             killed.append(name);
         return true;
     });

@@ -51,6 +51,24 @@ private:
     QStringList &terminated_;
 };
 
+// A folder that holds one folder, which cannot be left once it was entered.
+class TrapTree : public Platform::FolderTree
+{
+public:
+    void visitEntries(const std::function<void(const Platform::FolderEntry &)> &visit) override
+    {
+        if (!isInside_)
+            visit({QStringLiteral("sub"), Platform::FolderEntry::Folder, false});
+    }
+    bool enter(const QString &) override { return isInside_ = true; }
+    bool leave() override { return false; }
+    bool removeFile(const QString &) override { return true; }
+    bool removeFolder(const QString &) override { return true; }
+
+private:
+    bool isInside_ = false;
+};
+
 // The processes of the system, with what becomes of them.
 class Processes
 {
@@ -136,7 +154,7 @@ private Q_SLOTS:
     void aProcessWithoutANameIsUnknown();
     void theExitCodeOfAnEndedProcessIsOne();
     void aProcessThatCannotBeEndedIsNotInTheList();
-    void aProcessWithoutAPathIsEndedWithoutAFilterOnly();
+    void withoutAPathTheFilterIsLookedForInTheName();
     void theFilterIsFoundAnywhereInThePath_data();
     void theFilterIsFoundAnywhereInThePath();
     void theRunningProgramIsAskedForAsItIsWritten();
@@ -145,6 +163,9 @@ private Q_SLOTS:
     void aTextIsWrittenToTheProductsKey();
     void theFolderIsSharedUnderItsName_data();
     void theFolderIsSharedUnderItsName();
+
+    void aFolderThatCannotBeReadHasNothingToRemove();
+    void aRemovalThatCannotBeFinishedIsFalse();
 
     void theFlagsLieInTheUsersData();
     void aFlagIsTheFirstWordOfALine_data();
@@ -399,13 +420,15 @@ void tst_SystemFallbacks2::aProcessThatCannotBeEndedIsNotInTheList()
     QCOMPARE(processes.terminated().size(), 3);
 }
 
-void tst_SystemFallbacks2::aProcessWithoutAPathIsEndedWithoutAFilterOnly()
+void tst_SystemFallbacks2::withoutAPathTheFilterIsLookedForInTheName()
 {
     const QString name = QStringLiteral("VORN.exe");
     const Processes processes({{4, name, QString()}});
     QCOMPARE(System::killProcesses(QStringLiteral("C:\\"), {name}), QStringList());
     QCOMPARE(processes.terminated(), QStringList());
+    QCOMPARE(System::killProcesses(QStringLiteral("vorn"), {name}), QStringList{name});
     QCOMPARE(System::killProcesses(QString(), {name}), QStringList{name});
+    QCOMPARE(processes.terminated().size(), 2);
 }
 
 void tst_SystemFallbacks2::theFilterIsFoundAnywhereInThePath_data()
@@ -508,6 +531,26 @@ void tst_SystemFallbacks2::theFolderIsSharedUnderItsName()
     QCOMPARE(System::shareFolder(QStringLiteral("A Name"), path), result);
     QCOMPARE(System::isFolderShared(path), result);
     QCOMPARE(asked, (QStringList{QStringLiteral("A Name"), path, path}));
+}
+
+void tst_SystemFallbacks2::aFolderThatCannotBeReadHasNothingToRemove()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(QStringLiteral("file"));
+    QVERIFY(writeFile(file, "content"));
+    QVERIFY(System::removeDir(folder.path(), true, QStringList()));
+    QVERIFY(!System::removeDir(folder.path(), false, QStringList()));
+    QVERIFY(QFile::remove(file));
+    QVERIFY(System::removeDir(folder.path(), false, QStringList()));
+    QVERIFY(!QFileInfo::exists(folder.path()));
+}
+
+void tst_SystemFallbacks2::aRemovalThatCannotBeFinishedIsFalse()
+{
+    fakePlatform().openFolderTree = [](const QString &) { return std::make_unique<TrapTree>(); };
+    const QTemporaryDir folder;
+    QVERIFY(!System::removeDir(folder.path(), true, QStringList()));
+    fakePlatform().openFolderTree = FakePlatform().openFolderTree;
 }
 
 void tst_SystemFallbacks2::theFlagsLieInTheUsersData()

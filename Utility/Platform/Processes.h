@@ -19,7 +19,8 @@ public:
     /// The full path of its program; empty when the system does not tell it.
     virtual QString path() const = 0;
 
-    /// Ends it at once, without waiting; false when that is not allowed.
+    /// Ends it at once, without waiting. False when that is not allowed or it has ended already;
+    /// never ends another process that has got its id since.
     virtual bool terminate(int exitCode) = 0;
 };
 
@@ -27,7 +28,8 @@ public:
 /// false.
 void visitProcesses(const std::function<bool(RunningProcess &)> &visit);
 
-/// Whether a process runs a program of exactly this file name, also one that may not be opened.
+/// Whether a process runs a program of exactly this file name, also one that may not be opened. On
+/// Linux such a one is known by the name that it gives itself.
 bool isProgramRunning(const QString &name);
 
 /// The machine's name; empty when the call fails.

@@ -13,7 +13,7 @@ vorn_add_test(tst_load FROM linux FOLDER fake-archiver)
 add_dependencies(tst_load fakearchiver)
 target_compile_definitions(tst_load PRIVATE LOAD_FACTOR=${load_factor})
 vorn_add_test(tst_specialfiles FROM linux)
-vorn_add_test(tst_processes FROM linux)
+vorn_add_test(tst_processes INTERNAL FROM linux)
 vorn_add_test(tst_permissions FROM linux FOLDER own-archiver) # it puts its archiver there
 vorn_add_test(tst_settingsfiles FROM linux)
 vorn_add_test(tst_removedir FROM linux)

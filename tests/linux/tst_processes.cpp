@@ -1,16 +1,29 @@
-// Processes that run no program.
+// Processes that run no program, whose ids are used again, or that call themselves what they like.
 
 #include "../HelperProgram.h"
 #include "../TestFiles.h"
 #include "../TestFolder.h"
 
+#include "OrdinaryUser.h"
+
+#include <Utility/CpuCounter.h>
+#include <Utility/Platform/Processes.h>
 #include <Utility/System.h>
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QUuid>
 #include <QtTest/QtTest>
 
+#include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/sched.h>
+#include <linux/seccomp.h>
+#include <memory>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -54,6 +67,14 @@ public:
     bool isStarted() const { return id_ > 0; }
     pid_t id() const { return id_; }
 
+    // It leaves the system's list; its id can be used again.
+    void vanish()
+    {
+        ::kill(id_, SIGKILL);
+        waitpid(id_, nullptr, 0);
+        id_ = -1;
+    }
+
     // It stays in the system's list, until the object is destroyed.
     bool kill() const
     {
@@ -70,6 +91,69 @@ private:
     int input_ = -1;
 };
 
+// Another process of this program with a given id, until the object is destroyed.
+class ProcessWithId
+{
+public:
+    explicit ProcessWithId(pid_t id)
+    {
+        clone_args arguments = {};
+        arguments.exit_signal = SIGCHLD;
+        arguments.set_tid = reinterpret_cast<quintptr>(&id);
+        arguments.set_tid_size = 1;
+        id_ = static_cast<pid_t>(syscall(SYS_clone3, &arguments, sizeof arguments));
+        while (id_ == 0)
+            pause();
+    }
+    ~ProcessWithId()
+    {
+        if (id_ > 0) {
+            ::kill(id_, SIGKILL);
+            waitpid(id_, nullptr, 0);
+        }
+    }
+
+    bool isStarted() const { return id_ > 0; }
+    bool isRunning() const { return waitpid(id_, nullptr, WNOHANG) == 0; }
+
+private:
+    Q_DISABLE_COPY(ProcessWithId)
+
+    pid_t id_ = -1;
+};
+
+// From now on a system call fails with this error in this process.
+bool failCall(long call, int error)
+{
+    sock_filter steps[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<quint32>(call), 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<quint32>(error)),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog filter{4, steps};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0
+        && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
+QString uniqueName()
+{
+    return QStringLiteral("vorn") + QUuid::createUuid().toString(QUuid::Id128).left(8);
+}
+
+// The files that are open in this process and that a program which it starts would have open, too.
+QStringList inheritedFiles()
+{
+    QStringList files;
+    const QStringList numbers = entriesOf(QStringLiteral("/proc/self/fd"));
+    for (const QString &number : numbers) {
+        const int flags = fcntl(number.toInt(), F_GETFD);
+        if (flags >= 0 && !(flags & FD_CLOEXEC))
+            files += QFileInfo(QStringLiteral("/proc/self/fd/") + number).symLinkTarget();
+    }
+    return files;
+}
+
 } // namespace
 
 class TestProcesses : public QObject
@@ -79,14 +163,20 @@ class TestProcesses : public QObject
 private Q_SLOTS:
     void aKilledProcessDoesNotRunBeforeItIsWaitedFor();
     void aThreadOfTheSystemIsNoProgram();
+    void anIdThatIsUsedAgainIsNeverHit();
+    void withoutHeldProcessesTheIdIsHit_data();
+    void withoutHeldProcessesTheIdIsHit();
+    void aProgramMayEndWithTheMarkOfADeletedOne();
+    void aDeletedProgramIsNotTheFileOfItsMarkedName();
+    void anotherUsersProgramIsFoundByTheNameThatItGivesItself();
+    void countersAreNotHandedToStartedPrograms();
 };
 
 void TestProcesses::aKilledProcessDoesNotRunBeforeItIsWaitedFor()
 {
     const TestFolder folder;
     // Short enough to be told as a whole by "comm".
-    const QString name
-        = QStringLiteral("vorn") + QUuid::createUuid().toString(QUuid::Id128).left(8);
+    const QString name = uniqueName();
     const QString program = folder.filePath(name);
     QVERIFY(QFile::copy(helperProgram(), program));
     const Child child(program);
@@ -109,6 +199,127 @@ void TestProcesses::aThreadOfTheSystemIsNoProgram()
         QSKIP("The system's threads are not listed here");
     QVERIFY(!System::isProcessRunning(QStringLiteral("kthreadd")));
     QCOMPARE(System::getPID({QStringLiteral("KTHREADD")}), 0L);
+}
+
+// The process ends after it was found, and another one gets its id before it is to be ended.
+void TestProcesses::anIdThatIsUsedAgainIsNeverHit()
+{
+    const TestFolder folder;
+    const QString program = folder.filePath(uniqueName());
+    QVERIFY(QFile::copy(helperProgram(), program));
+    Child child(program);
+    QVERIFY(child.isStarted());
+    QTRY_VERIFY(System::isProcessRunning(QFileInfo(program).fileName()));
+    const pid_t id = child.id();
+    std::unique_ptr<ProcessWithId> other;
+    bool isFound = false;
+    bool isEnded = false;
+    Platform::visitProcesses([&](Platform::RunningProcess &process) {
+        if (process.id() != id)
+            return true;
+        isFound = process.path() == program;
+        child.vanish();
+        other = std::make_unique<ProcessWithId>(id);
+        isEnded = process.terminate(1);
+        return false;
+    });
+    QVERIFY(isFound);
+    if (!other->isStarted())
+        QSKIP("No process can be given an id here: this takes privileges and Linux 5.5");
+    QVERIFY(!isEnded);
+    QVERIFY(other->isRunning());
+}
+
+void TestProcesses::withoutHeldProcessesTheIdIsHit_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("a system that does not know them") << ENOSYS;
+    QTest::newRow("a filter that does not know them") << EPERM;
+}
+
+void TestProcesses::withoutHeldProcessesTheIdIsHit()
+{
+    QFETCH(int, error);
+    const TestFolder folder;
+    const QString name = uniqueName();
+    QVERIFY(QFile::copy(helperProgram(), folder.filePath(name)));
+    const Child child(folder.filePath(name));
+    QVERIFY(child.isStarted());
+    QTRY_VERIFY(System::isProcessRunning(name));
+    const pid_t killer = fork();
+    if (killer == 0) {
+        const bool isEnded = failCall(SYS_pidfd_open, error)
+            && System::killProcesses(QString(), {name}) == QStringList{name};
+        _exit(isEnded ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    int status = -1;
+    QCOMPARE(waitpid(killer, &status, 0), killer);
+    QCOMPARE(status, 0);
+    QTRY_VERIFY(!System::isProcessRunning(name));
+}
+
+// As the system marks the program of a process whose file is gone.
+void TestProcesses::aProgramMayEndWithTheMarkOfADeletedOne()
+{
+    const TestFolder folder;
+    const QString name = uniqueName() + QStringLiteral(" (deleted)");
+    const QString program = folder.filePath(name);
+    QVERIFY(QFile::copy(helperProgram(), program));
+    const Child child(program);
+    QVERIFY(child.isStarted());
+    QTRY_COMPARE(System::getPID({name.toUpper()}), static_cast<long>(child.id()));
+    QVERIFY(System::isProcessRunning(name));
+    QVERIFY(!System::isProcessRunning(name.section(QLatin1Char(' '), 0, 0)));
+    QVERIFY(QFile::remove(program));
+    QVERIFY(System::isProcessRunning(name));
+    QCOMPARE(System::killProcesses(program, {name}), QStringList{name});
+}
+
+void TestProcesses::aDeletedProgramIsNotTheFileOfItsMarkedName()
+{
+    const TestFolder folder;
+    const QString name = uniqueName();
+    const QString program = folder.filePath(name);
+    QVERIFY(QFile::copy(helperProgram(), program));
+    const Child child(program);
+    QVERIFY(child.isStarted());
+    QTRY_VERIFY(System::isProcessRunning(name));
+    QVERIFY(QFile::remove(program));
+    QVERIFY(writeFile(program + QStringLiteral(" (deleted)"), "another file"));
+    QVERIFY(System::isProcessRunning(name));
+    QVERIFY(!System::isProcessRunning(name + QStringLiteral(" (deleted)")));
+}
+
+// So that the answer is no more than a hint.
+void TestProcesses::anotherUsersProgramIsFoundByTheNameThatItGivesItself()
+{
+    if (geteuid() != 0)
+        QSKIP("This takes two users");
+    const QByteArray name = uniqueName().toLatin1();
+    const pid_t child = fork();
+    if (child == 0) {
+        prctl(PR_SET_NAME, name.constData());
+        for (;;)
+            pause();
+    }
+    QTRY_COMPARE(contentOf(fileOf(child, "comm")).trimmed(), name);
+    const QByteArray found = asOrdinaryUser([&name] {
+        const QString text = QString::fromLatin1(name);
+        return QByteArray(System::isProcessRunning(text) ? "running" : "not running")
+            + QByteArray::number(static_cast<int>(System::getPID({text.toUpper()})));
+    });
+    ::kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    QCOMPARE(found, QByteArray("running0"));
+}
+
+void TestProcesses::countersAreNotHandedToStartedPrograms()
+{
+    const QStringList before = inheritedFiles();
+    const CpuCounter load(CpuCounter::CpuPercent);
+    const CpuCounter memory(CpuCounter::MemAvailBytes);
+    QVERIFY(!before.isEmpty()); // such as the standard output
+    QCOMPARE(inheritedFiles(), before);
 }
 
 QTEST_GUILESS_MAIN(TestProcesses)

@@ -3,14 +3,16 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <csignal>
 #include <pwd.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #include <vector>
 
@@ -18,8 +20,17 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
+bool isSameFile(const QByteArray &one, const QByteArray &other)
+{
+    struct stat first = {};
+    struct stat second = {};
+    return ::stat(one.constData(), &first) == 0 && ::stat(other.constData(), &second) == 0
+        && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
 // The path of a process's program; empty for kernel threads and other users' processes. The name
-// in /proc/PID/comm would be cut to 15 characters.
+// in /proc/PID/comm would be cut to 15 characters. The kernel marks a program whose file is gone
+// with " (deleted)", which can also be a part of its name.
 QString programOf(const QString &id)
 {
     std::array<char, PATH_MAX> path{};
@@ -27,11 +38,11 @@ QString programOf(const QString &id)
     const ssize_t length = ::readlink(link.constData(), path.data(), path.size());
     if (length <= 0)
         return QString();
-    const QString program = QFile::decodeName(QByteArray(path.data(), static_cast<int>(length)));
-    const QString deleted = QStringLiteral(" (deleted)");
-    return program.endsWith(deleted) && !QFileInfo::exists(program)
-        ? program.chopped(deleted.size())
-        : program;
+    const QByteArray mark = " (deleted)";
+    QByteArray program(path.data(), static_cast<int>(length));
+    if (program.endsWith(mark) && !isSameFile(link, program))
+        program.chop(mark.size());
+    return QFile::decodeName(program);
 }
 
 QString fileNameOf(const QString &path)
@@ -45,8 +56,9 @@ QByteArray contentOf(const QString &id, const char *name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// The name of another user's program, as far as it is told: nothing when it may have been cut.
-// What has no command line is a thread of the system or a process that has ended.
+// The name that another user's process gives itself, by default that of its program; nothing when
+// it may have been cut. What has no command line is a thread of the system or a process that has
+// ended.
 QString shortNameOf(const QString &id)
 {
     constexpr int LongestName = 15; // bytes
@@ -78,8 +90,23 @@ public:
     QString name() const override { return fileNameOf(program_); }
     QString path() const override { return program_; }
 
-    // A killed process has no exit code here.
-    bool terminate(int) override { return ::kill(static_cast<pid_t>(id_), SIGKILL) == 0; }
+    // A killed process has no exit code here. What was looked at can have ended since, and its id
+    // can be another process's by now: the process is held first and looked at again.
+    bool terminate(int) override
+    {
+        const auto id = static_cast<pid_t>(id_);
+        const long process = ::syscall(SYS_pidfd_open, id, 0);
+        if (process < 0) {
+            // Linux before 5.3, and filters of system calls, do not know this one.
+            const bool isUnknown = errno == ENOSYS || errno == EPERM;
+            return isUnknown && ::kill(id, SIGKILL) == 0;
+        }
+        const auto descriptor = static_cast<int>(process);
+        const bool isEnded = programOf(QString::number(id_)) == program_
+            && ::syscall(SYS_pidfd_send_signal, descriptor, SIGKILL, nullptr, 0) == 0;
+        ::close(descriptor);
+        return isEnded;
+    }
 
 private:
     long id_;

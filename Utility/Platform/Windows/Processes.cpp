@@ -89,7 +89,8 @@ bool isProgramRunning(const QString &name)
         CloseHandle(snapshot);
         return false;
     }
-    // From here on the snapshot stays open: it is part of what this call is known to do.
+    // From here on the handle stays open: kept for compatibility, see "Snapshot of processes" in
+    // docs/compatibility.md.
     do {
         if (textOf(entry.szExeFile) == name)
             return true;

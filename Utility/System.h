@@ -12,7 +12,10 @@ namespace Vorn::Util {
 ///
 /// \code
 /// QFile results(System::getWorkingDirPath() + "/results.dat");
-/// QFile scratch(System::getTempDirPath() + "/" + System::getTempFileName("scratch.dat"));
+/// // The name can be a path: take its last part.
+/// const QString name = QFileInfo(System::getTempFileName("scratch.dat")).fileName();
+/// QFile scratch(System::getTempDirPath() + "/" + name);
+/// const bool isNew = scratch.open(QIODevice::WriteOnly | QIODevice::NewOnly);
 /// \endcode
 ///
 /// Each folder is worked out once per process. The caches are not guarded: two threads that ask
@@ -43,8 +46,10 @@ public:
     /// characters outside ASCII in its path.
     static QString getTempDirPath();
 
-    /// A name that no file has, with the suffix of \a fileName behind its last point; empty when
-    /// the system gives none. Nothing is created.
+    /// A name for a temporary file with the suffix of \a fileName (after its last point); empty
+    /// when the system gives none. On Windows it can be a full path. It is unlikely, not
+    /// impossible, that another file has the name, and nothing is created that would keep it: open
+    /// the file with QIODevice::NewOnly. QTemporaryFile does both in one step.
     static QString getTempFileName(const QString &fileName);
 
     /// The folder set with setWorkingDirPath(), at first the current folder.
@@ -103,13 +108,17 @@ public:
     /// may not be opened are passed over.
     static long getPID(const QStringList &names);
 
-    /// Whether a program of exactly this file name is running. On Linux one of another user is
-    /// found by a name of fewer than 15 bytes only.
+    /// Whether a program of exactly this file name is running, under any user. On Linux a process
+    /// of another user is known by the name that it gives itself, at first that of its program, and
+    /// only when that has fewer than 15 bytes: take the answer for a hint. On Windows each call
+    /// leaves a handle open (kept for compatibility, see docs/compatibility.md).
     static bool isProcessRunning(const QString &exeName);
 
     /// Ends the processes whose program's name is in \a names and whose program's path contains
-    /// \a pathFilter, in any letter case; an empty filter takes all. Returns the names of those
-    /// ended, without waiting for their end.
+    /// \a pathFilter, in any letter case; an empty filter takes all. Where the path cannot be read,
+    /// the name must contain the filter. Processes that may not be opened are passed over. Returns
+    /// the names of those ended, without waiting for their end. On Linux before 5.3 a process can
+    /// be hit that has got the id of one that ended at this very moment.
     static QStringList killProcesses(const QString &pathFilter, const QStringList &names);
 
     /// Starts a program that outlives this one; false when it cannot be started.
@@ -151,10 +160,19 @@ public:
     static qint64 getDirectorySize(const QString &path);
 
     /// Removes a folder tree. The folder itself stays with \a keepFolder or when there are
-    /// \a exceptions, names at its top level that are left alone. A link is removed, never what
-    /// it points to; a \a path that is a link and is to stay is left alone. Links to nowhere and
-    /// devices are not seen and keep their folder. False when something could not be removed; the
-    /// rest is removed all the same.
+    /// \a exceptions, names of entries at its top level that are left alone (exact, in their letter
+    /// case).
+    ///
+    /// When \a path is a link, the link is removed; when it is to stay, the folder that it leads to
+    /// is emptied. A link or junction in the tree is removed, never what it leads to, also when it
+    /// takes the place of a folder during the walk. A shortcut of Windows (".lnk") is a file.
+    ///
+    /// These entries are not removed: devices, pipes and sockets, links to such or to nowhere, and
+    /// on Linux names that are not valid text. The folders that hold them stay, too.
+    ///
+    /// False when \a path is empty or a removal failed; the rest is removed all the same. A folder
+    /// that holds one of the entries above cannot be removed: false, unless it is the folder that
+    /// is to stay. A missing or unreadable folder that is to stay is true.
     static bool removeDir(const QString &path, bool keepFolder, const QStringList &exceptions);
 
     /// Shares a folder on the network, to be read and written by anybody. False when the system
@@ -164,8 +182,8 @@ public:
     /// Whether the system tells that \a path is shared; false on Linux.
     static bool isFolderShared(const QString &path);
 
-    /// The version of a program file, "24.0.75.1", which is also printed to the standard output.
-    /// "0.0.0.0" for a file without a version.
+    /// The version of a program file, such as "24.0.75.1"; "0.0.0.0" for a file without one. Every
+    /// call also prints three lines with the version to the standard output.
     static QString getFileVersion(const QString &filePath);
 
     /// A duration as text, cut to hundredths: "1:05:09.07", "5:09.07", "9.07 sec".

@@ -1,56 +1,30 @@
 #include <Utility/CpuInfo.h>
 
 #include <Utility/Log.h>
+#include <Utility/Platform/Files.h>
 #include <Utility/Platform/Processors.h>
+#include <Utility/Platform/SmallFile_p.h>
 #include <Utility/Xml.h>
 
 #include <QtCore/QDebug>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
-#include <QtCore/QXmlStreamReader>
 #include <QtXml/QDomDocument>
+
+#include <optional>
 
 namespace Vorn::Util {
 
 namespace {
 
-// Whether the file might have the document's parser run out of stack, which is recursive: elements
-// in elements, or parentheses in a declaration. A declared entity may become anything. No file of
-// this kind has declarations, or more than a few elements; a long one has to be right for the
-// stricter parser that counts here, too.
-bool isDeep(const QString &text)
+// The parser calls itself for an element in an element, and a declaration may turn a short text
+// into any number of them. Every element needs a "<".
+bool canBeParsed(const QString &text)
 {
-    constexpr int DeepestKnown = 500;
-    if (text.contains(QLatin1String("<!ENTITY"))
-        || (text.contains(QLatin1String("<!ELEMENT"))
-            && text.count(QLatin1Char('(')) > DeepestKnown))
-        return true;
-    if (text.count(QLatin1Char('<')) <= DeepestKnown)
-        return false;
-    QXmlStreamReader reader(text);
-    reader.setNamespaceProcessing(false);
-    int depth = 0;
-    while (depth <= DeepestKnown && !reader.atEnd()) {
-        const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::StartElement)
-            ++depth;
-        else if (token == QXmlStreamReader::EndElement)
-            --depth;
-    }
-    return depth > DeepestKnown || reader.hasError();
-}
-
-// Never through a link, which somebody may have put there for that.
-bool openForWriting(QFile &file)
-{
-    const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text | QIODevice::NewOnly;
-    if (file.open(mode))
-        return true;
-    // Another process was first: the last one wins.
-    const QFileInfo other(file);
-    return other.isFile() && !other.isSymLink() && QFile::remove(file.fileName())
-        && file.open(mode);
+    constexpr int MaxElements = 2000;
+    return text.count(QLatin1Char('<')) <= MaxElements
+        && !text.contains(QLatin1String("<!DOCTYPE"));
 }
 
 } // namespace
@@ -61,12 +35,10 @@ CpuInfo::CpuInfo(Log *log, const QString &dir)
     : infoFilePath_(dir + QLatin1Char('/') + InfoFileName)
     , log_(log)
 {
-    // The messages name the file without its folder: callers rely on their text.
-    const QFileInfo file(infoFilePath_);
-    if (file.exists()) {
+    // The messages name the file without its folder (kept for compatibility: CpuInfo messages).
+    if (QFileInfo::exists(infoFilePath_)) {
         this->log(QStringLiteral("Reading CPU information from %1").arg(InfoFileName));
-        // A pipe of that name would keep the caller waiting.
-        if (!file.isFile() || !loadFromXml())
+        if (!loadFromXml())
             this->log(QStringLiteral("Cannot read CPU information from %1").arg(InfoFileName));
         return;
     }
@@ -114,16 +86,15 @@ bool CpuInfo::getSystemInfo()
 
 bool CpuInfo::loadFromXml()
 {
-    QFile file(infoFilePath_);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    const std::optional<QByteArray> content = Platform::readSmallFile(infoFilePath_);
+    if (!content)
         return false;
-    QTextStream stream(&file);
+    QTextStream stream(*content, QIODevice::ReadOnly | QIODevice::Text);
     stream.setCodec("UTF-8");
     const QString text = stream.readAll();
-    file.close();
 
     QDomDocument document;
-    if (isDeep(text) || !document.setContent(text))
+    if (!canBeParsed(text) || !document.setContent(text))
         return false;
     const QDomElement root = document.documentElement();
     if (isV14Format(root)) {
@@ -182,7 +153,7 @@ bool CpuInfo::saveToXml() const
            hyperThreading_ ? QStringLiteral("on") : QStringLiteral("off"));
 
     QFile file(infoFilePath_);
-    if (!openForWriting(file))
+    if (!Platform::openWithoutLink(file))
         return false;
     QTextStream stream(&file);
     stream.setCodec("UTF-8");

@@ -15,29 +15,52 @@ class Log;
 ///
 /// \code
 /// CpuInfo cpu(&log, System::getUserDataPath());
-/// pool.setMaxThreadCount(cpu.coreCount());
+/// pool.setMaxThreadCount(qMax(1, cpu.coreCount()));
 /// \endcode
 ///
-/// A failure is a line in the log (without one, on Qt's debug channel); the numbers are then
-/// 1 processor, 1 core, hyper-threading off. A file that cannot be read is left alone: delete it
-/// to have the system asked again.
+/// A failure is a line in the log or, without a log, on Qt's debug channel. The numbers are then:
 ///
-/// A copyable value for one thread; the log is not owned and may be null.
+/// | failure | numbers |
+/// |---|---|
+/// | the file cannot be read | 1 processor, 1 core, hyper-threading off; the system is not asked |
+/// | the file does not say whether hyper-threading is on | the system's, instead of those in the
+/// file | | so, and the system cannot be asked | those in the file, hyper-threading off | | there
+/// is no file and the system cannot be asked | 1 processor, 1 core, hyper-threading off; these are
+/// saved | | the file cannot be saved | the system's |
+///
+/// A file that cannot be read is left alone: delete it to have the system asked again. Such a file
+/// is one that is not well-formed, is no plain file (a pipe, a folder), has more than 1 MiB or more
+/// than 2,000 "<", or holds "<!DOCTYPE". A file that can be read may hold any numbers: one that is
+/// no number is 0, and nothing is checked against the machine.
+///
+/// A link to a file is followed to read it. Nothing is written through a link: one that leads to
+/// nothing counts as no file, stays as it is, and the saving fails.
+///
+/// The parser calls itself for each level of elements: the deepest file takes up to 800 KiB of the
+/// thread's stack.
+///
+/// A copyable value for one thread at a time. The log is not owned, may be null, and must live as
+/// long as the constructor runs. Of two processes that make the file at once the last one wins.
 class VORNUTILITY_EXPORT CpuInfo
 {
 public:
-    /// Reads the file in \a dir, or asks the system and writes it. The folder is not created.
+    /// Reads the file in \a dir, or asks the system and writes it. The folder is not created;
+    /// without it, saving fails and the numbers are the system's.
     CpuInfo(Log *log, const QString &dir);
 
-    /// Processor packages (sockets).
+    /// Processor packages (sockets); at least 1, but for a file that says otherwise.
     int processorCount() const;
 
-    /// Physical cores of all packages.
+    /// Physical cores of all packages; at least 1, but for a file that says otherwise. As the file
+    /// keeps the cores of one package, packages of different sizes lose a few cores when it is
+    /// read.
     int coreCount() const;
 
     /// Cores per package, rounded down; a package count of 0 counts as 1.
     int coresPerProcessor() const;
 
+    /// Whether a core runs several threads (simultaneous multithreading). The last core that the
+    /// system lists decides (kept for compatibility: hyper-threading of the last core).
     bool isHyperThreadingOn() const;
 
 private:

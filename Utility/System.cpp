@@ -96,8 +96,7 @@ QString System::getAllUsersDataPath()
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the exported interface takes a copy.
 QString System::getProgramDataPath(QString name)
 {
-    // One cache for all names, searched for a part of the path: callers rely on getting the folder
-    // "VORN 2024" for "VORN" too.
+    // Kept for compatibility: one program-data folder for all names.
     if (programDataPath_.isEmpty() || programDataPath_.indexOf(name) < 0) {
         const QChar separator = QDir::separator();
         QString root = Platform::commonApplicationDataFolder(maker());
@@ -113,7 +112,7 @@ QString System::getPublicDocumentsDirPath()
 {
     if (publicDocumentsPath_.isEmpty()) {
         const QString publicFolder = Platform::environmentVariable("PUBLIC");
-        // The fallback holds the product's folder already and gets it twice: callers rely on it.
+        // Kept for compatibility: doubled public documents.
         const QString base = publicFolder.isEmpty() ? getProgramDataPath(productFolder())
                                                     : publicFolder + QStringLiteral("/Documents");
         const QString path = QDir::toNativeSeparators(

@@ -3,6 +3,7 @@
 #include <Utility/Platform/FolderTree.h>
 #include <Utility/Platform/ProgramVersion.h>
 #include <Utility/Platform/Shares.h>
+#include <Utility/Platform/SmallFile_p.h>
 #include <Utility/StandardOutput.h>
 #include <Utility/System.h>
 
@@ -14,6 +15,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -139,11 +141,11 @@ bool System::isFlagSet(const QString &flag)
     const QString folder = getFlagsDirPath();
     if (folder.isEmpty())
         return false;
-    QFile file(folder + QLatin1Char('/') + QStringLiteral("VORN_flags.txt"));
-    // A pipe of that name would keep the caller waiting.
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
+    const std::optional<QByteArray> content
+        = Platform::readSmallFile(folder + QStringLiteral("/VORN_flags.txt"));
+    if (!content)
         return false;
-    QTextStream stream(&file);
+    QTextStream stream(*content, QIODevice::ReadOnly | QIODevice::Text);
     stream.setCodec("UTF-8");
     while (!stream.atEnd()) {
         if (stream.readLine().simplified().section(QLatin1Char(' '), 0, 0) == flag)

@@ -36,6 +36,7 @@ FakePlatform::FakePlatform()
             : Vorn::Util::Platform::MoveOutcome::Failed;
     })
     , openFolderTree(always(nullptr))
+    , openWithoutLink([](QFile &file) { return file.open(QIODevice::WriteOnly | QIODevice::Text); })
     , commonApplicationDataFolder(always(QString()))
     , publicDocumentsRoot(always(QString()))
     , userDataRoot(always(QString()))
@@ -109,6 +110,11 @@ MoveOutcome moveFile(const QString &source, const QString &target)
 std::unique_ptr<FolderTree> openFolderTree(const QString &path)
 {
     return fakePlatform().openFolderTree(path);
+}
+
+bool openWithoutLink(QFile &file)
+{
+    return fakePlatform().openWithoutLink(file);
 }
 
 QString commonApplicationDataFolder(const QString &maker)

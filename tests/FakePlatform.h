@@ -35,6 +35,7 @@ struct FakePlatform
     Function<bool, const QString &, const QString &> replaceFile;
     Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
     Function<std::unique_ptr<Vorn::Util::Platform::FolderTree>, const QString &> openFolderTree;
+    Function<bool, QFile &> openWithoutLink;
     Function<QString, const QString &> commonApplicationDataFolder;
     Function<QString, const QString &> publicDocumentsRoot;
     Function<QString> userDataRoot;

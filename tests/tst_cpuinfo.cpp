@@ -7,6 +7,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QThread>
 #include <QtTest/QtTest>
 
 #include <limits>
@@ -95,14 +96,10 @@ private Q_SLOTS:
     void anInfoElementThatIsNotFirstIsNotTheOlderForm_data();
     void anInfoElementThatIsNotFirstIsNotTheOlderForm();
     void numbersOfAnySizeAreSafe();
-    void aFileOfDeepElementsCannotBeRead_data();
-    void aFileOfDeepElementsCannotBeRead();
-    void aFileOfADeepDeclarationCannotBeRead();
-    void aFileWithAPlainDeclarationIsRead();
-    void aLongFileOfShallowElementsIsRead();
-    void elementsFromEntitiesCountToo_data();
-    void elementsFromEntitiesCountToo();
-    void aLongFileWithAnErrorCannotBeRead();
+    void onlyAFileWithinTheLimitsIsRead_data();
+    void onlyAFileWithinTheLimitsIsRead();
+    void theDeepestFileFitsTheStackOfAThread_data();
+    void theDeepestFileFitsTheStackOfAThread();
 
     void aFileWithoutHyperThreadingHasTheSystemAskedAgain_data();
     void aFileWithoutHyperThreadingHasTheSystemAskedAgain();
@@ -342,115 +339,81 @@ void tst_CpuInfo::theOlderFormIsRead()
     theCurrentFormIsRead();
 }
 
-void tst_CpuInfo::aFileOfDeepElementsCannotBeRead_data()
+void tst_CpuInfo::onlyAFileWithinTheLimitsIsRead_data()
 {
-    QTest::addColumn<int>("depth");
-    QTest::addColumn<bool>("closed");
+    QTest::addColumn<QByteArray>("content");
     QTest::addColumn<bool>("isRead");
 
-    QTest::newRow("deep as no file is") << 400 << true << true;
-    QTest::newRow("deeper") << 600 << true << false;
-    QTest::newRow("without an end") << 200000 << false << false;
-    QTest::newRow("very deep") << 200000 << true << false;
+    const QByteArray three
+        = "<processorCount>3</processorCount><hyperThreading>on</hyperThreading>";
+    const auto root = [&](const QByteArray &rest) { return "<Root>" + three + rest + "</Root>"; };
+    const auto ofSize = [&](int size) { return root(QByteArray(size - root("").size(), 'x')); };
+    constexpr int MaxSize = 1024 * 1024;
+    QTest::newRow("1 MiB") << ofSize(MaxSize) << true;
+    QTest::newRow("a byte more than 1 MiB") << ofSize(MaxSize + 1) << false;
+    QTest::newRow("carriage returns count") << root(QByteArray(MaxSize, '\r')) << false;
+
+    const auto withBrackets
+        = [&](int count) { return root(QByteArray("<a/>").repeated(count - root("").count('<'))); };
+    QTest::newRow("2,000 <") << withBrackets(2000) << true;
+    QTest::newRow("2,001 <") << withBrackets(2001) << false;
+    QTest::newRow("1,000 elements in each other")
+        << root(QByteArray("<a>").repeated(997) + QByteArray("</a>").repeated(997)) << true;
+    QTest::newRow("references to <") << root(QByteArray("&lt;").repeated(5000)) << true;
+    QTest::newRow("> and parentheses") << root(QByteArray("((>").repeated(5000)) << true;
+
+    QTest::newRow("document type") << "<!DOCTYPE Root>" + root("") << false;
+    QTest::newRow("document type with an element")
+        << "<!DOCTYPE Root [<!ELEMENT Root (a,(b|c))>]>" + root("") << false;
+    QTest::newRow("document type with an entity")
+        << "<?xml version=\"1.0\"?>\n<!DOCTYPE Root [<!ENTITY e \"<a></a>\">]>" + root("&e;")
+        << false;
+    QTest::newRow("document type in a comment") << root("<!-- <!DOCTYPE a> -->") << false;
+    QTest::newRow("entity in a comment") << root("<!-- <!ENTITY e \"a\"> -->") << true;
+    QTest::newRow("unknown entity") << root("<b>&unknown;</b>") << true;
+    QTest::newRow("many elements and one attribute twice")
+        << root("<b a=\"1\" a=\"2\"/>" + QByteArray("<a/>").repeated(600)) << true;
+    QTest::newRow("many elements and an unknown entity")
+        << root("<b>&unknown;</b>" + QByteArray("<a/>").repeated(600)) << true;
 }
 
-void tst_CpuInfo::aFileOfDeepElementsCannotBeRead()
+void tst_CpuInfo::onlyAFileWithinTheLimitsIsRead()
 {
-    QFETCH(int, depth);
-    QFETCH(bool, closed);
+    QFETCH(QByteArray, content);
     QFETCH(bool, isRead);
 
-    QByteArray text = QByteArray("<a>").repeated(depth);
-    if (closed)
-        text += QByteArray("</a>").repeated(depth);
-    QVERIFY(writeFile(infoFile(),
-                      "<Root><processorCount>3</processorCount><hyperThreading>on</hyperThreading>"
-                          + text + "</Root>"));
+    QVERIFY(writeFile(infoFile(), content));
     TestLog log;
-    QCOMPARE(CpuInfo(log, folder()).processorCount(), isRead ? 3 : 1);
-    QCOMPARE(log.lines().size(), isRead ? 1 : 2);
+    const CpuInfo info(log, folder());
+    QCOMPARE(countsOf(info), isRead ? (Counts{3, 3, 1, true}) : Defaults);
+    QStringList expected = texts({"Reading CPU information from SystemInfo.xml"});
+    if (!isRead)
+        expected += texts({"Cannot read CPU information from SystemInfo.xml"});
+    QCOMPARE(log.lines(), expected);
+    QVERIFY(contentOf(infoFile()) == content);
 }
 
-// The declaration of an element is read recursively too.
-void tst_CpuInfo::aFileOfADeepDeclarationCannotBeRead()
+// Elements in each other are read and deleted recursively.
+void tst_CpuInfo::theDeepestFileFitsTheStackOfAThread_data()
 {
-    const int depth = 200000;
-    QVERIFY(writeFile(infoFile(),
-                      "<!DOCTYPE Root [<!ELEMENT Root " + QByteArray(depth, '(') + "a"
-                          + QByteArray(depth, ')')
-                          + ">]><Root><processorCount>3</processorCount></Root>"));
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("closed") << QByteArray("<a>").repeated(1000) + QByteArray("</a>").repeated(1000);
+    QTest::newRow("not closed") << QByteArray("<a>").repeated(2000);
+}
+
+void tst_CpuInfo::theDeepestFileFitsTheStackOfAThread()
+{
+    QFETCH(QByteArray, content);
+
+    constexpr uint StackSize = 1024 * 1024; // what a thread has by default on Windows
+    QVERIFY(writeFile(infoFile(), content));
     TestLog log;
-    QCOMPARE(CpuInfo(log, folder()).processorCount(), 1);
-}
-
-void tst_CpuInfo::aFileWithAPlainDeclarationIsRead()
-{
-    QVERIFY(writeFile(infoFile(),
-                      "<!DOCTYPE Root [<!ELEMENT Root (a,(b|c))>]><Root><processorCount>3"
-                      "</processorCount><hyperThreading>on</hyperThreading></Root>"));
-    TestLog log;
-    QCOMPARE(CpuInfo(log, folder()).processorCount(), 3);
-}
-
-void tst_CpuInfo::aLongFileOfShallowElementsIsRead()
-{
-    QVERIFY(writeFile(infoFile(),
-                      "<Root>" + QByteArray("<a>&lt;</a>").repeated(5000)
-                          + "<processorCount>3</processorCount><hyperThreading>on</hyperThreading>"
-                            "</Root>"));
-    TestLog log;
-    QCOMPARE(CpuInfo(log, folder()).processorCount(), 3);
-}
-
-// What the elements of a file would become cannot be told from its text.
-void tst_CpuInfo::elementsFromEntitiesCountToo_data()
-{
-    QTest::addColumn<QByteArray>("entities");
-    QTest::addColumn<QByteArray>("last");
-
-    QByteArray nested = "<!ENTITY e0 \"<a></a>\">";
-    for (int number = 1; number <= 600; ++number) {
-        nested += "<!ENTITY e" + QByteArray::number(number) + " \"<a>&e"
-            + QByteArray::number(number - 1) + ";</a>\">";
-    }
-    QTest::newRow("one in the other") << nested << QByteArray("&e600;");
-    constexpr int Depth = 200000;
-    QTest::newRow("of references instead of brackets") << "<!ENTITY e \""
-            + QByteArray("&#60;a>").repeated(Depth) + QByteArray("&#60;/a>").repeated(Depth)
-            + "\">" << QByteArray("&e;");
-}
-
-void tst_CpuInfo::elementsFromEntitiesCountToo()
-{
-    QFETCH(QByteArray, entities);
-    QFETCH(QByteArray, last);
-    QVERIFY(writeFile(infoFile(),
-                      "<!DOCTYPE Root [" + entities
-                          + "]><Root><processorCount>3</processorCount>"
-                            "<hyperThreading>on</hyperThreading>"
-                          + last + "</Root>"));
-    TestLog log;
-    QCOMPARE(CpuInfo(log, folder()).processorCount(), 1);
-    QCOMPARE(log.lines(),
-             texts({"Reading CPU information from SystemInfo.xml",
-                    "Cannot read CPU information from SystemInfo.xml"}));
-}
-
-// A long file is read by a stricter parser too, which knows what stops it before the end.
-void tst_CpuInfo::aLongFileWithAnErrorCannotBeRead()
-{
-    for (const bool isLong : {false, true}) {
-        QVERIFY(writeFile(infoFile(),
-                          "<Root><processorCount>3</processorCount>"
-                          "<hyperThreading>on</hyperThreading><b>&unknown;</b>"
-                              + QByteArray("<a/>").repeated(isLong ? 600 : 10) + "</Root>"));
-        TestLog log;
-        QStringList expected = texts({"Reading CPU information from SystemInfo.xml"});
-        if (isLong)
-            expected += texts({"Cannot read CPU information from SystemInfo.xml"});
-        QCOMPARE(CpuInfo(log, folder()).processorCount(), isLong ? 1 : 3);
-        QCOMPARE(log.lines(), expected);
-    }
+    const std::unique_ptr<QThread> thread(
+        QThread::create([&] { const CpuInfo info(log, folder()); }));
+    thread->setStackSize(StackSize);
+    thread->start();
+    QVERIFY(thread->wait());
+    QCOMPARE(log.lines().value(0), QStringLiteral("Reading CPU information from SystemInfo.xml"));
 }
 
 void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm_data()

@@ -59,6 +59,9 @@ private Q_SLOTS:
     void aBadFileSparesTheQueryToo();
     void theOlderFormSparesTheQueryToo();
 
+    void theLastWriterWins();
+    void aFileThatMayNotBeWrittenIsReported();
+
     void aFailedQuerySavesTheDefaults();
     void theMessagesOfTheQueryComeFirst();
     void theMessagesOfASuccessfulQueryAreWritten();
@@ -211,6 +214,35 @@ void tst_CpuInfoFallbacks::theOlderFormSparesTheQueryToo()
     QCOMPARE(info.coreCount(), 4);
     QCOMPARE(info.isHyperThreadingOn(), false);
     QCOMPARE(log.lines(), QStringList{Reading});
+}
+
+// Another process has made the file meanwhile, and still has it open.
+void tst_CpuInfoFallbacks::theLastWriterWins()
+{
+    QFile other(infoFile());
+    fakePlatform().queryProcessors = [&other] {
+        other.open(QIODevice::WriteOnly);
+        other.write(QByteArray(1000, 'x'));
+        other.flush();
+        return answer(2, 16, true, true);
+    };
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QVERIFY(other.isOpen());
+    QCOMPARE(info.coreCount(), 16);
+    QCOMPARE(saved(), fileOf("2", "8", "on"));
+    QCOMPARE(log.lines(), QStringList());
+}
+
+void tst_CpuInfoFallbacks::aFileThatMayNotBeWrittenIsReported()
+{
+    give(answer(2, 16, true, true));
+    fakePlatform().openWithoutLink = [](QFile &) { return false; };
+    TestLog log;
+    const CpuInfo info(log, folder());
+    QCOMPARE(info.coreCount(), 16);
+    QCOMPARE(log.lines(), QStringList{CannotSave});
+    QVERIFY(!QFile::exists(infoFile()));
 }
 
 void tst_CpuInfoFallbacks::aFailedQuerySavesTheDefaults()

@@ -171,6 +171,7 @@ private Q_SLOTS:
     void aFlagIsTheFirstWordOfALine_data();
     void aFlagIsTheFirstWordOfALine();
     void flagsAreReadAnewByEveryCall();
+    void aFlagsFileOfMoreThanAMebibyteSetsNoFlag();
     void withoutAFlagsFileNoFlagIsSet();
     void theFlagsFolderIsKept();
     void aFlagsFolderThatCannotBeMadeIsTriedAgain();
@@ -630,6 +631,17 @@ void tst_SystemFallbacks2::flagsAreReadAnewByEveryCall()
     QVERIFY(System::isFlagSet(flag));
     QVERIFY(writeFile(flagsFile(), "Other\n"));
     QVERIFY(!System::isFlagSet(flag));
+}
+
+void tst_SystemFallbacks2::aFlagsFileOfMoreThanAMebibyteSetsNoFlag()
+{
+    const QByteArray flag = "DebugMode\n";
+    const QByteArray longest = flag + QByteArray(1024 * 1024 - flag.size(), ' ');
+    QVERIFY(writeFile(flagsFile(), longest));
+    QVERIFY(System::isFlagSet(QStringLiteral("DebugMode")));
+    QVERIFY(writeFile(flagsFile(), longest + ' '));
+    QVERIFY(!System::isFlagSet(QStringLiteral("DebugMode")));
+    QVERIFY(QFile::remove(flagsFile()));
 }
 
 void tst_SystemFallbacks2::withoutAFlagsFileNoFlagIsSet()

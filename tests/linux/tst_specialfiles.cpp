@@ -11,9 +11,47 @@
 #include <QtCore/QFileInfo>
 #include <QtTest/QtTest>
 
+#include <csignal>
+#include <functional>
 #include <memory>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Vorn::Util;
+
+namespace {
+
+constexpr qint64 HugeSize = 3LL * 1024 * 1024 * 1024;
+
+// A process that works until the object goes.
+class ChildProcess
+{
+public:
+    explicit ChildProcess(const std::function<void()> &work)
+        : id_(fork())
+    {
+        if (id_ == 0) {
+            work();
+            _exit(EXIT_SUCCESS);
+        }
+    }
+    ~ChildProcess()
+    {
+        if (isStarted()) {
+            kill(id_, SIGKILL);
+            waitpid(id_, nullptr, 0);
+        }
+    }
+
+    bool isStarted() const { return id_ > 0; }
+
+private:
+    Q_DISABLE_COPY(ChildProcess)
+
+    const pid_t id_;
+};
+
+} // namespace
 
 class TestSpecialFiles : public QObject
 {
@@ -28,7 +66,11 @@ private Q_SLOTS:
     void aPipeInThePlaceOfTheInformationFileIsNotWaitedFor();
     void aPipeInThePlaceOfTheFlagsFileIsNotWaitedFor();
 
+    void aHugeInformationFileCannotBeRead();
+    void aHugeFlagsFileSetsNoFlag();
+
     void nothingIsWrittenThroughALinkToNothing();
+    void nothingIsWrittenThroughALinkThatIsPutThereMeanwhile();
     void anInformationFileMayBeALink();
 
 private:
@@ -96,6 +138,31 @@ void TestSpecialFiles::aPipeInThePlaceOfTheFlagsFileIsNotWaitedFor()
     QVERIFY(QFile::remove(fileName));
 }
 
+// A file without content takes no space on the disk, but all its bytes would be read.
+void TestSpecialFiles::aHugeInformationFileCannotBeRead()
+{
+    QFile file(path("SystemInfo.xml"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(HugeSize));
+    TestLog log;
+    const CpuInfo info(log, folder_->path());
+    QCOMPARE(info.processorCount(), 1);
+    QCOMPARE(log.lines(),
+             texts({"Reading CPU information from SystemInfo.xml",
+                    "Cannot read CPU information from SystemInfo.xml"}));
+    QCOMPARE(file.size(), HugeSize);
+}
+
+void TestSpecialFiles::aHugeFlagsFileSetsNoFlag()
+{
+    QFile file(System::getFlagsDirPath() + QStringLiteral("/VORN_flags.txt"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("DebugMode\n") > 0 && file.flush());
+    QVERIFY(System::isFlagSet(QStringLiteral("DebugMode")));
+    QVERIFY(file.resize(HugeSize));
+    QVERIFY(!System::isFlagSet(QStringLiteral("DebugMode")));
+    QVERIFY(!System::isFlagSet(QStringLiteral("Other")));
+    QVERIFY(file.remove());
+}
+
 // Somebody may have put it there so that another file comes to be or is overwritten.
 void TestSpecialFiles::nothingIsWrittenThroughALinkToNothing()
 {
@@ -109,6 +176,39 @@ void TestSpecialFiles::nothingIsWrittenThroughALinkToNothing()
     QCOMPARE(log.lines(), texts({"Cannot save CPU information to SystemInfo.xml"}));
     QCOMPARE(entriesOf(folder_->path()), texts({"SystemInfo.xml"}));
     QCOMPARE(QFileInfo(path("SystemInfo.xml")).symLinkTarget(), path("target"));
+}
+
+// Another process puts links there, with and without a file at their end, while the system is
+// asked.
+void TestSpecialFiles::nothingIsWrittenThroughALinkThatIsPutThereMeanwhile()
+{
+    const QByteArray content = "somebody's file";
+    QVERIFY(writeFile(path("target"), content));
+    const QByteArray target = QFile::encodeName(path("target"));
+    const QByteArray nothing = QFile::encodeName(path("nothing"));
+    const QByteArray name = QFile::encodeName(path("SystemInfo.xml"));
+    const ChildProcess adversary([&] {
+        for (;;) {
+            for (const QByteArray &end : {target, nothing}) {
+                if (symlink(end.constData(), name.constData()) == 0)
+                    unlink(name.constData());
+            }
+            if (link(target.constData(), name.constData()) == 0)
+                unlink(name.constData());
+        }
+    });
+    QVERIFY(adversary.isStarted());
+
+    constexpr int Rounds = 1000;
+    TestLog log;
+    for (int round = 0; round < Rounds; ++round) {
+        const CpuInfo info(log, folder_->path());
+        QVERIFY(contentOf(path("target")) == content);
+        QVERIFY(!QFileInfo::exists(path("nothing")));
+        unlink(name.constData());
+    }
+    // The adversary was there in time.
+    QVERIFY(log.lines().contains(QStringLiteral("Cannot save CPU information to SystemInfo.xml")));
 }
 
 void TestSpecialFiles::anInformationFileMayBeALink()

@@ -1,6 +1,7 @@
 #include <Utility/Platform/Files.h>
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <cerrno>
 #include <cstdio>
@@ -19,6 +20,17 @@ MoveOutcome moveFile(const QString &source, const QString &target)
         == 0)
         return MoveOutcome::Moved;
     return errno == EXDEV ? MoveOutcome::OtherFileSystem : MoveOutcome::Failed;
+}
+
+bool openWithoutLink(QFile &file)
+{
+    constexpr auto NewFile = QIODevice::WriteOnly | QIODevice::Text | QIODevice::NewOnly;
+    if (file.open(NewFile))
+        return true;
+    // Removed, not emptied: what lies there now may be a link by the time that it is opened.
+    const QFileInfo other(file);
+    return other.isFile() && !other.isSymLink() && QFile::remove(file.fileName())
+        && file.open(NewFile);
 }
 
 } // namespace Vorn::Util::Platform

@@ -26,4 +26,14 @@ MoveOutcome moveFile(const QString &source, const QString &target)
                                                    : MoveOutcome::Failed;
 }
 
+bool openWithoutLink(QFile &file)
+{
+    const QString name = QDir::toNativeSeparators(file.fileName());
+    const DWORD attributes = GetFileAttributesW(wide(name)); // of the link itself
+    const bool isLink
+        = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    // Emptied, not removed: another process may have it open.
+    return !isLink && file.open(QIODevice::WriteOnly | QIODevice::Text);
+}
+
 } // namespace Vorn::Util::Platform

@@ -18,10 +18,20 @@ namespace Vorn::Util {
 /// const bool isNew = scratch.open(QIODevice::WriteOnly | QIODevice::NewOnly);
 /// \endcode
 ///
-/// Each folder is worked out once per process. The caches are not guarded: two threads that ask
-/// for a folder for the first time at once both work it out. "Native" means with the system's own
-/// separators. A folder that cannot be found is an empty text or the fallback named; nothing
-/// throws. Messages go to Qt's debug channel.
+/// "Native" means with the system's own separators. A folder that cannot be found is an empty text
+/// or the fallback named; nothing throws. Messages go to Qt's debug channel.
+///
+/// Threads: any thread may call the functions for processes, environment variables, the host name
+/// and the user name (getPID() to getUserName(), isLocalHost()) at any time. The functions for
+/// folders keep a folder once it is worked out, without a lock. It is undefined behaviour, which
+/// can end in a crash,
+/// - to call one of them for the first time on two threads at once,
+/// - to call getProgramDataPath() with another \a name while another thread calls it,
+/// - to call setWorkingDirPath() while another thread calls getWorkingDirPath().
+///
+/// To use them on several threads, call each once before the threads start, and
+/// getProgramDataPath() with one name only: from then on they only read. A function that has
+/// returned an empty text looks for its folder again with each call, so it stays on one thread.
 class VORNUTILITY_EXPORT System
 {
 public:
@@ -127,7 +137,8 @@ public:
     /// The value of an environment variable as Latin-1 text; empty when it is not set.
     static QString getEnv(const QString &name);
 
-    /// The machine's name, asked for once per process.
+    /// The machine's name. The first call asks for it, on whatever thread; the others give the
+    /// same.
     static QString getHostName();
 
     /// The name of the user who runs the process; empty when it cannot be found.

@@ -7,7 +7,16 @@
 #include <QtCore/QProcess>
 #include <QtNetwork/QHostInfo>
 
+#include <mutex>
+
 namespace Vorn::Util {
+
+namespace {
+
+// Any thread may ask for the name.
+std::mutex hostNameMutex;
+
+} // namespace
 
 long System::getPID(const QStringList &names)
 {
@@ -58,6 +67,7 @@ QString System::getEnv(const QString &name)
 
 QString System::getHostName()
 {
+    const std::lock_guard<std::mutex> lock(hostNameMutex);
     if (hostName_.isEmpty()) {
         hostName_ = Platform::hostName();
         if (hostName_.isEmpty())

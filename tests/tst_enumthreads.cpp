@@ -1,19 +1,14 @@
+#include "TestThreads.h"
+
 #include <Utility/Enum.h>
 
-#include <QtCore/QSemaphore>
-#include <QtCore/QThread>
 #include <QtTest/QtTest>
 
 #include <atomic>
-#include <functional>
-#include <memory>
-#include <vector>
 
 using Vorn::Util::Enum;
 
 namespace {
-
-constexpr int ThreadCount = 8;
 
 class Member : public Enum
 {
@@ -23,26 +18,6 @@ public:
     {
     }
 };
-
-// Does \a work on all threads, which are let go together.
-void onAllThreads(const std::function<void()> &work)
-{
-    QSemaphore ready;
-    QSemaphore go;
-    std::vector<std::unique_ptr<QThread>> threads;
-    for (int number = 0; number < ThreadCount; ++number) {
-        threads.emplace_back(QThread::create([&] {
-            ready.release();
-            go.acquire();
-            work();
-        }));
-        threads.back()->start();
-    }
-    ready.acquire(ThreadCount);
-    go.release(ThreadCount);
-    for (const auto &thread : threads)
-        thread->wait();
-}
 
 } // namespace
 

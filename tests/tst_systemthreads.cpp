@@ -1,0 +1,54 @@
+// The functions of System that any thread may call.
+
+#include "TestThreads.h"
+
+#include <Utility/System.h>
+
+#include <QtTest/QtTest>
+
+#include <atomic>
+
+using Vorn::Util::System;
+
+class tst_SystemThreads : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theHostNameMayBeAskedForFirstOnManyThreads();
+    void theOtherFunctionsMayBeCalledOnManyThreads();
+};
+
+// The first function of the program: nothing has asked for the name before.
+void tst_SystemThreads::theHostNameMayBeAskedForFirstOnManyThreads()
+{
+    std::atomic_int same{0};
+    onAllThreads([&] {
+        const QString name = System::getHostName();
+        if (!name.isEmpty() && name == System::getHostName() && System::isLocalHost(name))
+            ++same;
+    });
+    QCOMPARE(same.load(), ThreadCount);
+}
+
+// All but startProcess(), which calls Qt and nothing else. Qt allocates memory in the forked
+// process, where a sanitizer's allocator can wait for ever.
+void tst_SystemThreads::theOtherFunctionsMayBeCalledOnManyThreads()
+{
+    qputenv("TST_SYSTEMTHREADS", "value");
+    const QString user = System::getUserName();
+    const QString missing = QStringLiteral("tst_systemthreads no such program");
+    std::atomic_int right{0};
+    onAllThreads([&] {
+        if (System::getEnv(QStringLiteral("TST_SYSTEMTHREADS")) == QLatin1String("value")
+            && System::getUserName() == user && System::getPID({missing}) == 0
+            && !System::isProcessRunning(missing)
+            && System::killProcesses(QString(), {missing}).isEmpty())
+            ++right;
+    });
+    QCOMPARE(right.load(), ThreadCount);
+}
+
+QTEST_GUILESS_MAIN(tst_SystemThreads)
+
+#include "tst_systemthreads.moc"

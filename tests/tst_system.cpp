@@ -161,14 +161,14 @@ void tst_System::allUsersDataPath()
 void tst_System::programDataPath()
 {
     const QString path = run({QStringLiteral("getProgramDataPath=Any Name")}).results.value(0);
-    QVERIFY(QDir::isAbsolutePath(path));
-    QVERIFY(path.endsWith(native(QStringLiteral("/Vantorel/Any Name"))));
-    QCOMPARE(path, native(path));
-    // The folder that the product's lies in is there: the system's own or the user's.
-    const QString root = path.chopped(native(QStringLiteral("/Vantorel/Any Name")).size());
-    const QStringList roots{qEnvironmentVariable("ProgramData"), QStringLiteral("/var/lib"),
-                            this->path(QStringLiteral("data home"))};
-    QVERIFY2(roots.contains(root), qPrintable(root));
+    QString root = qEnvironmentVariable("ProgramData");
+    if (!onWindows()) {
+        // The machine's folder where this process may write it, else the user's.
+        const QFileInfo makers(QStringLiteral("/var/lib/Vantorel"));
+        const QFileInfo written(makers.exists() ? makers.filePath() : makers.path());
+        root = written.isWritable() ? makers.path() : this->path(QStringLiteral("data home"));
+    }
+    QCOMPARE(path, native(root + QStringLiteral("/Vantorel/Any Name")));
 }
 
 void tst_System::programDataPathIsKeptForEveryPartOfIt()

@@ -18,3 +18,4 @@ vorn_add_test(tst_permissions FROM linux FOLDER own-archiver) # it puts its arch
 vorn_add_test(tst_settingsfiles FROM linux)
 vorn_add_test(tst_removedir FROM linux)
 vorn_add_test(tst_unicodefilemoves FROM linux)
+vorn_add_test(tst_datafolder INTERNAL FROM linux)

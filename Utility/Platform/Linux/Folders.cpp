@@ -1,5 +1,7 @@
 #include <Utility/Platform/Folders.h>
 
+#include <Utility/Platform/Linux/Folders_p.h>
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QRandomGenerator>
@@ -20,12 +22,16 @@ QString userDataFolder()
 
 } // namespace
 
+QString writableDataFolder(const QString &common, const QString &maker, const QString &own)
+{
+    const QString makers = common + QLatin1Char('/') + maker;
+    const QString written = QFileInfo::exists(makers) ? makers : common;
+    return ::access(QFile::encodeName(written).constData(), W_OK) == 0 ? common : own;
+}
+
 QString commonApplicationDataFolder(const QString &maker)
 {
-    const QString common = QStringLiteral("/var/lib");
-    const QString own = common + QLatin1Char('/') + maker;
-    const QString written = QFileInfo::exists(own) ? own : common;
-    return ::access(QFile::encodeName(written).constData(), W_OK) == 0 ? common : userDataFolder();
+    return writableDataFolder(QStringLiteral("/var/lib"), maker, userDataFolder());
 }
 
 QString publicDocumentsRoot(const QString &maker)

@@ -58,7 +58,7 @@ QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys)
         key = keyPath.left(std::max(separator, 0));
         release = keyPath.mid(separator + 1);
     }
-    // The separator at which a caller's path was split is not put back: callers rely on it.
+    // Kept for compatibility: key path without its last separator.
     if (!release.contains(QLatin1String(".x")))
         return key + release;
     const QString found = greatestRelease(release, subkeys(key));

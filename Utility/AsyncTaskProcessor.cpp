@@ -10,17 +10,18 @@
 
 #include <algorithm>
 
-// How the processor survives what signals, monitors and destructors may do:
-// - A task that waits or runs here is connected to forgetTask(), so that tasks_ and currentTask_
-//   hold no task that somebody else has deleted.
-// - The running task is connected to handleFinishedTask(). Who cuts this connection handles the
-// end.
-// - After foreign code has run, a QPointer tells whether the processor and the task are still
-// there.
+// Signals, the monitor and the destructors of tasks run code of the application, which may delete
+// tasks and the processor. The processor survives this by three rules:
+// - A task that waits or runs here is connected to forgetTask(). So neither tasks_ nor currentTask_
+//   holds a task that was deleted.
+// - The running task is connected to handleFinishedTask(). Whoever cuts this connection handles
+//   the end of the task, so that this happens once.
+// - After code of the application has run, a QPointer tells whether the processor and the task
+//   still exist.
 
 namespace Vorn::Util {
 
-// What was said of a task. Another task may later have the same address as one that is gone.
+// The entry of a task. The QPointers tell a task that was deleted from a later one at its address.
 struct AsyncTaskProcessor::CleanUp
 {
     QPointer<AsyncTask> task;
@@ -30,7 +31,7 @@ struct AsyncTaskProcessor::CleanUp
 
 namespace {
 
-// A slot may delete the finished task before all of this was used.
+// What the processor needs of a finished task, which a slot may delete too early.
 struct Result
 {
     explicit Result(const AsyncTask &task)
@@ -85,7 +86,7 @@ void AsyncTaskProcessor::addTask(AsyncTask *task)
         return;
     const auto cleanUp = cleanUpTasks_.constFind(task);
     if (cleanUp != cleanUpTasks_.constEnd() && !cleanUp->task)
-        cleanUpTasks_.remove(task); // said of an earlier task at this address
+        cleanUpTasks_.remove(task); // the entry of an earlier task at this address
     task->setLog(log_);
     tasks_.append(task);
     task->setParent(this);
@@ -261,8 +262,10 @@ void AsyncTaskProcessor::stopAfterError(AsyncTask *task)
 
 void AsyncTaskProcessor::stopWhenCanceled(AsyncTask *task)
 {
+    if (!monitor_)
+        return;
     const QPointer<AsyncTaskProcessor> self(this);
-    if (!monitor_ || !monitor_->isCanceled() || !self || stopping_)
+    if (!monitor_->isCanceled() || !self || stopping_)
         return;
     stopping_ = true;
     log(QStringLiteral("Task processing has been canceled"));

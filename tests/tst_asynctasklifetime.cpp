@@ -64,6 +64,8 @@ private Q_SLOTS:
     void aTaskMayFinishInTheProcessorsDestroyedSignal();
     void aDroppedTaskMayBeAddedAgain();
     void theNextTaskDoesNotStartInAnEventLoopOfASlot();
+    void aRunEndsWithTheTaskThatStartedInAnEventLoopOfASlot();
+    void aTaskThatOutlivesItsProcessorIsNotStarted();
     void deletingTheWaitingTasksTakesLinearTime();
 };
 
@@ -686,6 +688,44 @@ void tst_AsyncTaskLifetime::theNextTaskDoesNotStartInAnEventLoopOfASlot()
     QVERIFY(!a);
     QVERIFY(b); // dropped
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
+}
+
+// The slot deletes the finished task, so that no task runs when its event loop starts the next one.
+void tst_AsyncTaskLifetime::aRunEndsWithTheTaskThatStartedInAnEventLoopOfASlot()
+{
+    Queue queue;
+    const QPointer<TestTask> a = queue.add("A");
+    const QPointer<TestTask> b = queue.add("B", idle());
+    connect(&queue.processor, &AsyncTaskProcessor::finished, this, [&](AsyncTask *task) {
+        if (task == b)
+            return;
+        delete a;
+        queue.processor.startLater();
+        deliverQueuedCalls(queue.processor);
+    });
+    queue.processor.startLater();
+    deliverQueuedCalls(queue.processor);
+    QCOMPARE(queue.journal, texts({"started A", "finished A", "started B"}));
+    QCOMPARE(queue.lines().last(), QStringLiteral("Task finished in TIME"));
+    b->setFinished();
+    QCOMPARE(queue.lines().count(QStringLiteral("Finished processing tasks in TIME")), 1);
+    QCOMPARE(queue.lines().last(), QStringLiteral("Finished processing tasks in TIME"));
+}
+
+void tst_AsyncTaskLifetime::aTaskThatOutlivesItsProcessorIsNotStarted()
+{
+    bool ran = false;
+    QObject other;
+    const QPointer<AsyncTaskProcessor> processor = new AsyncTaskProcessor;
+    const QPointer<TestTask> a
+        = new TestTask(QStringLiteral("A"), [&ran](TestTask &) { ran = true; });
+    processor->addTask(a);
+    a->setParent(&other);
+    connect(processor, &AsyncTaskProcessor::started, this, [&processor] { delete processor; });
+    processor->startLater();
+    QTRY_VERIFY(!processor);
+    QVERIFY(a);
+    QVERIFY(!ran);
 }
 
 void tst_AsyncTaskLifetime::deletingTheWaitingTasksTakesLinearTime()

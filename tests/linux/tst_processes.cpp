@@ -7,6 +7,7 @@
 #include "OrdinaryUser.h"
 
 #include <Utility/CpuCounter.h>
+#include <Utility/Platform/FolderTree.h>
 #include <Utility/Platform/Processes.h>
 #include <Utility/System.h>
 
@@ -170,6 +171,7 @@ private Q_SLOTS:
     void aDeletedProgramIsNotTheFileOfItsMarkedName();
     void anotherUsersProgramIsFoundByTheNameThatItGivesItself();
     void countersAreNotHandedToStartedPrograms();
+    void foldersAreNotHandedToStartedPrograms();
 };
 
 void TestProcesses::aKilledProcessDoesNotRunBeforeItIsWaitedFor()
@@ -319,6 +321,16 @@ void TestProcesses::countersAreNotHandedToStartedPrograms()
     const CpuCounter load(CpuCounter::CpuPercent);
     const CpuCounter memory(CpuCounter::MemAvailBytes);
     QVERIFY(!before.isEmpty()); // such as the standard output
+    QCOMPARE(inheritedFiles(), before);
+}
+
+void TestProcesses::foldersAreNotHandedToStartedPrograms()
+{
+    const TestFolder folder;
+    QVERIFY(QDir().mkpath(folder.filePath(QStringLiteral("sub"))));
+    const QStringList before = inheritedFiles();
+    const auto tree = Platform::openFolderTree(folder.path());
+    QVERIFY(tree && tree->enter(QStringLiteral("sub")));
     QCOMPARE(inheritedFiles(), before);
 }
 

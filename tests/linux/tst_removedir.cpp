@@ -131,8 +131,8 @@ void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed_data()
 void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed()
 {
     constexpr int Rounds = 20;
-    constexpr int Folders = 40;
-    constexpr int Files = 20;
+    constexpr int Folders = 15;
+    constexpr int Files = 5;
     QFETCH(QString, above);
 
     const auto folderName
@@ -172,17 +172,18 @@ void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed()
     QCOMPARE(lost, 0);
 }
 
-// Deeper than any path can name.
+// Deeper than any path can name and than descriptors can be open.
 void TestRemoveDir::aTreeOfAnyDepthIsRemoved()
 {
-    constexpr int Depth = 5000;
+    constexpr int Depth = 1100;
     const QByteArray top = QFile::encodeName(path("tree"));
     QCOMPARE(mkdir(top.constData(), 0777), 0);
     int folder = open(top.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     for (int level = 0; level < Depth; ++level) {
-        QCOMPARE(mkdirat(folder, "d", 0777), 0);
-        QCOMPARE(mkdirat(folder, "e", 0777), 0);
-        const int below = openat(folder, "d", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        QCOMPARE(mkdirat(folder, "deeper", 0777), 0);
+        if (level % 10 == 0)
+            QCOMPARE(mkdirat(folder, "beside", 0777), 0);
+        const int below = openat(folder, "deeper", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         close(folder);
         folder = below;
     }
@@ -193,7 +194,7 @@ void TestRemoveDir::aTreeOfAnyDepthIsRemoved()
 
 void TestRemoveDir::aTreeWiderThanTheLimitOfDescriptorsIsRemoved()
 {
-    for (int number = 0; number < 2000; ++number)
+    for (int number = 0; number < 1100; ++number)
         QVERIFY(QDir().mkpath(path(QStringLiteral("tree/%1").arg(number))));
     QVERIFY(System::removeDir(path("tree"), false, QStringList()));
     QVERIFY(!QFileInfo::exists(path("tree")));

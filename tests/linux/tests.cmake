@@ -7,7 +7,6 @@ add_dependencies(tst_archiverfaults fakearchiver)
 target_compile_definitions(tst_archiverfaults PRIVATE
     FAKE_ARCHIVER_PROGRAM="$<TARGET_FILE:fakearchiver>" LOAD_FACTOR=${load_factor})
 vorn_add_test(tst_archiverterminal FROM linux)
-target_compile_definitions(tst_archiverterminal PRIVATE P7ZIP="${VORNUTILITY_P7ZIP}")
 target_link_libraries(tst_archiverterminal PRIVATE util)
 vorn_add_test(tst_load FROM linux FOLDER fake-archiver)
 add_dependencies(tst_load fakearchiver)

@@ -115,7 +115,7 @@ void Log::append(const QString &text)
 
 void Log::fastAppend(const QString &text)
 {
-    // The blank stands there without a prefix too: programs that read the logs count on it.
+    // Without a prefix, too: kept for compatibility, see "Log lines" in docs/compatibility.md.
     const QString line = getPrefix() % QLatin1Char(' ') % rstrip(text) % QLatin1Char('\n');
     file_->write(line.toUtf8());
     file_->flush();
@@ -172,9 +172,10 @@ bool Log::removeOldTimeStampedLogFiles(const QString &path, const QString &baseN
         return false;
     const QStringList filter{
         QStringLiteral("%1_20*.%2").arg(escapeWildcards(baseName), escapeWildcards(suffix))};
-    const QDir::Filters plainFiles = QDir::Files | QDir::Hidden | QDir::CaseSensitive;
+    const QDir::Filters plainFiles = QDir::Files | QDir::Hidden;
 
-    // Each deletion overwrites the result of those before it: callers ask about the last one.
+    // Each deletion overwrites the result of those before it: kept for compatibility, see "Old
+    // logs" in docs/compatibility.md.
     bool ok = true;
     const QFileInfoList all = folder.entryInfoList(filter, plainFiles, QDir::Unsorted);
     for (const QFileInfo &file : all) {
@@ -195,7 +196,7 @@ void Log::checkSizeAndTruncate()
         truncate();
         return;
     }
-    // A new one first: what Qt says during the truncation may be written to this very log.
+    // Made before the truncation: a handler of Qt's messages may write to this log meanwhile.
     file_ = std::make_unique<QFile>(name_);
     truncate();
     file_->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text);

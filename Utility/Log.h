@@ -14,8 +14,9 @@ namespace Vorn::Util {
 
 /// A log file: UTF-8, one line per message, each line prefixed by the time of writing.
 ///
-/// A log larger than MaxLogSize loses about its first AmountToTruncate bytes. On request the file
-/// name carries the start time; then at most MaxLogCount older files are kept beside the new one.
+/// A log larger than MaxLogSize is truncated: it loses about its first AmountToTruncate bytes. On
+/// request the file name carries the start time; then at most MaxLogCount older files are kept
+/// beside the new one.
 ///
 /// \code
 /// Log log(folder + "/run.log", Log::WithFileTimeStamp);
@@ -28,10 +29,21 @@ namespace Vorn::Util {
 /// writes nothing; no member throws. A Qt message handler that calls append() on a log waits for
 /// ever when the message comes from an append() to the same log.
 ///
+/// A written line has been handed to the operating system. It survives a crash of the process, but
+/// not necessarily one of the machine.
+///
+/// Truncation copies the tail of the log, about 4 MiB, and replaces the file by the copy. The name
+/// may be that of a link: then the file that it leads to is replaced, and the link stays.
+/// Permission bits, owner, group and access list are kept where the process may set them (on
+/// Windows the new file has the access list of the folder for temporary files). A hard link goes on
+/// leading to the former file. When the log cannot be truncated (its folder cannot be written, a
+/// disk is full, there is no folder for temporary files), it stays as it was and grows, and each
+/// append() tries again.
+///
 /// On Linux two processes may append to one file below the size limit. When one of them truncates
 /// the file, the next append() of the other truncates it once more and goes on there, whereas its
 /// fastAppend() goes on writing to the file that was replaced. On Windows each process needs a file
-/// of its own.
+/// of its own: a log that another process holds open is not truncated.
 class VORNUTILITY_EXPORT Log
 {
 public:
@@ -63,21 +75,23 @@ public:
 
     /// Names the file (by an absolute path, where the current folder may change: a truncation
     /// looks for the name again) and, with a time stamp, prunes old files of the same base name.
-    /// Call it before open(): it neither opens nor creates the new file.
+    /// Call it before open(): it neither opens nor creates the new file. A log that is open is
+    /// closed, and Qt warns about it.
     void setName(const QString &name, Log::FileTimeStamp fileTimeStamp);
 
     /// The path of the file that is written, with its time stamp.
     QString name() const;
 
-    /// Opens the file for writing, at its end or (without \a append) emptied. Returns true when
-    /// the file is open, also when it was so before; false when it cannot be opened.
+    /// Opens the file for writing, at its end or (without \a append) emptied. A log that is too
+    /// large is truncated first, also when it is emptied then. Returns true when the file is open,
+    /// also when it was so before; false when it cannot be opened.
     bool open(bool append);
 
     void close();
     void flush();
 
     /// Writes one line, truncating the file first when it is too large. Thread-safe. Trailing
-    /// white space of \a text is dropped. The line is on disk when the call returns.
+    /// white space of \a text is dropped. The operating system has the line when the call returns.
     void append(const QString &text);
 
     /// As append(), but without the lock and without the size check.
@@ -97,8 +111,9 @@ public:
     QString fileTimeStampString() const;
 
     /// Deletes the empty files "baseName_20*.suffix" of the folder \a path, then the oldest by
-    /// name until \a maxCount are left. Returns false when the folder does not exist, true when
-    /// nothing had to be deleted, otherwise whether the last deletion succeeded.
+    /// name until \a maxCount are left. Upper and lower case count as equal. Returns false when the
+    /// folder does not exist, true when nothing had to be deleted, otherwise whether the last
+    /// deletion succeeded.
     static bool removeOldTimeStampedLogFiles(const QString &path, const QString &baseName,
                                              const QString &suffix, int maxCount);
 

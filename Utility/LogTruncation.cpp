@@ -1,13 +1,11 @@
 #include <Utility/LogTruncation.h>
 
 #include <Utility/Log.h>
-#include <Utility/Platform/Files.h>
+#include <Utility/Platform/FileReplacement.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QSaveFile>
-#include <QtCore/QTemporaryFile>
 
 #include <algorithm>
 
@@ -18,43 +16,14 @@ namespace {
 constexpr int PieceSize = 255;
 constexpr int CutAfter = 1048576;
 
-// Copies from the current positions up to the end of \a from, which holds \a count bytes more.
-bool copyBytes(QIODevice &from, QIODevice &to, qint64 count)
+// Whether the truncation of \a log can succeed, as far as it can be told without reading the log. A
+// log that cannot be truncated is asked for every line: nothing may be copied for it.
+bool canBeTruncated(const QFileInfo &log, const QString &temporaryFolder)
 {
-    while (count > 0) {
-        const QByteArray block = from.read(std::min<qint64>(count, 1 << 18));
-        if (block.isEmpty() || to.write(block) != block.size())
-            return false;
-        count -= block.size();
-    }
-    return true;
-}
-
-// The kept part of \a log in a file of its own, which the caller removes; no name on failure.
-QString copyTail(QFile &log)
-{
-    // QTemporaryFile takes the root folder when the one for temporary files is not there.
-    if (!QFileInfo(QDir::tempPath()).isDir())
-        return QString();
-    QTemporaryFile tail;
-    const qint64 size = log.size();
-    const qint64 cut = logCutPosition(log.read(LogCutHeadSize));
-    if (!tail.open() || !log.seek(cut) || !copyBytes(log, tail, size - cut) || !tail.flush())
-        return QString();
-    tail.setPermissions(log.permissions());
-    tail.setAutoRemove(false);
-    return tail.fileName();
-}
-
-// For a temporary folder on another file system: a copy beside the log, which then takes its
-// place in one step.
-void replaceByCopy(const QString &tailName, const QString &name)
-{
-    QFile tail(tailName);
-    QSaveFile copy(name);
-    if (tail.open(QIODevice::ReadOnly) && copy.open(QIODevice::WriteOnly)
-        && copyBytes(tail, copy, tail.size()))
-        copy.commit();
+    const qint64 leastKept = log.size() - LogCutHeadSize;
+    return QFileInfo(temporaryFolder).isDir() && Platform::mayReplaceFile(log.filePath())
+        && Platform::availableSpace(temporaryFolder) >= leastKept
+        && Platform::availableSpace(log.path()) >= leastKept;
 }
 
 } // namespace
@@ -73,18 +42,17 @@ qint64 logCutPosition(const QByteArray &head)
     return std::min({nextPiece, nextLine, head.size()});
 }
 
-void truncateLogFile(const QString &logName)
+void truncateLogFile(const QString &name)
 {
-    const QString name = QFileInfo(logName).canonicalFilePath();
-    QFile log(name);
-    if (!log.open(QIODevice::ReadOnly))
+    QFileInfo info(name);
+    if (info.isSymLink())
+        info.setFile(info.canonicalFilePath());
+    const QString temporaryFolder = QDir::tempPath();
+    if (!info.isFile() || !canBeTruncated(info, temporaryFolder))
         return;
-    const QString tail = copyTail(log);
-    log.close();
-    if (tail.isEmpty() || Platform::replaceFile(tail, name))
-        return;
-    replaceByCopy(tail, name);
-    QFile::remove(tail);
+    QFile log(info.filePath());
+    if (log.open(QIODevice::ReadOnly) && log.seek(logCutPosition(log.read(LogCutHeadSize))))
+        Platform::replaceByRest(log, temporaryFolder);
 }
 
 } // namespace Vorn::Util

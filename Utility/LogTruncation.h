@@ -17,10 +17,12 @@ extern const int LogCutHeadSize;
 /// it. Returns the length of \a head when nothing is kept.
 qint64 logCutPosition(const QByteArray &head);
 
-/// Replaces the file \a name, or the one that a link of that name leads to, by its own tail.
-/// Whatever fails (reading, a full disk, another file system, a file that cannot be replaced), the
-/// file stays as it was. The permission bits are kept; owner and access list are those of a new
-/// temporary file.
+/// Replaces the file \a name, or the one that a link of that name leads to, by its own tail. The
+/// tail is copied in the folder for temporary files, see Platform::replaceByRest().
+///
+/// When that fails (no such folder, a full disk, a file that cannot be replaced), the log stays as
+/// it was. A failure that can be foreseen, because the log's folder cannot be written or too little
+/// space is left, costs some system calls and copies nothing.
 void truncateLogFile(const QString &name);
 
 } // namespace Vorn::Util

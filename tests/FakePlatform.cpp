@@ -27,13 +27,14 @@ FakePlatform::FakePlatform()
     , universalName(always(QString()))
     , driveTarget(always(QString()))
     , environmentVariable(always(QString()))
-    , replaceFile([](const QString &source, const QString &target) {
-        return (!QFile::exists(target) || QFile::remove(target)) && QFile::rename(source, target);
-    })
+    , mayReplaceFile(always(false))
+    , availableSpace(always(Q_INT64_C(0)))
+    , replaceByRest(always(false))
     , moveFile([](const QString &source, const QString &target) {
-        return fakePlatform().replaceFile(source, target)
-            ? Vorn::Util::Platform::MoveOutcome::Moved
-            : Vorn::Util::Platform::MoveOutcome::Failed;
+        const bool isMoved
+            = (!QFile::exists(target) || QFile::remove(target)) && QFile::rename(source, target);
+        return isMoved ? Vorn::Util::Platform::MoveOutcome::Moved
+                       : Vorn::Util::Platform::MoveOutcome::Failed;
     })
     , openFolderTree(always(nullptr))
     , openWithoutLink([](QFile &file) { return file.open(QIODevice::WriteOnly | QIODevice::Text); })
@@ -97,9 +98,19 @@ QString environmentVariable(const char *name)
     return fakePlatform().environmentVariable(name);
 }
 
-bool replaceFile(const QString &source, const QString &target)
+bool mayReplaceFile(const QString &name)
 {
-    return fakePlatform().replaceFile(source, target);
+    return fakePlatform().mayReplaceFile(name);
+}
+
+qint64 availableSpace(const QString &folder)
+{
+    return fakePlatform().availableSpace(folder);
+}
+
+bool replaceByRest(QFile &file, const QString &temporaryFolder)
+{
+    return fakePlatform().replaceByRest(file, temporaryFolder);
 }
 
 MoveOutcome moveFile(const QString &source, const QString &target)

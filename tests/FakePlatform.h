@@ -5,6 +5,7 @@
 #include <Utility/Platform/Counters.h>
 #include <Utility/Platform/Drives.h>
 #include <Utility/Platform/Environment.h>
+#include <Utility/Platform/FileReplacement.h>
 #include <Utility/Platform/Files.h>
 #include <Utility/Platform/FolderTree.h>
 #include <Utility/Platform/Folders.h>
@@ -18,7 +19,7 @@
 #include <functional>
 
 /// An operating system that a test sets up: what each function of Utility/Platform does. At first
-/// nothing is there and everything fails, but files can be replaced and moved.
+/// nothing is there and everything fails, but files can be moved.
 struct FakePlatform
 {
     template <typename Result, typename... Arguments>
@@ -32,7 +33,9 @@ struct FakePlatform
     Function<QString, const QString &> universalName;
     Function<QString, const QString &> driveTarget;
     Function<QString, const char *> environmentVariable;
-    Function<bool, const QString &, const QString &> replaceFile;
+    Function<bool, const QString &> mayReplaceFile;
+    Function<qint64, const QString &> availableSpace;
+    Function<bool, QFile &, const QString &> replaceByRest;
     Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
     Function<std::unique_ptr<Vorn::Util::Platform::FolderTree>, const QString &> openFolderTree;
     Function<bool, QFile &> openWithoutLink;

@@ -1160,6 +1160,8 @@ void TestLog::onlyTimeStampedNamesOfThisCenturyArePruned_data()
     QTest::newRow("any stamp from 20") << QStringLiteral("run_20x.log") << true;
     QTest::newRow("only 20") << QStringLiteral("run_20.log") << true;
     QTest::newRow("with a dot") << QStringLiteral("run_2023.old.log") << true;
+    QTest::newRow("suffix in capitals") << QStringLiteral("run_2023-01-01-000000.LOG") << true;
+    QTest::newRow("base name in capitals") << QStringLiteral("RUN_2023-01-01-000000.log") << true;
     QTest::newRow("old") << QStringLiteral("run_old.log") << false;
     QTest::newRow("last century") << QStringLiteral("run_1999-01-01-000000.log") << false;
     QTest::newRow("next century") << QStringLiteral("run_2100-01-01-000000.log") << false;

@@ -4,16 +4,19 @@
 
 #include <Utility/Log.h>
 #include <Utility/LogTruncation.h>
+#include <Utility/Platform/FileReplacement.h>
 
 #include <QtCore/QBuffer>
 #include <QtCore/QProcess>
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QRandomGenerator>
+#include <QtCore/QStorageInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -136,6 +139,8 @@ private Q_SLOTS:
     void aMissingLogIsNotCreated();
     void whatIsNoFileStaysAsItIs();
     void aLogThatAnotherHoldsOpenIsCutOrStaysAsItWas();
+    void whetherALogMayBeReplacedIsKnownBefore();
+    void theSpaceIsThatOfTheFileSystem();
     void aLogThatCannotBeReplacedStaysAsItWas();
     void withoutTemporaryFolderTheLogStaysAsItWas_data();
     void withoutTemporaryFolderTheLogStaysAsItWas();
@@ -397,6 +402,32 @@ void TestLogTruncation::aLogThatAnotherHoldsOpenIsCutOrStaysAsItWas()
     QVERIFY(other.readAll() == log);
     QVERIFY(contentOf(fileName_) == (onWindows() ? log : keptOf(log)));
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
+}
+
+void TestLogTruncation::whetherALogMayBeReplacedIsKnownBefore()
+{
+    QVERIFY(writeFile(fileName_, "x"));
+    QVERIFY(Platform::mayReplaceFile(fileName_));
+    {
+        QFile other(fileName_);
+        QVERIFY(other.open(QIODevice::ReadOnly));
+        QCOMPARE(Platform::mayReplaceFile(fileName_), !onWindows());
+    }
+    QVERIFY(Platform::mayReplaceFile(fileName_));
+    QVERIFY(!Platform::mayReplaceFile(path(QStringLiteral("missing/run.log"))));
+    QCOMPARE(contentOf(fileName_), QByteArray("x"));
+}
+
+void TestLogTruncation::theSpaceIsThatOfTheFileSystem()
+{
+    constexpr qint64 Tolerance = 1 << 30; // other programs write, too
+    const qint64 expected = QStorageInfo(folder_->path()).bytesAvailable();
+    const qint64 space = Platform::availableSpace(folder_->path());
+    QVERIFY2(space >= expected - Tolerance, qPrintable(QString::number(space)));
+    QVERIFY2(space <= QStorageInfo(folder_->path()).bytesTotal(),
+             qPrintable(QString::number(space)));
+    QCOMPARE(Platform::availableSpace(path(QStringLiteral("missing"))),
+             std::numeric_limits<qint64>::max());
 }
 
 // Neither by the tail nor by a copy of it.

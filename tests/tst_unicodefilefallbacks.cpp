@@ -164,14 +164,13 @@ void tst_UnicodeFileFallbacks::setOtherFileSystem(
     const std::function<bool(const QString &source, const QString &target)> &canMove)
 {
     fakePlatform().uniqueFileName = [] { return QStringLiteral("/s1ko."); };
-    fakePlatform().moveFile = [canMove](const QString &source, const QString &target) {
-        const QStringList names{QFileInfo(source).fileName(), QFileInfo(target).fileName()};
-        if (names.contains(unicodeName()) && names.contains(QStringLiteral("s1ko.dat")))
-            return Platform::MoveOutcome::OtherFileSystem;
-        return canMove(source, target) && fakePlatform().replaceFile(source, target)
-            ? Platform::MoveOutcome::Moved
-            : Platform::MoveOutcome::Failed;
-    };
+    fakePlatform().moveFile
+        = [canMove, move = FakePlatform().moveFile](const QString &source, const QString &target) {
+              const QStringList names{QFileInfo(source).fileName(), QFileInfo(target).fileName()};
+              if (names.contains(unicodeName()) && names.contains(QStringLiteral("s1ko.dat")))
+                  return Platform::MoveOutcome::OtherFileSystem;
+              return canMove(source, target) ? move(source, target) : Platform::MoveOutcome::Failed;
+          };
 }
 
 void tst_UnicodeFileFallbacks::toAnotherFileSystemTheFileIsCopied()

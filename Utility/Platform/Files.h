@@ -5,11 +5,6 @@
 
 namespace Vorn::Util::Platform {
 
-/// Puts the file \a source in the place of the file \a target in one step: at every moment
-/// \a target is the old file or the new one. False (and nothing changed) when that cannot be
-/// done, for instance because the two lie on different file systems.
-bool replaceFile(const QString &source, const QString &target);
-
 /// What came of a move. Nothing has changed unless it is Moved.
 enum class MoveOutcome {
     Moved,

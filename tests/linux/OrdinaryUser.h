@@ -9,12 +9,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// What \a work returns in a child process that permissions count for, even when they do not count
-/// for this one, behind whatever it prints to the standard output; Qt's messages are not shown.
-/// Ends with "died" when it does not return.
-inline QByteArray asOrdinaryUser(const std::function<QByteArray()> &work)
+/// What \a work returns in a child process, after whatever it prints to the standard output; Qt's
+/// messages are not shown. Ends with "died" when it does not return.
+inline QByteArray inChildProcess(const std::function<QByteArray()> &work)
 {
-    constexpr unsigned int Nobody = 65534;
     int ends[2];
     if (pipe(ends) != 0)
         return "no pipe";
@@ -22,9 +20,6 @@ inline QByteArray asOrdinaryUser(const std::function<QByteArray()> &work)
     if (child == 0) {
         close(ends[0]);
         dup2(ends[1], STDOUT_FILENO);
-        const bool isRoot = geteuid() == 0;
-        if (isRoot && (setgroups(0, nullptr) != 0 || setgid(Nobody) != 0 || setuid(Nobody) != 0))
-            _exit(EXIT_FAILURE);
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
         const QByteArray result = work();
         const bool isWritten
@@ -41,4 +36,17 @@ inline QByteArray asOrdinaryUser(const std::function<QByteArray()> &work)
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS ? printed : printed + "died";
+}
+
+/// As inChildProcess(), as a user that permissions count for, even when they do not count for this
+/// one.
+inline QByteArray asOrdinaryUser(const std::function<QByteArray()> &work)
+{
+    return inChildProcess([&work] {
+        constexpr unsigned int Nobody = 65534;
+        const bool isRoot = geteuid() == 0;
+        if (isRoot && (setgroups(0, nullptr) != 0 || setgid(Nobody) != 0 || setuid(Nobody) != 0))
+            _exit(EXIT_FAILURE);
+        return work();
+    });
 }

@@ -8,12 +8,6 @@
 
 namespace Vorn::Util::Platform {
 
-bool replaceFile(const QString &source, const QString &target)
-{
-    return std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData())
-        == 0;
-}
-
 MoveOutcome moveFile(const QString &source, const QString &target)
 {
     if (std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData())

@@ -6,13 +6,6 @@
 
 namespace Vorn::Util::Platform {
 
-bool replaceFile(const QString &source, const QString &target)
-{
-    const QString from = QDir::toNativeSeparators(source);
-    const QString to = QDir::toNativeSeparators(target);
-    return MoveFileExW(wide(from), wide(to), MOVEFILE_REPLACE_EXISTING) != FALSE;
-}
-
 MoveOutcome moveFile(const QString &source, const QString &target)
 {
     const QString from = longForm(source);

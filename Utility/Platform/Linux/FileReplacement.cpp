@@ -1,0 +1,194 @@
+#include <Utility/Platform/FileReplacement.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QRandomGenerator>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <limits>
+#include <sys/sendfile.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace Vorn::Util::Platform {
+
+namespace {
+
+QByteArray folderOf(const QString &name)
+{
+    return QFile::encodeName(QFileInfo(name).path());
+}
+
+// False when the access list of a file cannot be given to another one.
+bool copyAccessList(int from, int to)
+{
+    constexpr const char *Name = "system.posix_acl_access";
+    std::array<char, 4096> list{};
+    const ssize_t size = fgetxattr(from, Name, list.data(), list.size());
+    if (size < 0)
+        return errno == ENODATA || errno == EOPNOTSUPP; // it has none
+    return fsetxattr(to, Name, list.data(), static_cast<std::size_t>(size), 0) == 0;
+}
+
+// A new file that only its owner may read. It is gone at the end of the object, unless it has taken
+// the place of another one.
+class NewFile
+{
+public:
+    explicit NewFile(const QByteArray &folder);
+    ~NewFile();
+
+    int descriptor() const { return descriptor_; }
+
+    bool copyFrom(int source, off_t offset);
+    bool takePlaceOf(const QString &name, int former);
+
+private:
+    Q_DISABLE_COPY(NewFile)
+
+    void copyPermissions(int former);
+    bool moveTo(const QByteArray &folder);
+
+    int descriptor_ = -1;
+    QByteArray name_; // empty while the file has none
+};
+
+NewFile::NewFile(const QByteArray &folder)
+{
+    // A file without a name gets one through /proc, which need not be there.
+    if (access("/proc/self/fd", X_OK) == 0)
+        descriptor_ = open(folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (descriptor_ < 0) {
+        name_ = folder + "/.truncated-log-XXXXXX";
+        descriptor_ = mkostemp(name_.data(), O_CLOEXEC);
+        if (descriptor_ < 0)
+            name_.clear();
+    }
+}
+
+NewFile::~NewFile()
+{
+    if (!name_.isEmpty())
+        unlink(name_.constData());
+    if (descriptor_ >= 0)
+        close(descriptor_);
+}
+
+// From \a offset to the end.
+bool NewFile::copyFrom(int source, off_t offset)
+{
+    constexpr std::size_t BlockSize = 1 << 30;
+    ssize_t copied = 0;
+    while ((copied = sendfile(descriptor_, source, &offset, BlockSize)) > 0) { }
+    // Some file systems tell only when a descriptor is closed that there was no space.
+    return copied == 0 && close(dup(descriptor_)) == 0;
+}
+
+// Takes the place of the file \a name, which is open as \a former. False when that lies on another
+// file system, among others.
+bool NewFile::takePlaceOf(const QString &name, int former)
+{
+    // Nobody can open a file without a name. One with a name stays private in the first folder.
+    const bool isPrivate = name_.isEmpty();
+    if (isPrivate)
+        copyPermissions(former);
+    if (!moveTo(folderOf(name)))
+        return false;
+    if (!isPrivate)
+        copyPermissions(former);
+    if (std::rename(name_.constData(), QFile::encodeName(name).constData()) != 0)
+        return false;
+    name_.clear();
+    return true;
+}
+
+// Owner, group, access list and permission bits of the file that is open as \a former.
+void NewFile::copyPermissions(int former)
+{
+    constexpr mode_t GroupsBits = S_IRWXG;
+    struct stat status = {};
+    if (fstat(former, &status) != 0)
+        return;
+    const bool hasGroup = fchown(descriptor_, status.st_uid, status.st_gid) == 0
+        || fchown(descriptor_, static_cast<uid_t>(-1), status.st_gid) == 0;
+    mode_t mode = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
+    // Another group would get what was meant for the former one, or for names in the list.
+    if (!hasGroup || !copyAccessList(former, descriptor_))
+        mode &= ~GroupsBits | ((mode & S_IRWXO) << 3);
+    fchmod(descriptor_, mode);
+}
+
+// Names the file in \a folder. False when that lies on another file system, among others.
+bool NewFile::moveTo(const QByteArray &folder)
+{
+    const QByteArray name = folder + "/.truncated-log-"
+        + QByteArray::number(QRandomGenerator::global()->generate64(), 16);
+    const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor_);
+    const int result = name_.isEmpty()
+        ? linkat(AT_FDCWD, link.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW)
+        : std::rename(name_.constData(), name.constData());
+    if (result == 0)
+        name_ = name;
+    return result == 0;
+}
+
+// In a folder with the sticky bit a file can be replaced by its owner and by the folder's. Opening
+// without a change of the access time is allowed to the owner only, with the same exceptions.
+bool isOwnersFile(const QByteArray &file)
+{
+    const int descriptor = open(file.constData(), O_RDONLY | O_NOATIME | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    close(descriptor);
+    return true;
+}
+
+} // namespace
+
+bool mayReplaceFile(const QString &name)
+{
+    constexpr quint64 Protected = STATX_ATTR_APPEND | STATX_ATTR_IMMUTABLE;
+    const QByteArray file = QFile::encodeName(name);
+    const QByteArray folder = folderOf(name);
+    if (faccessat(AT_FDCWD, folder.constData(), W_OK | X_OK, AT_EACCESS) != 0)
+        return false;
+    struct statx status = {};
+    struct statx folderStatus = {};
+    if (statx(AT_FDCWD, file.constData(), 0, STATX_BASIC_STATS, &status) != 0
+        || statx(AT_FDCWD, folder.constData(), 0, STATX_BASIC_STATS, &folderStatus) != 0)
+        return true;
+    if (((status.stx_attributes | folderStatus.stx_attributes) & Protected) != 0)
+        return false;
+    const bool isSticky = (folderStatus.stx_mode & S_ISVTX) != 0;
+    return !isSticky || folderStatus.stx_uid == geteuid() || isOwnersFile(file);
+}
+
+qint64 availableSpace(const QString &folder)
+{
+    struct statvfs status = {};
+    if (statvfs(QFile::encodeName(folder).constData(), &status) != 0 || status.f_blocks == 0)
+        return std::numeric_limits<qint64>::max();
+    // Some blocks are kept for the superuser.
+    const quint64 blocks = geteuid() == 0 ? status.f_bfree : status.f_bavail;
+    return static_cast<qint64>(blocks * status.f_frsize);
+}
+
+bool replaceByRest(QFile &file, const QString &temporaryFolder)
+{
+    const int descriptor = file.handle();
+    NewFile rest(QFile::encodeName(temporaryFolder));
+    if (!rest.copyFrom(descriptor, file.pos()))
+        return false;
+    if (rest.takePlaceOf(file.fileName(), descriptor))
+        return true;
+    NewFile copy(folderOf(file.fileName()));
+    return copy.copyFrom(rest.descriptor(), 0) && copy.takePlaceOf(file.fileName(), descriptor);
+}
+
+} // namespace Vorn::Util::Platform

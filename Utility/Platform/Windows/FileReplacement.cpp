@@ -1,0 +1,98 @@
+#include <Utility/Platform/FileReplacement.h>
+
+#include <Utility/Platform/Windows/WindowsApi.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QSaveFile>
+#include <QtCore/QTemporaryFile>
+
+#include <algorithm>
+#include <limits>
+
+namespace Vorn::Util::Platform {
+
+namespace {
+
+bool canBeOpened(const QString &name, DWORD access)
+{
+    const QString native = QDir::toNativeSeparators(name);
+    const HANDLE handle = CreateFileW(
+        wide(native), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr); // which opens folders, too
+    if (handle == INVALID_HANDLE_VALUE)
+        return false;
+    CloseHandle(handle);
+    return true;
+}
+
+// Copies from the current positions up to the end of \a from, which holds \a count bytes more.
+bool copyBytes(QIODevice &from, QIODevice &to, qint64 count)
+{
+    constexpr qint64 BlockSize = 1 << 18;
+    while (count > 0) {
+        const QByteArray block = from.read(std::min(count, BlockSize));
+        if (block.isEmpty() || to.write(block) != block.size())
+            return false;
+        count -= block.size();
+    }
+    return true;
+}
+
+// The rest of \a file in a file of its own, which the caller removes; no name on failure.
+QString copyRest(QFile &file, const QString &temporaryFolder)
+{
+    QTemporaryFile rest(temporaryFolder + QStringLiteral("/truncated-log-XXXXXX"));
+    if (!rest.open() || !copyBytes(file, rest, file.size() - file.pos()) || !rest.flush())
+        return QString();
+    rest.setAutoRemove(false);
+    return rest.fileName();
+}
+
+bool moveOver(const QString &source, const QString &target)
+{
+    const QString from = QDir::toNativeSeparators(source);
+    const QString to = QDir::toNativeSeparators(target);
+    return MoveFileExW(wide(from), wide(to), MOVEFILE_REPLACE_EXISTING) != FALSE;
+}
+
+// For a source on another volume: a copy beside the target, which then takes its place.
+bool replaceByCopy(const QString &source, const QString &target)
+{
+    QFile file(source);
+    QSaveFile copy(target);
+    return file.open(QIODevice::ReadOnly) && copy.open(QIODevice::WriteOnly)
+        && copyBytes(file, copy, file.size()) && copy.commit();
+}
+
+} // namespace
+
+bool mayReplaceFile(const QString &name)
+{
+    return canBeOpened(name, DELETE) && canBeOpened(QFileInfo(name).path(), FILE_ADD_FILE);
+}
+
+qint64 availableSpace(const QString &folder)
+{
+    const QString native = QDir::toNativeSeparators(folder);
+    ULARGE_INTEGER bytes = {};
+    if (GetDiskFreeSpaceExW(wide(native), &bytes, nullptr, nullptr) == FALSE)
+        return std::numeric_limits<qint64>::max();
+    return static_cast<qint64>(bytes.QuadPart);
+}
+
+bool replaceByRest(QFile &file, const QString &temporaryFolder)
+{
+    const QString rest = copyRest(file, temporaryFolder);
+    if (rest.isEmpty())
+        return false;
+    file.close(); // an open file cannot be replaced
+    if (moveOver(rest, file.fileName()))
+        return true;
+    const bool isReplaced = replaceByCopy(rest, file.fileName());
+    QFile::remove(rest);
+    return isReplaced;
+}
+
+} // namespace Vorn::Util::Platform

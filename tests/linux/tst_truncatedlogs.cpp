@@ -1,0 +1,436 @@
+// Whom a truncated log belongs to, who can read it, and what is left when it cannot be truncated.
+
+#include "../OtherFileSystem.h"
+#include "../TestFiles.h"
+#include "../TestFolder.h"
+#include "OrdinaryUser.h"
+
+#include <Utility/Log.h>
+
+#include <QtCore/QProcess>
+#include <QtTest/QtTest>
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <new>
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+using namespace Vorn::Util;
+
+namespace {
+
+constexpr uid_t Service = 12345;
+constexpr gid_t ServiceGroup = 12346;
+constexpr uid_t Nobody = 65534;
+constexpr gid_t NobodysGroup = 65534;
+constexpr mode_t AllBits = S_IRWXU | S_IRWXG | S_IRWXO;
+const char *const AccessList = "system.posix_acl_access";
+
+QByteArray tooLargeLog()
+{
+    return QByteArray(static_cast<int>(Log::MaxLogSize) + 1, '\n');
+}
+
+QByteArray truncatedLog()
+{
+    return QByteArray(static_cast<int>(Log::MaxLogSize - Log::AmountToTruncate), '\n');
+}
+
+// "OWNER GROUP MODE" of a file.
+QByteArray statusOf(const QString &name)
+{
+    struct stat status = {};
+    if (stat(QFile::encodeName(name).constData(), &status) != 0)
+        return "missing";
+    return QByteArray::number(status.st_uid) + ' ' + QByteArray::number(status.st_gid) + ' '
+        + QByteArray::number(status.st_mode & AllBits, 8);
+}
+
+bool change(const QString &name, uid_t owner, gid_t group, mode_t mode)
+{
+    const QByteArray file = QFile::encodeName(name);
+    return chown(file.constData(), owner, group) == 0 && chmod(file.constData(), mode) == 0;
+}
+
+bool changeMode(const QString &name, mode_t mode)
+{
+    return chmod(QFile::encodeName(name).constData(), mode) == 0;
+}
+
+// The bytes that this process has written until now, to whatever file; -1 when it cannot be told.
+qint64 bytesWritten()
+{
+    prctl(PR_SET_DUMPABLE, 1); // a process that has changed its user may not ask otherwise
+    const QByteArray counts = contentOf(QStringLiteral("/proc/self/io"));
+    const int from = counts.indexOf("wchar: ") + 7;
+    bool ok = false;
+    const qint64 count = counts.mid(from, counts.indexOf('\n', from) - from).toLongLong(&ok);
+    return ok ? count : -1;
+}
+
+// In this process only, which has to be a child process.
+bool mountMemory(const QString &folder, const char *options)
+{
+    return unshare(CLONE_NEWNS) == 0
+        && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+        && mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, options) == 0;
+}
+
+void truncate(const QString &name)
+{
+    Log(name, Log::NoFileTimeStamp).open(true);
+}
+
+// How many bytes are written by attempts to truncate the log.
+QByteArray bytesOfAttempts(const QString &name)
+{
+    constexpr int Attempts = 50;
+    const qint64 before = bytesWritten();
+    for (int attempt = 0; attempt < Attempts; ++attempt)
+        truncate(name);
+    return before < 0 ? "unknown" : QByteArray::number(bytesWritten() - before);
+}
+
+// Another user who reads whatever appears in a folder, in a process of its own.
+class Reader
+{
+public:
+    explicit Reader(const QString &folder)
+        : folder_(QFile::encodeName(folder))
+        , counts_(mmap(nullptr, sizeof(Counts), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
+                       -1, 0))
+    {
+        if (counts_ != MAP_FAILED)
+            new (counts_) Counts;
+        process_ = counts_ == MAP_FAILED ? -1 : fork();
+        if (process_ == 0)
+            run();
+    }
+
+    ~Reader()
+    {
+        if (process_ > 0) {
+            kill(process_, SIGKILL);
+            waitpid(process_, nullptr, 0);
+        }
+        munmap(counts_, sizeof(Counts));
+    }
+
+    bool waitForRounds(int count) const
+    {
+        const int until = counts().rounds + count;
+        return QTest::qWaitFor([this, until] { return counts().rounds >= until; });
+    }
+
+    int filesRead() const { return counts().filesRead; }
+
+private:
+    Q_DISABLE_COPY(Reader)
+
+    struct Counts
+    {
+        std::atomic<int> rounds{0};
+        std::atomic<int> filesRead{0};
+    };
+
+    Counts &counts() const { return *static_cast<Counts *>(counts_); }
+
+    [[noreturn]] void run()
+    {
+        if (setgid(NobodysGroup) != 0 || setuid(Nobody) != 0)
+            _exit(EXIT_FAILURE);
+        for (;; ++counts().rounds) {
+            DIR *directory = opendir(folder_.constData());
+            while (const dirent *entry = directory ? readdir(directory) : nullptr) {
+                const int file = openat(dirfd(directory), entry->d_name, O_RDONLY | O_NOFOLLOW);
+                char byte = 0;
+                if (file >= 0 && read(file, &byte, 1) == 1)
+                    ++counts().filesRead;
+                close(file);
+            }
+            closedir(directory);
+        }
+    }
+
+    const QByteArray folder_;
+    void *counts_;
+    pid_t process_;
+};
+
+} // namespace
+
+class TestTruncatedLogs : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void nobodyElseReadsAPrivateLog_data();
+    void nobodyElseReadsAPrivateLog();
+    void theSuperuserLeavesALogToItsOwner_data();
+    void theSuperuserLeavesALogToItsOwner();
+    void aLogOfAnotherUserIsTruncated_data();
+    void aLogOfAnotherUserIsTruncated();
+    void theAccessListIsKept();
+    void anAttemptThatMustFailCopiesNothing_data();
+    void anAttemptThatMustFailCopiesNothing();
+    void anAttemptOnAProtectedLogCopiesNothing();
+    void anAttemptWithoutSpaceCopiesNothing_data();
+    void anAttemptWithoutSpaceCopiesNothing();
+    void withoutProcALogIsTruncated_data();
+    void withoutProcALogIsTruncated();
+
+private:
+    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
+    void addFileSystems();
+    bool useTemporaryFolder(bool isOnAnotherFileSystem);
+
+    std::unique_ptr<TestFolder> folder_;
+    std::unique_ptr<QTemporaryDir> temporary_;
+    QString log_;
+    QByteArray variable_;
+};
+
+void TestTruncatedLogs::initTestCase()
+{
+    if (geteuid() != 0)
+        QSKIP("This account cannot act for several users");
+    variable_ = qgetenv("TMPDIR");
+    umask(022);
+}
+
+void TestTruncatedLogs::init()
+{
+    folder_ = std::make_unique<TestFolder>();
+    QVERIFY(changeMode(folder_->path(), 0755));
+    QVERIFY(QDir().mkdir(path("logs")));
+    log_ = path("logs/run.log");
+    QVERIFY(writeFile(log_, tooLargeLog()));
+}
+
+void TestTruncatedLogs::cleanup()
+{
+    QCOMPARE(entriesOf(path("logs")), QStringList{QStringLiteral("run.log")});
+    if (temporary_)
+        QCOMPARE(entriesOf(temporary_->path()), QStringList());
+    temporary_.reset();
+    if (variable_.isEmpty())
+        qunsetenv("TMPDIR");
+    else
+        qputenv("TMPDIR", variable_);
+}
+
+void TestTruncatedLogs::addFileSystems()
+{
+    QTest::addColumn<bool>("isOnAnotherFileSystem");
+    QTest::newRow("temporary files on the log's file system") << false;
+    QTest::newRow("temporary files on another file system") << true;
+}
+
+// A folder for temporary files that all users share. False without another file system.
+bool TestTruncatedLogs::useTemporaryFolder(bool isOnAnotherFileSystem)
+{
+    const QString parent
+        = isOnAnotherFileSystem ? folderOnAnotherFileSystem(folder_->path()) : folder_->path();
+    temporary_ = std::make_unique<QTemporaryDir>(parent + QStringLiteral("/log-XXXXXX"));
+    qputenv("TMPDIR", QFile::encodeName(temporary_->path()));
+    return !parent.isEmpty() && changeMode(temporary_->path(), 01777);
+}
+
+void TestTruncatedLogs::nobodyElseReadsAPrivateLog_data()
+{
+    addFileSystems();
+}
+
+// Its folder is closed to others, its permission bits are not.
+void TestTruncatedLogs::nobodyElseReadsAPrivateLog()
+{
+    constexpr int Rounds = 100;
+    QFETCH(bool, isOnAnotherFileSystem);
+    if (!useTemporaryFolder(isOnAnotherFileSystem))
+        QSKIP("There is no other file system for the temporary files");
+    QVERIFY(changeMode(path("logs"), 0700));
+    const Reader reader(temporary_->path());
+    QVERIFY(reader.waitForRounds(1));
+    int truncations = 0;
+    for (int round = 0; round < Rounds; ++round) {
+        QVERIFY(writeFile(log_, tooLargeLog()));
+        QVERIFY(changeMode(log_, 0644));
+        truncate(log_);
+        truncations += QFileInfo(log_).size() < Log::MaxLogSize ? 1 : 0;
+    }
+    QVERIFY(reader.waitForRounds(2));
+    QCOMPARE(truncations, Rounds);
+    QVERIFY2(reader.filesRead() == 0, qPrintable(QString::number(reader.filesRead())));
+}
+
+void TestTruncatedLogs::theSuperuserLeavesALogToItsOwner_data()
+{
+    addFileSystems();
+}
+
+void TestTruncatedLogs::theSuperuserLeavesALogToItsOwner()
+{
+    QFETCH(bool, isOnAnotherFileSystem);
+    if (!useTemporaryFolder(isOnAnotherFileSystem))
+        QSKIP("There is no other file system for the temporary files");
+    QVERIFY(change(log_, Service, ServiceGroup, 0640));
+    const QByteArray before = statusOf(log_);
+    truncate(log_);
+    QCOMPARE(statusOf(log_), before);
+    QVERIFY(contentOf(log_) == truncatedLog());
+}
+
+void TestTruncatedLogs::aLogOfAnotherUserIsTruncated_data()
+{
+    QTest::addColumn<uint>("group");
+    QTest::addColumn<QByteArray>("status");
+    QTest::newRow("the same group") << uint(NobodysGroup) << QByteArray("65534 65534 664");
+    QTest::newRow("another group") << uint(ServiceGroup) << QByteArray("65534 65534 644");
+}
+
+// A process that may not set the group does not give the group's rights to its own.
+void TestTruncatedLogs::aLogOfAnotherUserIsTruncated()
+{
+    QFETCH(uint, group);
+    QFETCH(QByteArray, status);
+    QVERIFY(useTemporaryFolder(false));
+    QVERIFY(changeMode(path("logs"), 0777));
+    QVERIFY(change(log_, Service, group, 0664));
+    const QByteArray outcome = asOrdinaryUser([this] {
+        truncate(log_);
+        return statusOf(log_);
+    });
+    QCOMPARE(outcome, status);
+    QVERIFY(contentOf(log_) == truncatedLog());
+}
+
+// With a list, the group's permission bits are the most that the list gives to anybody in it.
+void TestTruncatedLogs::theAccessListIsKept()
+{
+    // Version 2; owner rw, user 12345 r, group nothing, most r, others nothing.
+    const QByteArray list = QByteArray::fromHex("02000000"
+                                                "01000600ffffffff"
+                                                "0200040039300000"
+                                                "04000000ffffffff"
+                                                "10000400ffffffff"
+                                                "20000000ffffffff");
+    const QByteArray file = QFile::encodeName(log_);
+    QVERIFY(useTemporaryFolder(false));
+    if (setxattr(file.constData(), AccessList, list.constData(),
+                 static_cast<std::size_t>(list.size()), 0)
+        != 0)
+        QSKIP("The file system knows no access lists");
+    truncate(log_);
+    QVERIFY(contentOf(log_) == truncatedLog());
+    std::array<char, 200> kept{};
+    const ssize_t size = getxattr(file.constData(), AccessList, kept.data(), kept.size());
+    QCOMPARE(QByteArray(kept.data(), static_cast<int>(size)), list);
+    QCOMPARE(statusOf(log_), QByteArray("0 0 640"));
+}
+
+void TestTruncatedLogs::anAttemptThatMustFailCopiesNothing_data()
+{
+    QTest::addColumn<uint>("mode");
+    QTest::newRow("the folder is not writable") << 0755U;
+    QTest::newRow("a file belongs to its owner") << 01777U;
+}
+
+void TestTruncatedLogs::anAttemptThatMustFailCopiesNothing()
+{
+    QFETCH(uint, mode);
+    QVERIFY(useTemporaryFolder(false));
+    QVERIFY(changeMode(path("logs"), mode));
+    QVERIFY(changeMode(log_, 0666));
+    QCOMPARE(asOrdinaryUser([this] { return bytesOfAttempts(log_); }), QByteArray("0"));
+    QVERIFY(contentOf(log_) == tooLargeLog());
+}
+
+// It can be written only at its end, and not be replaced.
+void TestTruncatedLogs::anAttemptOnAProtectedLogCopiesNothing()
+{
+    QVERIFY(useTemporaryFolder(false));
+    const QString chattr = QStringLiteral("chattr");
+    if (QProcess::execute(chattr, {QStringLiteral("+a"), log_}) != 0)
+        QSKIP("This account cannot protect a file");
+    const QByteArray outcome = bytesOfAttempts(log_);
+    QCOMPARE(QProcess::execute(chattr, {QStringLiteral("-a"), log_}), 0);
+    QCOMPARE(outcome, QByteArray("0"));
+    QVERIFY(contentOf(log_) == tooLargeLog());
+}
+
+void TestTruncatedLogs::anAttemptWithoutSpaceCopiesNothing_data()
+{
+    QTest::addColumn<bool>("isTemporaryFolderFull");
+    QTest::newRow("for temporary files") << true;
+    QTest::newRow("beside the log") << false;
+}
+
+// On a small file system, which only the child process sees.
+void TestTruncatedLogs::anAttemptWithoutSpaceCopiesNothing()
+{
+    QFETCH(bool, isTemporaryFolderFull);
+    QVERIFY(useTemporaryFolder(false));
+    QVERIFY(QDir().mkdir(path("mount")));
+    const QByteArray outcome = inChildProcess([this, isTemporaryFolderFull]() -> QByteArray {
+        QString log = path("mount/run.log");
+        if (!mountMemory(path("mount"), "size=8m"))
+            return "not mounted";
+        if (!QFile::copy(log_, log))
+            return "not copied";
+        if (isTemporaryFolderFull) {
+            qputenv("TMPDIR", QFile::encodeName(path("mount")));
+            log = log_;
+        }
+        const QByteArray written = bytesOfAttempts(log);
+        return contentOf(log) == tooLargeLog() ? written : "truncated";
+    });
+    QVERIFY(QDir().rmdir(path("mount")));
+    if (outcome == "not mounted")
+        QSKIP("This account cannot mount a file system of its own");
+    QCOMPARE(outcome, QByteArray("0"));
+}
+
+void TestTruncatedLogs::withoutProcALogIsTruncated_data()
+{
+    addFileSystems();
+}
+
+// The copies have names there.
+void TestTruncatedLogs::withoutProcALogIsTruncated()
+{
+    QFETCH(bool, isOnAnotherFileSystem);
+    if (!useTemporaryFolder(isOnAnotherFileSystem))
+        QSKIP("There is no other file system for the temporary files");
+    QVERIFY(change(log_, Service, ServiceGroup, 0640));
+    const QByteArray before = statusOf(log_);
+    const QByteArray outcome = inChildProcess([this]() -> QByteArray {
+        if (!mountMemory(QStringLiteral("/proc"), "size=1m"))
+            return "not mounted";
+        truncate(log_);
+        return "done";
+    });
+    if (outcome == "not mounted")
+        QSKIP("This account cannot mount a file system of its own");
+    QCOMPARE(outcome, QByteArray("done"));
+    QVERIFY(contentOf(log_) == truncatedLog());
+    QCOMPARE(statusOf(log_), before);
+}
+
+QTEST_GUILESS_MAIN(TestTruncatedLogs)
+
+#include "tst_truncatedlogs.moc"

@@ -1,0 +1,180 @@
+// Truncation on a system that refuses it, or that is asked for it while the log is written.
+
+#include "FakePlatform.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
+#include "TestMessages.h"
+#include "TestSystem.h"
+
+#include <Utility/Log.h>
+#include <Utility/LogTruncation.h>
+
+#include <QtTest/QtTest>
+
+#include <array>
+#include <limits>
+
+using namespace Vorn::Util;
+
+namespace {
+
+constexpr qint64 Enough = std::numeric_limits<qint64>::max();
+
+const std::array<const char *, 3> TemporaryFolderVariables{"TMPDIR", "TMP", "TEMP"};
+
+QByteArray tooLargeLog()
+{
+    return QByteArray(static_cast<int>(Log::MaxLogSize) + 1, '\n');
+}
+
+} // namespace
+
+class TestLogFallbacks : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void theRestFollowsTheTruncationOffset();
+    void aLogThatMayNotBeReplacedIsNotRead();
+    void withoutSpaceTheLogIsNotRead_data();
+    void withoutSpaceTheLogIsNotRead();
+    void withoutAFolderForTemporaryFilesTheLogIsNotRead();
+    void eachAppendTriesAgain();
+    void theLogCanBeWrittenDuringItsTruncation();
+
+private:
+    TestFolder folder_;
+    QString fileName_ = folder_.filePath(QStringLiteral("run.log"));
+    int attempts_ = 0;
+};
+
+// A system that can do everything but the replacement itself.
+void TestLogFallbacks::init()
+{
+    QVERIFY(writeFile(fileName_, tooLargeLog()));
+    attempts_ = 0;
+    fakePlatform().mayReplaceFile = [](const QString &) { return true; };
+    fakePlatform().availableSpace = [](const QString &) { return Enough; };
+    fakePlatform().replaceByRest = [this](QFile &, const QString &) {
+        ++attempts_;
+        return false;
+    };
+}
+
+void TestLogFallbacks::theRestFollowsTheTruncationOffset()
+{
+    QString name;
+    qint64 position = 0;
+    QString temporaryFolder;
+    fakePlatform().replaceByRest = [&](QFile &file, const QString &folder) {
+        name = file.fileName();
+        position = file.pos();
+        temporaryFolder = folder;
+        return true;
+    };
+    truncateLogFile(fileName_);
+    QCOMPARE(name, fileName_);
+    QCOMPARE(position, Log::AmountToTruncate + 1);
+    QCOMPARE(temporaryFolder, QDir::tempPath());
+}
+
+void TestLogFallbacks::aLogThatMayNotBeReplacedIsNotRead()
+{
+    QString asked;
+    fakePlatform().mayReplaceFile = [&asked](const QString &name) {
+        asked = name;
+        return false;
+    };
+    truncateLogFile(fileName_);
+    QCOMPARE(asked, fileName_);
+    QCOMPARE(attempts_, 0);
+}
+
+void TestLogFallbacks::withoutSpaceTheLogIsNotRead_data()
+{
+    QTest::addColumn<qint64>("forTemporaryFiles");
+    QTest::addColumn<qint64>("besideTheLog");
+    QTest::addColumn<int>("attempts");
+
+    const qint64 least = Log::MaxLogSize + 1 - LogCutHeadSize; // of what is kept
+    QTest::newRow("for temporary files") << least - 1 << Enough << 0;
+    QTest::newRow("beside the log") << Enough << least - 1 << 0;
+    QTest::newRow("nowhere") << Q_INT64_C(0) << Q_INT64_C(0) << 0;
+    QTest::newRow("perhaps enough") << least << least << 1;
+}
+
+void TestLogFallbacks::withoutSpaceTheLogIsNotRead()
+{
+    QFETCH(qint64, forTemporaryFiles);
+    QFETCH(qint64, besideTheLog);
+    QFETCH(int, attempts);
+    fakePlatform().availableSpace = [&](const QString &folder) {
+        return folder == folder_.path() ? besideTheLog : forTemporaryFiles;
+    };
+    truncateLogFile(fileName_);
+    QCOMPARE(attempts_, attempts);
+}
+
+void TestLogFallbacks::withoutAFolderForTemporaryFilesTheLogIsNotRead()
+{
+    const QString missing = folder_.filePath(QStringLiteral("missing"));
+    QByteArrayList before;
+    for (const char *variable : TemporaryFolderVariables) {
+        before.append(qgetenv(variable));
+        qputenv(variable, QFile::encodeName(QDir::toNativeSeparators(missing)));
+    }
+    truncateLogFile(fileName_);
+    for (const char *variable : TemporaryFolderVariables) {
+        const QByteArray value = before.takeFirst();
+        if (value.isEmpty())
+            qunsetenv(variable);
+        else
+            qputenv(variable, value);
+    }
+    QCOMPARE(attempts_, 0);
+}
+
+void TestLogFallbacks::eachAppendTriesAgain()
+{
+    Log log(fileName_, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(log.open(true));
+    QCOMPARE(attempts_, 1);
+    log.append(QStringLiteral("one"));
+    log.append(QStringLiteral("two"));
+    QCOMPARE(attempts_, 3);
+    const QByteArray lineEnd = onWindows() ? "\r\n" : "\n";
+    QCOMPARE(contentOf(fileName_), tooLargeLog() + " one" + lineEnd + " two" + lineEnd);
+}
+
+// As a handler of Qt's messages may do. The log is closed just then, so that nothing is written.
+void TestLogFallbacks::theLogCanBeWrittenDuringItsTruncation()
+{
+    Log log(fileName_, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(writeFile(fileName_, QByteArray()));
+    QVERIFY(log.open(true));
+    QVERIFY(writeFile(fileName_, tooLargeLog()));
+    QString name;
+    fakePlatform().replaceByRest = [&](QFile &, const QString &) {
+        ++attempts_;
+        name = log.name();
+        log.fastAppend(QStringLiteral("inside"));
+        log.flush();
+        return false;
+    };
+    {
+        const TestMessages messages; // that the log is not open
+        log.append(QStringLiteral("after"));
+    }
+    QCOMPARE(attempts_, 1);
+    QCOMPARE(name, fileName_);
+    const QByteArray lineEnd = onWindows() ? "\r\n" : "\n";
+    QCOMPARE(contentOf(fileName_), tooLargeLog() + " after" + lineEnd);
+}
+
+QTEST_GUILESS_MAIN(TestLogFallbacks)
+
+#include "tst_logfallbacks.moc"

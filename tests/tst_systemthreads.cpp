@@ -1,14 +1,16 @@
-// The functions of System that any thread may call.
+// The functions of System and Registry that any thread may call.
 
 #include "TestThreads.h"
 
+#include <Utility/Registry.h>
 #include <Utility/System.h>
 
 #include <QtTest/QtTest>
 
+#include <array>
 #include <atomic>
 
-using Vorn::Util::System;
+using namespace Vorn::Util;
 
 class tst_SystemThreads : public QObject
 {
@@ -17,6 +19,7 @@ class tst_SystemThreads : public QObject
 private Q_SLOTS:
     void theHostNameMayBeAskedForFirstOnManyThreads();
     void theOtherFunctionsMayBeCalledOnManyThreads();
+    void theSettingsMayBeReadOnManyThreads();
 };
 
 // The first function of the program: nothing has asked for the name before.
@@ -47,6 +50,18 @@ void tst_SystemThreads::theOtherFunctionsMayBeCalledOnManyThreads()
             ++right;
     });
     QCOMPARE(right.load(), ThreadCount);
+}
+
+void tst_SystemThreads::theSettingsMayBeReadOnManyThreads()
+{
+    std::atomic_int empty{0};
+    onAllThreads([&] {
+        std::array<wchar_t, 1024> value{L'x'};
+        Registry::readRegistryValue(L"tst_systemthreads no such value", value.data(), nullptr);
+        if (value[0] == L'\0')
+            ++empty;
+    });
+    QCOMPARE(empty.load(), ThreadCount);
 }
 
 QTEST_GUILESS_MAIN(tst_SystemThreads)

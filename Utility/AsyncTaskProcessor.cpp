@@ -6,18 +6,17 @@
 #include <Utility/System.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QPointer>
 
 #include <algorithm>
 
 // Signals, the monitor and the destructors of tasks run code of the application, which may delete
 // tasks and the processor. The processor survives this by three rules:
-// - A task that waits or runs here is connected to forgetTask(). So neither tasks_ nor currentTask_
-//   holds a task that was deleted.
+// - After code of the application has run, a QPointer tells whether the processor and the task
+//   still exist. The queue holds such pointers only.
+// - The running task is connected to forgetTask(), so that currentTask_ is never a task that was
+//   deleted.
 // - The running task is connected to handleFinishedTask(). Whoever cuts this connection handles
 //   the end of the task, so that this happens once.
-// - After code of the application has run, a QPointer tells whether the processor and the task
-//   still exist.
 
 namespace Vorn::Util {
 
@@ -26,7 +25,8 @@ struct AsyncTaskProcessor::CleanUp
 {
     QPointer<AsyncTask> task;
     QPointer<AsyncTask> cleanUpTask;
-    QString name; // outlives the clean-up task
+    QString name;                // outlives the clean-up task
+    bool isBeingDeleted = false; // the task itself, by the processor
 };
 
 namespace {
@@ -65,28 +65,21 @@ AsyncTaskProcessor::AsyncTaskProcessor(QObject *parent)
 
 AsyncTaskProcessor::~AsyncTaskProcessor()
 {
-    // No task may call a slot once the members are gone. The children are deleted later, after the
-    // signal destroyed().
-    if (currentTask_)
-        tasks_.append(currentTask_);
-    for (AsyncTask *task : qAsConst(tasks_)) {
-        const bool isBeingDeleted = !stopWatching(task);
-        if (isBeingDeleted)
-            task->setParent(nullptr); // or it would be deleted again, as a child
-        disconnect(task, nullptr, this, nullptr);
+    // A task whose destructor deletes the processor would be deleted again, as its child.
+    for (const CleanUp &entry : qAsConst(cleanUpTasks_)) {
+        if (entry.isBeingDeleted && entry.task)
+            entry.task->setParent(nullptr);
     }
+    // The children are deleted later, after the signal destroyed(). The running task must not call
+    // a slot meanwhile.
+    if (currentTask_)
+        disconnect(currentTask_, nullptr, this, nullptr);
 }
 
 void AsyncTaskProcessor::addTask(AsyncTask *task)
 {
-    // A task runs once: the connection is there already while it waits or runs.
-    if (!task
-        || !connect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetTask,
-                    Qt::UniqueConnection))
+    if (!task)
         return;
-    const auto cleanUp = cleanUpTasks_.constFind(task);
-    if (cleanUp != cleanUpTasks_.constEnd() && !cleanUp->task)
-        cleanUpTasks_.remove(task); // the entry of an earlier task at this address
     task->setLog(log_);
     tasks_.append(task);
     task->setParent(this);
@@ -95,7 +88,7 @@ void AsyncTaskProcessor::addTask(AsyncTask *task)
 void AsyncTaskProcessor::setCleanUpTask(AsyncTask *task, AsyncTask *cleanUpTask)
 {
     if (cleanUpTask)
-        cleanUpTasks_.insert(task, {task, cleanUpTask, cleanUpTask->name()});
+        cleanUpTasks_.insert(task, {task, cleanUpTask, cleanUpTask->name(), false});
     else
         cleanUpTasks_.remove(task);
 }
@@ -134,7 +127,8 @@ bool AsyncTaskProcessor::isFinished() const
 {
     // True while the last task runs: kept for compatibility, see "isFinished() during the last
     // task" in docs/compatibility.md.
-    return tasks_.isEmpty();
+    return std::all_of(tasks_.cbegin(), tasks_.cend(),
+                       [](const QPointer<AsyncTask> &task) { return task.isNull(); });
 }
 
 bool AsyncTaskProcessor::isOk() const
@@ -144,7 +138,7 @@ bool AsyncTaskProcessor::isOk() const
 
 void AsyncTaskProcessor::startLater()
 {
-    if (tasks_.isEmpty())
+    if (isFinished())
         return;
     log(QStringLiteral("Start processing tasks"));
     timer_.start();
@@ -160,14 +154,19 @@ void AsyncTaskProcessor::startTaskFromQueue()
 {
     if (currentTask_)
         return;
-    if (tasks_.isEmpty()) {
-        finishRun(); // the waiting tasks were deleted
+    while (!tasks_.isEmpty() && !currentTask_)
+        currentTask_ = tasks_.takeFirst(); // null for a task that was deleted
+    if (!currentTask_) {
+        finishRun();
         return;
     }
     if (!timer_.isValid())
         timer_.start(); // called without startLater()
-    AsyncTask *task = tasks_.takeFirst();
-    currentTask_ = task;
+    AsyncTask *const task = currentTask_;
+    const auto cleanUp = cleanUpTasks_.constFind(task);
+    if (cleanUp != cleanUpTasks_.constEnd() && !cleanUp->task)
+        cleanUpTasks_.remove(task); // said of an earlier task at this address
+    connect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetTask);
     connect(task, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
     connect(task, &AsyncTask::progress, this, &AsyncTaskProcessor::handleProgressFromTask);
     if (log_)
@@ -224,23 +223,19 @@ bool AsyncTaskProcessor::takeEnd()
                       &AsyncTaskProcessor::handleFinishedTask);
 }
 
-// False for a task that is being deleted.
-bool AsyncTaskProcessor::stopWatching(AsyncTask *task)
-{
-    return disconnect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetTask);
-}
-
-// The task is the current one or the first in the queue, and stays there meanwhile: see the
-// destructor.
 void AsyncTaskProcessor::deleteTask(AsyncTask *task)
 {
-    stopWatching(task);
+    disconnect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetTask);
+    cleanUpTasks_.insert(task, {task, nullptr, QString(), true}); // see the destructor
+    const QPointer<AsyncTaskProcessor> self(this);
     delete task;
+    if (self)
+        cleanUpTasks_.remove(task);
 }
 
 void AsyncTaskProcessor::goOn()
 {
-    if (!tasks_.isEmpty())
+    if (!isFinished())
         startTaskLater();
     else if (!currentTask_)
         finishRun();
@@ -255,8 +250,6 @@ void AsyncTaskProcessor::stopAfterError(AsyncTask *task)
         skipToCleanUpTask(task);
         return;
     }
-    for (AsyncTask *dropped : qAsConst(tasks_))
-        stopWatching(dropped);
     tasks_.clear(); // the dropped tasks live on as children
 }
 
@@ -281,10 +274,11 @@ void AsyncTaskProcessor::skipToCleanUpTask(AsyncTask *task)
     if (log_)
         log(QStringLiteral("Skipping to clean-up task: %1").arg(cleanUp.name));
     const QPointer<AsyncTaskProcessor> self(this);
-    while (self && !tasks_.isEmpty() && tasks_.first() != cleanUp.cleanUpTask) {
-        deleteTask(tasks_.first());
-        if (self)
-            tasks_.removeFirst();
+    const auto isReached
+        = [&] { return cleanUp.cleanUpTask && tasks_.first() == cleanUp.cleanUpTask; };
+    while (self && !tasks_.isEmpty() && !isReached()) {
+        if (AsyncTask *skipped = tasks_.takeFirst())
+            deleteTask(skipped);
     }
 }
 
@@ -300,26 +294,23 @@ void AsyncTaskProcessor::finishRun()
         QCoreApplication::exit(ok_ ? 0 : 1);
 }
 
-// Somebody else is deleting this task, of which only the QObject is left.
-void AsyncTaskProcessor::forgetTask(QObject *task)
+// Somebody else is deleting the current task, of which only the QObject is left.
+void AsyncTaskProcessor::forgetTask()
 {
-    if (task != currentTask_) {
-        const auto queued = std::find(tasks_.begin(), tasks_.end(), task);
-        if (queued != tasks_.end())
-            tasks_.erase(queued);
-        return;
-    }
-    stopWatching(currentTask_);
-    if (takeEnd()) {
+    AsyncTask *const task = currentTask_;
+    const bool isRunning = takeEnd();
+    const QPointer<AsyncTaskProcessor> self(this);
+    if (isRunning) {
+        task->setParent(
+            nullptr); // or it is deleted again when a skipped task deletes the processor
         ok_ = false;
-        const QPointer<AsyncTaskProcessor> self(this);
-        stopAfterError(currentTask_);
-        if (!self)
-            return;
-        currentTask_ = nullptr;
-        goOn();
+        stopAfterError(task);
     }
+    if (!self)
+        return;
     currentTask_ = nullptr;
+    if (isRunning)
+        goOn();
 }
 
 void AsyncTaskProcessor::log(const QString &text)

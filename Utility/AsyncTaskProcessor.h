@@ -6,6 +6,7 @@
 #include <QtCore/QList>
 #include <QtCore/QMap>
 #include <QtCore/QObject>
+#include <QtCore/QPointer>
 #include <QtCore/QString>
 
 namespace Vorn::Util {
@@ -51,8 +52,7 @@ class Log;
 ///
 /// Thread: everything happens in the thread of the event loop that owns the processor.
 ///
-/// Cost: about 560 bytes for each waiting task with a short name, two thirds of it for noticing
-/// that the task is deleted.
+/// Cost: about 340 bytes for each waiting task with a short name.
 class VORNUTILITY_EXPORT AsyncTaskProcessor : public QObject
 {
     Q_OBJECT
@@ -61,8 +61,9 @@ public:
     AsyncTaskProcessor(QObject *parent = nullptr);
     ~AsyncTaskProcessor() override;
 
-    /// Appends a task, gives it the current log and takes ownership. Null is ignored, and so is a
-    /// task that waits or runs here already. A task that an error has dropped may be added again.
+    /// Appends a task, gives it the current log and takes ownership. Null is ignored. A task that
+    /// is added again while it waits or runs here is run once. A task that an error has dropped may
+    /// be added again.
     void addTask(Vorn::Util::AsyncTask *task);
 
     /// Names the task to jump to when \a task fails or the run is cancelled after it; null for
@@ -115,8 +116,7 @@ private:
     void startTaskLater();
     void log(const QString &text);
     bool takeEnd();
-    bool stopWatching(AsyncTask *task);
-    void forgetTask(QObject *task);
+    void forgetTask();
     void deleteTask(AsyncTask *task);
     void stopAfterError(AsyncTask *task);
     void stopWhenCanceled(AsyncTask *task);
@@ -128,7 +128,7 @@ private:
     AsyncTaskMonitor *monitor_ = nullptr;
     bool exitEventLoopWhenDone_ = false;
     bool exitOnError_ = true;
-    QList<AsyncTask *> tasks_; // without the running one
+    QList<QPointer<AsyncTask>> tasks_; // without the running one; null for one that was deleted
     QElapsedTimer timer_;
     AsyncTask *currentTask_ = nullptr; // until it is deleted
     QMap<AsyncTask *, CleanUp> cleanUpTasks_;

@@ -13,8 +13,9 @@ public:
     QString name;
     int cores = 0;
     int sockets = 0;
-    double quantity
-        = 0; ///< a number that the cluster tool reports, infinity included; not interpreted
+    /// A number that the cluster tool reports, infinity included. The library does not interpret
+    /// it.
+    double quantity = 0;
     bool isHeadNode = false;
     bool isComputeNode = false;
 

@@ -40,7 +40,12 @@ class SevenZipCommand;
 ///   and "-x!plain" leaves the file "plain" out;
 /// - begins with "@", which is a list file: 7-Zip packs the files that it names;
 /// - holds "*" or "?" and the program is 7z.exe: it packs all names that match. (Windows allows no
-///   such names. The programs that are used on Linux are told to take them as they are.)
+///   such names. The programs that are used on Linux are told to take them as they are, but then no
+///   longer report other files of that folder as missing: compare files() after a listing.)
+/// - is empty, as the name of currentPath() with a separator after it: some versions of 7-Zip pack
+///   the whole current folder then, others end with exit code 7.
+///
+/// An empty list of names packs the whole current folder.
 ///
 /// An absolute path below currentPath() is no protection, because its front is removed. Pass such a
 /// name relative to currentPath() and with "./" in front: "./-sdel". Do this only for a name
@@ -49,7 +54,8 @@ class SevenZipCommand;
 /// with the whole folder ("./-folder"). Of archiveFile() nothing is removed: give an absolute path.
 ///
 /// In a list file the first two are ordinary names, but a line break in a name makes two names of
-/// it, and 7-Zip removes blanks and double quotes around a name.
+/// it, and 7-Zip removes blanks and double quotes around a name: of the files "plain" and "plain "
+/// it then packs the first one twice.
 ///
 /// An entry of an archive whose path leads out of the folder is extracted to another name inside
 /// it; files() holds the name that the archive tells, which then does not exist. Existing files are

@@ -47,7 +47,7 @@ bool exists(const QString &name)
     return info.exists() || info.isSymLink(); // a link to nowhere is in the way too
 }
 
-// Closes the file: some errors show only then.
+// Closes the file: a network file system may report a full disk only then.
 bool writeNames(QFile &file, const QStringList &names)
 {
     QTextStream stream(&file);
@@ -211,7 +211,7 @@ void SevenZipCompressCommand::writeListFile()
     }
     if (!writeNames(file, fileNames())) {
         QFile::remove(listFile_);
-        listFile_.clear(); // the name is free again for others
+        listFile_.clear(); // or a list file that somebody else makes under this name is removed
         refuseToStart();
     }
 }

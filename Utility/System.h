@@ -127,8 +127,9 @@ public:
     /// Ends the processes whose program's name is in \a names and whose program's path contains
     /// \a pathFilter, in any letter case; an empty filter takes all. Where the path cannot be read,
     /// the name must contain the filter. Processes that may not be opened are passed over. Returns
-    /// the names of those ended, without waiting for their end. On Linux before 5.3 a process can
-    /// be hit that has got the id of one that ended at this very moment.
+    /// the names of those ended, without waiting for their end. On Linux without pidfd_open()
+    /// (before 5.3, or where a container forbids it) the call can hit a process that has just got
+    /// the id of one that ended.
     static QStringList killProcesses(const QString &pathFilter, const QStringList &names);
 
     /// Starts a program that outlives this one; false when it cannot be started.

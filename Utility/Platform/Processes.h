@@ -20,7 +20,7 @@ public:
     virtual QString path() const = 0;
 
     /// Ends it at once, without waiting. False when that is not allowed or it has ended already;
-    /// never ends another process that has got its id since.
+    /// where the system can hold a process, never ends another one that has got its id since.
     virtual bool terminate(int exitCode) = 0;
 };
 

@@ -91,6 +91,7 @@ private Q_SLOTS:
 
     void aListFileThatIsNotWrittenWholeEndsTheCompression_data();
     void aListFileThatIsNotWrittenWholeEndsTheCompression();
+    void aListFileOfSomebodyElseIsNotRemoved();
     void anArchiveWithoutAWholeListFileMayBeDestroyed();
 
     void aFullDiskLeavesTheCountsOfTheSystemAndNoFile();
@@ -436,6 +437,27 @@ void TestFullDisk::aListFileThatIsNotWrittenWholeEndsTheCompression()
     archive.setCurrentPath(QString());
     QVERIFY(archive.compressFiles(files)); // there is room again
     QCOMPARE(fake.listFile(), list);
+}
+
+// Somebody else may use the name before the end of the operation is handled.
+void TestFullDisk::aListFileOfSomebodyElseIsNotRemoved()
+{
+    const TestMessages messages;
+    const FakeArchiver fake;
+    QStringList files;
+    for (int number = 0; number < 40; ++number)
+        files += QString::number(number);
+    SevenZip archive;
+    QSignalSpy finished(&archive, &SevenZip::compressionFinished);
+    {
+        const FileSizeLimit limit(0);
+        archive.startCompressingFiles(files);
+    }
+    const QString listFile = temp_.path() + QStringLiteral("/listfile.tmp");
+    QVERIFY(writeFile(listFile, "other"));
+    QTRY_COMPARE(finished.size(), 1);
+    QCOMPARE(contentOf(listFile), QByteArray("other"));
+    QVERIFY(QFile::remove(listFile));
 }
 
 void TestFullDisk::anArchiveWithoutAWholeListFileMayBeDestroyed()

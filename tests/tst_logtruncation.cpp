@@ -141,6 +141,7 @@ private Q_SLOTS:
     void aLogThatAnotherHoldsOpenIsCutOrStaysAsItWas();
     void whetherALogMayBeReplacedIsKnownBefore();
     void theSpaceIsThatOfTheFileSystem();
+    void theSpaceOfAMissingFolderIsNotKnown();
     void aLogThatCannotBeReplacedStaysAsItWas();
     void withoutTemporaryFolderTheLogStaysAsItWas_data();
     void withoutTemporaryFolderTheLogStaysAsItWas();
@@ -420,12 +421,18 @@ void TestLogTruncation::whetherALogMayBeReplacedIsKnownBefore()
 
 void TestLogTruncation::theSpaceIsThatOfTheFileSystem()
 {
-    constexpr qint64 Tolerance = 1 << 30; // other programs write, too
-    const qint64 expected = QStorageInfo(folder_->path()).bytesAvailable();
     const qint64 space = Platform::availableSpace(folder_->path());
-    QVERIFY2(space >= expected - Tolerance, qPrintable(QString::number(space)));
-    QVERIFY2(space <= QStorageInfo(folder_->path()).bytesTotal(),
-             qPrintable(QString::number(space)));
+    QVERIFY(space > 0);
+    const QStorageInfo storage(folder_->path());
+    if (!storage.isValid())
+        QSKIP("Qt does not find the file system of the folder, as in a changed root folder.");
+    constexpr qint64 Tolerance = 1 << 30; // other programs write, too
+    QVERIFY2(space >= storage.bytesAvailable() - Tolerance, qPrintable(QString::number(space)));
+    QVERIFY2(space <= storage.bytesTotal(), qPrintable(QString::number(space)));
+}
+
+void TestLogTruncation::theSpaceOfAMissingFolderIsNotKnown()
+{
     QCOMPARE(Platform::availableSpace(path(QStringLiteral("missing"))),
              std::numeric_limits<qint64>::max());
 }

@@ -122,8 +122,7 @@ public:
         return true;
     }
 
-    // A folder that has let the walk pass lets itself be left by "..", which the one below it need
-    // not do: the next folder is found again before it is the current one.
+    // Reopen the next level now, while its child is still open: the level below may refuse "..".
     bool leave() override
     {
         levels_.pop_back();

@@ -36,10 +36,13 @@ inline const wchar_t *wide(const QString &text)
     return reinterpret_cast<const wchar_t *>(text.utf16());
 }
 
-/// The absolute path in the form that is not limited to 260 characters.
+/// The absolute path in the form that is not limited to 260 characters. A path in that form, or in
+/// that of devices, is unchanged.
 inline QString longForm(const QString &path)
 {
     const QString native = QDir::toNativeSeparators(path);
+    if (native.startsWith(QLatin1String("\\\\?\\")) || native.startsWith(QLatin1String("\\\\.\\")))
+        return native;
     const DWORD size = GetFullPathNameW(wide(native), 0, nullptr, nullptr); // with the last null
     std::vector<wchar_t> buffer(size + 1);
     const DWORD length = GetFullPathNameW(wide(native), size, buffer.data(), nullptr);

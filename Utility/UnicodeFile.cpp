@@ -1,6 +1,7 @@
 #include <Utility/UnicodeFile.h>
 
 #include <Utility/AsciiText.h>
+#include <Utility/Platform/FileReplacement.h>
 #include <Utility/Platform/Files.h>
 #include <Utility/System.h>
 
@@ -15,17 +16,6 @@ namespace {
 
 using Platform::MoveOutcome;
 
-// The name of a new file in the folder of path that only this user may read. An empty name and no
-// file when it cannot be made or fill fails.
-template <typename Fill> QString makeFileBeside(const QString &path, const Fill &fill)
-{
-    QTemporaryFile file(QFileInfo(path).path() + QStringLiteral("/vorn-XXXXXX"));
-    if (!file.open() || !fill(file))
-        return QString();
-    file.setAutoRemove(false);
-    return file.fileName();
-}
-
 bool copyContent(QFile &from, QFile &to)
 {
     constexpr qint64 BlockSize = 1 << 18;
@@ -38,53 +28,50 @@ bool copyContent(QFile &from, QFile &to)
     }
 }
 
-bool isMoved(const QString &from, const QString &to)
+// A copy of a file, in the folder of path, that only this user may read before it is complete.
+// Returns its name, which is empty when no copy was made.
+QString makeCopyBeside(const QString &path, const QString &original)
 {
-    return Platform::moveFile(from, to) == MoveOutcome::Moved;
+    QFile from(original);
+    QTemporaryFile copy(QFileInfo(path).path() + QStringLiteral("/vorn-XXXXXX"));
+    if (!from.open(QIODevice::ReadOnly) || !copy.open() || !copyContent(from, copy)
+        || !copy.setPermissions(from.permissions()))
+        return QString();
+    copy.setAutoRemove(false);
+    return copy.fileName();
 }
 
-// The file is put aside, not removed, before the copy takes its place: only that tells whether it
-// can be taken away, and it can be taken back.
-bool replaceByCopy(const QString &from, const QString &copy, const QString &to)
-{
-    const QString aside = makeFileBeside(from, [](QFile &) { return true; });
-    if (aside.isEmpty())
-        return false;
-    if (!isMoved(from, aside)) {
-        QFile::remove(aside);
-        return false;
-    }
-    if (!isMoved(copy, to)) {
-        isMoved(aside, from);
-        return false;
-    }
-    QFile::remove(aside);
-    return true;
-}
-
+// At every moment one of the two paths leads to the whole file. What lies at the target is kept
+// when it is known beforehand that the source cannot be removed.
 bool moveToOtherFileSystem(const QString &from, const QString &to)
 {
-    if (!QFileInfo(from).isFile()) // a pipe could keep the caller waiting
+    const bool isFile = QFileInfo(from).isFile(); // a pipe could keep the caller waiting
+    if (!isFile || (QFile::exists(to) && !Platform::mayReplaceFile(from)))
         return false;
-    const QString copy = makeFileBeside(to, [&from](QFile &file) {
-        QFile source(from);
-        return source.open(QIODevice::ReadOnly) && copyContent(source, file)
-            && file.setPermissions(source.permissions());
-    });
+    const QString copy = makeCopyBeside(to, from);
     if (copy.isEmpty())
         return false;
-    const bool ok = replaceByCopy(from, copy, to);
-    if (!ok)
-        QFile::remove(copy);
-    return ok;
+    if (Platform::moveFile(copy, to) != MoveOutcome::Moved) {
+        Platform::removeFile(copy);
+        return false;
+    }
+    if (Platform::removeFile(from))
+        return true;
+    Platform::removeFile(to);
+    return false;
 }
 
-// Leaves both as they were when it fails.
 bool moveFile(const QString &from, const QString &to)
 {
     const MoveOutcome outcome = Platform::moveFile(from, to);
     return outcome == MoveOutcome::OtherFileSystem ? moveToOtherFileSystem(from, to)
                                                    : outcome == MoveOutcome::Moved;
+}
+
+bool isFolder(const QString &path)
+{
+    const QFileInfo info(path);
+    return info.isDir() && !info.isSymLink();
 }
 
 } // namespace
@@ -146,13 +133,16 @@ bool UnicodeFile::renameToUnicode()
 
 bool UnicodeFile::rename(const QString &from, const QString &to)
 {
-    if (!isUnicode() || !QFile::exists(from))
+    // A relative link that was moved to the plain path may lead nowhere from there.
+    const bool isThere
+        = QFile::exists(from) || (from == asciiFilePath() && QFileInfo(from).isSymLink());
+    if (!isUnicode() || !isThere || Platform::isSameFile(from, to))
         return true;
     // Without a name the plain path is that of its folder, which must not be moved.
     const bool isPath = !asciiPath_.isEmpty() && !asciiName_.isEmpty();
-    if (isPath && moveFile(from, to))
+    if (isPath && !isFolder(to) && moveFile(from, to))
         return true;
-    if (QFile::exists(to))
+    if (QFile::exists(to) && (isFolder(to) || !Platform::mayReplaceFile(to)))
         setError(QStringLiteral("Unable to remove existing file: %1").arg(to));
     else
         setError(QStringLiteral("Unable to rename %1 to %2").arg(from, to));

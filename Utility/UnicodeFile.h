@@ -27,11 +27,28 @@ namespace Vorn::Util {
 ///
 /// \par Moving
 /// A file at the destination is replaced in one step; a link there is replaced itself, never
-/// written through. To another file system the file is copied: the copy is private to the user
-/// until it is complete, has the permissions of the file but not its times or owner, and is removed
-/// when it cannot be completed. When a move fails, the file stays where it was. A file of that name
-/// in the folder for temporary files is lost, whoever made it: two files with the same plain name
-/// in different folders must not be handled at the same time.
+/// written through. When a move fails, the file stays where it was. A file of that name in the
+/// folder for temporary files is lost, whoever made it: two files with the same plain name in
+/// different folders must not be handled at the same time.
+///
+/// To another file system the file is copied. The copy is private to the user until it is complete,
+/// and is removed when it cannot be completed. It has the permissions of the file, but not its
+/// times or owner.
+///
+/// Nothing is moved when both paths lead to the same file already, through links or as two hard
+/// links.
+///
+/// \par Links
+/// A link at the file's own path is moved itself, not the file that it leads to: a relative one
+/// leads elsewhere from the plain path, and nowhere as a rule. It comes back unless a program has
+/// replaced it. To another file system the file that the link leads to is copied, and that copy
+/// takes the place of the link when it is moved back. A link to nowhere is not moved.
+///
+/// \par Files after a kill
+/// A process that is killed leaves the file at its plain path. In the middle of a move to another
+/// file system it can leave the file at both paths, and a copy named "vorn-" and six more
+/// characters in the folder that the file was to be moved to. At every moment one of the two paths
+/// leads to the whole file.
 ///
 /// A file that does not exist is not moved, which is no error. When a program creates it at the
 /// plain path, it is moved to its own path like any other.
@@ -101,8 +118,8 @@ private:
     QString asciiName_;
     QString asciiPath_;
 
-    // What of the file's own path is replaced at the plain path; none before the first successful
-    // move to it.
+    // Whether name and folder hold characters outside 7-bit ASCII. Both false until a move to the
+    // plain path has succeeded; the destructor tests this.
     bool nameIsUnicode_ = false;
     bool pathIsUnicode_ = false;
 };

@@ -36,6 +36,8 @@ FakePlatform::FakePlatform()
         return isMoved ? Vorn::Util::Platform::MoveOutcome::Moved
                        : Vorn::Util::Platform::MoveOutcome::Failed;
     })
+    , isSameFile(always(false))
+    , removeFile([](const QString &path) { return QFile::remove(path); })
     , openFolderTree(always(nullptr))
     , openWithoutLink([](QFile &file) { return file.open(QIODevice::WriteOnly | QIODevice::Text); })
     , commonApplicationDataFolder(always(QString()))
@@ -116,6 +118,16 @@ bool replaceByRest(QFile &file, const QString &temporaryFolder)
 MoveOutcome moveFile(const QString &source, const QString &target)
 {
     return fakePlatform().moveFile(source, target);
+}
+
+bool isSameFile(const QString &first, const QString &second)
+{
+    return fakePlatform().isSameFile(first, second);
+}
+
+bool removeFile(const QString &path)
+{
+    return fakePlatform().removeFile(path);
 }
 
 std::unique_ptr<FolderTree> openFolderTree(const QString &path)

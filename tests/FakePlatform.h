@@ -19,7 +19,7 @@
 #include <functional>
 
 /// An operating system that a test sets up: what each function of Utility/Platform does. At first
-/// nothing is there and everything fails, but files can be moved.
+/// nothing is there and everything fails, but files can be moved and removed.
 struct FakePlatform
 {
     template <typename Result, typename... Arguments>
@@ -37,6 +37,8 @@ struct FakePlatform
     Function<qint64, const QString &> availableSpace;
     Function<bool, QFile &, const QString &> replaceByRest;
     Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
+    Function<bool, const QString &, const QString &> isSameFile;
+    Function<bool, const QString &> removeFile;
     Function<std::unique_ptr<Vorn::Util::Platform::FolderTree>, const QString &> openFolderTree;
     Function<bool, QFile &> openWithoutLink;
     Function<QString, const QString &> commonApplicationDataFolder;

@@ -414,6 +414,10 @@ void TestLogTruncation::whetherALogMayBeReplacedIsKnownBefore()
         QVERIFY(other.open(QIODevice::ReadOnly));
         QCOMPARE(Platform::mayReplaceFile(fileName_), !onWindows());
     }
+    const QFile::Permissions before = QFile::permissions(fileName_);
+    QVERIFY(QFile::setPermissions(fileName_, QFile::ReadOwner));
+    QCOMPARE(Platform::mayReplaceFile(fileName_), !onWindows());
+    QVERIFY(QFile::setPermissions(fileName_, before));
     QVERIFY(Platform::mayReplaceFile(fileName_));
     QVERIFY(!Platform::mayReplaceFile(path(QStringLiteral("missing/run.log"))));
     QCOMPARE(contentOf(fileName_), QByteArray("x"));

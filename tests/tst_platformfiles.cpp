@@ -1,7 +1,8 @@
-// How files of known names are opened to be written.
+// How files are opened to be written, moved, compared and removed.
 
 #include "TestFiles.h"
 #include "TestFolder.h"
+#include "TestSystem.h"
 
 #include <Utility/Platform/Files.h>
 
@@ -24,6 +25,11 @@ private Q_SLOTS:
     void aFileThatIsOpenElsewhereIsEmptied();
     void aFolderIsNotOpened();
     void aMissingFolderIsNotMade();
+
+    void aPathOfTheSystemIsTakenAsItIs();
+    void twoPathsOfAFileAreTheSameFile();
+    void aReadOnlyFileIsRemoved();
+    void aFolderIsNotRemoved();
 
 private:
     QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
@@ -84,6 +90,47 @@ void tst_PlatformFiles::aMissingFolderIsNotMade()
 {
     QVERIFY(!write(path("missing/new"), "text"));
     QCOMPARE(entriesOf(folder_->path()), QStringList());
+}
+
+void tst_PlatformFiles::aPathOfTheSystemIsTakenAsItIs()
+{
+    if (!onWindows())
+        QSKIP("Only Windows has a second form of its paths.");
+    const QString form = QStringLiteral("\\\\?\\");
+    QVERIFY(writeFile(path("old"), "text"));
+    QCOMPARE(Platform::moveFile(form + QDir::toNativeSeparators(path("old")),
+                                form + QDir::toNativeSeparators(path("new"))),
+             Platform::MoveOutcome::Moved);
+    QCOMPARE(contentOf(path("new")), QByteArray("text"));
+    QCOMPARE(entriesOf(folder_->path()), QStringList{QStringLiteral("new")});
+}
+
+void tst_PlatformFiles::twoPathsOfAFileAreTheSameFile()
+{
+    QVERIFY(writeFile(path("one"), "text"));
+    QVERIFY(writeFile(path("other"), "text"));
+    QVERIFY(QDir().mkdir(path("folder")));
+    QVERIFY(Platform::isSameFile(path("one"), path("folder/../one")));
+    QVERIFY(Platform::isSameFile(path("folder"), path("folder/.")));
+    QVERIFY(!Platform::isSameFile(path("one"), path("other")));
+    QVERIFY(!Platform::isSameFile(path("one"), path("missing")));
+    QVERIFY(!Platform::isSameFile(path("missing"), path("missing")));
+}
+
+void tst_PlatformFiles::aReadOnlyFileIsRemoved()
+{
+    QVERIFY(writeFile(path("old"), "text"));
+    QVERIFY(QFile::setPermissions(path("old"), QFile::ReadOwner));
+    QVERIFY(Platform::removeFile(path("old")));
+    QVERIFY(!Platform::removeFile(path("old")));
+    QCOMPARE(entriesOf(folder_->path()), QStringList());
+}
+
+void tst_PlatformFiles::aFolderIsNotRemoved()
+{
+    QVERIFY(QDir().mkdir(path("folder")));
+    QVERIFY(!Platform::removeFile(path("folder")));
+    QVERIFY(QFileInfo(path("folder")).isDir());
 }
 
 QTEST_GUILESS_MAIN(tst_PlatformFiles)

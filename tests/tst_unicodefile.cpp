@@ -12,7 +12,9 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <type_traits>
 
 using namespace Vorn::Util;
@@ -30,6 +32,14 @@ const char *const TempVariables[] = {"TMPDIR", "TMP", "TEMP"}; // of the one sys
 QString unicodeName()
 {
     return QStringLiteral("Tr\u00e4ger.dat");
+}
+
+bool makeHardLink(const QString &file, const QString &link)
+{
+    std::error_code error;
+    std::filesystem::create_hard_link(std::filesystem::u8path(file.toStdString()),
+                                      std::filesystem::u8path(link.toStdString()), error);
+    return !error;
 }
 
 bool isPlain(const QString &text)
@@ -79,12 +89,17 @@ private Q_SLOTS:
     void anExistingFileAtThePlainPathIsOverwritten();
     void anExistingFileAtTheOwnPathIsOverwritten();
     void aFileThatIsItsOwnPlainFileStays();
+    void aLinkToTheFileIsNeverMovedOverIt_data();
+    void aLinkToTheFileIsNeverMovedOverIt();
+    void aSecondNameOfTheFileIsNoObstacle();
+    void aRelativeLinkComesBack();
     void theFileCanBeMovedToAndFro();
     void movingAFileThatIsNotThereIsASuccess();
     void movingAPlainFileIsASuccess();
 
     void aFolderThatCannotBeMadeCurrentIsAnError();
     void aFileThatCannotBeRemovedIsAnError();
+    void aReadOnlyFileIsReplacedWhereItCanBeRemoved();
     void aFileThatCannotBeMovedBackIsAnError();
     void aTemporaryFolderThatIsGoneLeavesTheFileAlone_data();
     void aTemporaryFolderThatIsGoneLeavesTheFileAlone();
@@ -94,6 +109,8 @@ private Q_SLOTS:
     void aUnicodeTemporaryFolderIsReplaced();
     void aPlainTemporaryFolderIsUsed();
     void aFolderWithAUnicodeNameIsMovedAsAFileIs();
+    void aFolderIsNotReplaced_data();
+    void aFolderIsNotReplaced();
     void aFolderInThePlaceOfTheFileIsNeverMoved_data();
     void aFolderInThePlaceOfTheFileIsNeverMoved();
     void aLaterSuccessDoesNotTakeTheErrorBack();
@@ -513,6 +530,76 @@ void tst_UnicodeFile::aFileThatIsItsOwnPlainFileStays()
     QVERIFY(QFile::remove(own));
 }
 
+void tst_UnicodeFile::aLinkToTheFileIsNeverMovedOverIt_data()
+{
+    QTest::addColumn<bool>("isLinkAtOwnPath");
+    QTest::newRow("the own path is a link to the plain one") << true;
+    QTest::newRow("the plain path is a link to the own one") << false;
+}
+
+void tst_UnicodeFile::aLinkToTheFileIsNeverMovedOverIt()
+{
+    if (onWindows())
+        QSKIP("A link is a file with a name of its own here.");
+    QFETCH(bool, isLinkAtOwnPath);
+    const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
+    const QString own = path(unicodeFolder() + QStringLiteral("/beam.dat"));
+    QVERIFY(QDir().mkdir(path(unicodeFolder())));
+    const QString &real = isLinkAtOwnPath ? plain : own;
+    const QString &link = isLinkAtOwnPath ? own : plain;
+    QVERIFY(writeFile(real, Content));
+    QVERIFY(QFile::link(real, link));
+    {
+        UnicodeFile file(own);
+        QVERIFY(file.isOk());
+        QCOMPARE(contentOf(plain), Content);
+        QVERIFY(file.renameToUnicode());
+        QVERIFY(file.renameToAscii());
+        QVERIFY(file.isOk());
+    }
+    QCOMPARE(contentOf(own), Content);
+    QVERIFY(!QFileInfo(real).isSymLink());
+    QVERIFY(QFile::remove(plain));
+}
+
+void tst_UnicodeFile::aSecondNameOfTheFileIsNoObstacle()
+{
+    const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
+    const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    if (!makeHardLink(own, plain))
+        QSKIP("The file system has no hard links");
+    {
+        const UnicodeFile file(own);
+        QVERIFY2(file.isOk(), qPrintable(file.error()));
+        QCOMPARE(contentOf(plain), Content);
+    }
+    QCOMPARE(contentOf(own), Content);
+    {
+        const UnicodeFile file(own);
+        QVERIFY(QFile::remove(plain)); // in the way of many programs that save a file
+        QVERIFY(writeFile(plain, "result"));
+    }
+    QCOMPARE(contentOf(own), QByteArray("result"));
+    QVERIFY(!QFile::exists(plain));
+}
+
+// At the plain path it leads nowhere.
+void tst_UnicodeFile::aRelativeLinkComesBack()
+{
+    if (onWindows())
+        QSKIP("A link is a file with a name of its own here.");
+    create(unicodeFolder() + QStringLiteral("/target"));
+    const QString own = path(unicodeFolder() + QStringLiteral("/beam.dat"));
+    QVERIFY(QFile::link(QStringLiteral("target"), own));
+    {
+        const UnicodeFile file(own);
+        QVERIFY(file.isOk());
+        QVERIFY(!QFileInfo(own).isSymLink());
+    }
+    QVERIFY(QFileInfo(own).isSymLink());
+    QCOMPARE(contentOf(own), Content);
+}
+
 void tst_UnicodeFile::theFileCanBeMovedToAndFro()
 {
     const QString own = create(unicodeName());
@@ -592,6 +679,31 @@ void tst_UnicodeFile::aFileThatCannotBeRemovedIsAnError()
     QCOMPARE(contentOf(own), Content);
     QCOMPARE(entriesOf(obstacle), QStringList{QStringLiteral("content")});
     QVERIFY(QDir(obstacle).removeRecursively());
+}
+
+// Windows does not remove it (but Wine does); other systems do.
+void tst_UnicodeFile::aReadOnlyFileIsReplacedWhereItCanBeRemoved()
+{
+    const QString obstacle = temp_.filePath(QStringLiteral("beam.dat"));
+    QVERIFY(writeFile(obstacle, "obstacle"));
+    QVERIFY(QFile::setPermissions(obstacle, QFile::ReadOwner));
+    const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
+    bool isReplaced = false;
+    {
+        const UnicodeFile file(own);
+        isReplaced = file.isOk();
+        QVERIFY(isReplaced || onWindows());
+        if (!isReplaced) {
+            QCOMPARE(file.error(),
+                     QStringLiteral("Unable to remove existing file: ") + file.asciiFilePath());
+        }
+        QCOMPARE(contentOf(obstacle), isReplaced ? Content : QByteArray("obstacle"));
+    }
+    QCOMPARE(contentOf(own), Content);
+    if (!isReplaced) {
+        QVERIFY(QFile::setPermissions(obstacle, QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY(QFile::remove(obstacle));
+    }
 }
 
 void tst_UnicodeFile::aFileThatCannotBeMovedBackIsAnError()
@@ -721,6 +833,30 @@ void tst_UnicodeFile::aFolderWithAUnicodeNameIsMovedAsAFileIs()
         QVERIFY(!QFileInfo::exists(own));
     }
     QCOMPARE(contentOf(own + QStringLiteral("/beam.dat")), Content);
+}
+
+void tst_UnicodeFile::aFolderIsNotReplaced_data()
+{
+    QTest::addColumn<bool>("isEmpty");
+    QTest::newRow("an empty one") << true;
+    QTest::newRow("a full one") << false;
+}
+
+void tst_UnicodeFile::aFolderIsNotReplaced()
+{
+    QFETCH(bool, isEmpty);
+    const QString plain = temp_.filePath(QStringLiteral("folder"));
+    QVERIFY(QDir().mkpath(isEmpty ? plain : plain + QStringLiteral("/content")));
+    const QString own = path(unicodeFolder() + QStringLiteral("/folder"));
+    create(unicodeFolder() + QStringLiteral("/folder/beam.dat"));
+    {
+        const UnicodeFile file(own);
+        QCOMPARE(file.error(),
+                 QStringLiteral("Unable to remove existing file: ") + file.asciiFilePath());
+        QVERIFY(QFileInfo(own).isDir());
+    }
+    QCOMPARE(contentOf(own + QStringLiteral("/beam.dat")), Content);
+    QVERIFY(QDir(plain).removeRecursively());
 }
 
 void tst_UnicodeFile::aFolderInThePlaceOfTheFileIsNeverMoved_data()

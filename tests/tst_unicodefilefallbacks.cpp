@@ -43,11 +43,14 @@ private Q_SLOTS:
     void whenTheCurrentFolderIsGoneTheFileStays();
 
     void toAnotherFileSystemTheFileIsCopied();
-    void aFileThatCannotBeTakenAwayStaysTheOnlyOne();
-    void aCopyThatFindsNoPlaceIsTakenBack();
+    void aRealNameLeadsToTheFileAtEveryMoment();
+    void aFileThatCannotBeRemovedStaysTheOnlyOne();
+    void anObstacleIsKeptWhenTheFileCannotBeRemoved();
+    void aCopyThatCannotBeMovedIsRemoved();
 
 private:
     QString own() const { return folder_->filePath(unicodeName()); }
+    QString plain() const { return folder_->filePath(QStringLiteral("s1ko.dat")); }
 
     // Gives the file the plain name "s1ko.dat" on another file system; moves that canMove() refuses
     // fail.
@@ -187,28 +190,67 @@ void tst_UnicodeFileFallbacks::toAnotherFileSystemTheFileIsCopied()
     QCOMPARE(contentOf(own()), QByteArray("result"));
 }
 
-void tst_UnicodeFileFallbacks::aFileThatCannotBeTakenAwayStaysTheOnlyOne()
+// A process can be killed between any two calls.
+void tst_UnicodeFileFallbacks::aRealNameLeadsToTheFileAtEveryMoment()
 {
-    setOtherFileSystem([this](const QString &source, const QString &) { return source != own(); });
+    int calls = 0;
+    int without = 0;
+    const auto look = [&] {
+        ++calls;
+        without += contentOf(own()) == Content || contentOf(plain()) == Content ? 0 : 1;
+    };
+    setOtherFileSystem([&look](const QString &, const QString &) {
+        look();
+        return true;
+    });
+    fakePlatform().removeFile = [&look](const QString &path) {
+        look();
+        const bool isRemoved = QFile::remove(path);
+        look();
+        return isRemoved;
+    };
     {
         const UnicodeFile file(own());
-        QCOMPARE(file.error(),
-                 QStringLiteral("Unable to rename %1 to %2/s1ko.dat").arg(own(), folder_->path()));
+        QVERIFY2(file.isOk(), qPrintable(file.error()));
+    }
+    QCOMPARE(contentOf(own()), Content);
+    QVERIFY(calls >= 6);
+    QCOMPARE(without, 0);
+}
+
+void tst_UnicodeFileFallbacks::aFileThatCannotBeRemovedStaysTheOnlyOne()
+{
+    setOtherFileSystem([](const QString &, const QString &) { return true; });
+    fakePlatform().removeFile
+        = [this](const QString &path) { return path != own() && QFile::remove(path); };
+    {
+        const UnicodeFile file(own());
+        QCOMPARE(file.error(), QStringLiteral("Unable to rename %1 to %2").arg(own(), plain()));
         QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
     }
     QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
     QCOMPARE(contentOf(own()), Content);
 }
 
-void tst_UnicodeFileFallbacks::aCopyThatFindsNoPlaceIsTakenBack()
+void tst_UnicodeFileFallbacks::anObstacleIsKeptWhenTheFileCannotBeRemoved()
 {
-    setOtherFileSystem([](const QString &, const QString &target) {
-        return !target.endsWith(QLatin1String("s1ko.dat"));
-    });
+    setOtherFileSystem([](const QString &, const QString &) { return true; });
+    fakePlatform().mayReplaceFile = [this](const QString &path) { return path != own(); };
+    QVERIFY(writeFile(plain(), "obstacle"));
     {
         const UnicodeFile file(own());
-        QCOMPARE(file.error(),
-                 QStringLiteral("Unable to rename %1 to %2/s1ko.dat").arg(own(), folder_->path()));
+        QCOMPARE(file.error(), QStringLiteral("Unable to rename %1 to %2").arg(own(), plain()));
+    }
+    QCOMPARE(contentOf(own()), Content);
+    QCOMPARE(contentOf(plain()), QByteArray("obstacle"));
+}
+
+void tst_UnicodeFileFallbacks::aCopyThatCannotBeMovedIsRemoved()
+{
+    setOtherFileSystem([](const QString &, const QString &) { return false; });
+    {
+        const UnicodeFile file(own());
+        QCOMPARE(file.error(), QStringLiteral("Unable to rename %1 to %2").arg(own(), plain()));
         QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
         QCOMPARE(contentOf(own()), Content);
     }

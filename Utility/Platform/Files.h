@@ -13,8 +13,16 @@ enum class MoveOutcome {
 };
 
 /// Moves \a source to \a target in one step, in the place of a file that lies there. A link is
-/// moved or replaced itself, not what it leads to. A folder takes the place of nothing.
+/// moved or replaced itself, not what it leads to. \a target must not be a folder, nor the file
+/// itself by another path or name (isSameFile()).
 MoveOutcome moveFile(const QString &source, const QString &target);
+
+/// Whether both paths lead to the same file or folder, also through links, two hard links, or two
+/// mounts or drives. False when one leads nowhere.
+bool isSameFile(const QString &first, const QString &second);
+
+/// Removes a file, also a read-only one. A link is removed itself. False for a folder.
+bool removeFile(const QString &path);
 
 /// Opens \a file to write text to it, as a new file or in the place of an old one, also while
 /// another process has the old one open. False for a link, wherever it leads: nothing is created or

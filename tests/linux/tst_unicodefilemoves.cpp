@@ -10,6 +10,7 @@
 #include <Utility/UnicodeFile.h>
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QRandomGenerator>
 #include <QtTest/QtTest>
 
 #include <atomic>
@@ -63,19 +64,32 @@ private:
     pid_t process_ = -1;
 };
 
-// How many files in a folder others may read.
-int readableByOthers(const QByteArray &folder)
+using IsCounted = std::function<bool(const char *name, const struct stat &status)>;
+
+int countFiles(const QByteArray &folder, const IsCounted &isCounted)
 {
     int count = 0;
     DIR *directory = opendir(folder.constData());
     while (const dirent *entry = readdir(directory)) {
         struct stat status = {};
         if (fstatat(dirfd(directory), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0
-            && S_ISREG(status.st_mode) && (status.st_mode & (S_IRGRP | S_IROTH)))
+            && S_ISREG(status.st_mode) && isCounted(entry->d_name, status))
             ++count;
     }
     closedir(directory);
     return count;
+}
+
+bool isReadableByOthers(const char *, const struct stat &status)
+{
+    return (status.st_mode & (S_IRGRP | S_IROTH)) != 0;
+}
+
+// Readable by others, or at the plain path already.
+bool isPublishedTooEarly(const char *name, const struct stat &status)
+{
+    return status.st_size < Content.size()
+        && (isReadableByOthers(name, status) || qstrcmp(name, "beam.dat") == 0);
 }
 
 } // namespace
@@ -93,8 +107,15 @@ private Q_SLOTS:
     void aLinkAtThePlainPathIsNeverWrittenThrough();
     void aLinkPlantedInTheMeantimeIsNeverWrittenThrough();
     void aPrivateFileIsPrivateAtEveryMoment();
+    void aCopyIsPrivateUntilItIsComplete();
+    void aKilledProcessLeavesTheFileAtOneOfItsPaths();
+    void aFullTemporaryFolderKeepsNothing_data();
     void aFullTemporaryFolderKeepsNothing();
+    void aFullFolderLeavesTheFileAtItsPlainPath_data();
     void aFullFolderLeavesTheFileAtItsPlainPath();
+    void anObstacleIsNotBlamedForAFullFolder();
+    void anObstacleIsNotBlamedForAFolderThatCannotBeWritten_data();
+    void anObstacleIsNotBlamedForAFolderThatCannotBeWritten();
     void aFileThatCannotBeTakenAwayLeavesNothingBehind();
     void aFolderAtThePlainPathLeavesTheFileWhereItIs();
     void aPipeIsNotWaitedFor();
@@ -134,7 +155,10 @@ void TestUnicodeFileMoves::init()
 
 void TestUnicodeFileMoves::cleanup()
 {
-    QCOMPARE(entriesOf(temp_->path()), QStringList());
+    const QStringList left = entriesOf(temp_->path());
+    for (const QString &name : left)
+        QFile::remove(temp_->filePath(name)); // for the next test
+    QCOMPARE(left, QStringList());
     QVERIFY(entriesOf(QFileInfo(own()).path()).size() <= 1);
     folder_.reset();
 }
@@ -209,7 +233,7 @@ void TestUnicodeFileMoves::aPrivateFileIsPrivateAtEveryMoment()
     const QByteArray temp = QFile::encodeName(temp_->path());
     const QByteArray folder = QFile::encodeName(QFileInfo(own()).path());
     const Adversary adversary([&](std::atomic<int> &count) {
-        count += readableByOthers(temp) + readableByOthers(folder);
+        count += countFiles(temp, isReadableByOthers) + countFiles(folder, isReadableByOthers);
     });
     QVERIFY(adversary.isRunning());
     for (int round = 0; round < Rounds; ++round) {
@@ -219,13 +243,80 @@ void TestUnicodeFileMoves::aPrivateFileIsPrivateAtEveryMoment()
     QCOMPARE(adversary.count(), 0);
 }
 
+void TestUnicodeFileMoves::aCopyIsPrivateUntilItIsComplete()
+{
+    constexpr int Rounds = 300;
+    QVERIFY(QFile::setPermissions(
+        own(), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther));
+    const QByteArray temp = QFile::encodeName(temp_->path());
+    const Adversary adversary(
+        [&](std::atomic<int> &count) { count += countFiles(temp, isPublishedTooEarly); });
+    QVERIFY(adversary.isRunning());
+    for (int round = 0; round < Rounds; ++round) {
+        const UnicodeFile file(own());
+        QVERIFY(file.isOk());
+    }
+    QCOMPARE(adversary.count(), 0);
+}
+
+void TestUnicodeFileMoves::aKilledProcessLeavesTheFileAtOneOfItsPaths()
+{
+    constexpr int Rounds = 100;
+    constexpr int LongestLife = 3000; // microseconds, several moves
+    constexpr quint32 Seed = 20240307;
+    QRandomGenerator random(Seed);
+    int plainRounds = 0;
+    int copies = 0;
+    for (int round = 0; round < Rounds; ++round) {
+        {
+            const Adversary mover([&](std::atomic<int> &count) {
+                const UnicodeFile file(own());
+                ++count;
+            });
+            QVERIFY(mover.isRunning());
+            while (mover.count() == 0) { }
+            usleep(static_cast<useconds_t>(random.bounded(LongestLife)));
+        }
+        const bool isPlain = !QFile::exists(own());
+        plainRounds += isPlain ? 1 : 0;
+        QVERIFY2(contentOf(isPlain ? plain() : own()) == Content,
+                 qPrintable(QStringLiteral("seed %1, round %2").arg(Seed).arg(round)));
+        if (isPlain)
+            QVERIFY(writeFile(own(), Content));
+        QFile::remove(plain());
+        for (const QString &folder : {temp_->path(), QFileInfo(own()).path()}) {
+            for (const QString &copy : QDir(folder).entryList({QStringLiteral("vorn-*")})) {
+                QVERIFY(QFile::remove(folder + QLatin1Char('/') + copy));
+                ++copies;
+            }
+        }
+    }
+    qInfo("%d processes killed, %d of them with the file at its plain path; %d copies were left",
+          Rounds, plainRounds, copies);
+}
+
+// Content that is written at once, and content that waits in a buffer for the end.
+void TestUnicodeFileMoves::aFullTemporaryFolderKeepsNothing_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("space");
+    for (const QByteArray &content : {Content, Content.left(100)}) {
+        const int size = content.size();
+        for (const int space : {0, 1, size / 2, size - 1})
+            QTest::addRow("%d of %d bytes", space, size) << content << space;
+    }
+}
+
 void TestUnicodeFileMoves::aFullTemporaryFolderKeepsNothing()
 {
+    QFETCH(QByteArray, content);
+    QFETCH(int, space);
+    QVERIFY(writeFile(own(), content));
     bool isOk = true;
     QString error;
     QStringList left;
     {
-        const FileSizeLimit limit(Content.size() / 2);
+        const FileSizeLimit limit(space);
         QVERIFY(limit.isSet());
         const UnicodeFile file(own());
         isOk = file.isOk();
@@ -235,16 +326,24 @@ void TestUnicodeFileMoves::aFullTemporaryFolderKeepsNothing()
     QVERIFY(!isOk);
     QCOMPARE(error, QStringLiteral("Unable to rename %1 to %2").arg(own(), plain()));
     QCOMPARE(left, QStringList());
-    QCOMPARE(contentOf(own()), Content);
+    QCOMPARE(contentOf(own()), content);
+}
+
+void TestUnicodeFileMoves::aFullFolderLeavesTheFileAtItsPlainPath_data()
+{
+    aFullTemporaryFolderKeepsNothing_data();
 }
 
 void TestUnicodeFileMoves::aFullFolderLeavesTheFileAtItsPlainPath()
 {
+    QFETCH(QByteArray, content);
+    QFETCH(int, space);
+    QVERIFY(writeFile(own(), content));
     UnicodeFile file(own());
     bool isMoved = true;
     QStringList left;
     {
-        const FileSizeLimit limit(Content.size() / 2);
+        const FileSizeLimit limit(space);
         QVERIFY(limit.isSet());
         isMoved = file.renameToUnicode();
         left = entriesOf(QFileInfo(own()).path());
@@ -252,9 +351,50 @@ void TestUnicodeFileMoves::aFullFolderLeavesTheFileAtItsPlainPath()
     QVERIFY(!isMoved);
     QCOMPARE(file.error(), QStringLiteral("Unable to rename %1 to %2").arg(plain(), own()));
     QCOMPARE(left, QStringList());
-    QCOMPARE(contentOf(plain()), Content);
+    QCOMPARE(contentOf(plain()), content);
     QVERIFY(file.renameToUnicode());
+    QCOMPARE(contentOf(own()), content);
+}
+
+void TestUnicodeFileMoves::anObstacleIsNotBlamedForAFullFolder()
+{
+    QVERIFY(writeFile(plain(), "obstacle"));
+    QString error;
+    {
+        const FileSizeLimit limit(Content.size() / 2);
+        QVERIFY(limit.isSet());
+        error = UnicodeFile(own()).error();
+    }
+    QCOMPARE(error, QStringLiteral("Unable to rename %1 to %2").arg(own(), plain()));
     QCOMPARE(contentOf(own()), Content);
+    QFile::remove(plain());
+}
+
+void TestUnicodeFileMoves::anObstacleIsNotBlamedForAFolderThatCannotBeWritten_data()
+{
+    QTest::addColumn<bool>("elsewhere");
+    QTest::newRow("on the file system of the temporary folder") << false;
+    QTest::newRow("on another file system") << true;
+}
+
+void TestUnicodeFileMoves::anObstacleIsNotBlamedForAFolderThatCannotBeWritten()
+{
+    QFETCH(bool, elsewhere);
+    const QTemporaryDir beside(temp_->path() + QStringLiteral("-XXXXXX"));
+    const QString top = elsewhere ? folder_->path() : beside.path();
+    const QString folder = top + QStringLiteral("/\u00e4");
+    const QString file = folder + QStringLiteral("/beam.dat");
+    QVERIFY(QDir().mkdir(folder));
+    QVERIFY(writeFile(file, Content));
+    QVERIFY(writeFile(plain(), "obstacle"));
+    QCOMPARE(chmod(QFile::encodeName(temp_->path()).constData(), 0777), 0);
+    QCOMPARE(chmod(QFile::encodeName(top).constData(), 0755), 0);
+    QCOMPARE(chmod(QFile::encodeName(folder).constData(), 0555), 0);
+    const QByteArray error = asOrdinaryUser([&file] { return UnicodeFile(file).error().toUtf8(); });
+    QCOMPARE(chmod(QFile::encodeName(folder).constData(), 0755), 0);
+    QCOMPARE(error, QStringLiteral("Unable to rename %1 to %2").arg(file, plain()).toUtf8());
+    QCOMPARE(contentOf(file), Content);
+    QFile::remove(plain());
 }
 
 void TestUnicodeFileMoves::aFileThatCannotBeTakenAwayLeavesNothingBehind()

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace Vorn::Util::Platform {
 
@@ -14,6 +15,20 @@ MoveOutcome moveFile(const QString &source, const QString &target)
         == 0)
         return MoveOutcome::Moved;
     return errno == EXDEV ? MoveOutcome::OtherFileSystem : MoveOutcome::Failed;
+}
+
+bool isSameFile(const QString &first, const QString &second)
+{
+    struct stat status = {};
+    struct stat other = {};
+    return ::stat(QFile::encodeName(first).constData(), &status) == 0
+        && ::stat(QFile::encodeName(second).constData(), &other) == 0
+        && status.st_dev == other.st_dev && status.st_ino == other.st_ino;
+}
+
+bool removeFile(const QString &path)
+{
+    return QFile::remove(path);
 }
 
 bool openWithoutLink(QFile &file)

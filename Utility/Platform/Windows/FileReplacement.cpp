@@ -70,7 +70,12 @@ bool replaceByCopy(const QString &source, const QString &target)
 
 bool mayReplaceFile(const QString &name)
 {
-    return canBeOpened(name, DELETE) && canBeOpened(QFileInfo(name).path(), FILE_ADD_FILE);
+    const QString native = QDir::toNativeSeparators(name);
+    const DWORD attributes = GetFileAttributesW(wide(native));
+    const bool isReadOnly
+        = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
+    return !isReadOnly && canBeOpened(name, DELETE)
+        && canBeOpened(QFileInfo(name).path(), FILE_ADD_FILE);
 }
 
 qint64 availableSpace(const QString &folder)

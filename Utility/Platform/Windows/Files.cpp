@@ -6,6 +6,46 @@
 
 namespace Vorn::Util::Platform {
 
+namespace {
+
+// A file or folder that is open to be asked for its identity.
+class OpenFile
+{
+public:
+    explicit OpenFile(const QString &path)
+    {
+        constexpr DWORD Sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+        const QString name = longForm(path);
+        handle_ = CreateFileW(wide(name), 0, Sharing, nullptr, OPEN_EXISTING,
+                              FILE_FLAG_BACKUP_SEMANTICS, nullptr); // which opens folders, too
+        isKnown_
+            = handle_ != INVALID_HANDLE_VALUE && GetFileInformationByHandle(handle_, &info_) != 0;
+    }
+
+    ~OpenFile()
+    {
+        if (handle_ != INVALID_HANDLE_VALUE)
+            CloseHandle(handle_);
+    }
+
+    bool isSameAs(const OpenFile &other) const
+    {
+        return isKnown_ && other.isKnown_
+            && info_.dwVolumeSerialNumber == other.info_.dwVolumeSerialNumber
+            && info_.nFileIndexHigh == other.info_.nFileIndexHigh
+            && info_.nFileIndexLow == other.info_.nFileIndexLow;
+    }
+
+private:
+    Q_DISABLE_COPY(OpenFile)
+
+    HANDLE handle_ = INVALID_HANDLE_VALUE;
+    BY_HANDLE_FILE_INFORMATION info_ = {};
+    bool isKnown_ = false;
+};
+
+} // namespace
+
 MoveOutcome moveFile(const QString &source, const QString &target)
 {
     const QString from = longForm(source);
@@ -17,6 +57,30 @@ MoveOutcome moveFile(const QString &source, const QString &target)
         return MoveOutcome::Moved;
     return GetLastError() == ERROR_NOT_SAME_DEVICE ? MoveOutcome::OtherFileSystem
                                                    : MoveOutcome::Failed;
+}
+
+bool isSameFile(const QString &first, const QString &second)
+{
+    // The system promises an identity only for as long as the file is open.
+    const OpenFile file(first);
+    const OpenFile other(second);
+    return file.isSameAs(other);
+}
+
+bool removeFile(const QString &path)
+{
+    const QString name = longForm(path);
+    if (DeleteFileW(wide(name)))
+        return true;
+    const DWORD attributes = GetFileAttributesW(wide(name));
+    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_READONLY)
+        || (attributes & FILE_ATTRIBUTE_DIRECTORY))
+        return false;
+    SetFileAttributesW(wide(name), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+    if (DeleteFileW(wide(name)))
+        return true;
+    SetFileAttributesW(wide(name), attributes);
+    return false;
 }
 
 bool openWithoutLink(QFile &file)

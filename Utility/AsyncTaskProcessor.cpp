@@ -11,12 +11,13 @@
 
 // Signals, the monitor and the destructors of tasks run code of the application, which may delete
 // tasks and the processor. The processor survives this by three rules:
+// - A waiting task that is deleted leaves a null pointer in tasks_. The deletion of the current
+// task
+//   calls forgetCurrentTask(), which sets currentTask_ to null.
+// - The current task is connected to handleFinishedTask(). Whoever cuts this connection handles the
+//   end of the task, so that this happens once.
 // - After code of the application has run, a QPointer tells whether the processor and the task
-//   still exist. The queue holds such pointers only.
-// - The running task is connected to forgetTask(), so that currentTask_ is never a task that was
-//   deleted.
-// - The running task is connected to handleFinishedTask(). Whoever cuts this connection handles
-//   the end of the task, so that this happens once.
+//   still exist.
 
 namespace Vorn::Util {
 
@@ -25,8 +26,7 @@ struct AsyncTaskProcessor::CleanUp
 {
     QPointer<AsyncTask> task;
     QPointer<AsyncTask> cleanUpTask;
-    QString name;                // outlives the clean-up task
-    bool isBeingDeleted = false; // the task itself, by the processor
+    QString name; // outlives the clean-up task
 };
 
 namespace {
@@ -34,27 +34,24 @@ namespace {
 // What the processor needs of a finished task, which a slot may delete too early.
 struct Result
 {
-    explicit Result(const AsyncTask &task)
-        : isFailure(!task.isOk() && !task.ignoreError())
-        , isOk(task.isOk())
-        , error(task.error())
-        , elapsedTime(task.elapsedTime())
-    {
-    }
-
-    QString text() const
-    {
-        const QString time = System::getElapsedTimeString(elapsedTime);
-        return isOk
-            ? QStringLiteral("Task finished in %1").arg(time)
-            : QStringLiteral("Task finished with errors in %1: error = %2").arg(time, error);
-    }
-
-    bool isFailure;
     bool isOk;
+    bool ignoreError;
     QString error;
     qint64 elapsedTime;
 };
+
+Result resultOf(const AsyncTask &task)
+{
+    return {task.isOk(), task.ignoreError(), task.error(), task.elapsedTime()};
+}
+
+QString text(const Result &result)
+{
+    const QString time = System::getElapsedTimeString(result.elapsedTime);
+    return result.isOk
+        ? QStringLiteral("Task finished in %1").arg(time)
+        : QStringLiteral("Task finished with errors in %1: error = %2").arg(time, result.error);
+}
 
 } // namespace
 
@@ -65,13 +62,7 @@ AsyncTaskProcessor::AsyncTaskProcessor(QObject *parent)
 
 AsyncTaskProcessor::~AsyncTaskProcessor()
 {
-    // A task whose destructor deletes the processor would be deleted again, as its child.
-    for (const CleanUp &entry : qAsConst(cleanUpTasks_)) {
-        if (entry.isBeingDeleted && entry.task)
-            entry.task->setParent(nullptr);
-    }
-    // The children are deleted later, after the signal destroyed(). The running task must not call
-    // a slot meanwhile.
+    // The current task outlives the members, and must not call a slot then.
     if (currentTask_)
         disconnect(currentTask_, nullptr, this, nullptr);
 }
@@ -80,6 +71,9 @@ void AsyncTaskProcessor::addTask(AsyncTask *task)
 {
     if (!task)
         return;
+    const auto cleanUp = cleanUpTasks_.constFind(task);
+    if (cleanUp != cleanUpTasks_.constEnd() && !cleanUp->task)
+        cleanUpTasks_.remove(task); // the entry of an earlier task at this address
     task->setLog(log_);
     tasks_.append(task);
     task->setParent(this);
@@ -88,7 +82,7 @@ void AsyncTaskProcessor::addTask(AsyncTask *task)
 void AsyncTaskProcessor::setCleanUpTask(AsyncTask *task, AsyncTask *cleanUpTask)
 {
     if (cleanUpTask)
-        cleanUpTasks_.insert(task, {task, cleanUpTask, cleanUpTask->name(), false});
+        cleanUpTasks_.insert(task, {task, cleanUpTask, cleanUpTask->name()});
     else
         cleanUpTasks_.remove(task);
 }
@@ -127,8 +121,8 @@ bool AsyncTaskProcessor::isFinished() const
 {
     // True while the last task runs: kept for compatibility, see "isFinished() during the last
     // task" in docs/compatibility.md.
-    return std::all_of(tasks_.cbegin(), tasks_.cend(),
-                       [](const QPointer<AsyncTask> &task) { return task.isNull(); });
+    return std::none_of(tasks_.cbegin(), tasks_.cend(),
+                        [](const QPointer<AsyncTask> &task) { return task; });
 }
 
 bool AsyncTaskProcessor::isOk() const
@@ -154,28 +148,24 @@ void AsyncTaskProcessor::startTaskFromQueue()
 {
     if (currentTask_)
         return;
-    while (!tasks_.isEmpty() && !currentTask_)
-        currentTask_ = tasks_.takeFirst(); // null for a task that was deleted
+    while (!currentTask_ && !tasks_.isEmpty())
+        currentTask_ = tasks_.takeFirst();
     if (!currentTask_) {
-        finishRun();
+        finishRun(); // the waiting tasks were deleted
         return;
     }
     if (!timer_.isValid())
         timer_.start(); // called without startLater()
-    AsyncTask *const task = currentTask_;
-    const auto cleanUp = cleanUpTasks_.constFind(task);
-    if (cleanUp != cleanUpTasks_.constEnd() && !cleanUp->task)
-        cleanUpTasks_.remove(task); // said of an earlier task at this address
-    connect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetTask);
-    connect(task, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
-    connect(task, &AsyncTask::progress, this, &AsyncTaskProcessor::handleProgressFromTask);
+    connect(currentTask_, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
+    connect(currentTask_, &AsyncTask::progress, this, &AsyncTaskProcessor::handleProgressFromTask);
+    connect(currentTask_, &QObject::destroyed, this, &AsyncTaskProcessor::forgetCurrentTask);
     if (log_)
-        log(QStringLiteral("Starting task: %1").arg(task->name()));
+        log(QStringLiteral("Starting task: %1").arg(currentTask_->name()));
 
     const QPointer<AsyncTaskProcessor> self(this);
-    const QPointer<AsyncTask> alive(task);
+    const QPointer<AsyncTask> task(currentTask_);
     Q_EMIT started(task);
-    if (self && alive)
+    if (self && task)
         task->start();
 }
 
@@ -191,29 +181,26 @@ void AsyncTaskProcessor::handleFinishedTask()
         return;
     const QPointer<AsyncTaskProcessor> self(this);
     const QPointer<AsyncTask> alive(task);
-    Result result(*task);
+    Result result = resultOf(*task);
     Q_EMIT finished(task);
     if (!self)
         return;
     if (alive)
-        result = Result(*task); // the slots may have changed it
+        result = resultOf(*task); // the slots may have changed it
 
-    ok_ = ok_ && !result.isFailure;
+    const bool isFailure = !result.isOk && !result.ignoreError;
+    ok_ = ok_ && !isFailure;
     if (log_)
-        log(result.text());
-    if (result.isFailure)
+        log(text(result));
+    if (isFailure)
         stopAfterError(task);
     if (self)
         stopWhenCanceled(task);
     if (!self)
         return;
-    if (alive) {
-        deleteTask(task);
-        if (!self)
-            return;
-        currentTask_ = nullptr;
-    }
-    goOn();
+    deleteTask(alive);
+    if (self)
+        goOn();
 }
 
 // Cuts the connection for the end of the current task. False when that end is being handled.
@@ -223,14 +210,31 @@ bool AsyncTaskProcessor::takeEnd()
                       &AsyncTaskProcessor::handleFinishedTask);
 }
 
+// Called while the current task is being deleted. Only its QObject is left.
+void AsyncTaskProcessor::forgetCurrentTask()
+{
+    if (!takeEnd()) {
+        currentTask_ = nullptr;
+        return;
+    }
+    // Somebody else deletes the task while it runs: it counts as failed.
+    const QPointer<AsyncTaskProcessor> self(this);
+    currentTask_->setParent(nullptr); // a skipped task may delete this processor and its children
+    ok_ = false;
+    stopAfterError(currentTask_);
+    if (!self)
+        return;
+    currentTask_ = nullptr;
+    goOn();
+}
+
 void AsyncTaskProcessor::deleteTask(AsyncTask *task)
 {
-    disconnect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetTask);
-    cleanUpTasks_.insert(task, {task, nullptr, QString(), true}); // see the destructor
-    const QPointer<AsyncTaskProcessor> self(this);
+    if (!task)
+        return;
+    // The destructor of the task may delete this processor, which would delete its child again.
+    connect(this, &QObject::destroyed, task, [task] { task->setParent(nullptr); });
     delete task;
-    if (self)
-        cleanUpTasks_.remove(task);
 }
 
 void AsyncTaskProcessor::goOn()
@@ -246,11 +250,10 @@ void AsyncTaskProcessor::stopAfterError(AsyncTask *task)
     if (!exitOnError_ || stopping_)
         return;
     stopping_ = true;
-    if (cleanUpTasks_.contains(task)) {
+    if (cleanUpTasks_.contains(task))
         skipToCleanUpTask(task);
-        return;
-    }
-    tasks_.clear(); // the dropped tasks live on as children
+    else
+        tasks_.clear(); // the dropped tasks live on as children
 }
 
 void AsyncTaskProcessor::stopWhenCanceled(AsyncTask *task)
@@ -271,46 +274,23 @@ void AsyncTaskProcessor::stopWhenCanceled(AsyncTask *task)
 void AsyncTaskProcessor::skipToCleanUpTask(AsyncTask *task)
 {
     const CleanUp cleanUp = cleanUpTasks_.value(task);
-    if (log_)
-        log(QStringLiteral("Skipping to clean-up task: %1").arg(cleanUp.name));
+    log(QStringLiteral("Skipping to clean-up task: %1").arg(cleanUp.name));
     const QPointer<AsyncTaskProcessor> self(this);
-    const auto isReached
+    const auto isNext
         = [&] { return cleanUp.cleanUpTask && tasks_.first() == cleanUp.cleanUpTask; };
-    while (self && !tasks_.isEmpty() && !isReached()) {
-        if (AsyncTask *skipped = tasks_.takeFirst())
-            deleteTask(skipped);
-    }
+    while (self && !tasks_.isEmpty() && !isNext())
+        deleteTask(tasks_.takeFirst());
 }
 
 void AsyncTaskProcessor::finishRun()
 {
     if (!timer_.isValid())
         return; // a start that was left over when the run ended
-    if (log_)
-        log(QStringLiteral("Finished processing tasks in %1")
-                .arg(System::getElapsedTimeString(timer_.elapsed())));
+    log(QStringLiteral("Finished processing tasks in %1")
+            .arg(System::getElapsedTimeString(timer_.elapsed())));
     timer_.invalidate();
     if (exitEventLoopWhenDone_)
         QCoreApplication::exit(ok_ ? 0 : 1);
-}
-
-// Somebody else is deleting the current task, of which only the QObject is left.
-void AsyncTaskProcessor::forgetTask()
-{
-    AsyncTask *const task = currentTask_;
-    const bool isRunning = takeEnd();
-    const QPointer<AsyncTaskProcessor> self(this);
-    if (isRunning) {
-        task->setParent(
-            nullptr); // or it is deleted again when a skipped task deletes the processor
-        ok_ = false;
-        stopAfterError(task);
-    }
-    if (!self)
-        return;
-    currentTask_ = nullptr;
-    if (isRunning)
-        goOn();
 }
 
 void AsyncTaskProcessor::log(const QString &text)

@@ -44,15 +44,15 @@ class Log;
 ///
 /// A task that gets another parent stays in the queue: the processor runs it and deletes it all the
 /// same. The caller may delete a task: a waiting one leaves the queue, the running one counts as
-/// failed, without a line in the log. Do not emit finished() in the destructor of a running task
-/// that the caller deletes: the processor would delete the task a second time.
+/// failed, without a line in the log. The destructor of a running task that somebody else deletes
+/// must not emit finished(): the processor would delete the task a second time.
 ///
 /// Slots of the signals, the monitor, and the destructors of tasks may delete the processor. The
 /// log and the monitor are not owned and may be null. A processor is meant for one run.
 ///
 /// Thread: everything happens in the thread of the event loop that owns the processor.
 ///
-/// Cost: about 340 bytes for each waiting task with a short name.
+/// Cost: about 260 bytes for each waiting task, most of it for the task itself, and its name.
 class VORNUTILITY_EXPORT AsyncTaskProcessor : public QObject
 {
     Q_OBJECT
@@ -61,9 +61,8 @@ public:
     AsyncTaskProcessor(QObject *parent = nullptr);
     ~AsyncTaskProcessor() override;
 
-    /// Appends a task, gives it the current log and takes ownership. Null is ignored. A task that
-    /// is added again while it waits or runs here is run once. A task that an error has dropped may
-    /// be added again.
+    /// Appends a task, gives it the current log and takes ownership. Null is ignored. A task runs
+    /// once, even if it is added twice. A task that an error has dropped may be added again.
     void addTask(Vorn::Util::AsyncTask *task);
 
     /// Names the task to jump to when \a task fails or the run is cancelled after it; null for
@@ -116,7 +115,7 @@ private:
     void startTaskLater();
     void log(const QString &text);
     bool takeEnd();
-    void forgetTask();
+    void forgetCurrentTask();
     void deleteTask(AsyncTask *task);
     void stopAfterError(AsyncTask *task);
     void stopWhenCanceled(AsyncTask *task);

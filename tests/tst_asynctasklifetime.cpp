@@ -66,6 +66,7 @@ private Q_SLOTS:
     void theNextTaskDoesNotStartInAnEventLoopOfASlot();
     void aRunEndsWithTheTaskThatStartedInAnEventLoopOfASlot();
     void aTaskThatOutlivesItsProcessorIsNotStarted();
+    void aSkippedTaskIsNotStartedInAnEventLoopOfItsDestructor();
     void deletingTheWaitingTasksTakesLinearTime();
 };
 
@@ -726,6 +727,31 @@ void tst_AsyncTaskLifetime::aTaskThatOutlivesItsProcessorIsNotStarted()
     QTRY_VERIFY(!processor);
     QVERIFY(a);
     QVERIFY(!ran);
+}
+
+// The slot deletes the finished task, so that no task runs when the event loop starts the next one.
+void tst_AsyncTaskLifetime::aSkippedTaskIsNotStartedInAnEventLoopOfItsDestructor()
+{
+    struct Starter : TestTask
+    {
+        using TestTask::TestTask;
+        ~Starter() override
+        {
+            processor->startLater();
+            deliverQueuedCalls(*processor);
+        }
+        AsyncTaskProcessor *processor = nullptr;
+    };
+    Queue queue;
+    const QPointer<TestTask> a = queue.add("A", fail());
+    const QPointer<Starter> b = new Starter(QStringLiteral("B"), succeed());
+    b->processor = &queue.processor;
+    queue.processor.addTask(b);
+    queue.processor.setCleanUpTask(a, queue.add("C"));
+    connect(&queue.processor, &AsyncTaskProcessor::finished, this, [&a] { delete a; });
+    QCOMPARE(queue.run(), 1);
+    QVERIFY(!b);
+    QCOMPARE(queue.journal, texts({"started A", "finished A", "started C", "finished C"}));
 }
 
 void tst_AsyncTaskLifetime::deletingTheWaitingTasksTakesLinearTime()

@@ -34,6 +34,7 @@ private Q_SLOTS:
     // clean-up tasks that are gone, and addresses used again
     void aCleanUpTaskThatIsGoneDeletesTheWholeQueue_data();
     void aCleanUpTaskThatIsGoneDeletesTheWholeQueue();
+    void aCleanUpTaskDeletedInTheQueueDeletesTheTasksAfterIt();
     void aTaskAtTheAddressOfACleanUpTaskIsNotItsSuccessor();
     void aTaskAtTheAddressOfAFinishedTaskDoesNotHaveItsCleanUpTask();
     void aTaskAtTheAddressOfATaskThatWasNeverAddedDoesNotHaveItsCleanUpTask();
@@ -391,6 +392,19 @@ void tst_AsyncTaskFailure::aCleanUpTaskThatIsGoneDeletesTheWholeQueue()
         end = texts({"Task finished with errors in TIME: error = broken"});
     end += texts({"Skipping to clean-up task: C", "Finished processing tasks in TIME"});
     QCOMPARE(queue.lines().mid(queue.lines().size() - end.size()), end);
+}
+
+void tst_AsyncTaskFailure::aCleanUpTaskDeletedInTheQueueDeletesTheTasksAfterIt()
+{
+    Queue queue;
+    const QPointer<TestTask> a = queue.add("A", fail());
+    const QPointer<TestTask> b = queue.add("B");
+    const QPointer<TestTask> c = queue.add("C");
+    queue.processor.setCleanUpTask(a, b);
+    delete b;
+    QCOMPARE(queue.run(), 1);
+    QVERIFY(!c);
+    QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
 void tst_AsyncTaskFailure::aTaskAtTheAddressOfACleanUpTaskIsNotItsSuccessor()

@@ -39,8 +39,8 @@ class Log;
 /// Ownership: addTask() makes the processor the parent of the task. The processor deletes
 /// - a finished task, right after the slots of finished() have run;
 /// - the tasks that a jump to a clean-up task skips, without starting them;
-/// - all other tasks when it is destroyed itself. Tasks that an error drops from the queue live
-///   until then.
+/// - all other tasks that are its children, when it is destroyed itself. So tasks that an error
+///   drops from the queue live until then, unless they are added again and run.
 ///
 /// A task that gets another parent stays in the queue: the processor runs it and deletes it all the
 /// same. The caller may delete a task: a waiting one leaves the queue, the running one counts as

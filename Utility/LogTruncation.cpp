@@ -21,9 +21,15 @@ constexpr int CutAfter = 1048576;
 bool canBeTruncated(const QFileInfo &log, const QString &temporaryFolder)
 {
     const qint64 leastKept = log.size() - LogCutHeadSize;
-    return QFileInfo(temporaryFolder).isDir() && Platform::mayReplaceFile(log.filePath())
+    return QFileInfo(temporaryFolder).isDir() && Platform::mayCreateFileIn(temporaryFolder)
+        && Platform::mayReplaceFile(log.filePath())
         && Platform::availableSpace(temporaryFolder) >= leastKept
         && Platform::availableSpace(log.path()) >= leastKept;
+}
+
+qint64 truncationOffset(QFile &log)
+{
+    return logCutPosition(log.read(LogCutHeadSize));
 }
 
 } // namespace
@@ -51,8 +57,8 @@ void truncateLogFile(const QString &name)
     if (!info.isFile() || !canBeTruncated(info, temporaryFolder))
         return;
     QFile log(info.filePath());
-    if (log.open(QIODevice::ReadOnly) && log.seek(logCutPosition(log.read(LogCutHeadSize))))
-        Platform::replaceByRest(log, temporaryFolder);
+    if (log.open(QIODevice::ReadOnly))
+        Platform::replaceByRest(log, temporaryFolder, truncationOffset);
 }
 
 } // namespace Vorn::Util

@@ -29,6 +29,7 @@ FakePlatform::FakePlatform()
     , environmentVariable(always(QString()))
     , mayReplaceFile(always(false))
     , availableSpace(always(Q_INT64_C(0)))
+    , mayCreateFileIn(always(false))
     , replaceByRest(always(false))
     , moveFile([](const QString &source, const QString &target) {
         const bool isMoved
@@ -110,9 +111,14 @@ qint64 availableSpace(const QString &folder)
     return fakePlatform().availableSpace(folder);
 }
 
-bool replaceByRest(QFile &file, const QString &temporaryFolder)
+bool mayCreateFileIn(const QString &folder)
 {
-    return fakePlatform().replaceByRest(file, temporaryFolder);
+    return fakePlatform().mayCreateFileIn(folder);
+}
+
+bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
+{
+    return fakePlatform().replaceByRest(file, temporaryFolder, startOfRest);
 }
 
 MoveOutcome moveFile(const QString &source, const QString &target)

@@ -35,7 +35,8 @@ struct FakePlatform
     Function<QString, const char *> environmentVariable;
     Function<bool, const QString &> mayReplaceFile;
     Function<qint64, const QString &> availableSpace;
-    Function<bool, QFile &, const QString &> replaceByRest;
+    Function<bool, const QString &> mayCreateFileIn;
+    Function<bool, QFile &, const QString &, qint64 (*)(QFile &)> replaceByRest;
     Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
     Function<bool, const QString &, const QString &> isSameFile;
     Function<bool, const QString &> removeFile;

@@ -38,6 +38,7 @@ private Q_SLOTS:
 
     void theRestFollowsTheTruncationOffset();
     void aLogThatMayNotBeReplacedIsNotRead();
+    void withoutARightToMakeTemporaryFilesTheLogIsNotRead();
     void withoutSpaceTheLogIsNotRead_data();
     void withoutSpaceTheLogIsNotRead();
     void withoutAFolderForTemporaryFilesTheLogIsNotRead();
@@ -56,8 +57,9 @@ void TestLogFallbacks::init()
     QVERIFY(writeFile(fileName_, tooLargeLog()));
     attempts_ = 0;
     fakePlatform().mayReplaceFile = [](const QString &) { return true; };
+    fakePlatform().mayCreateFileIn = [](const QString &) { return true; };
     fakePlatform().availableSpace = [](const QString &) { return Enough; };
-    fakePlatform().replaceByRest = [this](QFile &, const QString &) {
+    fakePlatform().replaceByRest = [this](QFile &, const QString &, qint64 (*)(QFile &)) {
         ++attempts_;
         return false;
     };
@@ -68,12 +70,13 @@ void TestLogFallbacks::theRestFollowsTheTruncationOffset()
     QString name;
     qint64 position = 0;
     QString temporaryFolder;
-    fakePlatform().replaceByRest = [&](QFile &file, const QString &folder) {
-        name = file.fileName();
-        position = file.pos();
-        temporaryFolder = folder;
-        return true;
-    };
+    fakePlatform().replaceByRest
+        = [&](QFile &file, const QString &folder, qint64 (*startOfRest)(QFile &)) {
+              name = file.fileName();
+              position = startOfRest(file);
+              temporaryFolder = folder;
+              return true;
+          };
     truncateLogFile(fileName_);
     QCOMPARE(name, fileName_);
     QCOMPARE(position, Log::AmountToTruncate + 1);
@@ -89,6 +92,18 @@ void TestLogFallbacks::aLogThatMayNotBeReplacedIsNotRead()
     };
     truncateLogFile(fileName_);
     QCOMPARE(asked, fileName_);
+    QCOMPARE(attempts_, 0);
+}
+
+void TestLogFallbacks::withoutARightToMakeTemporaryFilesTheLogIsNotRead()
+{
+    QString asked;
+    fakePlatform().mayCreateFileIn = [&asked](const QString &folder) {
+        asked = folder;
+        return false;
+    };
+    truncateLogFile(fileName_);
+    QCOMPARE(asked, QDir::tempPath());
     QCOMPARE(attempts_, 0);
 }
 
@@ -158,7 +173,7 @@ void TestLogFallbacks::theLogCanBeWrittenDuringItsTruncation()
     QVERIFY(log.open(true));
     QVERIFY(writeFile(fileName_, tooLargeLog()));
     QString name;
-    fakePlatform().replaceByRest = [&](QFile &, const QString &) {
+    fakePlatform().replaceByRest = [&](QFile &, const QString &, qint64 (*)(QFile &)) {
         ++attempts_;
         name = log.name();
         log.fastAppend(QStringLiteral("inside"));

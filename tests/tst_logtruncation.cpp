@@ -140,6 +140,8 @@ private Q_SLOTS:
     void whatIsNoFileStaysAsItIs();
     void aLogThatAnotherHoldsOpenIsCutOrStaysAsItWas();
     void whetherALogMayBeReplacedIsKnownBefore();
+    void whetherAFileMayBeMadeIsKnownBefore();
+    void withoutANewFileTheLogIsNotRead();
     void theSpaceIsThatOfTheFileSystem();
     void theSpaceOfAMissingFolderIsNotKnown();
     void aLogThatCannotBeReplacedStaysAsItWas();
@@ -421,6 +423,36 @@ void TestLogTruncation::whetherALogMayBeReplacedIsKnownBefore()
     QVERIFY(Platform::mayReplaceFile(fileName_));
     QVERIFY(!Platform::mayReplaceFile(path(QStringLiteral("missing/run.log"))));
     QCOMPARE(contentOf(fileName_), QByteArray("x"));
+}
+
+void TestLogTruncation::whetherAFileMayBeMadeIsKnownBefore()
+{
+    QVERIFY(Platform::mayCreateFileIn(folder_->path()));
+    QVERIFY(!Platform::mayCreateFileIn(path(QStringLiteral("missing"))));
+    QCOMPARE(entriesOf(folder_->path()), QStringList{QStringLiteral("logs")});
+}
+
+// For whatever reason, also one that cannot be foreseen.
+void TestLogTruncation::withoutANewFileTheLogIsNotRead()
+{
+    QVERIFY(writeFile(fileName_, "a log"));
+    QFile log(fileName_);
+    QVERIFY(log.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    static bool isRead = false;
+    isRead = false;
+    const auto startOfRest = [](QFile &) {
+        isRead = true;
+        return Q_INT64_C(2);
+    };
+    QVERIFY(!Platform::replaceByRest(log, path(QStringLiteral("missing")), startOfRest));
+    QVERIFY(!isRead);
+    log.close();
+    QCOMPARE(contentOf(fileName_), QByteArray("a log"));
+
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QVERIFY(Platform::replaceByRest(log, folder_->path(), startOfRest));
+    QVERIFY(isRead);
+    QCOMPARE(contentOf(fileName_), QByteArray("log"));
 }
 
 void TestLogTruncation::theSpaceIsThatOfTheFileSystem()

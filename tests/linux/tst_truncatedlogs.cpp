@@ -22,6 +22,7 @@
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -36,6 +37,7 @@ constexpr uid_t Nobody = 65534;
 constexpr gid_t NobodysGroup = 65534;
 constexpr mode_t AllBits = S_IRWXU | S_IRWXG | S_IRWXO;
 const char *const AccessList = "system.posix_acl_access";
+const char *const DefaultAccessList = "system.posix_acl_default"; // of new files in a folder
 
 QByteArray tooLargeLog()
 {
@@ -68,23 +70,42 @@ bool changeMode(const QString &name, mode_t mode)
     return chmod(QFile::encodeName(name).constData(), mode) == 0;
 }
 
-// The bytes that this process has written until now, to whatever file; -1 when it cannot be told.
-qint64 bytesWritten()
+qint64 countIn(const QByteArray &counts, const QByteArray &name)
 {
-    prctl(PR_SET_DUMPABLE, 1); // a process that has changed its user may not ask otherwise
-    const QByteArray counts = contentOf(QStringLiteral("/proc/self/io"));
-    const int from = counts.indexOf("wchar: ") + 7;
+    const int from = counts.indexOf(name + ": ") + name.size() + 2;
     bool ok = false;
     const qint64 count = counts.mid(from, counts.indexOf('\n', from) - from).toLongLong(&ok);
     return ok ? count : -1;
 }
 
-// In this process only, which has to be a child process.
-bool mountMemory(const QString &folder, const char *options)
+// The bytes that this process has read and written until now; -1 when it cannot be told.
+qint64 bytesReadAndWritten()
+{
+    prctl(PR_SET_DUMPABLE, 1); // a process that has changed its user may not ask otherwise
+    const QByteArray counts = contentOf(QStringLiteral("/proc/self/io"));
+    const qint64 read = countIn(counts, "rchar");
+    const qint64 written = countIn(counts, "wchar");
+    return read < 0 || written < 0 ? -1 : read + written;
+}
+
+// From here on mounts are made in this process only, which has to be a child process.
+bool ownMounts()
 {
     return unshare(CLONE_NEWNS) == 0
-        && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+        && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+bool mountMemory(const QString &folder, const char *options)
+{
+    return ownMounts()
         && mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, options) == 0;
+}
+
+// As a container does with a file from outside.
+bool mountOnItself(const QString &name)
+{
+    const QByteArray file = QFile::encodeName(name);
+    return ownMounts() && mount(file.constData(), file.constData(), nullptr, MS_BIND, nullptr) == 0;
 }
 
 void truncate(const QString &name)
@@ -92,14 +113,31 @@ void truncate(const QString &name)
     Log(name, Log::NoFileTimeStamp).open(true);
 }
 
-// How many bytes are written by attempts to truncate the log.
+// "none", or how many bytes are read and written by attempts to truncate the log.
 QByteArray bytesOfAttempts(const QString &name)
 {
     constexpr int Attempts = 50;
-    const qint64 before = bytesWritten();
+    constexpr qint64 BytesOfCounting = 1000;
+    const qint64 before = bytesReadAndWritten();
     for (int attempt = 0; attempt < Attempts; ++attempt)
         truncate(name);
-    return before < 0 ? "unknown" : QByteArray::number(bytesWritten() - before);
+    const qint64 count = bytesReadAndWritten() - before;
+    if (before < 0)
+        return "unknown";
+    return count < BytesOfCounting ? "none" : QByteArray::number(count);
+}
+
+// How many of the attempts truncate the log, which others may read.
+int truncationsOf(const QString &name, int attempts)
+{
+    int count = 0;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (!writeFile(name, tooLargeLog()) || !changeMode(name, 0644))
+            return -1;
+        truncate(name);
+        count += QFileInfo(name).size() < Log::MaxLogSize ? 1 : 0;
+    }
+    return count;
 }
 
 // Another user who reads whatever appears in a folder, in a process of its own.
@@ -186,13 +224,18 @@ private Q_SLOTS:
     void aLogOfAnotherUserIsTruncated_data();
     void aLogOfAnotherUserIsTruncated();
     void theAccessListIsKept();
+    void noAccessListIsInherited_data();
+    void noAccessListIsInherited();
     void anAttemptThatMustFailCopiesNothing_data();
     void anAttemptThatMustFailCopiesNothing();
     void anAttemptOnAProtectedLogCopiesNothing();
+    void anAttemptOnAMountPointCopiesNothing();
     void anAttemptWithoutSpaceCopiesNothing_data();
     void anAttemptWithoutSpaceCopiesNothing();
     void withoutProcALogIsTruncated_data();
     void withoutProcALogIsTruncated();
+    void signalsDoNotStopATruncation_data();
+    void signalsDoNotStopATruncation();
 
 private:
     QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
@@ -266,15 +309,8 @@ void TestTruncatedLogs::nobodyElseReadsAPrivateLog()
     QVERIFY(changeMode(path("logs"), 0700));
     const Reader reader(temporary_->path());
     QVERIFY(reader.waitForRounds(1));
-    int truncations = 0;
-    for (int round = 0; round < Rounds; ++round) {
-        QVERIFY(writeFile(log_, tooLargeLog()));
-        QVERIFY(changeMode(log_, 0644));
-        truncate(log_);
-        truncations += QFileInfo(log_).size() < Log::MaxLogSize ? 1 : 0;
-    }
+    QCOMPARE(truncationsOf(log_, Rounds), Rounds);
     QVERIFY(reader.waitForRounds(2));
-    QCOMPARE(truncations, Rounds);
     QVERIFY2(reader.filesRead() == 0, qPrintable(QString::number(reader.filesRead())));
 }
 
@@ -343,20 +379,65 @@ void TestTruncatedLogs::theAccessListIsKept()
     QCOMPARE(statusOf(log_), QByteArray("0 0 640"));
 }
 
+void TestTruncatedLogs::noAccessListIsInherited_data()
+{
+    QTest::addColumn<bool>("isOnAnotherFileSystem");
+    QTest::addColumn<bool>("isOfTemporaryFolder");
+    for (const bool another : {false, true}) {
+        const char *suffix = another ? ", temporary files elsewhere" : "";
+        QTest::addRow("of the folder for temporary files%s", suffix) << another << true;
+        QTest::addRow("of the log's folder%s", suffix) << another << false;
+    }
+}
+
+// A list for the new files of a folder would let another user read a log that has no list.
+void TestTruncatedLogs::noAccessListIsInherited()
+{
+    QFETCH(bool, isOnAnotherFileSystem);
+    QFETCH(bool, isOfTemporaryFolder);
+    // Version 2; owner rwx, user 65534 rwx, group r-x, most rwx, others nothing.
+    const QByteArray list = QByteArray::fromHex("02000000"
+                                                "01000700ffffffff"
+                                                "02000700feff0000"
+                                                "04000500ffffffff"
+                                                "10000700ffffffff"
+                                                "20000000ffffffff");
+    if (!useTemporaryFolder(isOnAnotherFileSystem))
+        QSKIP("There is no other file system for the temporary files");
+    QVERIFY(changeMode(log_, 0640));
+    const QString folder = isOfTemporaryFolder ? temporary_->path() : path("logs");
+    if (setxattr(QFile::encodeName(folder).constData(), DefaultAccessList, list.constData(),
+                 static_cast<std::size_t>(list.size()), 0)
+        != 0)
+        QSKIP("The file system knows no access lists");
+    truncate(log_);
+    QVERIFY(contentOf(log_) == truncatedLog());
+    QVERIFY(getxattr(QFile::encodeName(log_).constData(), AccessList, nullptr, 0) < 0);
+    QCOMPARE(statusOf(log_), QByteArray("0 0 640"));
+    const QByteArray outcome
+        = asOrdinaryUser([this] { return QFile(log_).open(QFile::ReadOnly) ? "read" : "refused"; });
+    QCOMPARE(outcome, QByteArray("refused"));
+}
+
 void TestTruncatedLogs::anAttemptThatMustFailCopiesNothing_data()
 {
     QTest::addColumn<uint>("mode");
-    QTest::newRow("the folder is not writable") << 0755U;
-    QTest::newRow("a file belongs to its owner") << 01777U;
+    QTest::addColumn<uint>("modeOfTemporaryFolder");
+    QTest::newRow("the log's folder is not writable") << 0755U << 01777U;
+    QTest::newRow("a file belongs to its owner") << 01777U << 01777U;
+    QTest::newRow("the folder for temporary files is not writable") << 0777U << 0755U;
+    QTest::newRow("the folder for temporary files is closed") << 0777U << 0700U;
 }
 
 void TestTruncatedLogs::anAttemptThatMustFailCopiesNothing()
 {
     QFETCH(uint, mode);
     QVERIFY(useTemporaryFolder(false));
+    QFETCH(uint, modeOfTemporaryFolder);
+    QVERIFY(changeMode(temporary_->path(), modeOfTemporaryFolder));
     QVERIFY(changeMode(path("logs"), mode));
     QVERIFY(changeMode(log_, 0666));
-    QCOMPARE(asOrdinaryUser([this] { return bytesOfAttempts(log_); }), QByteArray("0"));
+    QCOMPARE(asOrdinaryUser([this] { return bytesOfAttempts(log_); }), QByteArray("none"));
     QVERIFY(contentOf(log_) == tooLargeLog());
 }
 
@@ -369,40 +450,58 @@ void TestTruncatedLogs::anAttemptOnAProtectedLogCopiesNothing()
         QSKIP("This account cannot protect a file");
     const QByteArray outcome = bytesOfAttempts(log_);
     QCOMPARE(QProcess::execute(chattr, {QStringLiteral("-a"), log_}), 0);
-    QCOMPARE(outcome, QByteArray("0"));
+    QCOMPARE(outcome, QByteArray("none"));
+    QVERIFY(contentOf(log_) == tooLargeLog());
+}
+
+void TestTruncatedLogs::anAttemptOnAMountPointCopiesNothing()
+{
+    QVERIFY(useTemporaryFolder(false));
+    const QByteArray outcome = inChildProcess([this]() -> QByteArray {
+        return mountOnItself(log_) ? bytesOfAttempts(log_) : "not mounted";
+    });
+    if (outcome == "not mounted")
+        QSKIP("This account cannot mount a file");
+    QCOMPARE(outcome, QByteArray("none"));
     QVERIFY(contentOf(log_) == tooLargeLog());
 }
 
 void TestTruncatedLogs::anAttemptWithoutSpaceCopiesNothing_data()
 {
     QTest::addColumn<bool>("isTemporaryFolderFull");
-    QTest::newRow("for temporary files") << true;
-    QTest::newRow("beside the log") << false;
+    QTest::addColumn<QByteArray>("options"); // of a file system for the log alone
+    QTest::newRow("for temporary files") << true << QByteArray("size=8m");
+    QTest::newRow("beside the log") << false << QByteArray("size=8m");
+    QTest::newRow("for one more temporary file") << true << QByteArray("size=100m,nr_inodes=2");
+    QTest::newRow("for one more file beside the log")
+        << false << QByteArray("size=100m,nr_inodes=2");
 }
 
 // On a small file system, which only the child process sees.
 void TestTruncatedLogs::anAttemptWithoutSpaceCopiesNothing()
 {
     QFETCH(bool, isTemporaryFolderFull);
+    QFETCH(QByteArray, options);
     QVERIFY(useTemporaryFolder(false));
     QVERIFY(QDir().mkdir(path("mount")));
-    const QByteArray outcome = inChildProcess([this, isTemporaryFolderFull]() -> QByteArray {
-        QString log = path("mount/run.log");
-        if (!mountMemory(path("mount"), "size=8m"))
-            return "not mounted";
-        if (!QFile::copy(log_, log))
-            return "not copied";
-        if (isTemporaryFolderFull) {
-            qputenv("TMPDIR", QFile::encodeName(path("mount")));
-            log = log_;
-        }
-        const QByteArray written = bytesOfAttempts(log);
-        return contentOf(log) == tooLargeLog() ? written : "truncated";
-    });
+    const QByteArray outcome
+        = inChildProcess([this, isTemporaryFolderFull, options]() -> QByteArray {
+              QString log = path("mount/run.log");
+              if (!mountMemory(path("mount"), options.constData()))
+                  return "not mounted";
+              if (!writeFile(log, tooLargeLog()))
+                  return "not written";
+              if (isTemporaryFolderFull) {
+                  qputenv("TMPDIR", QFile::encodeName(path("mount")));
+                  log = log_;
+              }
+              const QByteArray written = bytesOfAttempts(log);
+              return contentOf(log) == tooLargeLog() ? written : "truncated";
+          });
     QVERIFY(QDir().rmdir(path("mount")));
     if (outcome == "not mounted")
         QSKIP("This account cannot mount a file system of its own");
-    QCOMPARE(outcome, QByteArray("0"));
+    QCOMPARE(outcome, QByteArray("none"));
 }
 
 void TestTruncatedLogs::withoutProcALogIsTruncated_data()
@@ -410,25 +509,55 @@ void TestTruncatedLogs::withoutProcALogIsTruncated_data()
     addFileSystems();
 }
 
-// The copies have names there.
+// The copies have names there, but are as private.
 void TestTruncatedLogs::withoutProcALogIsTruncated()
 {
     QFETCH(bool, isOnAnotherFileSystem);
     if (!useTemporaryFolder(isOnAnotherFileSystem))
         QSKIP("There is no other file system for the temporary files");
-    QVERIFY(change(log_, Service, ServiceGroup, 0640));
+    constexpr int Rounds = 30;
+    QVERIFY(changeMode(path("logs"), 0700));
+    QVERIFY(change(log_, Service, ServiceGroup, 0644));
     const QByteArray before = statusOf(log_);
+    const Reader reader(temporary_->path());
+    QVERIFY(reader.waitForRounds(1));
     const QByteArray outcome = inChildProcess([this]() -> QByteArray {
         if (!mountMemory(QStringLiteral("/proc"), "size=1m"))
             return "not mounted";
-        truncate(log_);
-        return "done";
+        return QByteArray::number(truncationsOf(log_, Rounds));
     });
+    QVERIFY(reader.waitForRounds(2));
     if (outcome == "not mounted")
         QSKIP("This account cannot mount a file system of its own");
-    QCOMPARE(outcome, QByteArray("done"));
+    QCOMPARE(outcome, QByteArray::number(Rounds));
     QVERIFY(contentOf(log_) == truncatedLog());
     QCOMPARE(statusOf(log_), before);
+    QVERIFY2(reader.filesRead() == 0, qPrintable(QString::number(reader.filesRead())));
+}
+
+void TestTruncatedLogs::signalsDoNotStopATruncation_data()
+{
+    addFileSystems();
+}
+
+// Of a timer whose handler does not ask for interrupted calls to go on.
+void TestTruncatedLogs::signalsDoNotStopATruncation()
+{
+    constexpr int Rounds = 50;
+    QFETCH(bool, isOnAnotherFileSystem);
+    if (!useTemporaryFolder(isOnAnotherFileSystem))
+        QSKIP("There is no other file system for the temporary files");
+    const QByteArray outcome = inChildProcess([this] {
+        struct sigaction action = {};
+        action.sa_handler = [](int) {};
+        constexpr suseconds_t Microseconds = 100;
+        const itimerval timer = {{0, Microseconds}, {0, Microseconds}};
+        sigaction(SIGALRM, &action, nullptr);
+        setitimer(ITIMER_REAL, &timer, nullptr);
+        return QByteArray::number(truncationsOf(log_, Rounds));
+    });
+    QCOMPARE(outcome, QByteArray::number(Rounds));
+    QVERIFY(contentOf(log_) == truncatedLog());
 }
 
 QTEST_GUILESS_MAIN(TestTruncatedLogs)

@@ -31,8 +31,9 @@ bool copyAccessList(int from, int to)
     constexpr const char *Name = "system.posix_acl_access";
     std::array<char, 4096> list{};
     const ssize_t size = fgetxattr(from, Name, list.data(), list.size());
-    if (size < 0)
-        return errno == ENODATA || errno == EOPNOTSUPP; // it has none
+    const auto hasNone = [] { return errno == ENODATA || errno == EOPNOTSUPP; };
+    if (size < 0) // then not the one either that the new file was given by its folder
+        return hasNone() && (fremovexattr(to, Name) == 0 || hasNone());
     return fsetxattr(to, Name, list.data(), static_cast<std::size_t>(size), 0) == 0;
 }
 
@@ -44,6 +45,7 @@ public:
     explicit NewFile(const QByteArray &folder);
     ~NewFile();
 
+    bool isOpen() const { return descriptor_ >= 0; }
     int descriptor() const { return descriptor_; }
 
     bool copyFrom(int source, off_t offset);
@@ -85,7 +87,9 @@ bool NewFile::copyFrom(int source, off_t offset)
 {
     constexpr std::size_t BlockSize = 1 << 30;
     ssize_t copied = 0;
-    while ((copied = sendfile(descriptor_, source, &offset, BlockSize)) > 0) { }
+    do {
+        copied = sendfile(descriptor_, source, &offset, BlockSize);
+    } while (copied > 0 || (copied < 0 && errno == EINTR));
     // Some file systems tell only when a descriptor is closed that there was no space.
     return copied == 0 && close(dup(descriptor_)) == 0;
 }
@@ -138,6 +142,11 @@ bool NewFile::moveTo(const QByteArray &folder)
     return result == 0;
 }
 
+bool mayWriteTo(const QByteArray &folder)
+{
+    return faccessat(AT_FDCWD, folder.constData(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
 // In a folder with the sticky bit a file can be replaced by its owner and by the folder's. Opening
 // without a change of the access time is allowed to the owner only, with the same exceptions.
 bool isOwnersFile(const QByteArray &file)
@@ -156,17 +165,23 @@ bool mayReplaceFile(const QString &name)
     constexpr quint64 Protected = STATX_ATTR_APPEND | STATX_ATTR_IMMUTABLE;
     const QByteArray file = QFile::encodeName(name);
     const QByteArray folder = folderOf(name);
-    if (faccessat(AT_FDCWD, folder.constData(), W_OK | X_OK, AT_EACCESS) != 0)
+    if (!mayWriteTo(folder))
         return false;
     struct statx status = {};
     struct statx folderStatus = {};
     if (statx(AT_FDCWD, file.constData(), 0, STATX_BASIC_STATS, &status) != 0
         || statx(AT_FDCWD, folder.constData(), 0, STATX_BASIC_STATS, &folderStatus) != 0)
         return true;
-    if (((status.stx_attributes | folderStatus.stx_attributes) & Protected) != 0)
+    const bool isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    if (isMountPoint || ((status.stx_attributes | folderStatus.stx_attributes) & Protected) != 0)
         return false;
     const bool isSticky = (folderStatus.stx_mode & S_ISVTX) != 0;
     return !isSticky || folderStatus.stx_uid == geteuid() || isOwnersFile(file);
+}
+
+bool mayCreateFileIn(const QString &folder)
+{
+    return mayWriteTo(QFile::encodeName(folder));
 }
 
 qint64 availableSpace(const QString &folder)
@@ -174,16 +189,19 @@ qint64 availableSpace(const QString &folder)
     struct statvfs status = {};
     if (statvfs(QFile::encodeName(folder).constData(), &status) != 0 || status.f_blocks == 0)
         return std::numeric_limits<qint64>::max();
+    // Some file systems have no fixed number of files.
+    if (status.f_files != 0 && status.f_ffree == 0)
+        return 0;
     // Some blocks are kept for the superuser.
     const quint64 blocks = geteuid() == 0 ? status.f_bfree : status.f_bavail;
     return static_cast<qint64>(blocks * status.f_frsize);
 }
 
-bool replaceByRest(QFile &file, const QString &temporaryFolder)
+bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
 {
     const int descriptor = file.handle();
     NewFile rest(QFile::encodeName(temporaryFolder));
-    if (!rest.copyFrom(descriptor, file.pos()))
+    if (!rest.isOpen() || !rest.copyFrom(descriptor, startOfRest(file)))
         return false;
     if (rest.takePlaceOf(file.fileName(), descriptor))
         return true;

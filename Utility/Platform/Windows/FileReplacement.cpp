@@ -41,10 +41,11 @@ bool copyBytes(QIODevice &from, QIODevice &to, qint64 count)
 }
 
 // The rest of \a file in a file of its own, which the caller removes; no name on failure.
-QString copyRest(QFile &file, const QString &temporaryFolder)
+QString copyRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
 {
     QTemporaryFile rest(temporaryFolder + QStringLiteral("/truncated-log-XXXXXX"));
-    if (!rest.open() || !copyBytes(file, rest, file.size() - file.pos()) || !rest.flush())
+    if (!rest.open() || !file.seek(startOfRest(file))
+        || !copyBytes(file, rest, file.size() - file.pos()) || !rest.flush())
         return QString();
     rest.setAutoRemove(false);
     return rest.fileName();
@@ -74,8 +75,12 @@ bool mayReplaceFile(const QString &name)
     const DWORD attributes = GetFileAttributesW(wide(native));
     const bool isReadOnly
         = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
-    return !isReadOnly && canBeOpened(name, DELETE)
-        && canBeOpened(QFileInfo(name).path(), FILE_ADD_FILE);
+    return !isReadOnly && canBeOpened(name, DELETE) && mayCreateFileIn(QFileInfo(name).path());
+}
+
+bool mayCreateFileIn(const QString &folder)
+{
+    return canBeOpened(folder, FILE_ADD_FILE);
 }
 
 qint64 availableSpace(const QString &folder)
@@ -87,9 +92,9 @@ qint64 availableSpace(const QString &folder)
     return static_cast<qint64>(bytes.QuadPart);
 }
 
-bool replaceByRest(QFile &file, const QString &temporaryFolder)
+bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
 {
-    const QString rest = copyRest(file, temporaryFolder);
+    const QString rest = copyRest(file, temporaryFolder, startOfRest);
     if (rest.isEmpty())
         return false;
     file.close(); // an open file cannot be replaced

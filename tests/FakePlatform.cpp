@@ -41,6 +41,7 @@ FakePlatform::FakePlatform()
     , removeFile([](const QString &path) { return QFile::remove(path); })
     , openFolderTree(always(nullptr))
     , openWithoutLink([](QFile &file) { return file.open(QIODevice::WriteOnly | QIODevice::Text); })
+    , openPlainFile([](QFile &file) { return file.open(QIODevice::ReadOnly); })
     , commonApplicationDataFolder(always(QString()))
     , publicDocumentsRoot(always(QString()))
     , userDataRoot(always(QString()))
@@ -144,6 +145,11 @@ std::unique_ptr<FolderTree> openFolderTree(const QString &path)
 bool openWithoutLink(QFile &file)
 {
     return fakePlatform().openWithoutLink(file);
+}
+
+bool openPlainFile(QFile &file)
+{
+    return fakePlatform().openPlainFile(file);
 }
 
 QString commonApplicationDataFolder(const QString &maker)

@@ -42,6 +42,7 @@ struct FakePlatform
     Function<bool, const QString &> removeFile;
     Function<std::unique_ptr<Vorn::Util::Platform::FolderTree>, const QString &> openFolderTree;
     Function<bool, QFile &> openWithoutLink;
+    Function<bool, QFile &> openPlainFile;
     Function<QString, const QString &> commonApplicationDataFolder;
     Function<QString, const QString &> publicDocumentsRoot;
     Function<QString> userDataRoot;

@@ -1,4 +1,4 @@
-// How files are opened to be written, moved, compared and removed.
+// How files are opened, moved, compared and removed.
 
 #include "TestFiles.h"
 #include "TestFolder.h"
@@ -25,6 +25,7 @@ private Q_SLOTS:
     void aFileThatIsOpenElsewhereIsEmptied();
     void aFolderIsNotOpened();
     void aMissingFolderIsNotMade();
+    void onlyAPlainFileIsOpenedToBeRead();
 
     void aPathOfTheSystemIsTakenAsItIs();
     void twoPathsOfAFileAreTheSameFile();
@@ -90,6 +91,20 @@ void tst_PlatformFiles::aMissingFolderIsNotMade()
 {
     QVERIFY(!write(path("missing/new"), "text"));
     QCOMPARE(entriesOf(folder_->path()), QStringList());
+}
+
+void tst_PlatformFiles::onlyAPlainFileIsOpenedToBeRead()
+{
+    QVERIFY(writeFile(path("plain"), "two\nlines"));
+    QFile plain(path("plain"));
+    QVERIFY(Platform::openPlainFile(plain));
+    QCOMPARE(plain.openMode(), QIODevice::ReadOnly);
+    QCOMPARE(plain.readAll(), QByteArray("two\nlines"));
+    QFile folder(folder_->path());
+    QVERIFY(!Platform::openPlainFile(folder));
+    QFile missing(path("missing"));
+    QVERIFY(!Platform::openPlainFile(missing));
+    QVERIFY(!missing.exists());
 }
 
 void tst_PlatformFiles::aPathOfTheSystemIsTakenAsItIs()

@@ -29,4 +29,8 @@ bool removeFile(const QString &path);
 /// changed there.
 bool openWithoutLink(QFile &file);
 
+/// Opens \a file to read it; a link is followed. False for what is no plain file, also when it
+/// takes the place of a plain file meanwhile: opening a pipe would wait for a writer.
+bool openPlainFile(QFile &file);
+
 } // namespace Vorn::Util::Platform

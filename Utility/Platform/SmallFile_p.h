@@ -1,8 +1,9 @@
 #pragma once
 
+#include <Utility/Platform/Files.h>
+
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 
 #include <optional>
 
@@ -14,7 +15,7 @@ inline std::optional<QByteArray> readSmallFile(const QString &fileName)
 {
     constexpr qint64 MaxSize = 1048576;
     QFile file(fileName);
-    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+    if (!openPlainFile(file))
         return std::nullopt;
     const QByteArray content = file.read(MaxSize + 1);
     if (content.size() > MaxSize || file.error() != QFileDevice::NoError)

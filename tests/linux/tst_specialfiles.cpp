@@ -4,6 +4,8 @@
 #include "../TestFolder.h"
 #include "../TestLog.h"
 #include "Fifo.h"
+#include "OrdinaryUser.h"
+#include "ProcessState.h"
 
 #include <Utility/CpuInfo.h>
 #include <Utility/System.h>
@@ -12,6 +14,8 @@
 #include <QtTest/QtTest>
 
 #include <csignal>
+#include <cstdio>
+#include <fcntl.h>
 #include <functional>
 #include <memory>
 #include <sys/wait.h>
@@ -66,8 +70,11 @@ private Q_SLOTS:
     void aPipeInThePlaceOfTheInformationFileIsNotWaitedFor();
     void aPipeInThePlaceOfTheFlagsFileIsNotWaitedFor();
 
+    void aPipeThatTakesThePlaceOfAFileIsNotWaitedFor();
+
     void aHugeInformationFileCannotBeRead();
     void aHugeFlagsFileSetsNoFlag();
+    void aLargeFileIsNotReadIntoMemory();
 
     void nothingIsWrittenThroughALinkToNothing();
     void nothingIsWrittenThroughALinkThatIsPutThereMeanwhile();
@@ -138,6 +145,35 @@ void TestSpecialFiles::aPipeInThePlaceOfTheFlagsFileIsNotWaitedFor()
     QVERIFY(QFile::remove(fileName));
 }
 
+// Another process exchanges the file for a pipe and back all the time.
+void TestSpecialFiles::aPipeThatTakesThePlaceOfAFileIsNotWaitedFor()
+{
+    const QString fileName = System::getFlagsDirPath() + QStringLiteral("/VORN_flags.txt");
+    const QByteArray file = QFile::encodeName(fileName);
+    const QByteArray pipe = file + ".pipe";
+    QVERIFY(writeFile(fileName, "DebugMode\n"));
+    QVERIFY(mkfifo(pipe.constData(), S_IRUSR | S_IWUSR) == 0);
+    const ChildProcess adversary([&] {
+        for (;;)
+            renameat2(AT_FDCWD, file.constData(), AT_FDCWD, pipe.constData(), RENAME_EXCHANGE);
+    });
+    QVERIFY(adversary.isStarted());
+
+    const QByteArray outcome = inChildProcess([] {
+        constexpr unsigned int LongestWait = 20; // seconds
+        alarm(LongestWait);                      // ends the process
+        constexpr int Rounds = 5000;
+        int reads = 0;
+        for (int round = 0; round < Rounds; ++round)
+            reads += System::isFlagSet(QStringLiteral("DebugMode")) ? 1 : 0;
+        // Both were there in time.
+        return QByteArray(reads > 0 && reads < Rounds ? "done" : "never exchanged");
+    });
+    QCOMPARE(outcome, QByteArray("done"));
+    QVERIFY(QFile::remove(fileName));
+    QVERIFY(QFile::remove(fileName + QStringLiteral(".pipe")));
+}
+
 // A file without content takes no space on the disk, but all its bytes would be read.
 void TestSpecialFiles::aHugeInformationFileCannotBeRead()
 {
@@ -161,6 +197,25 @@ void TestSpecialFiles::aHugeFlagsFileSetsNoFlag()
     QVERIFY(!System::isFlagSet(QStringLiteral("DebugMode")));
     QVERIFY(!System::isFlagSet(QStringLiteral("Other")));
     QVERIFY(file.remove());
+}
+
+// Less than 2 GiB, so that the whole file would fit a byte array.
+void TestSpecialFiles::aLargeFileIsNotReadIntoMemory()
+{
+    constexpr qint64 LargeSize = 256 * MiB;
+    constexpr qint64 Most = 32 * MiB;
+    const QString flagsFile = System::getFlagsDirPath() + QStringLiteral("/VORN_flags.txt");
+    for (const QString &fileName : {path("SystemInfo.xml"), flagsFile}) {
+        QFile file(fileName);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(LargeSize));
+    }
+    const qint64 before = residentMemory();
+    QVERIFY(restartPeakMemory());
+    QCOMPARE(CpuInfo(nullptr, folder_->path()).processorCount(), 1);
+    QVERIFY(!System::isFlagSet(QStringLiteral("DebugMode")));
+    const qint64 held = peakMemory() - before;
+    QVERIFY2(held < Most, qPrintable(QString::number(held)));
+    QVERIFY(QFile::remove(flagsFile));
 }
 
 // Somebody may have put it there so that another file comes to be or is overwritten.

@@ -5,7 +5,9 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace Vorn::Util::Platform {
 
@@ -40,6 +42,22 @@ bool openWithoutLink(QFile &file)
     const QFileInfo other(file);
     return other.isFile() && !other.isSymLink() && QFile::remove(file.fileName())
         && file.open(NewFile);
+}
+
+bool openPlainFile(QFile &file)
+{
+    if (!QFileInfo(file).isFile())
+        return false; // to open a pipe wakes its writer
+    const int descriptor
+        = open(QFile::encodeName(file.fileName()).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    struct stat status = {};
+    if (descriptor < 0)
+        return false;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)
+        && file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+        return true;
+    close(descriptor);
+    return false;
 }
 
 } // namespace Vorn::Util::Platform

@@ -3,6 +3,7 @@
 #include <Utility/Platform/Windows/WindowsApi.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 
 namespace Vorn::Util::Platform {
 
@@ -91,6 +92,11 @@ bool openWithoutLink(QFile &file)
         = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     // Emptied, not removed: another process may have it open.
     return !isLink && file.open(QIODevice::WriteOnly | QIODevice::Text);
+}
+
+bool openPlainFile(QFile &file)
+{
+    return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly);
 }
 
 } // namespace Vorn::Util::Platform

@@ -5,10 +5,15 @@
 #include "../SystemCalls.h"
 #include "../TestFiles.h"
 #include "../TestFolder.h"
+#include "OrdinaryUser.h"
 
+#include <Utility/System.h>
+
+#include <QtCore/QSettings>
 #include <QtTest/QtTest>
 
 #include <memory>
+#include <sys/stat.h>
 
 namespace {
 
@@ -17,6 +22,13 @@ const QString ReadDirectory = QStringLiteral("readRegistryValue=InstallationDire
 QString setLocale(const char *locale)
 {
     return QStringLiteral("setLocale=") + QString::fromLatin1(locale);
+}
+
+// The permission bits of a file or folder.
+unsigned int modeOf(const QString &name)
+{
+    struct stat status = {};
+    return stat(QFile::encodeName(name).constData(), &status) == 0 ? status.st_mode & 0777U : 0U;
 }
 
 } // namespace
@@ -37,6 +49,7 @@ private Q_SLOTS:
     void theFileOfTheOrganisationIsNotWritten();
     void theFirstFileThatExistsCounts();
     void aFileThatExistsHidesTheOnesAfterIt();
+    void aFolderSetForQtHasNoOthersBesideIt();
     void aChangeGoesToTheFileThatIsRead();
     void aChangeWithoutAFileMakesTheFirst();
     void aChangeLeavesTheRestOfTheFileAsItIs();
@@ -44,6 +57,7 @@ private Q_SLOTS:
     void aDamagedFileLosesNothing();
     void aFileOfMoreThanAMebibyteIsNotRead();
     void aNewFileCanBeReadByEveryUser();
+    void anExistingFolderKeepsItsPermissions();
     void aLinkedFileStaysALink();
 
 private:
@@ -156,6 +170,25 @@ void TestSettingsFiles::aFileThatExistsHidesTheOnesAfterIt()
     QCOMPARE(installationDirectory(), QString());
 }
 
+void TestSettingsFiles::aFolderSetForQtHasNoOthersBesideIt()
+{
+    QVERIFY(writeSettings(file("first"), "[24.0]\nLocale=it-IT\n"));
+    const auto localeAfter = [this](const char *newLocale) {
+        return inChildProcess([&] {
+            qputenv("XDG_CONFIG_DIRS", QFile::encodeName(folder("first")));
+            QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, folder("set"));
+            if (*newLocale)
+                Vorn::Util::System::setLocale(QString::fromLatin1(newLocale));
+            return Vorn::Util::System::getLocale().toLatin1();
+        });
+    };
+    QCOMPARE(localeAfter(""), QByteArray("en-US"));
+    QCOMPARE(localeAfter("de-DE"), QByteArray("de-DE"));
+    QCOMPARE(localeAfter(""), QByteArray("de-DE"));
+    QCOMPARE(contentOf(file("set")), QByteArray("[24.0]\nLocale=de-DE\n"));
+    QCOMPARE(contentOf(file("first")), QByteArray("[24.0]\nLocale=it-IT\n"));
+}
+
 void TestSettingsFiles::aChangeGoesToTheFileThatIsRead()
 {
     QVERIFY(writeSettings(file("second"), "[24.0]\nLocale=de-DE\n"));
@@ -224,11 +257,23 @@ void TestSettingsFiles::aFileOfMoreThanAMebibyteIsNotRead()
 
 void TestSettingsFiles::aNewFileCanBeReadByEveryUser()
 {
+    const mode_t before = umask(077);
     run({setLocale("it-IT")});
-    const QFile::Permissions permissions = QFile::permissions(file("first"));
-    QVERIFY(permissions & QFile::ReadGroup);
-    QVERIFY(permissions & QFile::ReadOther);
-    QVERIFY(!(permissions & QFile::WriteOther));
+    umask(before);
+    QCOMPARE(modeOf(file("first")), 0644U);
+    // The folders that were made on the way to it.
+    QCOMPARE(modeOf(folder("first/Vantorel")), 0755U);
+    QCOMPARE(modeOf(folder("first")), 0755U);
+}
+
+void TestSettingsFiles::anExistingFolderKeepsItsPermissions()
+{
+    QVERIFY(QDir().mkdir(folder("first")));
+    QVERIFY(QFile::setPermissions(folder("first"),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    run({setLocale("it-IT")});
+    QCOMPARE(modeOf(folder("first")), 0700U);
+    QVERIFY(QFileInfo::exists(file("first")));
 }
 
 void TestSettingsFiles::aLinkedFileStaysALink()

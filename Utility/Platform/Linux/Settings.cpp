@@ -97,6 +97,20 @@ SettingsValue failure(SettingsValue::Outcome outcome, int code)
     return {outcome, QString(), code, message + QLatin1Char('\n')};
 }
 
+// Every user of the machine may enter the folders that are made.
+bool makeFolder(const QString &path)
+{
+    if (QFileInfo(path).isDir())
+        return true;
+    if (!makeFolder(QFileInfo(path).path()))
+        return false;
+    if (!QDir().mkdir(path))
+        return QFileInfo(path).isDir(); // another process may have made it
+    constexpr auto ByOthers
+        = QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
+    return QFile::setPermissions(path, QFile::permissions(path) | ByOthers);
+}
+
 } // namespace
 
 QString readSettingsText(const QString &keyPath, const QString &name)
@@ -112,7 +126,7 @@ void writeSettingsText(const QString &keyPath, const QString &name, const QStrin
     if (!locate(keyPath, location) || location.group.isEmpty() || key.isEmpty())
         return;
     const QString fileName = fileOf(location);
-    if (!QDir().mkpath(QFileInfo(fileName).path()))
+    if (!makeFolder(QFileInfo(fileName).path()))
         return;
     QLockFile lock(fileName + QStringLiteral(".lock")); // QSettings locks the same one
     if (!lock.lock())

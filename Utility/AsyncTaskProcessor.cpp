@@ -12,8 +12,7 @@
 // Signals, the monitor and the destructors of tasks run code of the application, which may delete
 // tasks and the processor. The processor survives this by three rules:
 // - A waiting task that is deleted leaves a null pointer in tasks_. The deletion of the current
-// task
-//   calls forgetCurrentTask(), which sets currentTask_ to null.
+//   task calls forgetCurrentTask(), which sets currentTask_ to null.
 // - The current task is connected to handleFinishedTask(). Whoever cuts this connection handles the
 //   end of the task, so that this happens once.
 // - After code of the application has run, a QPointer tells whether the processor and the task
@@ -119,8 +118,8 @@ void AsyncTaskProcessor::setTaskMonitor(AsyncTaskMonitor *monitor)
 
 bool AsyncTaskProcessor::isFinished() const
 {
-    // True while the last task runs: kept for compatibility, see "isFinished() during the last
-    // task" in docs/compatibility.md.
+    // True while the last task runs.
+    // Kept for compatibility: see "isFinished() during the last task" in docs/compatibility.md.
     return std::none_of(tasks_.cbegin(), tasks_.cend(),
                         [](const QPointer<AsyncTask> &task) { return task; });
 }
@@ -265,8 +264,8 @@ void AsyncTaskProcessor::stopWhenCanceled(AsyncTask *task)
         return;
     stopping_ = true;
     log(QStringLiteral("Task processing has been canceled"));
-    // Unlike an error, a cancel without a clean-up task leaves the queue as it is: kept for
-    // compatibility, see "Cancel without a clean-up task" in docs/compatibility.md.
+    // Unlike an error, a cancel without a clean-up task leaves the queue as it is.
+    // Kept for compatibility: see "Cancel without a clean-up task" in docs/compatibility.md.
     if (cleanUpTasks_.contains(task))
         skipToCleanUpTask(task);
 }

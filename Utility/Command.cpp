@@ -23,8 +23,8 @@ QString scriptName()
 }
 
 // False unless the whole script was written: the first half of a command can do harm. Latin-1
-// although the output is read as UTF-8: kept for compatibility, see "Command scripts" in
-// docs/compatibility.md.
+// although the output is read as UTF-8.
+// Kept for compatibility: see "Command scripts" in docs/compatibility.md.
 bool writeScript(const QString &command)
 {
     QFile::remove(scriptName());

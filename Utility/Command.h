@@ -23,7 +23,8 @@ class Log;
 ///
 /// After 30 seconds the interpreter is stopped. Only the interpreter: programs that it has started
 /// run on until they end by themselves. Output that was printed until then is returned, and runQ()
-/// returns 0. On Windows the call may return later while such a program prints without a pause.
+/// returns 0. On Windows the call may return later: as long as one of those programs prints without
+/// a pause.
 ///
 /// Standard error is never read. Only the output that a call can return is kept in memory, at most
 /// 199 bytes for each of \a maxLines + 2 lines: with a large \a maxLines that can be all of it.

@@ -30,8 +30,8 @@ qint64 neededOutput(int maxLines)
     return (std::max<qint64>(maxLines, -1) + 2) * Size;
 }
 
-// Two lines more than asked for, and an empty line for no output: kept for compatibility, see
-// "Command output" in docs/compatibility.md.
+// Two lines more than asked for, and an empty line for no output.
+// Kept for compatibility: see "Command output" in docs/compatibility.md.
 QStringList outputLines(std::string_view output, int maxLines)
 {
     QStringList lines;

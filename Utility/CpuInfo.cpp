@@ -35,7 +35,8 @@ CpuInfo::CpuInfo(Log *log, const QString &dir)
     : infoFilePath_(dir + QLatin1Char('/') + InfoFileName)
     , log_(log)
 {
-    // The messages name the file without its folder (kept for compatibility: CpuInfo messages).
+    // The messages name the file without its folder.
+    // Kept for compatibility: see "CpuInfo messages" in docs/compatibility.md.
     if (QFileInfo::exists(infoFilePath_)) {
         this->log(QStringLiteral("Reading CPU information from %1").arg(InfoFileName));
         if (!loadFromXml())

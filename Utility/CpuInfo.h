@@ -20,13 +20,14 @@ class Log;
 ///
 /// A failure is a line in the log or, without a log, on Qt's debug channel. The numbers are then:
 ///
-/// | failure | numbers |
-/// |---|---|
-/// | the file cannot be read | 1 processor, 1 core, hyper-threading off; the system is not asked |
-/// | the file does not say whether hyper-threading is on | the system's, instead of those in the
-/// file | | so, and the system cannot be asked | those in the file, hyper-threading off | | there
-/// is no file and the system cannot be asked | 1 processor, 1 core, hyper-threading off; these are
-/// saved | | the file cannot be saved | the system's |
+/// - The file cannot be read: 1 processor and 1 core, and hyper-threading is off. The system is not
+///   asked.
+/// - The file does not say whether hyper-threading is on: the system is asked, and its numbers are
+///   used instead of those in the file. When the system cannot be asked, the numbers in the file
+///   are used, and hyper-threading is off.
+/// - There is no file, and the system cannot be asked: 1 processor and 1 core, and hyper-threading
+///   is off. These numbers are saved.
+/// - There is no file, and none can be saved: the system's numbers are used.
 ///
 /// A file that cannot be read is left alone: delete it to have the system asked again. Such a file
 /// is one that is not well-formed, is no plain file (a pipe, a folder), has more than 1 MiB or more
@@ -60,7 +61,8 @@ public:
     int coresPerProcessor() const;
 
     /// Whether a core runs several threads (simultaneous multithreading). The last core that the
-    /// system lists decides (kept for compatibility: hyper-threading of the last core).
+    /// system lists decides.
+    /// Kept for compatibility: see "Hyper-threading of the last core" in docs/compatibility.md.
     bool isHyperThreadingOn() const;
 
 private:

@@ -115,7 +115,8 @@ void Log::append(const QString &text)
 
 void Log::fastAppend(const QString &text)
 {
-    // Without a prefix, too: kept for compatibility, see "Log lines" in docs/compatibility.md.
+    // Without a prefix, too.
+    // Kept for compatibility: see "Log lines" in docs/compatibility.md.
     const QString line = getPrefix() % QLatin1Char(' ') % rstrip(text) % QLatin1Char('\n');
     file_->write(line.toUtf8());
     file_->flush();
@@ -174,8 +175,8 @@ bool Log::removeOldTimeStampedLogFiles(const QString &path, const QString &baseN
         QStringLiteral("%1_20*.%2").arg(escapeWildcards(baseName), escapeWildcards(suffix))};
     const QDir::Filters plainFiles = QDir::Files | QDir::Hidden;
 
-    // Each deletion overwrites the result of those before it: kept for compatibility, see "Old
-    // logs" in docs/compatibility.md.
+    // Each deletion overwrites the result of those before it.
+    // Kept for compatibility: see "Old logs" in docs/compatibility.md.
     bool ok = true;
     const QFileInfoList all = folder.entryInfoList(filter, plainFiles, QDir::Unsorted);
     for (const QFileInfo &file : all) {

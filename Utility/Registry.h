@@ -39,8 +39,8 @@ public:
     /// value up to its first null character, whatever its type.
     ///
     /// A last part such as "24.x" stands for the greatest release of that number there is. Any
-    /// other last part is joined to the part before it without a separator (kept for compatibility:
-    /// key path without its last separator).
+    /// other last part is joined to the part before it without a separator.
+    /// Kept for compatibility: see "Key path without its last separator" in docs/compatibility.md.
     static void readRegistryValue(const wchar_t *valueName, wchar_t *out, const wchar_t *keyPath);
 
     /// Reads "InstallationDirectory" as readRegistryValue() does. False, with an empty text, when

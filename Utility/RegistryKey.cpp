@@ -58,7 +58,7 @@ QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys)
         key = keyPath.left(std::max(separator, 0));
         release = keyPath.mid(separator + 1);
     }
-    // Kept for compatibility: key path without its last separator.
+    // Kept for compatibility: see "Key path without its last separator" in docs/compatibility.md.
     if (!release.contains(QLatin1String(".x")))
         return key + release;
     const QString found = greatestRelease(release, subkeys(key));

@@ -18,8 +18,8 @@ constexpr int MostFilesOnCommandLine = 32;
 constexpr int WarningCode = 1;
 constexpr int FatalErrorCode = 2;
 
-// Only these two exit codes count. Kept for compatibility: docs/compatibility.md, "Exit codes of
-// the archiver".
+// Only these two exit codes count.
+// Kept for compatibility: see "Exit codes of the archiver" in docs/compatibility.md.
 SevenZip::Error errorOf(int exitCode, QProcess::ExitStatus exitStatus)
 {
     if (exitStatus == QProcess::CrashExit || exitCode == FatalErrorCode)
@@ -176,8 +176,8 @@ QStringList SevenZipCompressCommand::arguments()
     return all;
 }
 
-// Every occurrence of the current path is removed, not only that at the front. Kept for
-// compatibility: docs/compatibility.md, "Names below the current path".
+// Every occurrence of the current path is removed, not only that at the front.
+// Kept for compatibility: see "Names below the current path" in docs/compatibility.md.
 QStringList SevenZipCompressCommand::fileNames() const
 {
     QStringList names = owner()->files();
@@ -206,8 +206,9 @@ void SevenZipCompressCommand::writeListFile()
         file.setFileName(listFile_);
         if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Text))
             break;
+        // Kept for compatibility: see "List file that is missing" in docs/compatibility.md.
         if (!exists(listFile_))
-            return; // kept for compatibility: docs/compatibility.md, "List file that is missing"
+            return;
     }
     if (!writeNames(file, fileNames())) {
         QFile::remove(listFile_);
@@ -298,8 +299,8 @@ void SevenZipListCommand::readHeader(const QString &line)
 }
 
 // Date, time, attributes, size, then the packed size where there is one. Without it a name loses a
-// first word that is a number. Kept for compatibility: docs/compatibility.md, "Entries of a
-// listing".
+// first word that is a number.
+// Kept for compatibility: see "Entries of a listing" in docs/compatibility.md.
 void SevenZipListCommand::readEntry(const QString &line)
 {
     if (line.startsWith(QLatin1String("--------"))) {
@@ -312,8 +313,8 @@ void SevenZipListCommand::readEntry(const QString &line)
     owner()->addFile(parts.join(QLatin1Char(' ')));
 }
 
-// Every line after the table counts, so the last one holds. Kept for compatibility:
-// docs/compatibility.md, "Totals of a listing".
+// Every line after the table counts, so the last one holds.
+// Kept for compatibility: see "Totals of a listing" in docs/compatibility.md.
 void SevenZipListCommand::readTotals(const QString &line)
 {
     owner()->setUncompressedSize(line.section(QLatin1Char(' '), 0, 0).toLongLong());

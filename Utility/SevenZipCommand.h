@@ -107,8 +107,8 @@ class SevenZipListCommand : public SevenZipCommand
     Q_OBJECT
 
 public:
-    /// The owner's files stay, and the entries are appended to them. Kept for compatibility:
-    /// docs/compatibility.md, "Files of a listing".
+    /// The owner's files stay, and the entries are appended to them.
+    /// Kept for compatibility: see "Files of a listing" in docs/compatibility.md.
     explicit SevenZipListCommand(SevenZip *owner);
     ~SevenZipListCommand() override;
 

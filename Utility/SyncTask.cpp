@@ -31,9 +31,11 @@ void SyncTask::execute()
                                      Qt::DirectConnection);
     if (!self)
         return; // the method deleted the task or its processor
+    // Without its method the task gets an error and never finishes.
+    // Kept for compatibility: see "SyncTask without its method" in docs/compatibility.md.
     if (called)
         setFinished();
-    else // No finished(): see "SyncTask without its method" in docs/compatibility.md.
+    else
         setError(QStringLiteral("Unable to run sync task: %1").arg(name()));
 }
 

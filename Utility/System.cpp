@@ -96,7 +96,7 @@ QString System::getAllUsersDataPath()
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the exported interface takes a copy.
 QString System::getProgramDataPath(QString name)
 {
-    // Kept for compatibility: one program-data folder for all names.
+    // Kept for compatibility: see "One program-data folder for all names" in docs/compatibility.md.
     if (programDataPath_.isEmpty() || programDataPath_.indexOf(name) < 0) {
         const QChar separator = QDir::separator();
         QString root = Platform::commonApplicationDataFolder(maker());
@@ -112,7 +112,7 @@ QString System::getPublicDocumentsDirPath()
 {
     if (publicDocumentsPath_.isEmpty()) {
         const QString publicFolder = Platform::environmentVariable("PUBLIC");
-        // Kept for compatibility: doubled public documents.
+        // Kept for compatibility: see "Doubled public documents" in docs/compatibility.md.
         const QString base = publicFolder.isEmpty() ? getProgramDataPath(productFolder())
                                                     : publicFolder + QStringLiteral("/Documents");
         const QString path = QDir::toNativeSeparators(

@@ -121,7 +121,8 @@ public:
     /// Whether a program of exactly this file name is running, under any user. On Linux a process
     /// of another user is known by the name that it gives itself, at first that of its program, and
     /// only when that has fewer than 15 bytes: take the answer for a hint. On Windows each call
-    /// leaves a handle open (kept for compatibility, see docs/compatibility.md).
+    /// leaves a handle open.
+    /// Kept for compatibility: see "Snapshot of processes" in docs/compatibility.md.
     static bool isProcessRunning(const QString &exeName);
 
     /// Ends the processes whose program's name is in \a names and whose program's path contains

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void aValueIsOneText();
     void aValueIsReadAsByQt_data();
     void aValueIsReadAsByQt();
+    void namesAreReadAsUtf8();
     void theFormIsThatOfQt_data();
     void theFormIsThatOfQt();
     void whatQtWritesIsRead_data();
@@ -152,6 +153,17 @@ void tst_SettingsText::aValueIsReadAsByQt()
         QCOMPARE(settingsTexts(content).value(QStringLiteral("24.0/Name")), text);
         QCOMPARE(settingsTexts(content), readByQt(content));
     }
+}
+
+// Qt reads the bytes of a name as Latin-1, whatever the codec.
+void tst_SettingsText::namesAreReadAsUtf8()
+{
+    const QByteArray content = "[Gr\xC3\xB6\xC3\x9F"
+                               "e]\nN\xC3\xA4me=x\n";
+    const QByteArray key = "Gr\xC3\xB6\xC3\x9F"
+                           "e/N\xC3\xA4me";
+    QCOMPARE(settingsTexts(content), (Texts{{QString::fromUtf8(key), QStringLiteral("x")}}));
+    QCOMPARE(readByQt(content), (Texts{{QString::fromLatin1(key), QStringLiteral("x")}}));
 }
 
 void tst_SettingsText::theFormIsThatOfQt_data()

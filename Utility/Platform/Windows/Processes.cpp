@@ -89,8 +89,8 @@ bool isProgramRunning(const QString &name)
         CloseHandle(snapshot);
         return false;
     }
-    // From here on the handle stays open: kept for compatibility, see "Snapshot of processes" in
-    // docs/compatibility.md.
+    // From here on the handle stays open.
+    // Kept for compatibility: see "Snapshot of processes" in docs/compatibility.md.
     do {
         if (textOf(entry.szExeFile) == name)
             return true;

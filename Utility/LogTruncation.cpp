@@ -21,8 +21,7 @@ constexpr int CutAfter = 1048576;
 bool canBeTruncated(const QFileInfo &log, const QString &temporaryFolder)
 {
     const qint64 leastKept = log.size() - LogCutHeadSize;
-    return QFileInfo(temporaryFolder).isDir() && Platform::mayCreateFileIn(temporaryFolder)
-        && Platform::mayReplaceFile(log.filePath())
+    return Platform::mayCreateFileIn(temporaryFolder) && Platform::mayReplaceFile(log.filePath())
         && Platform::availableSpace(temporaryFolder) >= leastKept
         && Platform::availableSpace(log.path()) >= leastKept;
 }

@@ -11,7 +11,6 @@
 
 #include <QtTest/QtTest>
 
-#include <array>
 #include <limits>
 
 using namespace Vorn::Util;
@@ -19,8 +18,6 @@ using namespace Vorn::Util;
 namespace {
 
 constexpr qint64 Enough = std::numeric_limits<qint64>::max();
-
-const std::array<const char *, 3> TemporaryFolderVariables{"TMPDIR", "TMP", "TEMP"};
 
 QByteArray tooLargeLog()
 {
@@ -41,7 +38,6 @@ private Q_SLOTS:
     void withoutARightToMakeTemporaryFilesTheLogIsNotRead();
     void withoutSpaceTheLogIsNotRead_data();
     void withoutSpaceTheLogIsNotRead();
-    void withoutAFolderForTemporaryFilesTheLogIsNotRead();
     void eachAppendTriesAgain();
     void theLogCanBeWrittenDuringItsTruncation();
 
@@ -130,25 +126,6 @@ void TestLogFallbacks::withoutSpaceTheLogIsNotRead()
     };
     truncateLogFile(fileName_);
     QCOMPARE(attempts_, attempts);
-}
-
-void TestLogFallbacks::withoutAFolderForTemporaryFilesTheLogIsNotRead()
-{
-    const QString missing = folder_.filePath(QStringLiteral("missing"));
-    QByteArrayList before;
-    for (const char *variable : TemporaryFolderVariables) {
-        before.append(qgetenv(variable));
-        qputenv(variable, QFile::encodeName(QDir::toNativeSeparators(missing)));
-    }
-    truncateLogFile(fileName_);
-    for (const char *variable : TemporaryFolderVariables) {
-        const QByteArray value = before.takeFirst();
-        if (value.isEmpty())
-            qunsetenv(variable);
-        else
-            qputenv(variable, value);
-    }
-    QCOMPARE(attempts_, 0);
 }
 
 void TestLogFallbacks::eachAppendTriesAgain()

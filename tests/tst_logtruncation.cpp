@@ -429,7 +429,12 @@ void TestLogTruncation::whetherAFileMayBeMadeIsKnownBefore()
 {
     QVERIFY(Platform::mayCreateFileIn(folder_->path()));
     QVERIFY(!Platform::mayCreateFileIn(path(QStringLiteral("missing"))));
-    QCOMPARE(entriesOf(folder_->path()), QStringList{QStringLiteral("logs")});
+    QVERIFY(!Platform::mayCreateFileIn(QString())); // as Qt tells it of a folder that is missing
+    QVERIFY(writeFile(fileName_, "x"));
+    QVERIFY(
+        QFile::setPermissions(fileName_, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QVERIFY(!Platform::mayCreateFileIn(fileName_));
+    QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
 }
 
 // For whatever reason, also one that cannot be foreseen.

@@ -11,8 +11,8 @@ namespace Vorn::Util::Platform {
 /// link. Costs some system calls.
 bool mayReplaceFile(const QString &name);
 
-/// False when this process cannot make a file in the existing folder \a folder, as far as the
-/// system tells without a try. Costs one system call.
+/// False when this process cannot make a file in \a folder, as far as the system tells without a
+/// try, or when that is no folder. Costs one or two system calls.
 bool mayCreateFileIn(const QString &folder);
 
 /// The bytes that are free for this process on the file system of \a folder; 0 when no further file

@@ -181,7 +181,8 @@ bool mayReplaceFile(const QString &name)
 
 bool mayCreateFileIn(const QString &folder)
 {
-    return mayWriteTo(QFile::encodeName(folder));
+    // Only a folder has an entry "."; without a name it would be that of the root folder.
+    return !folder.isEmpty() && mayWriteTo(QFile::encodeName(folder) + "/.");
 }
 
 qint64 availableSpace(const QString &folder)

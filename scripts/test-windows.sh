@@ -7,8 +7,9 @@ need g++-mingw-w64-x86-64-posix wine wine64 python3
 cd "$project"
 
 VORNUTILITY_QT_WINDOWS=$(scripts/qt-windows.sh)
-VORNUTILITY_7ZIP_WINDOWS=$(scripts/test-archivers.sh 7zip-windows)
-export VORNUTILITY_QT_WINDOWS VORNUTILITY_7ZIP_WINDOWS
+VORNUTILITY_ARCHIVERS=$(scripts/test-archivers.sh 7zip-15.05 7zip-16.04 7zip-24.09)
+VORNUTILITY_7ZIP_WINDOWS=$VORNUTILITY_ARCHIVERS/7zip-16.04
+export VORNUTILITY_QT_WINDOWS VORNUTILITY_ARCHIVERS VORNUTILITY_7ZIP_WINDOWS
 
 say "windows-release"
 cmake --preset windows-release >/dev/null

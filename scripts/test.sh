@@ -6,8 +6,8 @@
 . "$(dirname "$0")/common.sh"
 need_build_tools
 cd "$project"
-VORNUTILITY_P7ZIP=$(scripts/test-archivers.sh p7zip)
-export VORNUTILITY_P7ZIP
+VORNUTILITY_ARCHIVERS=$(scripts/test-archivers.sh p7zip-16.02)
+export VORNUTILITY_ARCHIVERS
 
 [ $# -gt 0 ] || set -- linux-release tidy linux-asan linux-tsan fuzz
 

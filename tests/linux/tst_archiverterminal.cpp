@@ -115,11 +115,12 @@ namespace {
 // The folder of the program; empty when there is none to test with.
 QString p7zip()
 {
-    return qEnvironmentVariable("VORNUTILITY_P7ZIP");
+    const QString archivers = qEnvironmentVariable("VORNUTILITY_ARCHIVERS");
+    return archivers.isEmpty() ? QString() : archivers + QStringLiteral("/p7zip-16.02");
 }
 
 constexpr char NoP7zip[]
-    = "The variable VORNUTILITY_P7ZIP names no folder with p7zip; scripts/test.sh sets it.";
+    = "The variable VORNUTILITY_ARCHIVERS names no folder; scripts/test.sh sets it.";
 
 } // namespace
 

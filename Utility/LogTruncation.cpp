@@ -14,35 +14,35 @@ namespace Vorn::Util {
 namespace {
 
 constexpr int PieceSize = 255;
-constexpr int CutAfter = 1048576;
+constexpr int TruncateAfter = 1048576;
 
-// Whether the truncation of \a log can succeed, as far as it can be told without reading the log. A
-// log that cannot be truncated is asked for every line: nothing may be copied for it.
+// Whether the truncation of \a log can succeed, as far as the system tells without a try. For a log
+// that cannot be truncated this is asked before every line, so it must copy nothing.
 bool canBeTruncated(const QFileInfo &log, const QString &temporaryFolder)
 {
-    const qint64 leastKept = log.size() - LogCutHeadSize;
+    const qint64 leastKept = log.size() - LogHeadSize;
     return Platform::mayCreateFileIn(temporaryFolder) && Platform::mayReplaceFile(log.filePath())
         && Platform::availableSpace(temporaryFolder) >= leastKept
         && Platform::availableSpace(log.path()) >= leastKept;
 }
 
-qint64 truncationOffset(QFile &log)
+qint64 startOfRest(QFile &log)
 {
-    return logCutPosition(log.read(LogCutHeadSize));
+    return truncationOffset(log.read(LogHeadSize));
 }
 
 } // namespace
 
-const int LogCutHeadSize = CutAfter + PieceSize + 1;
+const int LogHeadSize = TruncateAfter + PieceSize + 1;
 
-qint64 logCutPosition(const QByteArray &head)
+qint64 truncationOffset(const QByteArray &head)
 {
-    if (head.size() <= CutAfter)
+    if (head.size() <= TruncateAfter)
         return head.size();
-    // The line that holds byte CutAfter - 1 or, when that byte ends a line, the next one.
-    const int lineStart = head.lastIndexOf('\n', CutAfter - 1) + 1;
-    const int nextPiece = lineStart + PieceSize * ((CutAfter - lineStart) / PieceSize + 1);
-    const int lineEnd = head.indexOf('\n', CutAfter);
+    // The line that holds byte TruncateAfter - 1 or, when that byte ends a line, the next one.
+    const int lineStart = head.lastIndexOf('\n', TruncateAfter - 1) + 1;
+    const int nextPiece = lineStart + PieceSize * ((TruncateAfter - lineStart) / PieceSize + 1);
+    const int lineEnd = head.indexOf('\n', TruncateAfter);
     const int nextLine = lineEnd < 0 ? head.size() : lineEnd + 1;
     return std::min({nextPiece, nextLine, head.size()});
 }
@@ -57,7 +57,7 @@ void truncateLogFile(const QString &name)
         return;
     QFile log(info.filePath());
     if (log.open(QIODevice::ReadOnly))
-        Platform::replaceByRest(log, temporaryFolder, truncationOffset);
+        Platform::replaceByRest(log, temporaryFolder, startOfRest);
 }
 
 } // namespace Vorn::Util

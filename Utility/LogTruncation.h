@@ -5,17 +5,17 @@
 
 namespace Vorn::Util {
 
-/// How many bytes from a log's beginning logCutPosition() needs at the most.
-extern const int LogCutHeadSize;
+/// The most bytes of a log's beginning that truncationOffset() needs.
+extern const int LogHeadSize;
 
 /// Where the kept part of a log begins. A log is taken as a row of pieces: lines with their line
 /// ends, longer lines in pieces of 255 bytes. The kept part begins at the first piece that starts
-/// more than Log::AmountToTruncate bytes into the file, so it may begin within a long line (and
-/// within a character): readers of the logs know that.
+/// more than Log::AmountToTruncate bytes into the file. In a long line this can be in the middle of
+/// the line, even of a character.
 ///
-/// \a head is the beginning of the log, LogCutHeadSize bytes long or, for a shorter log, all of
-/// it. Returns the length of \a head when nothing is kept.
-qint64 logCutPosition(const QByteArray &head);
+/// \a head is the beginning of the log, LogHeadSize bytes long or, for a shorter log, all of it.
+/// Returns the length of \a head when nothing is kept.
+qint64 truncationOffset(const QByteArray &head);
 
 /// Replaces the file \a name, or the one that a link of that name leads to, by its own tail. The
 /// tail is copied in the folder for temporary files, see Platform::replaceByRest().

@@ -1,6 +1,6 @@
 // Where the kept part of a log begins. The bytes are, in pairs, by how much the log is shorter
 // than the longest one here, the length of its first line in sixteens, and the lengths of the
-// lines behind it, again and again up to the end.
+// lines after it, again and again up to the end.
 
 #include "Fuzz.h"
 
@@ -26,8 +26,8 @@ int lengthAt(const std::uint8_t *data, std::size_t index)
 const QByteArray &logOf(const std::uint8_t *data, std::size_t count)
 {
     constexpr int Slack = 4096;
-    const int size = LogCutHeadSize + Slack / 2 - lengthAt(data, 0) % Slack;
-    static QByteArray log; // keeps its room
+    const int size = LogHeadSize + Slack / 2 - lengthAt(data, 0) % Slack;
+    static QByteArray log; // keeps its memory
     log.fill('x', size);
     if (count < 3)
         return log;
@@ -41,7 +41,7 @@ const QByteArray &logOf(const std::uint8_t *data, std::size_t count)
 }
 
 // Reads the log piece by piece.
-qint64 cutOf(const QByteArray &log)
+qint64 offsetOf(const QByteArray &log)
 {
     constexpr int PieceSize = 255;
     int position = 0;
@@ -63,7 +63,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         return 0;
     const QByteArray &log = logOf(data, size / NumberSize);
     const QByteArray head
-        = QByteArray::fromRawData(log.constData(), std::min(log.size(), LogCutHeadSize));
-    CHECK(logCutPosition(head) == cutOf(log));
+        = QByteArray::fromRawData(log.constData(), std::min(log.size(), LogHeadSize));
+    CHECK(truncationOffset(head) == offsetOf(log));
     return 0;
 }

@@ -210,8 +210,8 @@ private Q_SLOTS:
     void anOpenLogThatWasRenamedIsContinuedUnderItsName();
     void openWithoutAppendEmptiesATooLargeLog();
     void fastAppendNeverTruncates();
-    void theCutIsAtTheBeginningOfALine_data();
-    void theCutIsAtTheBeginningOfALine();
+    void theKeptPartBeginsWithALine_data();
+    void theKeptPartBeginsWithALine();
     void aLongFirstLineIsCutAtAPieceBoundary_data();
     void aLongFirstLineIsCutAtAPieceBoundary();
     void onlyAppendTakesTheLock();
@@ -1005,7 +1005,7 @@ void TestLog::fastAppendNeverTruncates()
     QCOMPARE(written(), expected);
 }
 
-void TestLog::theCutIsAtTheBeginningOfALine_data()
+void TestLog::theKeptPartBeginsWithALine_data()
 {
     QTest::addColumn<int>("lineSize");
     QTest::addColumn<int>("cut");
@@ -1017,7 +1017,7 @@ void TestLog::theCutIsAtTheBeginningOfALine_data()
     QTest::newRow("of a whole piece") << 255 << 4113 * 255;
 }
 
-void TestLog::theCutIsAtTheBeginningOfALine()
+void TestLog::theKeptPartBeginsWithALine()
 {
     QFETCH(int, lineSize);
     QFETCH(int, cut);

@@ -25,7 +25,7 @@ using namespace Vorn::Util;
 namespace {
 
 constexpr int Limit = 5242880;
-constexpr int Cut = 1048576;
+constexpr int TruncateAfter = 1048576;
 
 // The rule as it is told: the log is read from its beginning by pieces of at most 255 bytes, none
 // of which goes beyond a line, and a piece is kept when more than a mebibyte was read before it.
@@ -41,7 +41,7 @@ QByteArray keptOf(const QByteArray &log)
         const qint64 length = device.readLine(buffer.data(), buffer.size());
         if (length < 0)
             return log;
-        if (count > Cut)
+        if (count > TruncateAfter)
             kept.append(buffer.data(), static_cast<int>(length));
         count += length;
     }
@@ -118,12 +118,12 @@ class TestLogTruncation : public QObject
 private Q_SLOTS:
     void init();
 
-    void theCutIsWhereThePiecesSay_data();
-    void theCutIsWhereThePiecesSay();
-    void aShortHeadIsAllCut_data();
-    void aShortHeadIsAllCut();
-    void theHeadIsEnoughToFindTheCut_data();
-    void theHeadIsEnoughToFindTheCut();
+    void theOffsetIsWhereThePiecesSay_data();
+    void theOffsetIsWhereThePiecesSay();
+    void aShortHeadIsAllRemoved_data();
+    void aShortHeadIsAllRemoved();
+    void theHeadIsEnoughToFindTheOffset_data();
+    void theHeadIsEnoughToFindTheOffset();
 
     void aLogIsReplacedByItsTail_data();
     void aLogIsReplacedByItsTail();
@@ -138,7 +138,7 @@ private Q_SLOTS:
 
     void aMissingLogIsNotCreated();
     void whatIsNoFileStaysAsItIs();
-    void aLogThatAnotherHoldsOpenIsCutOrStaysAsItWas();
+    void aLogThatAnotherHoldsOpenIsTruncatedOrStaysAsItWas();
     void whetherALogMayBeReplacedIsKnownBefore();
     void whetherAFileMayBeMadeIsKnownBefore();
     void withoutANewFileTheLogIsNotRead();
@@ -147,14 +147,14 @@ private Q_SLOTS:
     void aLogThatCannotBeReplacedStaysAsItWas();
     void withoutTemporaryFolderTheLogStaysAsItWas_data();
     void withoutTemporaryFolderTheLogStaysAsItWas();
-    void aLogThatCannotBeCutIsStillWritten_data();
-    void aLogThatCannotBeCutIsStillWritten();
+    void aLogThatCannotBeTruncatedIsStillWritten_data();
+    void aLogThatCannotBeTruncatedIsStillWritten();
     void withoutRoomForTheTailTheLogStaysAsItWas();
-    void theCutHoldsOnAnotherFileSystem_data();
-    void theCutHoldsOnAnotherFileSystem();
+    void theOffsetIsTheSameOnAnotherFileSystem_data();
+    void theOffsetIsTheSameOnAnotherFileSystem();
     void onAnotherFileSystemNothingIsLeftBehind();
-    void theFileBehindALinkIsCut_data();
-    void theFileBehindALinkIsCut();
+    void theFileThatALinkLeadsToIsTruncated_data();
+    void theFileThatALinkLeadsToIsTruncated();
 
 private:
     void addBadTemporaryFolders();
@@ -175,7 +175,7 @@ void TestLogTruncation::init()
     temporary_ = path(QStringLiteral("temporary"));
 }
 
-void TestLogTruncation::theCutIsWhereThePiecesSay_data()
+void TestLogTruncation::theOffsetIsWhereThePiecesSay_data()
 {
     QTest::addColumn<int>("shortest");
     QTest::addColumn<int>("longest");
@@ -189,33 +189,34 @@ void TestLogTruncation::theCutIsWhereThePiecesSay_data()
     QTest::newRow("lines of two pieces") << 509 << 511;
     QTest::newRow("all lengths") << 1 << 1000;
     QTest::newRow("long lines") << 10000 << 100000;
-    QTest::newRow("one line beyond the mebibyte") << Cut - 600 << Cut + 600;
-    QTest::newRow("lines of half a mebibyte") << Cut / 2 - 130 << Cut / 2 + 130;
-    QTest::newRow("no line end at all") << 8 * Cut << 8 * Cut;
+    QTest::newRow("one line beyond the mebibyte") << TruncateAfter - 600 << TruncateAfter + 600;
+    QTest::newRow("lines of half a mebibyte") << TruncateAfter / 2 - 130 << TruncateAfter / 2 + 130;
+    QTest::newRow("no line end at all") << 8 * TruncateAfter << 8 * TruncateAfter;
 }
 
-void TestLogTruncation::theCutIsWhereThePiecesSay()
+void TestLogTruncation::theOffsetIsWhereThePiecesSay()
 {
     QFETCH(int, shortest);
     QFETCH(int, longest);
     const auto seed = static_cast<quint32>(shortest * 31 + longest);
     QRandomGenerator random(seed);
     for (int round = 0; round < 12; ++round) {
-        const int size = round % 5 == 0 ? Cut + random.bounded(600) : Cut + random.bounded(Cut);
+        const int size = round % 5 == 0 ? TruncateAfter + random.bounded(600)
+                                        : TruncateAfter + random.bounded(TruncateAfter);
         const QByteArray log = randomLog(random, {shortest, longest}, size);
         const QByteArray kept = keptOf(log);
-        const qint64 cut = logCutPosition(log.left(LogCutHeadSize));
-        // Where nothing is kept, all of the head is cut.
-        QVERIFY2(cut == log.size() - kept.size(),
+        const qint64 offset = truncationOffset(log.left(LogHeadSize));
+        // Where nothing is kept, the offset is the size of the head.
+        QVERIFY2(offset == log.size() - kept.size(),
                  qPrintable(QStringLiteral("Round %1, size %2: %3 and not %4")
                                 .arg(round)
                                 .arg(size)
-                                .arg(cut)
+                                .arg(offset)
                                 .arg(log.size() - kept.size())));
     }
 }
 
-void TestLogTruncation::aShortHeadIsAllCut_data()
+void TestLogTruncation::aShortHeadIsAllRemoved_data()
 {
     QTest::addColumn<QByteArray>("head");
 
@@ -223,42 +224,43 @@ void TestLogTruncation::aShortHeadIsAllCut_data()
     QTest::newRow("one byte") << QByteArray("a");
     QTest::newRow("one line end") << QByteArray("\n");
     QTest::newRow("lines") << logOfLines(10, 1000);
-    QTest::newRow("a mebibyte but one") << logOfLines(64, Cut - 1);
-    QTest::newRow("a mebibyte, line end last") << logOfLines(64, Cut);
-    QTest::newRow("a mebibyte without line ends") << QByteArray(Cut, 'x');
-    QTest::newRow("one byte more") << QByteArray(Cut + 1, 'x');
-    QTest::newRow("one byte more, a line end") << QByteArray(Cut, 'x') + '\n';
+    QTest::newRow("a mebibyte but one") << logOfLines(64, TruncateAfter - 1);
+    QTest::newRow("a mebibyte, line end last") << logOfLines(64, TruncateAfter);
+    QTest::newRow("a mebibyte without line ends") << QByteArray(TruncateAfter, 'x');
+    QTest::newRow("one byte more") << QByteArray(TruncateAfter + 1, 'x');
+    QTest::newRow("one byte more, a line end") << QByteArray(TruncateAfter, 'x') + '\n';
     QTest::newRow("up to the next piece") << QByteArray(4113 * 255, 'x');
 }
 
-void TestLogTruncation::aShortHeadIsAllCut()
+void TestLogTruncation::aShortHeadIsAllRemoved()
 {
     QFETCH(QByteArray, head);
-    QCOMPARE(logCutPosition(head), static_cast<qint64>(head.size()));
+    QCOMPARE(truncationOffset(head), static_cast<qint64>(head.size()));
     QCOMPARE(keptOf(head), QByteArray());
 }
 
 // Line ends just around the mebibyte and around the piece that follows.
-void TestLogTruncation::theHeadIsEnoughToFindTheCut_data()
+void TestLogTruncation::theHeadIsEnoughToFindTheOffset_data()
 {
     QTest::addColumn<int>("lineEnd");
 
-    for (const int around : {Cut - 255, Cut - 16, Cut, 4113 * 255, Cut + 255}) {
+    for (const int around : {TruncateAfter - 255, TruncateAfter - 16, TruncateAfter, 4113 * 255,
+                             TruncateAfter + 255}) {
         for (int lineEnd = around - 3; lineEnd <= around + 3; ++lineEnd)
-            QTest::addRow("%d", lineEnd - Cut) << lineEnd;
+            QTest::addRow("%d", lineEnd - TruncateAfter) << lineEnd;
     }
 }
 
-void TestLogTruncation::theHeadIsEnoughToFindTheCut()
+void TestLogTruncation::theHeadIsEnoughToFindTheOffset()
 {
     QFETCH(int, lineEnd);
-    QByteArray log(Cut + 3 * 255, 'x');
+    QByteArray log(TruncateAfter + 3 * 255, 'x');
     log[lineEnd] = '\n';
-    const qint64 cut = logCutPosition(log.left(LogCutHeadSize));
-    QCOMPARE(cut, static_cast<qint64>(log.size() - keptOf(log).size()));
-    QCOMPARE(cut, logCutPosition(log));
-    QVERIFY(cut > Log::AmountToTruncate);
-    QVERIFY(cut < LogCutHeadSize);
+    const qint64 offset = truncationOffset(log.left(LogHeadSize));
+    QCOMPARE(offset, static_cast<qint64>(log.size() - keptOf(log).size()));
+    QCOMPARE(offset, truncationOffset(log));
+    QVERIFY(offset > Log::AmountToTruncate);
+    QVERIFY(offset < LogHeadSize);
 }
 
 void TestLogTruncation::aLogIsReplacedByItsTail_data()
@@ -271,9 +273,9 @@ void TestLogTruncation::aLogIsReplacedByItsTail_data()
     QTest::newRow("all lengths") << 1 << 2000 << Limit + 77;
     QTest::newRow("lines of about a piece") << 250 << 260 << Limit + 5000;
     QTest::newRow("long lines") << 100000 << 3000000 << Limit + 300000;
-    QTest::newRow("no line end at all") << 8 * Cut << 8 * Cut << Limit + 1;
+    QTest::newRow("no line end at all") << 8 * TruncateAfter << 8 * TruncateAfter << Limit + 1;
     QTest::newRow("large") << 1 << 500 << 4 * Limit;
-    QTest::newRow("just above the mebibyte") << 1 << 120 << Cut + 1000;
+    QTest::newRow("just above the mebibyte") << 1 << 120 << TruncateAfter + 1000;
 }
 
 void TestLogTruncation::aLogIsReplacedByItsTail()
@@ -296,7 +298,7 @@ void TestLogTruncation::aShortLogIsEmptied_data()
 
     QTest::newRow("empty") << 0;
     QTest::newRow("short") << 1000;
-    QTest::newRow("a mebibyte") << Cut;
+    QTest::newRow("a mebibyte") << TruncateAfter;
 }
 
 void TestLogTruncation::aShortLogIsEmptied()
@@ -395,7 +397,7 @@ void TestLogTruncation::whatIsNoFileStaysAsItIs()
 }
 
 // Windows does not replace a file that somebody has open; other systems do.
-void TestLogTruncation::aLogThatAnotherHoldsOpenIsCutOrStaysAsItWas()
+void TestLogTruncation::aLogThatAnotherHoldsOpenIsTruncatedOrStaysAsItWas()
 {
     const QByteArray log = logOfLines(100, Limit + 1);
     QVERIFY(writeFile(fileName_, log));
@@ -550,12 +552,12 @@ void TestLogTruncation::withoutTemporaryFolderTheLogStaysAsItWas()
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
 }
 
-void TestLogTruncation::aLogThatCannotBeCutIsStillWritten_data()
+void TestLogTruncation::aLogThatCannotBeTruncatedIsStillWritten_data()
 {
     addBadTemporaryFolders();
 }
 
-void TestLogTruncation::aLogThatCannotBeCutIsStillWritten()
+void TestLogTruncation::aLogThatCannotBeTruncatedIsStillWritten()
 {
     QFETCH(QString, kind);
     if (!makeBadTemporaryFolder(kind))
@@ -585,12 +587,12 @@ void TestLogTruncation::withoutRoomForTheTailTheLogStaysAsItWas()
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
 }
 
-void TestLogTruncation::theCutHoldsOnAnotherFileSystem_data()
+void TestLogTruncation::theOffsetIsTheSameOnAnotherFileSystem_data()
 {
     permissionsSurvive_data();
 }
 
-void TestLogTruncation::theCutHoldsOnAnotherFileSystem()
+void TestLogTruncation::theOffsetIsTheSameOnAnotherFileSystem()
 {
     QFETCH(int, permissions);
     const QString elsewhere = folderOnAnotherFileSystem(folder_->path());
@@ -621,7 +623,7 @@ void TestLogTruncation::onAnotherFileSystemNothingIsLeftBehind()
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
 }
 
-void TestLogTruncation::theFileBehindALinkIsCut_data()
+void TestLogTruncation::theFileThatALinkLeadsToIsTruncated_data()
 {
     QTest::addColumn<QString>("target");
     QTest::addColumn<bool>("isAbsolute");
@@ -640,7 +642,7 @@ void TestLogTruncation::theFileBehindALinkIsCut_data()
 }
 
 // In its own folder, where nothing but it lies afterwards; the link stays as it was.
-void TestLogTruncation::theFileBehindALinkIsCut()
+void TestLogTruncation::theFileThatALinkLeadsToIsTruncated()
 {
     if (onWindows())
         QSKIP("A link is a file of its own here.");

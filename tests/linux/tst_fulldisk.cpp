@@ -38,7 +38,7 @@ QByteArray tooLargeLog()
     return log;
 }
 
-// All lines are of one length, so that the first whole one behind a mebibyte is easily found.
+// All lines are of one length, so that the first whole one after a mebibyte is easily found.
 QByteArray tailOf(const QByteArray &log)
 {
     const int length = lineOf(0).size();
@@ -79,7 +79,7 @@ private Q_SLOTS:
     void aFullDiskTakesWholeLinesOfALog();
     void aFullDiskDoesNotFillTheMemory();
     void aLogOnAFullDeviceLosesItsLines();
-    void aLogThatCannotBeCutIsCutWhenThereIsRoomAgain();
+    void aLogThatCannotBeTruncatedIsTruncatedWhenThereIsSpaceAgain();
     void withoutRoomBesideTheLogItStaysAsItWas();
     void aTailWhoseLastBytesFindNoRoomDoesNotReplaceTheLog();
     void withoutAFreeDescriptorTheLogIsStillWritten();
@@ -192,7 +192,7 @@ void TestFullDisk::aLogOnAFullDeviceLosesItsLines()
     log.append(QStringLiteral("line"));
 }
 
-void TestFullDisk::aLogThatCannotBeCutIsCutWhenThereIsRoomAgain()
+void TestFullDisk::aLogThatCannotBeTruncatedIsTruncatedWhenThereIsSpaceAgain()
 {
     const QByteArray before = tooLargeLog();
     QVERIFY(writeFile(fileName_, before));
@@ -245,8 +245,8 @@ void TestFullDisk::aTailWhoseLastBytesFindNoRoomDoesNotReplaceTheLog()
 {
     constexpr int Room = 16 << 18; // for the blocks that are written at once
     constexpr int Rest = 1000;
-    const int cut = tooLargeLog().size() - tailOf(tooLargeLog()).size();
-    const QByteArray log = tooLargeLog().leftJustified(cut + Room + Rest, '.', true);
+    const int offset = tooLargeLog().size() - tailOf(tooLargeLog()).size();
+    const QByteArray log = tooLargeLog().leftJustified(offset + Room + Rest, '.', true);
     QVERIFY(log.size() > Log::MaxLogSize);
     QVERIFY(writeFile(fileName_, log));
     const TestMessages messages;
@@ -265,7 +265,7 @@ void TestFullDisk::aTailWhoseLastBytesFindNoRoomDoesNotReplaceTheLog()
         qputenv("TMPDIR", before);
     QVERIFY(content == log);
     QCOMPARE(left, QStringList());
-    QVERIFY(contentOf(fileName_) == log.mid(cut)); // with room
+    QVERIFY(contentOf(fileName_) == log.mid(offset)); // with room
 }
 
 void TestFullDisk::withoutAFreeDescriptorTheLogIsStillWritten()

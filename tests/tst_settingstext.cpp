@@ -9,6 +9,7 @@
 #include <QtTest/QtTest>
 
 #include <algorithm>
+#include <ctime>
 #include <memory>
 
 using namespace Vorn::Util::Platform;
@@ -297,11 +298,11 @@ void tst_SettingsText::aLongTextIsReadInTime()
          {"a=b\n", "[a]\n", ";\n", "\\\n", "\"", "\\x1", "a=\\\"", ",", "%U", "["}) {
         const QByteArray once(part);
         const QByteArray text = once.repeated(1000000 / once.size());
-        QElapsedTimer timer;
-        timer.start();
-        settingsTexts("[24.0]\nName=" + text);
-        settingsTexts(text);
-        QVERIFY2(timer.elapsed() < 5000, part);
+        for (const QByteArray &content : {"[24.0]\nName=" + text, text}) {
+            const std::clock_t start = std::clock(); // does not count other programs
+            settingsTexts(content);
+            QVERIFY2(std::clock() - start < 5 * CLOCKS_PER_SEC, part);
+        }
     }
 }
 

@@ -20,7 +20,8 @@
 
 namespace Vorn::Util {
 
-// The entry of a task. The QPointers tell a task that was deleted from a later one at its address.
+// The entry of a task. A QPointer is null for a deleted task, also when a later task has its
+// address.
 struct AsyncTaskProcessor::CleanUp
 {
     QPointer<AsyncTask> task;
@@ -30,7 +31,7 @@ struct AsyncTaskProcessor::CleanUp
 
 namespace {
 
-// What the processor needs of a finished task, which a slot may delete too early.
+// What the processor needs of a finished task. A slot may delete the task before it is used.
 struct Result
 {
     bool isOk;
@@ -131,6 +132,7 @@ bool AsyncTaskProcessor::isOk() const
 
 void AsyncTaskProcessor::startLater()
 {
+    // Kept for compatibility: see "Start on an empty queue" in docs/compatibility.md.
     if (isFinished())
         return;
     log(QStringLiteral("Start processing tasks"));
@@ -246,13 +248,14 @@ void AsyncTaskProcessor::goOn()
 
 void AsyncTaskProcessor::stopAfterError(AsyncTask *task)
 {
+    // Kept for compatibility: see "One stop" in docs/compatibility.md.
     if (!exitOnError_ || stopping_)
         return;
     stopping_ = true;
     if (cleanUpTasks_.contains(task))
         skipToCleanUpTask(task);
-    else
-        tasks_.clear(); // the dropped tasks live on as children
+    else // Kept for compatibility: see "Tasks dropped after a failure" in docs/compatibility.md.
+        tasks_.clear();
 }
 
 void AsyncTaskProcessor::stopWhenCanceled(AsyncTask *task)

@@ -17,7 +17,7 @@ int valueOfComputeNode(const QList<NodeInfo> &nodes, int NodeInfo::*value)
     const auto node = std::find_if(nodes.cbegin(), nodes.cend(),
                                    [](const NodeInfo &candidate) { return !candidate.isHeadNode; });
     const int found = node == nodes.cend() ? 0 : (*node).*value;
-    // Sockets also where cores were asked for: callers rely on it.
+    // Kept for compatibility: see "Sockets for cores" in docs/compatibility.md.
     return found != 0 ? found : nodes.first().sockets;
 }
 

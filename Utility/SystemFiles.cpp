@@ -34,7 +34,8 @@ bool removeLink(const QString &path)
     return QFile::remove(path) || QDir().rmdir(path);
 }
 
-// Not with the iterator's own way into subfolders, which takes junctions too and so may never end.
+// Calls itself for subfolders: with QDirIterator::Subdirectories the walk would follow junctions,
+// and might never end.
 qint64 sizeBelow(const QString &folder)
 {
     qint64 size = 0;
@@ -71,7 +72,7 @@ QString realPath(const QFileInfo &folder)
 
 struct TreeWalk
 {
-    // Called for every entry, with whether it lies at the top; tells whether to go into it.
+    // Called for every entry of a folder. Returns whether to go into the entry.
     std::function<bool(const Platform::FolderEntry &entry, bool isAtTop)> visit;
     // Called in the folder above after the entries of a folder, also when it could not be entered.
     std::function<void(const QString &folder)> leave;
@@ -106,7 +107,8 @@ bool walkTree(Platform::FolderTree &tree, const TreeWalk &walk)
     }
 }
 
-// Kept for compatibility: see "What removeDir leaves" in docs/compatibility.md.
+// Kept for compatibility: see "What removeDir leaves" and "Missing folder to keep" in
+// docs/compatibility.md.
 bool emptyFolder(const QString &path, const QStringList &exceptions)
 {
     const std::unique_ptr<Platform::FolderTree> tree = Platform::openFolderTree(path);

@@ -24,7 +24,7 @@ QString System::toWindowsPath(const QString &path)
     if (!isWslPath(path) || mount.indexIn(path) < 0)
         return path;
     const QString letter = mount.cap(1);
-    // Every occurrence, not only the first: callers rely on it.
+    // Kept for compatibility: see "Every occurrence of a drive" in docs/compatibility.md.
     return QString(path)
         .replace(QStringLiteral("/mnt/%1").arg(letter), letter.toUpper() + QLatin1Char(':'))
         .replace(QLatin1Char('/'), QLatin1Char('\\'));
@@ -32,10 +32,12 @@ QString System::toWindowsPath(const QString &path)
 
 QString System::toWslPath(const QString &path)
 {
-    QRegExp drive(QStringLiteral("^([A-Z|a-z]):")); // "|" too: callers rely on it
+    // Kept for compatibility: see "Vertical bar as a drive letter" in docs/compatibility.md.
+    QRegExp drive(QStringLiteral("^([A-Z|a-z]):"));
     if (isWslPath(path) || drive.indexIn(path) < 0)
         return path;
     const QString letter = drive.cap(1);
+    // Kept for compatibility: see "Every occurrence of a drive" in docs/compatibility.md.
     return QString(path)
         .replace(letter + QLatin1Char(':'), QStringLiteral("/mnt/%1").arg(letter.toLower()))
         .replace(QLatin1Char('\\'), QLatin1Char('/'));

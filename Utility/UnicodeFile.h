@@ -30,6 +30,7 @@ namespace Vorn::Util {
 /// written through. When a move fails, the file stays where it was. A file of that name in the
 /// folder for temporary files is lost, whoever made it: two files with the same plain name in
 /// different folders must not be handled at the same time.
+/// Kept for compatibility: see "Replaced files" in docs/compatibility.md.
 ///
 /// To another file system the file is copied. The copy is private to the user until it is complete,
 /// and is removed when it cannot be completed. It has the permissions of the file, but not its
@@ -56,6 +57,7 @@ namespace Vorn::Util {
 /// \par Copies
 /// Every copy of the object moves the file back when it is destroyed: the first copy destroyed ends
 /// the plain path.
+/// Kept for compatibility: see "Copies of a UnicodeFile" in docs/compatibility.md.
 ///
 /// \par Paths, threads, failures
 /// Give an absolute path: a relative one counts from the current folder of each move. Construction

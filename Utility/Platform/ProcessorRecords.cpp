@@ -117,7 +117,8 @@ ProcessorCounts countExtendedRecords(const QByteArray &records)
         if (size < smallest || size > static_cast<quint32>(records.size() - offset))
             break;
         count(counts, kind);
-        // Each core overwrites what the one before said: callers rely on the last one's answer.
+        // Each core overwrites the value of the one before.
+        // Kept for compatibility: see "Hyper-threading of the last core" in docs/compatibility.md.
         if (kind == CoreRecord) {
             counts.tellsSmt = true;
             counts.smt = records.at(offset + FlagsAt) == SmtFlag;

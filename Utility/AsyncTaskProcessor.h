@@ -66,9 +66,9 @@ public:
     void addTask(Vorn::Util::AsyncTask *task);
 
     /// Names the task to jump to when \a task fails or the run is cancelled after it; null for
-    /// none. A later call replaces the name. The clean-up task has to be queued after \a task: a
-    /// jump to one that is not in the queue, or was deleted, deletes the whole queue, and nothing
-    /// more runs.
+    /// none. A later call replaces the earlier one. The clean-up task has to be queued after \a
+    /// task: a jump to one that is not in the queue, or was deleted, deletes the whole queue, and
+    /// nothing more runs.
     void setCleanUpTask(Vorn::Util::AsyncTask *task, Vorn::Util::AsyncTask *cleanUpTask);
 
     /// Whether the end of the run ends the application's event loop, with 0 or 1. Off at first.

@@ -55,9 +55,9 @@ public:
     {
         QObject::connect(&process, &QProcess::readyReadStandardOutput, [this, &process, most] {
             const QByteArray block = process.readAll();
-            const qint64 room = most - static_cast<qint64>(bytes_.size());
+            const qint64 remaining = most - static_cast<qint64>(bytes_.size());
             bytes_.append(block.constData(),
-                          static_cast<std::size_t>(std::min<qint64>(block.size(), room)));
+                          static_cast<std::size_t>(std::min<qint64>(block.size(), remaining)));
         });
     }
 

@@ -30,9 +30,9 @@ class Log;
 /// - There is no file, and none can be saved: the system's numbers are used.
 ///
 /// A file that cannot be read is left alone: delete it to have the system asked again. Such a file
-/// is one that is not well-formed, is no plain file (a pipe, a folder), has more than 1 MiB or more
-/// than 2,000 "<", or holds "<!DOCTYPE". A file that can be read may hold any numbers: one that is
-/// no number is 0, and nothing is checked against the machine.
+/// is one that is not well-formed, is not a plain file (a pipe, a folder), has more than 1 MiB or
+/// more than 2,000 "<", or holds "<!DOCTYPE". The numbers in a file that can be read are not
+/// checked against the machine. A text that is not a number is read as 0.
 ///
 /// A link to a file is followed to read it. Nothing is written through a link: one that leads to
 /// nothing counts as no file, stays as it is, and the saving fails.
@@ -41,7 +41,7 @@ class Log;
 /// thread's stack.
 ///
 /// A copyable value for one thread at a time. The log is not owned, may be null, and must live as
-/// long as the constructor runs. Of two processes that make the file at once the last one wins.
+/// long as the constructor runs. When two processes write the file at once, the last one wins.
 class VORNUTILITY_EXPORT CpuInfo
 {
 public:
@@ -49,12 +49,12 @@ public:
     /// without it, saving fails and the numbers are the system's.
     CpuInfo(Log *log, const QString &dir);
 
-    /// Processor packages (sockets); at least 1, but for a file that says otherwise.
+    /// Processor packages (sockets). At least 1, unless the file says otherwise.
     int processorCount() const;
 
-    /// Physical cores of all packages; at least 1, but for a file that says otherwise. As the file
-    /// keeps the cores of one package, packages of different sizes lose a few cores when it is
-    /// read.
+    /// Physical cores of all packages. At least 1, unless the file says otherwise. The file holds
+    /// the cores per package, rounded down: when the packages differ, the number read back can be
+    /// smaller.
     int coreCount() const;
 
     /// Cores per package, rounded down; a package count of 0 counts as 1.

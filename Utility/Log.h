@@ -38,11 +38,11 @@ namespace Vorn::Util {
 /// Windows the new file has the access list of the folder for temporary files, or of its own folder
 /// when that is on another volume). A hard link goes on leading to the former file.
 ///
-/// When the log cannot be truncated, it stays as it was and grows, and each append() tries again. An
-/// attempt that must fail is cheap where this can be foreseen: one of the two folders is missing or
-/// cannot be written, a disk is full, or the log is protected or a mount point of its own. A quota,
-/// a security module that forbids the replacement, and a file system that refuses it for a reason
-/// of its own cannot be foreseen: each line then costs up to two copies of the tail.
+/// When the log cannot be truncated, it stays as it was and grows, and each append() tries again.
+/// An attempt that must fail is cheap where this can be foreseen: one of the two folders is missing
+/// or cannot be written, a disk is full, or the log is protected or a mount point of its own. A
+/// quota, a security module that forbids the replacement, and a file system that refuses it for a
+/// reason of its own cannot be foreseen: each line then costs up to two copies of the tail.
 ///
 /// append() and the operators close an open log for its truncation and open it again afterwards.
 /// Where it cannot be opened again (the process has changed its user since), the log writes nothing

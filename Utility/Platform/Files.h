@@ -5,7 +5,7 @@
 
 namespace Vorn::Util::Platform {
 
-/// What came of a move. Nothing has changed unless it is Moved.
+/// The result of a move. Nothing has changed unless it is Moved.
 enum class MoveOutcome {
     Moved,
     OtherFileSystem, ///< the two paths lie on different file systems
@@ -29,7 +29,7 @@ bool removeFile(const QString &path);
 /// changed there.
 bool openWithoutLink(QFile &file);
 
-/// Opens \a file to read it; a link is followed. False for what is no plain file, also when it
+/// Opens \a file to read it; a link is followed. False for anything but a plain file, also when it
 /// takes the place of a plain file meanwhile: opening a pipe would wait for a writer.
 bool openPlainFile(QFile &file);
 

@@ -29,7 +29,7 @@ public:
 void visitProcesses(const std::function<bool(RunningProcess &)> &visit);
 
 /// Whether a process runs a program of exactly this file name, also one that may not be opened. On
-/// Linux such a one is known by the name that it gives itself.
+/// Linux such a process is known by the name that it gives itself.
 bool isProgramRunning(const QString &name);
 
 /// The machine's name; empty when the call fails.

@@ -176,7 +176,7 @@ QString plainValue(const QString &raw)
     QString text;
     bool isQuoted = false;
     bool wasQuoted = false;
-    int kept = 0; // characters of the text that are no blanks to be removed from its end
+    int kept = 0; // length of the text up to its last escape; blanks before that stay
     const auto afterBlanks = [&raw](int position) {
         while (position < raw.size() && isBlank(raw.at(position)))
             ++position;

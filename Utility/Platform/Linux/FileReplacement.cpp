@@ -32,7 +32,7 @@ bool copyAccessList(int from, int to)
     std::array<char, 4096> list{};
     const ssize_t size = fgetxattr(from, Name, list.data(), list.size());
     const auto hasNone = [] { return errno == ENODATA || errno == EOPNOTSUPP; };
-    if (size < 0) // then not the one either that the new file was given by its folder
+    if (size < 0) // remove the list that the new file may have inherited from its folder
         return hasNone() && (fremovexattr(to, Name) == 0 || hasNone());
     return fsetxattr(to, Name, list.data(), static_cast<std::size_t>(size), 0) == 0;
 }
@@ -98,13 +98,14 @@ bool NewFile::copyFrom(int source, off_t offset)
 // file system, among others.
 bool NewFile::takePlaceOf(const QString &name, int former)
 {
-    // Nobody can open a file without a name. One with a name stays private in the first folder.
-    const bool isPrivate = name_.isEmpty();
-    if (isPrivate)
+    // Nobody else can open a file without a name, so it gets its permissions before it is named. A
+    // file with a name stays private until it has left the folder for temporary files.
+    const bool wasNameless = name_.isEmpty();
+    if (wasNameless)
         copyPermissions(former);
     if (!moveTo(folderOf(name)))
         return false;
-    if (!isPrivate)
+    if (!wasNameless)
         copyPermissions(former);
     if (std::rename(name_.constData(), QFile::encodeName(name).constData()) != 0)
         return false;
@@ -181,7 +182,7 @@ bool mayReplaceFile(const QString &name)
 
 bool mayCreateFileIn(const QString &folder)
 {
-    // Only a folder has an entry "."; without a name it would be that of the root folder.
+    // Only a folder has an entry ".". An empty path would lead to that of the root folder.
     return !folder.isEmpty() && mayWriteTo(QFile::encodeName(folder) + "/.");
 }
 

@@ -122,7 +122,8 @@ public:
         return true;
     }
 
-    // Reopen the next level now, while its child is still open: the level below may refuse "..".
+    // Also reopens the folder above the new current one: only the ".." of the current one leads to
+    // it, so this must be done while the current one is open.
     bool leave() override
     {
         levels_.pop_back();

@@ -9,7 +9,7 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-// A file or folder that is open to be asked for its identity.
+// An open file or folder whose identity can be compared.
 class OpenFile
 {
 public:

@@ -34,8 +34,8 @@ bool isRealFolder(HANDLE handle)
         && !IsReparseTagNameSurrogate(tag.ReparseTag);
 }
 
-// A folder that nobody can rename or remove as long as the object lives: it is not opened to be
-// shared for that.
+// A folder that nobody can rename or remove as long as the object lives, because it is opened
+// without FILE_SHARE_DELETE.
 class HeldFolder
 {
 public:

@@ -70,7 +70,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     if (code == ERROR_SUCCESS && text.size() < 1024)
         return {SettingsValue::Found, text, 0, QString()};
     if (code == ERROR_SUCCESS)
-        code = ERROR_MORE_DATA; // no room for the terminating null
+        code = ERROR_MORE_DATA; // no space for the terminating null
     // The thread's last error, which need not be the code returned: the line printed has always
     // held both.
     return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(lastError)};

@@ -43,7 +43,7 @@ inline QString longForm(const QString &path)
     const QString native = QDir::toNativeSeparators(path);
     if (native.startsWith(QLatin1String("\\\\?\\")) || native.startsWith(QLatin1String("\\\\.\\")))
         return native;
-    const DWORD size = GetFullPathNameW(wide(native), 0, nullptr, nullptr); // with the last null
+    const DWORD size = GetFullPathNameW(wide(native), 0, nullptr, nullptr); // counts the null
     std::vector<wchar_t> buffer(size + 1);
     const DWORD length = GetFullPathNameW(wide(native), size, buffer.data(), nullptr);
     const QString full = QString::fromWCharArray(buffer.data(), static_cast<int>(length));

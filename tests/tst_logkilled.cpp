@@ -39,7 +39,7 @@ int lineLength()
     return NumberedLineLength + lineEnd().size();
 }
 
-// Lines from number 0 on, up to the first size that has a log cut.
+// Lines from number 0 on, up to the first size that has a log truncated.
 QByteArray tooLargeLog()
 {
     QByteArray log;
@@ -80,11 +80,11 @@ class TestLogKilled : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aKilledProgramLeavesTheWholeLogOrTheCutOne_data();
-    void aKilledProgramLeavesTheWholeLogOrTheCutOne();
+    void aKilledProgramLeavesTheWholeLogOrTheTruncatedOne_data();
+    void aKilledProgramLeavesTheWholeLogOrTheTruncatedOne();
 };
 
-void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheCutOne_data()
+void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheTruncatedOne_data()
 {
     QTest::addColumn<bool>("elsewhere");
     QTest::addColumn<quint32>("seed");
@@ -93,13 +93,13 @@ void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheCutOne_data()
     QTest::newRow("temporary files on another file system") << true << 20240306U;
 }
 
-// No line that was reported as written is lost but those that the cut takes, and the log is never
-// only in a file of another name.
-void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheCutOne()
+// No line that was reported as written is lost but those that a truncation removes, and the log is
+// never only in a file of another name.
+void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheTruncatedOne()
 {
     QFETCH(bool, elsewhere);
     QFETCH(quint32, seed);
-    constexpr int LongestLife = 12000; // microseconds, about two cuts
+    constexpr int LongestLife = 12000; // microseconds, about two truncations
     constexpr int MostCopies = 5;      // one stays of a program that is killed in a certain moment
     const int rounds = (onWindows() ? 20 : 100) / LOAD_FACTOR;
     const TestFolder folder;
@@ -114,7 +114,7 @@ void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheCutOne()
     const QString logFolder = folder.filePath(QStringLiteral("logs"));
     const QString fileName = logFolder + QStringLiteral("/run.log");
     QVERIFY(QDir().mkdir(logFolder));
-    int cuts = 0;
+    int truncations = 0;
     int temporaryFiles = 0;
     int copiesBesideTheLog = 0;
     for (int round = 0; round < rounds; ++round) {
@@ -128,10 +128,10 @@ void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheCutOne()
         QProcess program;
         program.setProcessEnvironment(environment);
         program.start(helperProgram(),
-                      {QStringLiteral("log-cut-endlessly"), fileName,
+                      {QStringLiteral("log-truncate-endlessly"), fileName,
                        QString::number(before.size() / lineLength())});
         if (random.bounded(4) == 0)
-            QVERIFY(program.waitForStarted()); // killed on its way to the first cut
+            QVERIFY(program.waitForStarted()); // killed on its way to the first truncation
         else
             QVERIFY(program.waitForReadyRead());
         QThread::usleep(static_cast<unsigned long>(delay));
@@ -152,7 +152,7 @@ void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheCutOne()
         const QList<QByteArray> told = program.readAllStandardOutput().split('\n');
         if (told.size() > 1)
             QVERIFY2(last >= told.at(told.size() - 2).trimmed().toInt(), where.constData());
-        cuts += log.startsWith(before.left(lineLength())) ? 0 : 1;
+        truncations += log.startsWith(before.left(lineLength())) ? 0 : 1;
         temporaryFiles += entriesOf(temporary.path()).size();
         QVERIFY(QFile::remove(fileName));
         const QStringList copies = entriesOf(logFolder);
@@ -160,9 +160,9 @@ void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheCutOne()
         for (const QString &copy : copies)
             QVERIFY(QFile::remove(logFolder + QLatin1Char('/') + copy));
     }
-    qInfo("Load factor 1/%d, seed %u: %d programs killed, %d of them after a cut; %d temporary "
-          "files and %d copies beside the log are left",
-          LOAD_FACTOR, seed, rounds, cuts, temporaryFiles, copiesBesideTheLog);
+    qInfo("Load factor 1/%d, seed %u: %d programs killed, %d of them after a truncation; %d "
+          "temporary files and %d copies beside the log are left",
+          LOAD_FACTOR, seed, rounds, truncations, temporaryFiles, copiesBesideTheLog);
     if (!onWindows()) {
         QCOMPARE(temporaryFiles, 0);
         QVERIFY(copiesBesideTheLog <= MostCopies);

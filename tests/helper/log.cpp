@@ -77,7 +77,7 @@ int logAtExit(const QStringList &arguments)
     return EXIT_SUCCESS;
 }
 
-int logCutEndlessly(const QStringList &arguments)
+int logTruncateEndlessly(const QStringList &arguments)
 {
     constexpr int LinesAtOnce = 1000;
     Log log(arguments.value(0), Log::NoFileTimeStamp);

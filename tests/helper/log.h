@@ -16,7 +16,7 @@ int logAppendLines(const QStringList &arguments);
 /// the end of main(), with the time in the form of this number.
 int logAtExit(const QStringList &arguments);
 
-/// "log-cut-endlessly FILE FIRST": appends lines of NumberedLines.h, from the one of this number
-/// on, so that the log is cut again and again, and prints the number of the last one that is
-/// written.
-int logCutEndlessly(const QStringList &arguments);
+/// "log-truncate-endlessly FILE FIRST": appends lines of NumberedLines.h, from the one of this
+/// number on, so that the log is truncated again and again, and prints the number of the last one
+/// that is written.
+int logTruncateEndlessly(const QStringList &arguments);

@@ -46,8 +46,8 @@ int main(int argc, char *argv[])
         return logAtExit(arguments);
     if (behaviour == "log-check")
         return logCheck(arguments);
-    if (behaviour == "log-cut-endlessly")
-        return logCutEndlessly(arguments);
+    if (behaviour == "log-truncate-endlessly")
+        return logTruncateEndlessly(arguments);
     if (behaviour == "sevenzip-convert")
         return sevenZipConvert(arguments);
     if (behaviour == "sevenzip-missing")

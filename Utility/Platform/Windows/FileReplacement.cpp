@@ -1,5 +1,6 @@
 #include <Utility/Platform/FileReplacement.h>
 
+#include <Utility/Platform/Files.h>
 #include <Utility/Platform/Windows/WindowsApi.h>
 
 #include <QtCore/QDir>
@@ -51,13 +52,6 @@ QString copyRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRe
     return rest.fileName();
 }
 
-bool moveOver(const QString &source, const QString &target)
-{
-    const QString from = QDir::toNativeSeparators(source);
-    const QString to = QDir::toNativeSeparators(target);
-    return MoveFileExW(wide(from), wide(to), MOVEFILE_REPLACE_EXISTING) != FALSE;
-}
-
 // For a source on another volume: a copy beside the target, which then takes its place.
 bool replaceByCopy(const QString &source, const QString &target)
 {
@@ -98,7 +92,7 @@ bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOf
     if (rest.isEmpty())
         return false;
     file.close(); // an open file cannot be replaced
-    if (moveOver(rest, file.fileName()))
+    if (moveFile(rest, file.fileName()) == MoveOutcome::Moved)
         return true;
     const bool isReplaced = replaceByCopy(rest, file.fileName());
     QFile::remove(rest);

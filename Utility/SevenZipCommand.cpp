@@ -1,5 +1,6 @@
 #include <Utility/SevenZipCommand.h>
 
+#include <Utility/ArchiverProgram_p.h>
 #include <Utility/Platform/Archiver.h>
 #include <Utility/SevenZip.h>
 #include <Utility/System.h>
@@ -27,18 +28,12 @@ SevenZip::Error errorOf(int exitCode, QProcess::ExitStatus exitStatus)
     return exitCode == WarningCode ? SevenZip::Warning : SevenZip::NoError;
 }
 
-Platform::ArchiverOperation operationOf(int kind)
+Formats::ArchiverOperation operationOf(int kind)
 {
     if (kind == SevenZipCommand::Compress)
-        return Platform::ArchiverOperation::Compress;
-    return kind == SevenZipCommand::Extract ? Platform::ArchiverOperation::Extract
-                                            : Platform::ArchiverOperation::List;
-}
-
-// What follows the first \a count blanks; nothing when there are fewer.
-QString afterBlanks(const QString &line, int count)
-{
-    return line.section(QLatin1Char(' '), count);
+        return Formats::ArchiverOperation::Compress;
+    return kind == SevenZipCommand::Extract ? Formats::ArchiverOperation::Extract
+                                            : Formats::ArchiverOperation::List;
 }
 
 bool exists(const QString &name)
@@ -62,6 +57,25 @@ bool writeNames(QFile &file, const QStringList &names)
 }
 
 } // namespace
+
+// Keeps what the archiver reports.
+class SevenZipCommand::Results : public Formats::ArchiverEvents
+{
+public:
+    explicit Results(SevenZip *archive)
+        : archive_(archive)
+    {
+    }
+
+    void type(const QString &name) override { archive_->setType(SevenZip::toType(name)); }
+    void method(const QString &name) override { archive_->setMethod(SevenZip::toMethod(name)); }
+    void file(const QString &name) override { archive_->addFile(name); }
+    void uncompressedSize(qint64 bytes) override { archive_->setUncompressedSize(bytes); }
+    void compressedSize(qint64 bytes) override { archive_->setCompressedSize(bytes); }
+
+private:
+    SevenZip *archive_;
+};
 
 SevenZipCommand::SevenZipCommand(int kind, SevenZip *owner)
     : QObject(owner)
@@ -96,12 +110,14 @@ void SevenZipCommand::start()
     connect(process_, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
             &SevenZipCommand::handleFinished);
 
-    const Platform::Archiver archiver = Platform::findArchiver(System::getCurrentExePath());
-    const Platform::ArchiverOperation operation = operationOf(kind_);
-    decoder_ = std::make_unique<Platform::ArchiverLineDecoder>(archiver.dialect, operation);
-    const QStringList all = Platform::archiverArguments(archiver.dialect, operation, arguments());
+    const ArchiverProgram archiver = findArchiverProgram(System::getCurrentExePath());
+    const Formats::ArchiverOperation operation = operationOf(kind_);
+    results_ = std::make_unique<Results>(owner_);
+    reader_
+        = Formats::makeArchiverReader(archiver.dialect, archiver.separator, operation, *results_);
+    const QStringList all = Formats::archiverArguments(archiver.dialect, operation, arguments());
     qDebug().noquote() << all.join(QLatin1Char(' '));
-    process_->start(archiver.program, all, QIODevice::ReadWrite);
+    process_->start(archiver.path, all, QIODevice::ReadWrite);
     process_->closeWriteChannel();
 }
 
@@ -132,14 +148,11 @@ void SevenZipCommand::readOutput()
     owner_->setOutput(QString::fromUtf8(process_->readAllStandardOutput()));
 }
 
-template <typename Handler> void SevenZipCommand::readLines(Handler handle)
+void SevenZipCommand::readLines()
 {
     const QList<QByteArray> lines = lines_.add(process_->readAllStandardOutput());
-    for (const QByteArray &bytes : lines) {
-        const QString line = decoder_->decode(bytes);
-        if (!line.isNull())
-            handle(line);
-    }
+    for (const QByteArray &line : lines)
+        reader_->readLine(line);
 }
 
 void SevenZipCommand::handleFinished(int exitCode, QProcess::ExitStatus exitStatus)
@@ -243,18 +256,7 @@ QStringList SevenZipExtractCommand::arguments()
 
 void SevenZipExtractCommand::readOutput()
 {
-    readLines([this](const QString &line) { readLine(line); });
-}
-
-void SevenZipExtractCommand::readLine(const QString &line)
-{
-    const QString rest = afterBlanks(line, 1);
-    if (line.startsWith(QLatin1String("Extracting")))
-        owner()->addFile(rest);
-    else if (line.startsWith(QLatin1String("Size:")))
-        owner()->setUncompressedSize(rest.toLongLong());
-    else if (line.startsWith(QLatin1String("Compressed:")))
-        owner()->setCompressedSize(rest.toLongLong());
+    readLines();
 }
 
 SevenZipListCommand::SevenZipListCommand(SevenZip *owner)
@@ -271,54 +273,7 @@ QStringList SevenZipListCommand::arguments()
 
 void SevenZipListCommand::readOutput()
 {
-    readLines([this](const QString &line) { readLine(line); });
-}
-
-void SevenZipListCommand::readLine(const QString &line)
-{
-    switch (state_) {
-    case Header:
-        readHeader(line);
-        break;
-    case Entries:
-        readEntry(line);
-        break;
-    default:
-        readTotals(line);
-    }
-}
-
-void SevenZipListCommand::readHeader(const QString &line)
-{
-    if (line.startsWith(QLatin1String("Type")))
-        owner()->setType(SevenZip::toType(afterBlanks(line, 2)));
-    else if (line.startsWith(QLatin1String("Method")))
-        owner()->setMethod(SevenZip::toMethod(afterBlanks(line, 2)));
-    else if (line.startsWith(QLatin1String("--------")))
-        state_ = Entries;
-}
-
-// Date, time, attributes, size, then the packed size where there is one. Without it a name loses a
-// first word that is a number.
-// Kept for compatibility: see "Entries of a listing" in docs/compatibility.md.
-void SevenZipListCommand::readEntry(const QString &line)
-{
-    if (line.startsWith(QLatin1String("--------"))) {
-        state_ = Totals;
-        return;
-    }
-    QStringList parts = afterBlanks(line, 4).split(QLatin1Char(' '));
-    if (parts.size() > 1 && Platform::isDecimalNumber(parts.first()))
-        parts.removeFirst();
-    owner()->addFile(parts.join(QLatin1Char(' ')));
-}
-
-// Every line after the table counts, so the last one holds.
-// Kept for compatibility: see "Totals of a listing" in docs/compatibility.md.
-void SevenZipListCommand::readTotals(const QString &line)
-{
-    owner()->setUncompressedSize(line.section(QLatin1Char(' '), 0, 0).toLongLong());
-    owner()->setCompressedSize(line.section(QLatin1Char(' '), 1, 1).toLongLong());
+    readLines();
 }
 
 } // namespace Vorn::Util

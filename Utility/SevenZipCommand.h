@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Utility/Formats/ArchiverOutput_p.h>
 #include <Utility/Formats/LineSplitter_p.h>
-#include <Utility/Platform/ArchiverDialect.h>
 
 #include <QtCore/QObject>
 #include <QtCore/QProcess>
@@ -47,10 +47,12 @@ protected:
     /// Makes start() end the command as a fatal error, without starting the archiver.
     void refuseToStart();
 
-    /// Hands every whole line that is there to \a handle, in the form that the readers expect.
-    template <typename Handler> void readLines(Handler handle);
+    /// Hands every whole line that is there to the reader of the archiver's output.
+    void readLines();
 
 private:
+    class Results;
+
     void endRefused();
 
     int kind_;
@@ -59,7 +61,8 @@ private:
     QString savedPath_;
     bool isRefused_ = false;
     LineSplitter lines_;
-    std::unique_ptr<Platform::ArchiverLineDecoder> decoder_;
+    std::unique_ptr<Results> results_;
+    std::unique_ptr<Formats::ArchiverReader> reader_;
 };
 
 class SevenZipCompressCommand : public SevenZipCommand
@@ -97,9 +100,6 @@ protected:
 
 protected Q_SLOTS:
     void readOutput() override;
-
-private:
-    void readLine(const QString &line);
 };
 
 class SevenZipListCommand : public SevenZipCommand
@@ -117,16 +117,6 @@ protected:
 
 protected Q_SLOTS:
     void readOutput() override;
-
-private:
-    enum State : int { Header = 0, Entries = 1, Totals = 2 };
-
-    void readLine(const QString &line);
-    void readHeader(const QString &line);
-    void readEntry(const QString &line);
-    void readTotals(const QString &line);
-
-    int state_ = Header;
 };
 
 } // namespace Vorn::Util

@@ -1,136 +1,88 @@
-// The output of the archiver, read as it arrives. Byte 0: bit 0 is the dialect (1 is the current
-// one), bit 1 the operation (1 lists). Byte 1 decides how the output is cut into blocks.
+// The output of the archiver, read line by line. Byte 0: bits 0 and 1 are the dialect, bit 2 the
+// operation (1 lists), bit 3 the separator (1 is that of Windows). Byte 1 decides how the output is
+// cut into blocks.
 
 #include "Fuzz.h"
 
-#include <Utility/SevenZip.h>
-#include <Utility/SevenZipCommand.h>
+#include <Utility/Formats/ArchiverOutput_p.h>
+#include <Utility/Formats/LineSplitter_p.h>
 
-#include <QtCore/QMetaObject>
+#include <QtCore/QStringList>
 
-#include <algorithm>
 #include <functional>
-#include <memory>
 #include <random>
-#include <utility>
 
 using namespace Vorn::Util;
-using Platform::ArchiverDialect;
-using Platform::ArchiverLineDecoder;
-using Platform::ArchiverOperation;
+using namespace Vorn::Util::Formats;
 
 namespace {
 
-using Decoder = std::unique_ptr<ArchiverLineDecoder>;
-
-// A process that never ran: it printed what it is given.
-class Output : public QProcess
+// One text for each event.
+class Recorder : public ArchiverEvents
 {
 public:
-    Output() { setOpenMode(QIODevice::ReadOnly); }
+    void type(const QString &name) override { add('t', name); }
+    void method(const QString &name) override { add('m', name); }
+    void file(const QString &name) override { add('f', name); }
+    void uncompressedSize(qint64 bytes) override { add('u', QString::number(bytes)); }
+    void compressedSize(qint64 bytes) override { add('c', QString::number(bytes)); }
 
-    void add(const QByteArray &block) { block_ += block; }
-
-    bool canReadLine() const override { return block_.contains('\n') || QIODevice::canReadLine(); }
-
-protected:
-    qint64 readData(char *data, qint64 maxSize) override
-    {
-        const int size = static_cast<int>(std::min<qint64>(maxSize, block_.size()));
-        std::copy_n(block_.constData(), size, data);
-        block_.remove(0, size);
-        return size;
-    }
+    const QStringList &events() const { return events_; }
 
 private:
-    QByteArray block_;
+    void add(char kind, const QString &text) { events_ << QLatin1Char(kind) + text; }
+
+    QStringList events_;
 };
 
-// Gives a command that was not started its process: an explicit instantiation may name what is
-// private.
-template <auto Process, auto Lines> struct Attachment
+struct Program
 {
-    friend void attach(SevenZipCommand &command, QProcess *process, Decoder decoder)
-    {
-        command.*Process = process;
-        command.*Lines = std::move(decoder);
-    }
-};
-void attach(SevenZipCommand &command, QProcess *process, Decoder decoder);
-template struct Attachment<&SevenZipCommand::process_, &SevenZipCommand::decoder_>;
-
-struct Result
-{
-    QStringList files;
-    qint64 size;
-    qint64 compressedSize;
-    SevenZip::Type type;
-    SevenZip::Method method;
-
-    bool operator==(const Result &other) const
-    {
-        return files == other.files && size == other.size && compressedSize == other.compressedSize
-            && type == other.type && method == other.method;
-    }
+    ArchiverDialect dialect;
+    ArchiverOperation operation;
+    char separator;
 };
 
-Result read(const QByteArray &text, ArchiverDialect dialect, ArchiverOperation operation,
-            const std::function<int()> &nextBlockSize)
+QStringList read(const QByteArray &text, const Program &program,
+                 const std::function<int()> &nextBlockSize)
 {
-    Output output;
-    SevenZip archive;
-    SevenZipCommand *command = nullptr;
-    if (operation == ArchiverOperation::List)
-        command = new SevenZipListCommand(&archive);
-    else
-        command = new SevenZipExtractCommand(QString(), &archive);
-    attach(*command, &output, std::make_unique<ArchiverLineDecoder>(dialect, operation));
+    Recorder recorder;
+    const auto reader
+        = makeArchiverReader(program.dialect, program.separator, program.operation, recorder);
+    LineSplitter splitter;
     for (int at = 0; at < text.size();) {
         const int blockSize = nextBlockSize();
-        output.add(text.mid(at, blockSize));
-        CHECK(QMetaObject::invokeMethod(command, "readOutput", Qt::DirectConnection));
+        const QList<QByteArray> lines = splitter.add(text.mid(at, blockSize));
+        for (const QByteArray &line : lines)
+            reader->readLine(line);
         at += blockSize;
     }
-    return {archive.files(), archive.uncompressedSize(), archive.compressedSize(), archive.type(),
-            archive.method()};
+    return recorder.events();
 }
 
-// The lines that name a file, found by the marks around them alone.
-QStringList namingLines(const QByteArray &text, ArchiverDialect dialect,
-                        ArchiverOperation operation)
+// What every reader keeps to, whatever the output is.
+void checkEvents(const QStringList &events, const QByteArray &text, const Program &program)
 {
-    const bool isCurrent = dialect == ArchiverDialect::Current;
-    QStringList found;
-    QList<QByteArray> lines = text.split('\n');
-    lines.removeLast(); // what has no line end is not a line
-    bool isComment = false;
-    int rulers = 0;
-    for (const QByteArray &bytes : lines) {
-        QString line
-            = isCurrent ? QString::fromUtf8(bytes) : QString::fromLatin1(bytes).simplified();
-        while (line.endsWith(QLatin1Char('\r')))
-            line.chop(1);
-        const bool isHeader = operation == ArchiverOperation::List ? rulers == 0 : found.isEmpty();
-        if (isCurrent && (isComment || (isHeader && line == QLatin1String("{")))) {
-            isComment = line != QLatin1String("}");
-        } else if (operation == ArchiverOperation::List) {
-            // In the table of the current dialect the first column counts, without its blanks.
-            const QString start = isCurrent && rulers == 1 ? line.left(10).trimmed() : line;
-            if (start.startsWith(QLatin1String("--------")))
-                ++rulers;
-            else if (rulers == 1)
-                found.append(line);
-        } else if (!isCurrent) {
-            if (line.startsWith(QLatin1String("Extracting")))
-                found.append(line);
-        } else if (line.startsWith(QLatin1String("Size:"))
-                   || line.startsWith(QLatin1String("Compressed:"))) {
-            break;
-        } else if (line.startsWith(QLatin1String("- "))) {
-            found.append(line);
+    const bool isOld = program.dialect == ArchiverDialect::UpTo933;
+    const bool isListing = program.operation == ArchiverOperation::List;
+    CHECK(events.size() <= 2 * text.count('\n'));
+    int totals = 0;
+    for (const QString &event : events) {
+        const QChar kind = event.at(0);
+        CHECK(isListing || (kind != QLatin1Char('t') && kind != QLatin1Char('m')));
+        totals += kind == QLatin1Char('u');
+        if (kind == QLatin1Char('f') && !isOld) {
+            // A name stands in the output as it is; what is not UTF-8 cannot be compared.
+            const QString name = event.mid(1);
+            CHECK(name.contains(QChar::ReplacementCharacter) || text.contains(name.toUtf8()));
         }
     }
-    return found;
+    CHECK(isOld || !isListing || totals <= 1);
+}
+
+void checkVersion(const QByteArray &text)
+{
+    const auto version = versionInBanner(text.left(text.indexOf('\n')));
+    CHECK(!version || (text.startsWith("7-Zip ") && version->minorNumber < 100));
 }
 
 } // namespace
@@ -139,22 +91,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     if (size < 2)
         return 0;
-    const auto dialect = data[0] & 1 ? ArchiverDialect::Current : ArchiverDialect::Product;
-    const auto operation = data[0] & 2 ? ArchiverOperation::List : ArchiverOperation::Extract;
+    constexpr ArchiverDialect dialects[] = {ArchiverDialect::UpTo933, ArchiverDialect::From934,
+                                            ArchiverDialect::From1505, ArchiverDialect::From2107};
+    const Program program{dialects[data[0] & 3],
+                          data[0] & 4 ? ArchiverOperation::List : ArchiverOperation::Extract,
+                          data[0] & 8 ? '\\' : '/'};
     const QByteArray text = bytesOf(data + 2, size - 2);
+    checkVersion(text);
 
-    const Result result = read(text, dialect, operation, [&] { return text.size(); });
+    const QStringList events = read(text, program, [&] { return text.size(); });
+    checkEvents(events, text, program);
     std::minstd_rand random(data[1]);
-    CHECK(result == read(text, dialect, operation, [&] { return 1 + int(random() % 64); }));
-
-    const QStringList lines = namingLines(text, dialect, operation);
-    CHECK(result.files.size() == lines.size());
-    if (dialect == ArchiverDialect::Current && operation == ArchiverOperation::Extract) {
-        for (int i = 0; i < lines.size(); ++i) {
-            const QString &name = result.files.at(i);
-            CHECK(lines.at(i) == QLatin1String("- ") + name
-                  || lines.at(i) == QLatin1String("- ") + name + QLatin1Char('/'));
-        }
-    }
+    CHECK(events == read(text, program, [&] { return 1 + int(random() % 64); }));
     return 0;
 }

@@ -20,8 +20,7 @@ FakePlatform &fakePlatform()
 }
 
 FakePlatform::FakePlatform()
-    : findArchiver(always(Vorn::Util::Platform::Archiver{
-        QStringLiteral("no archiver"), Vorn::Util::Platform::ArchiverDialect::Product}))
+    : findArchiver(always(QStringLiteral("no archiver")))
     , clusterToolCommand(always(QString()))
     , openCounter(always(nullptr))
     , universalName(always(QString()))
@@ -67,7 +66,7 @@ FakePlatform::FakePlatform()
 
 namespace Vorn::Util::Platform {
 
-Archiver findArchiver(const QString &productFolder)
+QString findArchiver(const QString &productFolder)
 {
     return fakePlatform().findArchiver(productFolder);
 }

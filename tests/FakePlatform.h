@@ -27,7 +27,7 @@ struct FakePlatform
 
     FakePlatform();
 
-    Function<Vorn::Util::Platform::Archiver, const QString &> findArchiver;
+    Function<QString, const QString &> findArchiver;
     Function<QString, const QString &, const QString &> clusterToolCommand;
     Function<std::unique_ptr<Vorn::Util::SysInfo>, const QString &> openCounter;
     Function<QString, const QString &> universalName;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <Utility/Platform/ArchiverDialect.h>
-
 #include <QtCore/QString>
 
 #include <memory>
@@ -10,15 +8,10 @@ class QProcess;
 
 namespace Vorn::Util::Platform {
 
-struct Archiver
-{
-    QString program;
-    ArchiverDialect dialect;
-};
-
-/// The archiver to run: that in the folder of the product, \a productFolder, or what the system
-/// offers instead. When there is none, the program named does not exist.
-Archiver findArchiver(const QString &productFolder);
+/// The path of the archiver to run: "7z.exe" in the folder of the product, \a productFolder, or
+/// what the system offers instead. If none is found, the path of that "7z.exe", which does not
+/// exist.
+QString findArchiver(const QString &productFolder);
 
 /// A process in which the archiver cannot ask the user on a terminal: it would wait for ever. It is
 /// interrupted with this program all the same (Ctrl-C).

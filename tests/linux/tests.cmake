@@ -8,6 +8,7 @@ target_compile_definitions(tst_archiverfaults PRIVATE
     FAKE_ARCHIVER_PROGRAM="$<TARGET_FILE:fakearchiver>" LOAD_FACTOR=${load_factor})
 vorn_add_test(tst_archiverterminal FROM linux)
 target_link_libraries(tst_archiverterminal PRIVATE util)
+vorn_add_test(tst_archiverversion INTERNAL FROM linux)
 vorn_add_test(tst_load FROM linux FOLDER fake-archiver)
 add_dependencies(tst_load fakearchiver)
 target_compile_definitions(tst_load PRIVATE LOAD_FACTOR=${load_factor})

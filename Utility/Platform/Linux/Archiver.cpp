@@ -32,11 +32,11 @@ protected:
 
 } // namespace
 
-Archiver findArchiver(const QString &productFolder)
+QString findArchiver(const QString &productFolder)
 {
     const QString own = QStringLiteral("%1/7z.exe").arg(productFolder);
     if (QFileInfo::exists(own))
-        return {own, ArchiverDialect::Product};
+        return own;
 
     const QStringList names{QStringLiteral("7z"), QStringLiteral("7zz"), QStringLiteral("7za")};
     for (const QStringList &folders : {QStringList{productFolder}, QStringList()}) {
@@ -44,10 +44,10 @@ Archiver findArchiver(const QString &productFolder)
             // An empty list of folders stands for PATH.
             const QString program = QStandardPaths::findExecutable(name, folders);
             if (!program.isEmpty())
-                return {program, ArchiverDialect::Current};
+                return program;
         }
     }
-    return {own, ArchiverDialect::Product};
+    return own;
 }
 
 std::unique_ptr<QProcess> makeArchiverProcess()

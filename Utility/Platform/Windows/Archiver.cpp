@@ -4,9 +4,9 @@
 
 namespace Vorn::Util::Platform {
 
-Archiver findArchiver(const QString &productFolder)
+QString findArchiver(const QString &productFolder)
 {
-    return {QStringLiteral("%1/7z.exe").arg(productFolder), ArchiverDialect::Product};
+    return QStringLiteral("%1/7z.exe").arg(productFolder);
 }
 
 // The archiver reads its standard input only, which is at its end.

@@ -1,0 +1,110 @@
+#include <Utility/ArchiverProgram_p.h>
+
+#include <Utility/Platform/Archiver.h>
+#include <Utility/Platform/ProgramVersion.h>
+
+#include <QtCore/QDateTime>
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QFileInfo>
+#include <QtCore/QHash>
+#include <QtCore/QMutex>
+#include <QtCore/QMutexLocker>
+#include <QtCore/QProcess>
+
+#include <optional>
+
+namespace Vorn::Util {
+
+namespace {
+
+using Formats::ArchiverDialect;
+using Formats::ArchiverVersion;
+
+std::optional<ArchiverVersion> versionInLines(const QByteArray &output)
+{
+    const QList<QByteArray> lines = output.split('\n');
+    for (int i = 0; i + 1 < lines.size(); ++i) { // the last one is not complete
+        if (const auto version = Formats::versionInBanner(lines.at(i)))
+            return version;
+    }
+    return std::nullopt;
+}
+
+// Runs the program until it has told its version, and no longer.
+std::optional<ArchiverVersion> printedVersion(const QString &program)
+{
+    constexpr int MostOutput = 4096;
+    constexpr int TimeToDie = 1000;
+    const QDeadlineTimer deadline(TimeForVersion);
+    const std::unique_ptr<QProcess> process = Platform::makeArchiverProcess();
+    process->setStandardInputFile(QProcess::nullDevice());
+    process->setProcessChannelMode(QProcess::MergedChannels);
+    process->start(program, QStringList(), QIODevice::ReadOnly);
+    QByteArray output;
+    std::optional<ArchiverVersion> version;
+    while (!version && output.size() < MostOutput
+           && process->waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
+        output += process->readAllStandardOutput();
+        version = versionInLines(output);
+    }
+    process->kill();
+    process->waitForFinished(TimeToDie);
+    return version;
+}
+
+struct FileState
+{
+    qint64 size;
+    QDateTime changed;
+
+    bool operator==(const FileState &other) const
+    {
+        return size == other.size && changed == other.changed;
+    }
+};
+
+struct KnownProgram
+{
+    FileState file;
+    ArchiverVersion version;
+};
+
+// A version that was not told in time is asked for again.
+std::optional<ArchiverVersion> rememberedVersion(const QString &program)
+{
+    static QMutex mutex;
+    static QHash<QString, KnownProgram> known;
+    const QFileInfo info(program);
+    const FileState file{info.size(), info.lastModified()};
+    {
+        const QMutexLocker locker(&mutex);
+        const auto found = known.constFind(program);
+        if (found != known.constEnd() && found->file == file)
+            return found->version;
+    }
+    const std::optional<ArchiverVersion> version = printedVersion(program);
+    if (version) {
+        const QMutexLocker locker(&mutex);
+        known.insert(program, {file, *version});
+    }
+    return version;
+}
+
+} // namespace
+
+ArchiverProgram findArchiverProgram(const QString &productFolder)
+{
+    const QString path = Platform::findArchiver(productFolder);
+    const Platform::ProgramVersion block = Platform::programVersion(path);
+    if (block.high != 0) {
+        const ArchiverVersion version{static_cast<int>(block.high >> 16),
+                                      static_cast<int>(block.high & 0xffff)};
+        return {path, Formats::dialectOf(version), '\\'};
+    }
+    if (path.endsWith(QLatin1String("/7z.exe")))
+        return {path, ArchiverDialect::UpTo933, '\\'};
+    const std::optional<ArchiverVersion> version = rememberedVersion(path);
+    return {path, version ? Formats::dialectOf(*version) : ArchiverDialect::From2107, '/'};
+}
+
+} // namespace Vorn::Util

@@ -1,0 +1,417 @@
+#include <Utility/Formats/ArchiverOutput_p.h>
+
+#include <QtCore/QStringList>
+
+#include <algorithm>
+
+namespace Vorn::Util::Formats {
+
+namespace {
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// One digit or more and nothing else. A size may be greater than any integer type holds.
+bool isDecimalNumber(const QString &text)
+{
+    return !text.isEmpty() && std::all_of(text.begin(), text.end(), [](QChar c) {
+        return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+    });
+}
+
+QByteArray withoutLineEnd(QByteArray line)
+{
+    while (line.endsWith('\n') || line.endsWith('\r'))
+        line.chop(1);
+    return line;
+}
+
+// ---- The form up to 9.33, and that of a program whose version is not known to be newer ----
+
+QString simplifiedLatin1(const QByteArray &line)
+{
+    return QString::fromLatin1(line).simplified();
+}
+
+// What follows the first \a count blanks; nothing when there are fewer.
+QString afterBlanks(const QString &line, int count)
+{
+    return line.section(QLatin1Char(' '), count);
+}
+
+class OldExtractionReader : public ArchiverReader
+{
+public:
+    explicit OldExtractionReader(ArchiverEvents &events)
+        : events_(events)
+    {
+    }
+
+    void readLine(const QByteArray &bytes) override
+    {
+        const QString line = simplifiedLatin1(bytes);
+        const QString rest = afterBlanks(line, 1);
+        if (line.startsWith(QLatin1String("Extracting")))
+            events_.file(rest);
+        else if (line.startsWith(QLatin1String("Size:")))
+            events_.uncompressedSize(rest.toLongLong());
+        else if (line.startsWith(QLatin1String("Compressed:")))
+            events_.compressedSize(rest.toLongLong());
+    }
+
+private:
+    ArchiverEvents &events_;
+};
+
+class OldListingReader : public ArchiverReader
+{
+public:
+    explicit OldListingReader(ArchiverEvents &events)
+        : events_(events)
+    {
+    }
+
+    void readLine(const QByteArray &bytes) override
+    {
+        const QString line = simplifiedLatin1(bytes);
+        const bool isRuler = line.startsWith(QLatin1String("--------"));
+        if (block_ == Totals)
+            readTotals(line);
+        else if (isRuler)
+            block_ = block_ == Header ? Entries : Totals;
+        else if (block_ == Header)
+            readHeader(line);
+        else
+            readEntry(line);
+    }
+
+private:
+    enum Block { Header, Entries, Totals };
+
+    void readHeader(const QString &line)
+    {
+        if (line.startsWith(QLatin1String("Type")))
+            events_.type(afterBlanks(line, 2));
+        else if (line.startsWith(QLatin1String("Method")))
+            events_.method(afterBlanks(line, 2));
+    }
+
+    // Date, time, attributes, size, then the packed size where there is one. Without it a name
+    // loses a first word that is a number.
+    // Kept for compatibility: see "Entries of a listing" in docs/compatibility.md.
+    void readEntry(const QString &line)
+    {
+        QStringList parts = afterBlanks(line, 4).split(QLatin1Char(' '));
+        if (parts.size() > 1 && isDecimalNumber(parts.first()))
+            parts.removeFirst();
+        events_.file(parts.join(QLatin1Char(' ')));
+    }
+
+    // Every line after the table counts, so the last one holds.
+    // Kept for compatibility: see "Totals of a listing" in docs/compatibility.md.
+    void readTotals(const QString &line)
+    {
+        events_.uncompressedSize(line.section(QLatin1Char(' '), 0, 0).toLongLong());
+        events_.compressedSize(line.section(QLatin1Char(' '), 1, 1).toLongLong());
+    }
+
+    ArchiverEvents &events_;
+    Block block_ = Header;
+};
+
+// ---- The forms since 9.34 ----
+
+// Tells which lines of a header are a text of several lines, such as an archive's comment, which may
+// hold anything.
+class CommentFilter
+{
+public:
+    explicit CommentFilter(ArchiverDialect dialect)
+        : hasBraces_(dialect == ArchiverDialect::From2107)
+    {
+    }
+
+    bool isComment(const QByteArray &line)
+    {
+        const Place before = place_;
+        place_ = next(line);
+        return before != Place::Outside || place_ != Place::Outside;
+    }
+
+    /// Inside a comment without braces, whose end cannot be seen.
+    bool isEndless() const { return place_ == Place::WithoutBraces; }
+
+private:
+    enum class Place { Outside, BeforeBrace, InBraces, WithoutBraces };
+
+    Place next(const QByteArray &line) const
+    {
+        switch (place_) {
+        case Place::Outside:
+            if (line == "{")
+                return Place::InBraces;
+            if (hasBraces_ || !line.startsWith("Comment = "))
+                return Place::Outside;
+            return line == "Comment = " ? Place::BeforeBrace : Place::WithoutBraces;
+        case Place::BeforeBrace:
+            return line == "{" ? Place::InBraces : Place::WithoutBraces;
+        case Place::InBraces:
+            return line == "}" ? Place::Outside : Place::InBraces;
+        case Place::WithoutBraces:
+            break;
+        }
+        return place_;
+    }
+
+    bool hasBraces_;
+    Place place_ = Place::Outside;
+};
+
+// The text of a header line "KEY = TEXT".
+QString headerText(const QByteArray &line, int keyLength)
+{
+    return QString::fromUtf8(line.mid(keyLength));
+}
+
+// "LZMA2:12 BCJ" becomes "LZMA2": the first method that callers can name, without parameters.
+QString plainMethod(const QString &methods)
+{
+    static const QStringList known{QStringLiteral("Copy"), QStringLiteral("Deflate"),
+                                   QStringLiteral("LZMA"), QStringLiteral("LZMA2"),
+                                   QStringLiteral("BZip2")};
+    const QStringList parts = methods.split(QLatin1Char(' '));
+    for (const QString &part : parts) {
+        QString method = part.section(QLatin1Char(':'), 0, 0);
+        if (known.contains(method))
+            return method;
+    }
+    return methods;
+}
+
+// A row of the table. Every column has its place, and may be empty:
+// "2024-02-29 12:34:56 ....A          292          139  a.txt"
+class Row
+{
+public:
+    explicit Row(const QByteArray &line)
+        : line_(line)
+        , sizeEnd_(endOfNumber(SizeAt + NumberWidth))
+        , packedEnd_(endOfNumber(sizeEnd_ + 1 + NumberWidth))
+    {
+    }
+
+    bool hasName() const { return line_.size() >= packedEnd_ + 2; }
+
+    // Of an entry the name, of the totals the count of files.
+    QString name() const { return QString::fromUtf8(line_.mid(packedEnd_ + 2)); }
+
+    QByteArray size() const { return line_.mid(SizeAt, sizeEnd_ - SizeAt).trimmed(); }
+    QByteArray packedSize() const { return line_.mid(sizeEnd_, packedEnd_ - sizeEnd_).trimmed(); }
+
+private:
+    static constexpr int SizeAt = 26;
+    static constexpr int NumberWidth = 12;
+
+    // A number of more digits than its column has pushes what follows to the right.
+    int endOfNumber(int end) const
+    {
+        while (end < line_.size() && isDigit(line_.at(end)))
+            ++end;
+        return end;
+    }
+
+    const QByteArray &line_;
+    int sizeEnd_;
+    int packedEnd_;
+};
+
+class ListingReader : public ArchiverReader
+{
+public:
+    ListingReader(ArchiverDialect dialect, ArchiverEvents &events)
+        : events_(events)
+        , comments_(dialect)
+    {
+    }
+
+    void readLine(const QByteArray &bytes) override
+    {
+        const QByteArray line = withoutLineEnd(bytes);
+        const bool isRuler = line
+            == "------------------- ----- ------------ ------------  ------------------------";
+        if (block_ == Header)
+            readHeader(line, isRuler);
+        else if (block_ == Entries)
+            readEntry(line, isRuler);
+        else if (block_ == Totals)
+            readTotals(line);
+    }
+
+private:
+    enum Block { Header, Entries, Totals, End };
+
+    void readHeader(const QByteArray &line, bool isRuler)
+    {
+        static const QByteArray type = QByteArrayLiteral("Type = ");
+        static const QByteArray method = QByteArrayLiteral("Method = ");
+        if (comments_.isComment(line)) {
+            if (isRuler && comments_.isEndless())
+                block_ = Entries;
+        } else if (isRuler) {
+            block_ = Entries;
+        } else if (line.startsWith(type)) {
+            events_.type(headerText(line, type.size()));
+        } else if (line.startsWith(method)) {
+            events_.method(plainMethod(headerText(line, method.size())));
+        }
+    }
+
+    void readEntry(const QByteArray &line, bool isRuler)
+    {
+        const Row row(line);
+        if (isRuler)
+            block_ = Totals;
+        else if (row.hasName())
+            events_.file(row.name());
+    }
+
+    // There is one line of totals; what follows it are warnings.
+    void readTotals(const QByteArray &line)
+    {
+        const Row row(line);
+        const QByteArray size = row.size();
+        if (!row.hasName() || row.name().isEmpty()
+            || !std::all_of(size.begin(), size.end(), isDigit))
+            return;
+        events_.uncompressedSize(size.toLongLong());
+        events_.compressedSize(row.packedSize().toLongLong());
+        block_ = End;
+    }
+
+    ArchiverEvents &events_;
+    CommentFilter comments_;
+    Block block_ = Header;
+};
+
+// The totals of an extraction; false for another line.
+bool readExtractionTotals(const QByteArray &line, ArchiverEvents &events)
+{
+    const auto number = [&line] { return line.mid(line.indexOf(':') + 1).trimmed().toLongLong(); };
+    if (line.startsWith("Size:"))
+        events.uncompressedSize(number());
+    else if (line.startsWith("Compressed:"))
+        events.compressedSize(number());
+    else
+        return false;
+    return true;
+}
+
+// Since 9.34: "Extracting  NAME".
+class NamingExtractionReader : public ArchiverReader
+{
+public:
+    explicit NamingExtractionReader(ArchiverEvents &events)
+        : events_(events)
+    {
+    }
+
+    void readLine(const QByteArray &bytes) override
+    {
+        static const QByteArray prefix = QByteArrayLiteral("Extracting  ");
+        const QByteArray line = withoutLineEnd(bytes);
+        if (line.startsWith(prefix))
+            events_.file(QString::fromUtf8(line.mid(prefix.size())));
+        else
+            readExtractionTotals(line, events_);
+    }
+
+private:
+    ArchiverEvents &events_;
+};
+
+// Since 15.05: "- NAME" for every file, with a separator at the end for a folder.
+class ExtractionReader : public ArchiverReader
+{
+public:
+    ExtractionReader(ArchiverDialect dialect, char separator, ArchiverEvents &events)
+        : events_(events)
+        , separator_(separator)
+        , comments_(dialect)
+    {
+    }
+
+    void readLine(const QByteArray &bytes) override
+    {
+        const QByteArray line = withoutLineEnd(bytes);
+        if (block_ == Header && comments_.isComment(line))
+            readAfterComment(line);
+        else if (block_ != Totals && line.startsWith("- "))
+            readName(line);
+        else if (readExtractionTotals(line, events_))
+            block_ = Totals;
+    }
+
+private:
+    enum Block { Header, Names, Totals };
+
+    void readName(const QByteArray &line)
+    {
+        block_ = Names;
+        QByteArray name = line.mid(2);
+        if (name.endsWith(separator_))
+            name.chop(1);
+        events_.file(QString::fromUtf8(name));
+    }
+
+    // A comment without braces and the names look alike, when the comment is a list. An empty line
+    // is between them, and none between the names and the line after them.
+    void readAfterComment(const QByteArray &line)
+    {
+        if (!comments_.isEndless())
+            return;
+        if (line.isEmpty()) {
+            possibleNames_.clear();
+        } else if (line.startsWith("- ")) {
+            possibleNames_ << line;
+        } else if (line == "Everything is Ok" || line.startsWith("ERROR: ")) {
+            block_ = Names;
+            for (const QByteArray &name : qAsConst(possibleNames_))
+                readName(name);
+            possibleNames_.clear();
+        }
+    }
+
+    ArchiverEvents &events_;
+    char separator_;
+    CommentFilter comments_;
+    QByteArrayList possibleNames_;
+    Block block_ = Header;
+};
+
+} // namespace
+
+std::unique_ptr<ArchiverReader> makeArchiverReader(ArchiverDialect dialect, char separator,
+                                                   ArchiverOperation operation,
+                                                   ArchiverEvents &events)
+{
+    const bool isOld = dialect == ArchiverDialect::UpTo933;
+    switch (operation) {
+    case ArchiverOperation::Extract:
+        if (isOld)
+            return std::make_unique<OldExtractionReader>(events);
+        if (dialect == ArchiverDialect::From934)
+            return std::make_unique<NamingExtractionReader>(events);
+        return std::make_unique<ExtractionReader>(dialect, separator, events);
+    case ArchiverOperation::List:
+        if (isOld)
+            return std::make_unique<OldListingReader>(events);
+        return std::make_unique<ListingReader>(dialect, events);
+    case ArchiverOperation::Compress:
+        break;
+    }
+    return nullptr;
+}
+
+} // namespace Vorn::Util::Formats

@@ -1,0 +1,139 @@
+// The version that an archiver prints, asked of shell scripts in its place.
+
+#include <Utility/ArchiverProgram_p.h>
+
+#include "../TestFiles.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QtTest>
+
+#include <memory>
+
+using namespace Vorn::Util;
+using Formats::ArchiverDialect;
+
+Q_DECLARE_METATYPE(Vorn::Util::Formats::ArchiverDialect)
+
+class TestArchiverVersion : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void thePrintedVersionDecides_data();
+    void thePrintedVersionDecides();
+    void aProgramThatTellsNoVersionIsTakenForACurrentOne_data();
+    void aProgramThatTellsNoVersionIsTakenForACurrentOne();
+    void aProgramIsAskedOnce();
+    void aProgramThatWasReplacedIsAskedAgain();
+    void aProgramThatPrintsOnIsNotWaitedFor();
+    void aProgramThatPrintsNothingIsNotWaitedForLong();
+
+private:
+    // Every run leaves a line in the file "runs".
+    bool writeArchiver(const QByteArray &script) const
+    {
+        const QString path = folder_->filePath(QStringLiteral("7z"));
+        return writeFile(path,
+                         "#!/bin/sh\necho \"run $#\" >> \"" + QFile::encodeName(folder_->path())
+                             + "/runs\"\n" + script)
+            && QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    ArchiverProgram find() const { return findArchiverProgram(folder_->path()); }
+    QByteArray runs() const { return contentOf(folder_->filePath(QStringLiteral("runs"))); }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+};
+
+void TestArchiverVersion::init()
+{
+    folder_ = std::make_unique<QTemporaryDir>();
+    QVERIFY(folder_->isValid());
+}
+
+void TestArchiverVersion::thePrintedVersionDecides_data()
+{
+    QTest::addColumn<QByteArray>("banner");
+    QTest::addColumn<ArchiverDialect>("expected");
+    QTest::newRow("p7zip 9.20") << QByteArray("7-Zip (A) [64] 9.20  Copyright (c)")
+                                << ArchiverDialect::UpTo933;
+    QTest::newRow("9.38") << QByteArray("7-Zip [64] 9.38 beta  Copyright (c)")
+                          << ArchiverDialect::From934;
+    QTest::newRow("p7zip 16.02") << QByteArray("7-Zip (a) [64] 16.02 : Copyright (c)")
+                                 << ArchiverDialect::From1505;
+    QTest::newRow("26.02") << QByteArray("7-Zip (z) 26.02 (x64) : Copyright (c)")
+                           << ArchiverDialect::From2107;
+}
+
+void TestArchiverVersion::thePrintedVersionDecides()
+{
+    QFETCH(QByteArray, banner);
+    QFETCH(ArchiverDialect, expected);
+    QVERIFY(writeArchiver("echo\necho '" + banner + "'\necho\necho Usage\nexit 7\n"));
+    const ArchiverProgram archiver = find();
+    QCOMPARE(archiver.path, folder_->filePath(QStringLiteral("7z")));
+    QVERIFY(archiver.dialect == expected);
+    QCOMPARE(archiver.separator, '/');
+    QCOMPARE(runs(), QByteArray("run 0\n"));
+}
+
+void TestArchiverVersion::aProgramThatTellsNoVersionIsTakenForACurrentOne_data()
+{
+    QTest::addColumn<QByteArray>("script");
+    QTest::newRow("prints nothing") << QByteArray("exit 0\n");
+    QTest::newRow("prints something else") << QByteArray("echo usage: x\nexit 2\n");
+    QTest::newRow("crashes") << QByteArray("kill -SEGV $$\n");
+    QTest::newRow("prints without an end") << QByteArray("exec /usr/bin/yes\n");
+    QTest::newRow("reads its input") << QByteArray("/bin/cat\n");
+}
+
+void TestArchiverVersion::aProgramThatTellsNoVersionIsTakenForACurrentOne()
+{
+    QFETCH(QByteArray, script);
+    QVERIFY(writeArchiver(script));
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(find().dialect == ArchiverDialect::From2107);
+    QVERIFY(timer.elapsed() < TimeForVersion);
+}
+
+void TestArchiverVersion::aProgramIsAskedOnce()
+{
+    QVERIFY(writeArchiver("echo '7-Zip [64] 9.38 beta'\n"));
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(find().dialect == ArchiverDialect::From934);
+    QCOMPARE(runs(), QByteArray("run 0\n"));
+}
+
+void TestArchiverVersion::aProgramThatWasReplacedIsAskedAgain()
+{
+    QVERIFY(writeArchiver("echo '7-Zip [64] 9.38 beta'\n"));
+    QVERIFY(find().dialect == ArchiverDialect::From934);
+    QVERIFY(writeArchiver("echo '7-Zip (z) 26.02 (x64)'\n"));
+    QVERIFY(find().dialect == ArchiverDialect::From2107);
+    QCOMPARE(runs(), QByteArray("run 0\nrun 0\n"));
+}
+
+void TestArchiverVersion::aProgramThatPrintsOnIsNotWaitedFor()
+{
+    QVERIFY(writeArchiver("echo '7-Zip [64] 9.38 beta'\nexec /bin/sleep 60\n"));
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(find().dialect == ArchiverDialect::From934);
+    QVERIFY(timer.elapsed() < TimeForVersion);
+}
+
+void TestArchiverVersion::aProgramThatPrintsNothingIsNotWaitedForLong()
+{
+    QVERIFY(writeArchiver("exec /bin/sleep 60\n"));
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(find().dialect == ArchiverDialect::From2107);
+    QVERIFY(timer.elapsed() >= TimeForVersion);
+    QVERIFY(timer.elapsed() < 10 * TimeForVersion);
+}
+
+QTEST_GUILESS_MAIN(TestArchiverVersion)
+
+#include "tst_archiverversion.moc"

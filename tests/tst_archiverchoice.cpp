@@ -27,7 +27,7 @@ QByteArray programOfVersion(int majorNumber, int minorNumber)
 
 Q_DECLARE_METATYPE(Vorn::Util::Formats::ArchiverDialect)
 
-class TestArchiverProgram : public QObject
+class TestArchiverChoice : public QObject
 {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void withoutAVersionBlock7zExeIsTheProductsOwn();
 };
 
-void TestArchiverProgram::theArchiverIsFound_data()
+void TestArchiverChoice::theArchiverIsFound_data()
 {
     QTest::addColumn<QStringList>("beside");
     QTest::addColumn<QStringList>("onPath");
@@ -65,7 +65,7 @@ void TestArchiverProgram::theArchiverIsFound_data()
     row("7z.exe on the path does not count", "", "7z.exe", own);
 }
 
-void TestArchiverProgram::theArchiverIsFound()
+void TestArchiverChoice::theArchiverIsFound()
 {
     QFETCH(QStringList, beside);
     QFETCH(QStringList, onPath);
@@ -98,7 +98,7 @@ void TestArchiverProgram::theArchiverIsFound()
     QVERIFY(archiver.dialect == (isOwn ? ArchiverDialect::UpTo933 : ArchiverDialect::From2107));
 }
 
-void TestArchiverProgram::aVersionBlockDecides_data()
+void TestArchiverChoice::aVersionBlockDecides_data()
 {
     QTest::addColumn<int>("majorNumber");
     QTest::addColumn<int>("minorNumber");
@@ -111,7 +111,7 @@ void TestArchiverProgram::aVersionBlockDecides_data()
     QTest::newRow("24.09") << 24 << 9 << ArchiverDialect::From2107;
 }
 
-void TestArchiverProgram::aVersionBlockDecides()
+void TestArchiverChoice::aVersionBlockDecides()
 {
     QFETCH(int, majorNumber);
     QFETCH(int, minorNumber);
@@ -125,7 +125,7 @@ void TestArchiverProgram::aVersionBlockDecides()
     QCOMPARE(archiver.separator, '\\');
 }
 
-void TestArchiverProgram::withoutAVersionBlock7zExeIsTheProductsOwn_data()
+void TestArchiverChoice::withoutAVersionBlock7zExeIsTheProductsOwn_data()
 {
     QTest::addColumn<QByteArray>("program");
     QTest::newRow("empty") << QByteArray();
@@ -135,7 +135,7 @@ void TestArchiverProgram::withoutAVersionBlock7zExeIsTheProductsOwn_data()
 }
 
 // It is not run to find out.
-void TestArchiverProgram::withoutAVersionBlock7zExeIsTheProductsOwn()
+void TestArchiverChoice::withoutAVersionBlock7zExeIsTheProductsOwn()
 {
     QFETCH(QByteArray, program);
     const QTemporaryDir folder;
@@ -148,6 +148,6 @@ void TestArchiverProgram::withoutAVersionBlock7zExeIsTheProductsOwn()
     QCOMPARE(entriesOf(folder.path()), QStringList{QStringLiteral("7z.exe")});
 }
 
-QTEST_GUILESS_MAIN(TestArchiverProgram)
+QTEST_GUILESS_MAIN(TestArchiverChoice)
 
-#include "tst_archiverprogram.moc"
+#include "tst_archiverchoice.moc"

@@ -34,7 +34,7 @@ protected:
 
 QString findArchiver(const QString &productFolder)
 {
-    const QString own = QStringLiteral("%1/7z.exe").arg(productFolder);
+    QString own = QStringLiteral("%1/7z.exe").arg(productFolder);
     if (QFileInfo::exists(own))
         return own;
 
@@ -42,7 +42,7 @@ QString findArchiver(const QString &productFolder)
     for (const QStringList &folders : {QStringList{productFolder}, QStringList()}) {
         for (const QString &name : names) {
             // An empty list of folders stands for PATH.
-            const QString program = QStandardPaths::findExecutable(name, folders);
+            QString program = QStandardPaths::findExecutable(name, folders);
             if (!program.isEmpty())
                 return program;
         }

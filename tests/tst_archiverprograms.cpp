@@ -1,0 +1,619 @@
+// The same operations with every archiver that the library supports and this system can run.
+
+#include <Utility/SevenZip.h>
+
+#include "OwnTempFolder.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
+#include "TestSystem.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDataStream>
+#include <QtCore/QDir>
+#include <QtCore/QDirIterator>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QMap>
+#include <QtCore/QStandardPaths>
+#include <QtCore/QVector>
+#include <QtTest/QtTest>
+
+#include <algorithm>
+#include <memory>
+
+using namespace Vorn::Util;
+
+namespace {
+
+using Tree = QMap<QString, QByteArray>; // relative name and content
+
+// An archiver: the files of its program and the folder that they are copied from, which is empty
+// when the archiver is not there.
+struct Program
+{
+    QString name;
+    QString folder;
+    QStringList files;
+};
+
+QVector<Program> programs()
+{
+    const QString archivers = qEnvironmentVariable("VORNUTILITY_ARCHIVERS");
+    const auto fetched = [&archivers](const char *name, const QStringList &files) {
+        const QString folder = archivers + QLatin1Char('/') + QString::fromLatin1(name);
+        const bool isThere
+            = !archivers.isEmpty() && QFile::exists(folder + QLatin1Char('/') + files.first());
+        return Program{QString::fromLatin1(name), isThere ? folder : QString(), files};
+    };
+    if (onWindows()) {
+        const QStringList files{QStringLiteral("7z.exe"), QStringLiteral("7z.dll")};
+        return {fetched("7zip-15.05", files), fetched("7zip-16.04", files),
+                fetched("7zip-24.09", files)};
+    }
+    const QString installed = QStandardPaths::findExecutable(QStringLiteral("7zz"));
+    return {{QStringLiteral("7zip of the system"),
+             installed.isEmpty() ? QString() : QFileInfo(installed).path(),
+             {QStringLiteral("7zz")}},
+            fetched("p7zip-16.02", {QStringLiteral("7za")})};
+}
+
+void addProgramColumn()
+{
+    QTest::addColumn<QString>("program");
+}
+
+// Calls \a addRow with the name of each program.
+template <typename AddRow> void forEachProgram(AddRow addRow)
+{
+    const QVector<Program> all = programs();
+    for (const Program &program : all)
+        addRow(program.name);
+}
+
+void addProgramRows()
+{
+    addProgramColumn();
+    forEachProgram([](const QString &program) { QTest::newRow(qPrintable(program)) << program; });
+}
+
+// The library looks for the archiver in the folder of the running program.
+bool putBesideThisProgram(const Program &chosen)
+{
+    const QDir folder(QCoreApplication::applicationDirPath());
+    const QVector<Program> all = programs();
+    for (const Program &program : all) {
+        for (const QString &file : program.files) {
+            const QString path = folder.filePath(file);
+            // A program that has just ended may hold its file for a moment longer.
+            if (!QTest::qWaitFor([&path] { return !QFile::exists(path) || QFile::remove(path); }))
+                return false;
+        }
+    }
+    for (const QString &file : chosen.files) {
+        if (!QFile::copy(chosen.folder + QLatin1Char('/') + file, folder.filePath(file)))
+            return false;
+    }
+    return true;
+}
+
+bool writeTree(const QString &folder, const Tree &tree)
+{
+    for (auto file = tree.begin(); file != tree.end(); ++file) {
+        const QString path = folder + QLatin1Char('/') + file.key();
+        if (!QDir().mkpath(QFileInfo(path).path()) || !writeFile(path, file.value()))
+            return false;
+    }
+    return true;
+}
+
+Tree readTree(const QString &folder)
+{
+    Tree tree;
+    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString file = files.next();
+        tree.insert(QDir(folder).relativeFilePath(file), contentOf(file));
+    }
+    return tree;
+}
+
+// The names of an archive's entries in one form for both systems, and in one order.
+QStringList normalized(const QStringList &names)
+{
+    QStringList all;
+    for (const QString &name : names)
+        all << QDir::fromNativeSeparators(name);
+    all.sort();
+    return all;
+}
+
+qint64 sizeOf(const Tree &tree)
+{
+    qint64 sum = 0;
+    for (const QByteArray &bytes : tree)
+        sum += bytes.size();
+    return sum;
+}
+
+// What an entry of a zip archive has both before its content and in the directory.
+void writeZipEntry(QDataStream &out, const QByteArray &name)
+{
+    constexpr quint16 January1st2024 = (44 << 9) | (1 << 5) | 1;
+    constexpr quint32 Checksum = 0x8cdc1683U; // of "x"
+    out << quint16(10) << quint16(0) << quint16(0) << quint16(0) << January1st2024 << Checksum << 1U
+        << 1U << quint16(name.size()) << quint16(0);
+}
+
+// A zip archive of the stored files "file 0", "file 1" and so on, each of which holds one "x".
+QByteArray zipOfOneByteFiles(int count)
+{
+    QByteArray archive;
+    QByteArray directory;
+    QDataStream archiveOut(&archive, QIODevice::WriteOnly);
+    QDataStream directoryOut(&directory, QIODevice::WriteOnly);
+    archiveOut.setByteOrder(QDataStream::LittleEndian);
+    directoryOut.setByteOrder(QDataStream::LittleEndian);
+    for (int i = 0; i < count; ++i) {
+        const QByteArray name = "file " + QByteArray::number(i);
+        const auto offset = static_cast<quint32>(archive.size());
+        archiveOut << 0x04034b50U;
+        writeZipEntry(archiveOut, name);
+        archiveOut.writeRawData(name.constData(), name.size());
+        archiveOut.writeRawData("x", 1);
+        directoryOut << 0x02014b50U << quint16(10);
+        writeZipEntry(directoryOut, name);
+        directoryOut << quint16(0) << quint16(0) << quint16(0) << 0U << offset;
+        directoryOut.writeRawData(name.constData(), name.size());
+    }
+    const auto directoryAt = static_cast<quint64>(archive.size());
+    const auto directorySize = static_cast<quint64>(directory.size());
+    const auto number = static_cast<quint64>(count);
+    const bool isLarge = number >= 0xffff; // too many for the numbers of the ordinary end
+    archiveOut.writeRawData(directory.constData(), directory.size());
+    if (isLarge) { // the end of the 64-bit form, and where it is
+        archiveOut << 0x06064b50U << quint64(44) << quint16(45) << quint16(45) << 0U << 0U << number
+                   << number << directorySize << directoryAt;
+        archiveOut << 0x07064b50U << 0U << directoryAt + directorySize << 1U;
+    }
+    const auto shortNumber = static_cast<quint16>(isLarge ? 0xffff : number);
+    archiveOut << 0x06054b50U << quint16(0) << quint16(0) << shortNumber << shortNumber
+               << static_cast<quint32>(directorySize) << static_cast<quint32>(directoryAt)
+               << quint16(0);
+    return archive;
+}
+
+// The zip archive \a bytes, which has none yet, with a comment.
+QByteArray withComment(QByteArray bytes, const QByteArray &comment)
+{
+    bytes.chop(2); // the length of the comment
+    bytes += static_cast<char>(comment.size() % 256);
+    bytes += static_cast<char>(comment.size() / 256);
+    return bytes + comment;
+}
+
+} // namespace
+
+class TestArchiverPrograms : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void typeMethodNamesAndSizesAreTold_data();
+    void typeMethodNamesAndSizesAreTold();
+    void namesAreTakenAndToldToTheLetter_data();
+    void namesAreTakenAndToldToTheLetter();
+    void namesInAListFileAreTakenAndToldToTheLetter_data();
+    void namesInAListFileAreTakenAndToldToTheLetter();
+    void namesThatLookLikeSwitchesArePackedWithADotInFront_data();
+    void namesThatLookLikeSwitchesArePackedWithADotInFront();
+    void foldersAreToldWithoutASeparatorAtTheEnd_data();
+    void foldersAreToldWithoutASeparatorAtTheEnd();
+    void aCommentIsNotTakenForEntries_data();
+    void aCommentIsNotTakenForEntries();
+    void anEmptyArchiveHasNoEntries_data();
+    void anEmptyArchiveHasNoEntries();
+    void anEncryptedArchiveIsListedButNotExtracted_data();
+    void anEncryptedArchiveIsListedButNotExtracted();
+    void anArchiveWithEncryptedNamesIsAFatalError_data();
+    void anArchiveWithEncryptedNamesIsAFatalError();
+    void whatIsNoArchiveIsAFatalErrorWithoutEntries_data();
+    void whatIsNoArchiveIsAFatalErrorWithoutEntries();
+    void archivesOfOtherProgramsAreRead_data();
+    void archivesOfOtherProgramsAreRead();
+    void aHundredThousandEntriesAreListed_data();
+    void aHundredThousandEntriesAreListed();
+
+private:
+    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
+
+    QString archiveFile() const { return path("archive.bin"); }
+
+    // Packs \a names, which stand for the files of the tree, and compares what is told of them.
+    void roundTrip(int type, int method, const Tree &tree, const QStringList &names);
+
+    // Compares what a listing and an extraction tell of an archive, and what is extracted. The
+    // archive has an entry for each file of the tree and for each of the folders.
+    void compareWithArchive(const QString &archive, int type, int method, const Tree &tree,
+                            const QStringList &folders = QStringList());
+
+    OwnTempFolder temp_; // of the list files
+    std::unique_ptr<TestFolder> folder_;
+    QString currentProgram_;
+};
+
+void TestArchiverPrograms::initTestCase()
+{
+    QVERIFY(temp_.isUsed());
+}
+
+void TestArchiverPrograms::init()
+{
+    QFETCH(QString, program);
+    const QVector<Program> all = programs();
+    const auto chosen = std::find_if(all.begin(), all.end(), [&program](const Program &candidate) {
+        return candidate.name == program;
+    });
+    QVERIFY(chosen != all.end());
+    if (chosen->folder.isEmpty())
+        QSKIP("The archiver is not there: the folder VORNUTILITY_ARCHIVERS, which scripts/test.sh "
+              "and scripts/test-windows.sh set, and PATH do not contain it.");
+    if (currentProgram_ != program)
+        QVERIFY(putBesideThisProgram(*chosen));
+    currentProgram_ = program;
+    folder_ = std::make_unique<TestFolder>();
+    QVERIFY(folder_->isValid());
+    QVERIFY(QDir().mkpath(path("in")));
+}
+
+void TestArchiverPrograms::cleanup()
+{
+    folder_.reset();
+}
+
+void TestArchiverPrograms::compareWithArchive(const QString &archive, int type, int method,
+                                              const Tree &tree, const QStringList &folders)
+{
+    const QStringList names = normalized(tree.keys() + folders);
+    const auto otherType = type == SevenZip::Type7z ? SevenZip::TypeZip : SevenZip::Type7z;
+    const auto otherMethod = method == SevenZip::LZMA ? SevenZip::Copy : SevenZip::LZMA;
+    SevenZip lister;
+    lister.setArchiveFile(archive);
+    lister.setType(otherType);
+    lister.setMethod(otherMethod);
+    QVERIFY(lister.listFiles());
+    QCOMPARE(normalized(lister.files()), names);
+    QCOMPARE(int(lister.type()), type);
+    // The listing of a zip archive tells no method.
+    QCOMPARE(int(lister.method()), type == SevenZip::Type7z ? method : int(otherMethod));
+    QCOMPARE(lister.uncompressedSize(), sizeOf(tree));
+    QVERIFY(lister.compressedSize() > 0);
+    QVERIFY(lister.compressedSize() < QFileInfo(archive).size());
+
+    SevenZip unpacker;
+    unpacker.setArchiveFile(archive);
+    QVERIFY(unpacker.extractFilesTo(path("out")));
+    QCOMPARE(readTree(path("out")), tree);
+    QCOMPARE(normalized(unpacker.files()), names);
+    QCOMPARE(unpacker.uncompressedSize(), sizeOf(tree));
+    QCOMPARE(unpacker.compressedSize(), QFileInfo(archive).size());
+}
+
+void TestArchiverPrograms::roundTrip(int type, int method, const Tree &tree,
+                                     const QStringList &names)
+{
+    QVERIFY(writeTree(path("in"), tree));
+    SevenZip archive;
+    archive.setArchiveFile(archiveFile());
+    archive.setCurrentPath(path("in"));
+    archive.setType(static_cast<SevenZip::Type>(type));
+    archive.setMethod(static_cast<SevenZip::Method>(method));
+    QVERIFY2(archive.compressFiles(names), qPrintable(archive.output()));
+    QCOMPARE(archive.files(), names);
+    QCOMPARE(archive.uncompressedSize(), sizeOf(tree));
+    QCOMPARE(archive.compressedSize(), QFileInfo(archiveFile()).size());
+    compareWithArchive(archiveFile(), type, method, tree);
+}
+
+namespace {
+
+void addTypeAndMethodRows()
+{
+    addProgramColumn();
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("method");
+    forEachProgram([](const QString &program) {
+        QTest::addRow("%s, 7z", qPrintable(program))
+            << program << int(SevenZip::Type7z) << int(SevenZip::LZMA2);
+        QTest::addRow("%s, zip", qPrintable(program))
+            << program << int(SevenZip::TypeZip) << int(SevenZip::Deflate);
+    });
+}
+
+// Names that a reader of the output may stumble over.
+Tree hardNames()
+{
+    Tree tree;
+    const QStringList names{QStringLiteral("with blanks.txt"),
+                            QStringLiteral("two  blanks   three"),
+                            QStringLiteral("d/ blank first"),
+                            QStringLiteral("12"),
+                            QStringLiteral("12 34 numbers"),
+                            QStringLiteral("2024-02-29 12.34.56 ....A 12 34 x"),
+                            QString::fromUtf8("größe.txt"),
+                            QString::fromUtf8("日本 Ω 😀.txt"),
+                            QStringLiteral("d/--------"),
+                            QStringLiteral("d/- minus"),
+                            QStringLiteral("d/@at"),
+                            QStringLiteral("{"),
+                            QStringLiteral("}"),
+                            QStringLiteral("Size.txt"),
+                            QStringLiteral("Extracting  x"),
+                            QStringLiteral("Type = zip"),
+                            QStringLiteral("%PATH% ^& $HOME `x`")};
+    for (const QString &name : names)
+        tree.insert(name, name.toUtf8());
+    return tree;
+}
+
+} // namespace
+
+void TestArchiverPrograms::typeMethodNamesAndSizesAreTold_data()
+{
+    addProgramColumn();
+    QTest::addColumn<int>("type");
+    QTest::addColumn<int>("method");
+    forEachProgram([](const QString &program) {
+        const auto row = [&program](const char *text, int type, int method) {
+            QTest::addRow("%s, %s", qPrintable(program), text) << program << type << method;
+        };
+        row("7z, Copy", SevenZip::Type7z, SevenZip::Copy);
+        row("7z, Deflate", SevenZip::Type7z, SevenZip::Deflate);
+        row("7z, LZMA", SevenZip::Type7z, SevenZip::LZMA);
+        row("7z, LZMA2", SevenZip::Type7z, SevenZip::LZMA2);
+        row("7z, BZip2", SevenZip::Type7z, SevenZip::BZip2);
+        row("zip, Copy", SevenZip::TypeZip, SevenZip::Copy);
+        row("zip, Deflate", SevenZip::TypeZip, SevenZip::Deflate);
+    });
+}
+
+void TestArchiverPrograms::typeMethodNamesAndSizesAreTold()
+{
+    QFETCH(int, type);
+    QFETCH(int, method);
+    const Tree tree{
+        {QStringLiteral("text.txt"), QByteArray("a line that comes again\n").repeated(400)},
+        {QStringLiteral("empty"), QByteArray()},
+        {QStringLiteral("zero.bin"), QByteArray(3, '\0')},
+        {QStringLiteral("deep/er/x.txt"), "deep"}};
+    roundTrip(type, method, tree, tree.keys());
+}
+
+void TestArchiverPrograms::namesAreTakenAndToldToTheLetter_data()
+{
+    addTypeAndMethodRows();
+}
+
+void TestArchiverPrograms::namesAreTakenAndToldToTheLetter()
+{
+    QFETCH(int, type);
+    QFETCH(int, method);
+    const Tree tree = hardNames();
+    QVERIFY(tree.size() <= 32); // no list file
+    roundTrip(type, method, tree, tree.keys());
+}
+
+void TestArchiverPrograms::namesInAListFileAreTakenAndToldToTheLetter_data()
+{
+    addProgramRows();
+}
+
+void TestArchiverPrograms::namesInAListFileAreTakenAndToldToTheLetter()
+{
+    Tree tree = hardNames();
+    for (int i = 0; tree.size() < 40; ++i)
+        tree.insert(QStringLiteral("more %1").arg(i), "more");
+    roundTrip(SevenZip::Type7z, SevenZip::LZMA2, tree, tree.keys());
+}
+
+void TestArchiverPrograms::namesThatLookLikeSwitchesArePackedWithADotInFront_data()
+{
+    addProgramRows();
+}
+
+void TestArchiverPrograms::namesThatLookLikeSwitchesArePackedWithADotInFront()
+{
+    const Tree tree{{QStringLiteral("-sdel"), "minus"}, {QStringLiteral("@list"), "at"}};
+    roundTrip(SevenZip::Type7z, SevenZip::LZMA2, tree,
+              {QStringLiteral("./-sdel"), QStringLiteral("./@list")});
+    QCOMPARE(readTree(path("in")), tree);
+}
+
+void TestArchiverPrograms::foldersAreToldWithoutASeparatorAtTheEnd_data()
+{
+    addTypeAndMethodRows();
+}
+
+void TestArchiverPrograms::foldersAreToldWithoutASeparatorAtTheEnd()
+{
+    QFETCH(int, type);
+    QFETCH(int, method);
+    const Tree tree{{QStringLiteral("a folder/x.txt"), "x"}};
+    QVERIFY(writeTree(path("in"), tree));
+    QVERIFY(QDir().mkpath(path("in/a folder/empty one")));
+    SevenZip archive;
+    archive.setArchiveFile(archiveFile());
+    archive.setCurrentPath(path("in"));
+    archive.setType(static_cast<SevenZip::Type>(type));
+    archive.setMethod(static_cast<SevenZip::Method>(method));
+    QVERIFY(archive.compressFiles({path("in/a folder")}));
+    compareWithArchive(archiveFile(), type, method, tree,
+                       {QStringLiteral("a folder"), QStringLiteral("a folder/empty one")});
+    QVERIFY(QFileInfo(path("out/a folder/empty one")).isDir());
+}
+
+void TestArchiverPrograms::aCommentIsNotTakenForEntries_data()
+{
+    addProgramColumn();
+    QTest::addColumn<QByteArray>("comment");
+    forEachProgram([](const QString &program) {
+        const auto row = [&program](const char *text, const QByteArray &comment) {
+            QTest::addRow("%s, %s", qPrintable(program), text) << program << comment;
+        };
+        row("braces", "first\n{\nin braces\n}\n\nlast\n");
+        row("open brace", "first\n{\nlast");
+        row("type", "first\nType = 7z\nMethod = Copy\n");
+        row("ruler", "first\n--------\nlast");
+        row("name and totals", "first\n- name\nSize: 12\nCompressed: 34\nlast");
+    });
+}
+
+void TestArchiverPrograms::aCommentIsNotTakenForEntries()
+{
+    QFETCH(QByteArray, comment);
+    const QByteArray bytes = zipOfOneByteFiles(3);
+    QVERIFY(writeFile(archiveFile(), withComment(bytes, comment)));
+    const Tree tree{{QStringLiteral("file 0"), "x"},
+                    {QStringLiteral("file 1"), "x"},
+                    {QStringLiteral("file 2"), "x"}};
+    compareWithArchive(archiveFile(), SevenZip::TypeZip, SevenZip::Copy, tree);
+}
+
+void TestArchiverPrograms::anEmptyArchiveHasNoEntries_data()
+{
+    addTypeAndMethodRows();
+}
+
+void TestArchiverPrograms::anEmptyArchiveHasNoEntries()
+{
+    QFETCH(int, type);
+    const QByteArray empty7z
+        = QByteArray::fromHex("377abcaf271c00048d9bd50f0000000000000000000000000000000000000000");
+    const QByteArray emptyZip = QByteArray::fromHex("504b0506").append(QByteArray(18, '\0'));
+    QVERIFY(writeFile(archiveFile(), type == SevenZip::Type7z ? empty7z : emptyZip));
+    SevenZip archive;
+    archive.setArchiveFile(archiveFile());
+    archive.setType(type == SevenZip::Type7z ? SevenZip::TypeZip : SevenZip::Type7z);
+    QVERIFY(archive.listFiles());
+    QCOMPARE(int(archive.type()), type);
+    QCOMPARE(archive.method(), SevenZip::LZMA2); // as before: the archive tells none
+    QVERIFY(archive.files().isEmpty());
+    QCOMPARE(archive.uncompressedSize(), Q_INT64_C(0));
+    QCOMPARE(archive.compressedSize(), Q_INT64_C(0));
+    QVERIFY(archive.extractFilesTo(path("out")));
+    QVERIFY(archive.files().isEmpty());
+    QVERIFY(entriesOf(path("out")).isEmpty());
+}
+
+void TestArchiverPrograms::anEncryptedArchiveIsListedButNotExtracted_data()
+{
+    addTypeAndMethodRows();
+}
+
+void TestArchiverPrograms::anEncryptedArchiveIsListedButNotExtracted()
+{
+    QFETCH(int, type);
+    SevenZip archive;
+    archive.setArchiveFile(type == SevenZip::Type7z
+                               ? QStringLiteral(TEST_DATA "/archives/encrypted.7z")
+                               : QStringLiteral(TEST_DATA "/archives/encrypted.zip"));
+    QVERIFY(archive.listFiles());
+    QCOMPARE(int(archive.type()), type);
+    QCOMPARE(archive.files(), (QStringList{QStringLiteral("a.txt"), QStringLiteral("b.txt")}));
+    QCOMPARE(archive.uncompressedSize(), Q_INT64_C(22));
+    QVERIFY(!archive.extractFilesTo(path("out")));
+    QCOMPARE(archive.error(), SevenZip::FatalError);
+    QVERIFY(!readTree(path("out")).values().contains("secret text\n"));
+}
+
+void TestArchiverPrograms::anArchiveWithEncryptedNamesIsAFatalError_data()
+{
+    addProgramRows();
+}
+
+void TestArchiverPrograms::anArchiveWithEncryptedNamesIsAFatalError()
+{
+    SevenZip archive;
+    archive.setArchiveFile(QStringLiteral(TEST_DATA "/archives/encrypted-names.7z"));
+    QVERIFY(!archive.listFiles());
+    QCOMPARE(archive.error(), SevenZip::FatalError);
+    QVERIFY(!archive.extractFilesTo(path("out")));
+    QCOMPARE(archive.error(), SevenZip::FatalError);
+    QVERIFY(archive.files().isEmpty());
+}
+
+void TestArchiverPrograms::whatIsNoArchiveIsAFatalErrorWithoutEntries_data()
+{
+    addProgramRows();
+}
+
+void TestArchiverPrograms::whatIsNoArchiveIsAFatalErrorWithoutEntries()
+{
+    QVERIFY(writeFile(archiveFile(), "this is no archive\n"));
+    SevenZip archive;
+    archive.setArchiveFile(archiveFile());
+    QVERIFY(!archive.listFiles());
+    QCOMPARE(archive.error(), SevenZip::FatalError);
+    QVERIFY(archive.files().isEmpty());
+    QVERIFY(!archive.extractFilesTo(path("out")));
+    QCOMPARE(archive.error(), SevenZip::FatalError);
+    QVERIFY(archive.files().isEmpty());
+}
+
+void TestArchiverPrograms::archivesOfOtherProgramsAreRead_data()
+{
+    addProgramColumn();
+    QTest::addColumn<QString>("archive");
+    forEachProgram([](const QString &program) {
+        for (const char *maker :
+             {"7zip-15.05", "7zip-16.04", "7zip-24.09", "7zip-26.02", "p7zip-16.02"}) {
+            for (const char *suffix : {"7z", "zip"}) {
+                QTest::addRow("%s, %s of %s", qPrintable(program), suffix, maker)
+                    << program << QString::asprintf("made-by-%s.%s", maker, suffix);
+            }
+        }
+    });
+}
+
+void TestArchiverPrograms::archivesOfOtherProgramsAreRead()
+{
+    QFETCH(QString, archive);
+    const Tree tree{
+        {QStringLiteral("a b.txt"), QByteArray("a line that comes again\n").repeated(40)},
+        {QString::fromUtf8("größe 日本.txt"), "Unicode"},
+        {QStringLiteral("d/12 34"), "numbers\n"},
+        {QStringLiteral("d/empty"), QByteArray()}};
+    const SevenZip::Type type
+        = archive.endsWith(QLatin1String(".7z")) ? SevenZip::Type7z : SevenZip::TypeZip;
+    compareWithArchive(QStringLiteral(TEST_DATA "/archives/") + archive, type, SevenZip::LZMA2,
+                       tree, {QStringLiteral("d")});
+}
+
+void TestArchiverPrograms::aHundredThousandEntriesAreListed_data()
+{
+    addProgramRows();
+}
+
+void TestArchiverPrograms::aHundredThousandEntriesAreListed()
+{
+    constexpr int Count = 100000;
+    QVERIFY(writeFile(archiveFile(), zipOfOneByteFiles(Count)));
+    SevenZip lister;
+    lister.setArchiveFile(archiveFile());
+    QVERIFY(lister.listFiles());
+    QStringList names;
+    for (int i = 0; i < Count; ++i)
+        names << QStringLiteral("file %1").arg(i);
+    QVERIFY(lister.files() == names);
+    QCOMPARE(lister.uncompressedSize(), qint64(Count));
+    QCOMPARE(lister.compressedSize(), qint64(Count));
+    QCOMPARE(lister.type(), SevenZip::TypeZip);
+}
+
+QTEST_GUILESS_MAIN(TestArchiverPrograms)
+
+#include "tst_archiverprograms.moc"

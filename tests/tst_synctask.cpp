@@ -287,7 +287,7 @@ void tst_SyncTask::aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes_dat
     QTest::newRow("argument given") << QStringLiteral("scale(int)");
     QTest::newRow("not invokable") << QStringLiteral("unknownToTheMetaObject");
     QTest::newRow("outside Latin-1") << QStringLiteral("κλήση");
-    QTest::newRow("placeholder") << QStringLiteral("%1");
+    QTest::newRow("percent and digit") << QStringLiteral("%1");
 }
 
 void tst_SyncTask::aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes()

@@ -66,10 +66,9 @@ struct FileState
 struct KnownProgram
 {
     FileState file;
-    ArchiverVersion version;
+    std::optional<ArchiverVersion> version; // none when the program tells none
 };
 
-// A version that was not told in time is asked for again.
 std::optional<ArchiverVersion> rememberedVersion(const QString &program)
 {
     static QMutex mutex;
@@ -83,10 +82,8 @@ std::optional<ArchiverVersion> rememberedVersion(const QString &program)
             return found->version;
     }
     const std::optional<ArchiverVersion> version = printedVersion(program);
-    if (version) {
-        const QMutexLocker locker(&mutex);
-        known.insert(program, {file, *version});
-    }
+    const QMutexLocker locker(&mutex);
+    known.insert(program, {file, version});
     return version;
 }
 

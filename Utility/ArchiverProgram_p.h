@@ -18,8 +18,8 @@ struct ArchiverProgram
 /// - that in its version block, which the programs for Windows have;
 /// - else, for a "7z.exe", none: it speaks the dialect of the product's own program;
 /// - else that which it prints when it is run without arguments. That is done once for each state
-///   of the program file. A program that tells no version within TimeForVersion is taken for a
-///   current one.
+///   of the program file (its size and time) and takes at most about TimeForVersion. A program that
+///   tells no version is taken for a current one.
 /// May be called from any thread.
 ArchiverProgram findArchiverProgram(const QString &productFolder);
 

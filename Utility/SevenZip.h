@@ -25,6 +25,10 @@ class SevenZipCommand;
 /// signal too, before it returns. One operation at a time: while it runs, the current folder of
 /// the process is currentPath(), if that is not empty.
 ///
+/// The version of 7-Zip decides how it is called and read (docs/archives.md). A program for Linux is
+/// run once to learn its version. The first operation of a process waits for that, the asynchronous
+/// form too: some milliseconds, at most 3 seconds for a program that tells none.
+///
 /// A 7-Zip that cannot be started emits no signal; the blocking form then returns false. After a
 /// start that failed the current folder stays changed.
 ///
@@ -39,8 +43,8 @@ class SevenZipCommand;
 /// - begins with "-", which is a switch: a file "-sdel" makes 7-Zip delete the files that it packs,
 ///   and "-x!plain" leaves the file "plain" out;
 /// - begins with "@", which is a list file: 7-Zip packs the files that it names;
-/// - holds "*" or "?" and the program is 7z.exe: it packs all names that match. (Windows allows no
-///   such names. The programs that are used on Linux are told to take them as they are, but then no
+/// - holds "*" or "?", and 7-Zip is a version up to 9.33 or a 7z.exe without a version block: it
+///   packs all names that match. (Later versions are told to take such a name as it is, but then no
 ///   longer report other files of that folder as missing: compare files() after a listing.)
 /// - is empty, as the name of currentPath() with a separator after it: some versions of 7-Zip pack
 ///   the whole current folder then, others end with exit code 7.

@@ -618,8 +618,8 @@ void TestArchiverOutput::linesOfAnExtraction_data()
     row("what was only tested or failed", "T a\nERROR: Data Error : a\n. b\n", {});
     row("a dash without a name", "-\n--\n-a\n", {});
     row("totals", "Size:       2569\nCompressed: 616\n", totals("2569", "616"));
-    row("names after the totals", "- a\nSize:  5\n- b\nCompressed: 6\n",
-        {utf8("file a"), utf8("size 5"), utf8("compressed 6")});
+    row("totals in a name with line breaks", "- a\nSize: 5\n- b\nSize: 7\nCompressed: 6\n",
+        {utf8("file a"), utf8("size 5"), utf8("file b"), utf8("size 7"), utf8("compressed 6")});
     row("numbers that are none", "Size: many\nCompressed:\n", totals("0", "0"));
     row("empty lines", "\n\n", {});
 }
@@ -698,6 +698,7 @@ void TestArchiverOutput::commentsWithoutBracesAreSkipped_data()
     QTest::newRow("a list between empty lines") << QByteArray("Comment = x\n\n- false\n\n- no\n\n");
     QTest::newRow("totals") << QByteArray("Comment = x\nSize: 7\nCompressed: 8\n--------\n1 2 3\n");
     QTest::newRow("in braces") << QByteArray("Comment = \n{\nType = zip\n\n- false\n}\n");
+    QTest::newRow("a brace that stays open") << QByteArray("Comment = \n{\nhidden\n");
     QTest::newRow("carriage returns") << QByteArray("Comment = x\r\r\n\r\r\n- false\r\r\nend\r\n");
 }
 
@@ -721,6 +722,7 @@ void TestArchiverOutput::commentsWithoutBracesAreSkipped()
     QCOMPARE(extraction(header + "- a\nERROR: CRC Failed : a\n- b\n\nErrors: 1\n",
                         ArchiverDialect::From1505),
              found);
+    QCOMPARE(extraction(header + "- a\n- b\n\nERROR: E_FAIL\n", ArchiverDialect::From1505), found);
     QCOMPARE(extraction(header + "Everything is Ok\n\nSize: 0\nCompressed: 2\n",
                         ArchiverDialect::From1505),
              totals("0", "2"));

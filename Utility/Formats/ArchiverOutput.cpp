@@ -123,8 +123,8 @@ private:
 
 // ---- The forms since 9.34 ----
 
-// Tells which lines of a header are a text of several lines, such as an archive's comment, which may
-// hold anything.
+// Tells which lines of a header are a text of several lines, such as an archive's comment, which
+// may hold anything.
 class CommentFilter
 {
 public:
@@ -135,38 +135,26 @@ public:
 
     bool isComment(const QByteArray &line)
     {
-        const Place before = place_;
-        place_ = next(line);
-        return before != Place::Outside || place_ != Place::Outside;
+        if (isEndless_)
+            return true;
+        if (isInBraces_) {
+            isInBraces_ = line != "}";
+            return true;
+        }
+        if (hasBraces_)
+            isInBraces_ = line == "{";
+        else
+            isEndless_ = line.startsWith("Comment = ");
+        return isInBraces_ || isEndless_;
     }
 
     /// Inside a comment without braces, whose end cannot be seen.
-    bool isEndless() const { return place_ == Place::WithoutBraces; }
+    bool isEndless() const { return isEndless_; }
 
 private:
-    enum class Place { Outside, BeforeBrace, InBraces, WithoutBraces };
-
-    Place next(const QByteArray &line) const
-    {
-        switch (place_) {
-        case Place::Outside:
-            if (line == "{")
-                return Place::InBraces;
-            if (hasBraces_ || !line.startsWith("Comment = "))
-                return Place::Outside;
-            return line == "Comment = " ? Place::BeforeBrace : Place::WithoutBraces;
-        case Place::BeforeBrace:
-            return line == "{" ? Place::InBraces : Place::WithoutBraces;
-        case Place::InBraces:
-            return line == "}" ? Place::Outside : Place::InBraces;
-        case Place::WithoutBraces:
-            break;
-        }
-        return place_;
-    }
-
     bool hasBraces_;
-    Place place_ = Place::Outside;
+    bool isInBraces_ = false;
+    bool isEndless_ = false;
 };
 
 // The text of a header line "KEY = TEXT".
@@ -295,17 +283,13 @@ private:
     Block block_ = Header;
 };
 
-// The totals of an extraction; false for another line.
-bool readExtractionTotals(const QByteArray &line, ArchiverEvents &events)
+void readExtractionTotals(const QByteArray &line, ArchiverEvents &events)
 {
     const auto number = [&line] { return line.mid(line.indexOf(':') + 1).trimmed().toLongLong(); };
     if (line.startsWith("Size:"))
         events.uncompressedSize(number());
     else if (line.startsWith("Compressed:"))
         events.compressedSize(number());
-    else
-        return false;
-    return true;
 }
 
 // Since 9.34: "Extracting  NAME".
@@ -342,52 +326,60 @@ public:
     {
     }
 
+    // Names and totals may come in any order: some versions print a line break in a name as it is,
+    // and what follows it can look like totals.
     void readLine(const QByteArray &bytes) override
     {
         const QByteArray line = withoutLineEnd(bytes);
-        if (block_ == Header && comments_.isComment(line))
+        if (isHeader_ && comments_.isComment(line))
             readAfterComment(line);
-        else if (block_ != Totals && line.startsWith("- "))
+        else if (line.startsWith("- "))
             readName(line);
-        else if (readExtractionTotals(line, events_))
-            block_ = Totals;
+        else
+            readExtractionTotals(line, events_);
     }
 
 private:
-    enum Block { Header, Names, Totals };
-
     void readName(const QByteArray &line)
     {
-        block_ = Names;
+        isHeader_ = false;
         QByteArray name = line.mid(2);
         if (name.endsWith(separator_))
             name.chop(1);
         events_.file(QString::fromUtf8(name));
     }
 
-    // A comment without braces and the names look alike, when the comment is a list. An empty line
-    // is between them, and none between the names and the line after them.
+    // A comment without braces and the names look alike, when the comment is a list. There is an
+    // empty line in front of the names and, after a fatal error only, another one after them.
     void readAfterComment(const QByteArray &line)
     {
         if (!comments_.isEndless())
             return;
-        if (line.isEmpty()) {
+        const bool isName = line.startsWith("- ");
+        const bool isEnd = line == "Everything is Ok";
+        if (isAfterEmptyLine_ && (isName || isEnd))
             possibleNames_.clear();
-        } else if (line.startsWith("- ")) {
+        isAfterEmptyLine_ = line.isEmpty();
+        if (isName)
             possibleNames_ << line;
-        } else if (line == "Everything is Ok" || line.startsWith("ERROR: ")) {
-            block_ = Names;
-            for (const QByteArray &name : qAsConst(possibleNames_))
-                readName(name);
-            possibleNames_.clear();
-        }
+        else if (isEnd || line.startsWith("ERROR: "))
+            readPossibleNames();
+    }
+
+    void readPossibleNames()
+    {
+        isHeader_ = false;
+        for (const QByteArray &name : qAsConst(possibleNames_))
+            readName(name);
+        possibleNames_.clear();
     }
 
     ArchiverEvents &events_;
     char separator_;
     CommentFilter comments_;
     QByteArrayList possibleNames_;
-    Block block_ = Header;
+    bool isAfterEmptyLine_ = false;
+    bool isHeader_ = true;
 };
 
 } // namespace

@@ -4,7 +4,9 @@
 
 #include "../TestFiles.h"
 
+#include <QtCore/QDateTime>
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
@@ -26,9 +28,12 @@ private Q_SLOTS:
     void aProgramThatTellsNoVersionIsTakenForACurrentOne_data();
     void aProgramThatTellsNoVersionIsTakenForACurrentOne();
     void aProgramIsAskedOnce();
+    void aProgramThatTellsNoVersionIsAskedOnce();
+    void aProgramThatWasReplacedIsAskedAgain_data();
     void aProgramThatWasReplacedIsAskedAgain();
     void aProgramThatPrintsOnIsNotWaitedFor();
-    void aProgramThatPrintsNothingIsNotWaitedForLong();
+    void aProgramThatPrintsNoVersionIsNotWaitedForLong_data();
+    void aProgramThatPrintsNoVersionIsNotWaitedForLong();
 
 private:
     // Every run leaves a line in the file "runs".
@@ -106,12 +111,38 @@ void TestArchiverVersion::aProgramIsAskedOnce()
     QCOMPARE(runs(), QByteArray("run 0\n"));
 }
 
+void TestArchiverVersion::aProgramThatTellsNoVersionIsAskedOnce()
+{
+    QVERIFY(writeArchiver("exit 0\n"));
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(find().dialect == ArchiverDialect::From2107);
+    QCOMPARE(runs(), QByteArray("run 0\n"));
+}
+
+void TestArchiverVersion::aProgramThatWasReplacedIsAskedAgain_data()
+{
+    QTest::addColumn<QByteArray>("end"); // of the script that takes the place of the first one
+    QTest::addColumn<bool>("keepsTime");
+    QTest::newRow("by one of the same size") << QByteArray() << false;
+    QTest::newRow("by one of the same time") << QByteArray("# longer\n") << true;
+}
+
 void TestArchiverVersion::aProgramThatWasReplacedIsAskedAgain()
 {
+    QFETCH(QByteArray, end);
+    QFETCH(bool, keepsTime);
+    const QDateTime time = QDateTime::currentDateTime().addDays(-1);
+    const auto setTime = [this](const QDateTime &changed) {
+        QFile file(folder_->filePath(QStringLiteral("7z")));
+        return file.open(QIODevice::ReadWrite)
+            && file.setFileTime(changed, QFileDevice::FileModificationTime);
+    };
     QVERIFY(writeArchiver("echo '7-Zip [64] 9.38 beta'\n"));
+    QVERIFY(setTime(time));
     QVERIFY(find().dialect == ArchiverDialect::From934);
-    QVERIFY(writeArchiver("echo '7-Zip (z) 26.02 (x64)'\n"));
-    QVERIFY(find().dialect == ArchiverDialect::From2107);
+    QVERIFY(writeArchiver("echo '7-Zip [64] 16.02 bet'\n" + end));
+    QVERIFY(setTime(keepsTime ? time : time.addSecs(1)));
+    QVERIFY(find().dialect == ArchiverDialect::From1505);
     QCOMPARE(runs(), QByteArray("run 0\nrun 0\n"));
 }
 
@@ -124,9 +155,18 @@ void TestArchiverVersion::aProgramThatPrintsOnIsNotWaitedFor()
     QVERIFY(timer.elapsed() < TimeForVersion);
 }
 
-void TestArchiverVersion::aProgramThatPrintsNothingIsNotWaitedForLong()
+void TestArchiverVersion::aProgramThatPrintsNoVersionIsNotWaitedForLong_data()
 {
-    QVERIFY(writeArchiver("exec /bin/sleep 60\n"));
+    QTest::addColumn<QByteArray>("script");
+    QTest::newRow("nothing") << QByteArray("exec /bin/sleep 60\n");
+    QTest::newRow("a byte now and then")
+        << QByteArray("while :; do printf x; /bin/sleep 0.2; done\n");
+}
+
+void TestArchiverVersion::aProgramThatPrintsNoVersionIsNotWaitedForLong()
+{
+    QFETCH(QByteArray, script);
+    QVERIFY(writeArchiver(script));
     QElapsedTimer timer;
     timer.start();
     QVERIFY(find().dialect == ArchiverDialect::From2107);

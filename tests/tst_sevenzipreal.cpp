@@ -1,16 +1,16 @@
 #include <Utility/SevenZip.h>
 #include <Utility/System.h>
 
+#include "ArchiveTree.h"
 #include "Noise.h"
 #include "OwnTempFolder.h"
+#include "TestFiles.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QMap>
 #include <QtCore/QStandardPaths>
 #include <QtTest/QtTest>
 
@@ -20,57 +20,12 @@ using namespace Vorn::Util;
 
 namespace {
 
-using Tree = QMap<QString, QByteArray>; // relative name and content
-
-bool writeFile(const QString &name, const QByteArray &bytes)
-{
-    QFile file(name);
-    return QDir().mkpath(QFileInfo(name).path()) && file.open(QIODevice::WriteOnly)
-        && file.write(bytes) == bytes.size();
-}
-
-bool writeTree(const QString &folder, const Tree &tree)
-{
-    for (auto file = tree.begin(); file != tree.end(); ++file) {
-        if (!writeFile(folder + QLatin1Char('/') + file.key(), file.value()))
-            return false;
-    }
-    return true;
-}
-
-Tree readTree(const QString &folder)
-{
-    Tree tree;
-    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System,
-                       QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        QFile file(files.next());
-        if (file.open(QIODevice::ReadOnly))
-            tree.insert(QDir(folder).relativeFilePath(file.fileName()), file.readAll());
-    }
-    return tree;
-}
-
 QStringList absoluteNames(const QString &folder, const Tree &tree)
 {
     QStringList names;
     for (auto file = tree.begin(); file != tree.end(); ++file)
         names << folder + QLatin1Char('/') + file.key();
     return names;
-}
-
-QStringList sorted(QStringList names)
-{
-    names.sort();
-    return names;
-}
-
-qint64 sizeOf(const Tree &tree)
-{
-    qint64 sum = 0;
-    for (const QByteArray &bytes : tree)
-        sum += bytes.size();
-    return sum;
 }
 
 Tree numberedTree(int count)
@@ -81,47 +36,6 @@ Tree numberedTree(int count)
                                         : QStringLiteral("%1.dat").arg(i);
         tree.insert(name, "content " + QByteArray::number(i) + '\n');
     }
-    return tree;
-}
-
-Tree mixedTree()
-{
-    Tree tree;
-    tree.insert(QStringLiteral("text.txt"), QByteArray("a line that comes again\n").repeated(4000));
-    tree.insert(QStringLiteral("noise.bin"), noise(50000));
-    tree.insert(QStringLiteral("empty"), QByteArray());
-    tree.insert(QStringLiteral("zero.bin"), QByteArray(3, '\0'));
-    tree.insert(QStringLiteral("lines.txt"), "LF\nCR LF\r\nCR\r\x1a end");
-    tree.insert(QStringLiteral("with blanks/in the name.txt"), "blanks");
-    tree.insert(QStringLiteral("deep/er/and/deeper/x.txt"), "deep");
-    return tree;
-}
-
-// Names that a reader may stumble over.
-Tree hardNames()
-{
-    Tree tree;
-    const QStringList names{
-        QStringLiteral("12"),
-        QStringLiteral("12 34 numbers"),
-        QStringLiteral("2024-02-29 12:34:56").replace(QLatin1Char(':'), QLatin1Char('.')),
-        QStringLiteral("two  blanks   three"),
-        QStringLiteral("d/ blank first"),
-        QString::fromUtf8("größe.txt"),
-        QString::fromUtf8("日本 Ω 😀.txt"),
-        QStringLiteral("{"),
-        QStringLiteral("}"),
-        QStringLiteral("d/--------"),
-        QStringLiteral("Size.txt"),
-        QStringLiteral("Extracting  x"),
-        QStringLiteral("%PATH% ^& $HOME `x`"),
-        QStringLiteral("Type = zip"),
-        QStringLiteral("d/- minus"),
-        QStringLiteral("d/@at"),
-        QStringLiteral("*"),
-        QStringLiteral("d/*.t?t")};
-    for (const QString &name : names)
-        tree.insert(name, name.toUtf8());
     return tree;
 }
 
@@ -136,12 +50,8 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void aRoundTripInEveryMethod_data();
-    void aRoundTripInEveryMethod();
     void aRoundTripOfManyFiles_data();
     void aRoundTripOfManyFiles();
-    void aRoundTripOfHardNames_data();
-    void aRoundTripOfHardNames();
     void namesWithWildcardsStandForThemselvesAlone_data();
     void namesWithWildcardsStandForThemselvesAlone();
     void aRoundTripWithoutThreadsInEveryLevel_data();
@@ -151,22 +61,16 @@ private Q_SLOTS:
     void filesAreAddedToAnArchive();
     void compressingNoFilesTakesTheCurrentFolder();
     void compressingNothingGivesAnEmptyArchive();
-    void foldersAreReportedWithTheirNames();
     void aMissingFileIsAWarning();
     void aDamagedArchiveIsAFatalError();
-    void whatIsNoArchiveIsAFatalError();
     void aMissingArchiveIsAFatalError();
-    void withoutItsPasswordAnArchiveIsAFatalError_data();
-    void withoutItsPasswordAnArchiveIsAFatalError();
-    void theNamesInAnEncryptedArchiveAreListed_data();
-    void theNamesInAnEncryptedArchiveAreListed();
     void aFatalErrorDoesNotStay();
 
 private:
     QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
 
-    // Compresses the tree, lists and extracts it, and compares all that is reported.
-    void roundTrip(SevenZip &archive, const Tree &tree);
+    // A round trip of the archive "archive.bin" with absolute names.
+    void roundTripBelowIn(SevenZip &archive, const Tree &tree);
 
     OwnTempFolder temp_; // of the list files
     std::unique_ptr<TestFolder> folder_;
@@ -202,89 +106,11 @@ void TestSevenZipReal::cleanup()
     folder_.reset();
 }
 
-void TestSevenZipReal::roundTrip(SevenZip &archive, const Tree &tree)
+void TestSevenZipReal::roundTripBelowIn(SevenZip &archive, const Tree &tree)
 {
-    const SevenZip::Type type = archive.type();
-    const SevenZip::Method method = archive.method();
-    const qint64 size = sizeOf(tree);
-    const QStringList names = absoluteNames(path("in"), tree);
-    QVERIFY(writeTree(path("in"), tree));
     archive.setArchiveFile(path("archive.bin"));
     archive.setCurrentPath(path("in"));
-
-    QVERIFY2(archive.compressFiles(names), qPrintable(archive.output()));
-    const qint64 archiveSize = QFileInfo(path("archive.bin")).size();
-    QVERIFY(archiveSize > 0);
-    QCOMPARE(archive.files(), names);
-    QCOMPARE(archive.uncompressedSize(), size);
-    QCOMPARE(archive.compressedSize(), archiveSize);
-
-    // Extracted with nothing known of it.
-    SevenZip other;
-    other.setArchiveFile(path("archive.bin"));
-    QVERIFY(other.extractFilesTo(path("out")));
-    QCOMPARE(readTree(path("out")), tree);
-    QCOMPARE(other.folder(), path("out"));
-
-    SevenZip lister;
-    lister.setArchiveFile(path("archive.bin"));
-    lister.setType(type == SevenZip::Type7z ? SevenZip::TypeZip : SevenZip::Type7z);
-    QVERIFY(lister.listFiles());
-
-    if (onWindows())
-        return; // the readers know the output of the product's own version only
-    const QStringList inside = sorted(tree.keys());
-    QCOMPARE(sorted(other.files()), inside);
-    QCOMPARE(other.uncompressedSize(), size);
-    QCOMPARE(other.compressedSize(), archiveSize);
-    QCOMPARE(sorted(lister.files()), inside);
-    QCOMPARE(lister.type(), type);
-    if (type == SevenZip::Type7z) // a listing of a zip archive names no method
-        QCOMPARE(lister.method(), method);
-    QCOMPARE(lister.uncompressedSize(), size);
-    if (method == SevenZip::Copy)
-        QCOMPARE(lister.compressedSize(), size);
-    QVERIFY(lister.compressedSize() > 0);
-    QVERIFY(lister.compressedSize() < archiveSize);
-}
-
-namespace {
-
-void typeAndMethodRows()
-{
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("method");
-    QTest::newRow("7z, Copy") << 0 << 0;
-    QTest::newRow("7z, Deflate") << 0 << 1;
-    QTest::newRow("7z, LZMA") << 0 << 2;
-    QTest::newRow("7z, LZMA2") << 0 << 3;
-    QTest::newRow("7z, BZip2") << 0 << 4;
-    QTest::newRow("zip, Copy") << 1 << 0;
-    QTest::newRow("zip, Deflate") << 1 << 1;
-}
-
-} // namespace
-
-void TestSevenZipReal::aRoundTripInEveryMethod_data()
-{
-    typeAndMethodRows();
-}
-
-void TestSevenZipReal::aRoundTripInEveryMethod()
-{
-    QFETCH(int, type);
-    QFETCH(int, method);
-    SevenZip archive;
-    archive.setType(static_cast<SevenZip::Type>(type));
-    archive.setMethod(static_cast<SevenZip::Method>(method));
-    roundTrip(archive, mixedTree());
-    if (QTest::currentTestFailed())
-        return;
-    // The type and the method were really taken.
-    QFile file(path("archive.bin"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.read(2) == (type == 0 ? "7z" : "PK"));
-    QCOMPARE(archive.compressedSize() < archive.uncompressedSize(), method != SevenZip::Copy);
+    roundTrip(archive, path("out"), tree, absoluteNames(path("in"), tree));
 }
 
 void TestSevenZipReal::aRoundTripOfManyFiles_data()
@@ -292,7 +118,7 @@ void TestSevenZipReal::aRoundTripOfManyFiles_data()
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("method");
     QTest::addColumn<int>("count");
-    for (const int count : {1, 32, 33, 2000}) {
+    for (const int count : {1, 32, 33, 500}) {
         QTest::addRow("7z, %d", count) << 0 << 3 << count;
         QTest::addRow("zip, %d", count) << 1 << 1 << count;
     }
@@ -308,40 +134,7 @@ void TestSevenZipReal::aRoundTripOfManyFiles()
     archive.setMethod(static_cast<SevenZip::Method>(method));
     const Tree tree = numberedTree(count);
     QCOMPARE(tree.size(), count);
-    roundTrip(archive, tree);
-}
-
-void TestSevenZipReal::aRoundTripOfHardNames_data()
-{
-    QTest::addColumn<int>("type");
-    QTest::addColumn<int>("method");
-    QTest::addColumn<bool>("inListFile");
-    QTest::newRow("7z") << 0 << 3 << false;
-    QTest::newRow("zip") << 1 << 1 << false;
-    QTest::newRow("7z, list file") << 0 << 3 << true;
-    QTest::newRow("zip, list file") << 1 << 1 << true;
-}
-
-void TestSevenZipReal::aRoundTripOfHardNames()
-{
-    if (onWindows())
-        QSKIP("The program on Windows takes other characters only in its own code page.");
-    QFETCH(int, type);
-    QFETCH(int, method);
-    QFETCH(bool, inListFile);
-    SevenZip archive;
-    archive.setType(static_cast<SevenZip::Type>(type));
-    archive.setMethod(static_cast<SevenZip::Method>(method));
-    Tree tree = hardNames();
-    QVERIFY(tree.size() <= 32);
-    if (inListFile) {
-        const Tree more = numberedTree(33);
-        for (auto file = more.begin(); file != more.end(); ++file)
-            tree.insert(file.key(), file.value());
-    } else {
-        tree.insert(QStringLiteral(" blank first"), "blank"); // the lines of a list are trimmed
-    }
-    roundTrip(archive, tree);
+    roundTripBelowIn(archive, tree);
 }
 
 void TestSevenZipReal::namesWithWildcardsStandForThemselvesAlone_data()
@@ -370,11 +163,11 @@ void TestSevenZipReal::namesWithWildcardsStandForThemselvesAlone()
     QVERIFY2(archive.compressFiles(tree.keys()), qPrintable(archive.output()));
     QVERIFY(archive.extractFilesTo(path("out")));
     QCOMPARE(readTree(path("out")), tree);
-    QCOMPARE(sorted(archive.files()), sorted(tree.keys()));
+    QCOMPARE(normalized(archive.files()), normalized(tree.keys()));
     SevenZip lister;
     lister.setArchiveFile(path("*.7z"));
     QVERIFY(lister.listFiles());
-    QCOMPARE(sorted(lister.files()), sorted(tree.keys()));
+    QCOMPARE(normalized(lister.files()), normalized(tree.keys()));
 }
 
 void TestSevenZipReal::aRoundTripWithoutThreadsInEveryLevel_data()
@@ -395,7 +188,7 @@ void TestSevenZipReal::aRoundTripWithoutThreadsInEveryLevel()
     archive.setLevel(static_cast<SevenZip::Level>(level));
     archive.setMode(static_cast<SevenZip::Mode>(mode));
     archive.setUseThreads(false);
-    roundTrip(archive, mixedTree());
+    roundTripBelowIn(archive, mixedTree());
 }
 
 void TestSevenZipReal::asynchronousOperations()
@@ -416,13 +209,11 @@ void TestSevenZipReal::asynchronousOperations()
     QVERIFY(extracted.wait(60000));
     QVERIFY(archive.isOk());
     QCOMPARE(readTree(path("out")), tree);
-    if (!onWindows())
-        QCOMPARE(sorted(archive.files()), sorted(tree.keys()));
+    QCOMPARE(normalized(archive.files()), normalized(tree.keys()));
     archive.startListingFiles();
     QVERIFY(listed.wait(60000));
     QVERIFY(archive.isOk());
-    if (!onWindows())
-        QCOMPARE(sorted(archive.files()), sorted(tree.keys() + tree.keys()));
+    QCOMPARE(normalized(archive.files()), normalized(tree.keys() + tree.keys()));
     QCOMPARE(compressed.size() + extracted.size() + listed.size(), 3);
 }
 
@@ -490,27 +281,7 @@ void TestSevenZipReal::compressingNothingGivesAnEmptyArchive()
     QCOMPARE(archive.compressedSize(), Q_INT64_C(0));
     QVERIFY(archive.extractFilesTo(path("out")));
     QVERIFY(readTree(path("out")).isEmpty());
-    if (!onWindows()) // the readers know the output of the product's own version only
-        QVERIFY(archive.files().isEmpty());
-}
-
-void TestSevenZipReal::foldersAreReportedWithTheirNames()
-{
-    QVERIFY(QDir().mkpath(path("in/a folder/empty one")));
-    QVERIFY(writeFile(path("in/a folder/x.txt"), "x"));
-    SevenZip archive;
-    archive.setArchiveFile(path("archive.7z"));
-    archive.setCurrentPath(path("in"));
-    QVERIFY(archive.compressFiles({path("in/a folder")}));
-    QVERIFY(archive.extractFilesTo(path("out")));
-    QVERIFY(QFileInfo(path("out/a folder/empty one")).isDir());
-    if (onWindows())
-        return; // the readers know the output of the product's own version only
-    const QStringList expected{QStringLiteral("a folder"), QStringLiteral("a folder/empty one"),
-                               QStringLiteral("a folder/x.txt")};
-    QCOMPARE(sorted(archive.files()), expected);
-    QVERIFY(archive.listFiles());
-    QCOMPARE(sorted(archive.files()), sorted(expected + expected));
+    QVERIFY(archive.files().isEmpty());
 }
 
 void TestSevenZipReal::aMissingFileIsAWarning()
@@ -550,19 +321,6 @@ void TestSevenZipReal::aDamagedArchiveIsAFatalError()
     QVERIFY(archive.listFiles()); // the list of the files is whole
 }
 
-void TestSevenZipReal::whatIsNoArchiveIsAFatalError()
-{
-    QVERIFY(writeFile(path("archive.7z"), "this is no archive\n"));
-    SevenZip archive;
-    archive.setArchiveFile(path("archive.7z"));
-    QVERIFY(!archive.listFiles());
-    QCOMPARE(archive.error(), SevenZip::FatalError);
-    QVERIFY(!archive.extractFilesTo(path("out")));
-    QCOMPARE(archive.error(), SevenZip::FatalError);
-    if (!onWindows()) // the readers know the output of the product's own version only
-        QVERIFY(archive.files().isEmpty());
-}
-
 void TestSevenZipReal::aMissingArchiveIsAFatalError()
 {
     SevenZip archive;
@@ -576,44 +334,6 @@ void TestSevenZipReal::aMissingArchiveIsAFatalError()
     QVERIFY(readTree(path("out")).isEmpty());
     QCOMPARE(listed.size(), 1);
     QCOMPARE(extracted.size(), 1);
-}
-
-void TestSevenZipReal::withoutItsPasswordAnArchiveIsAFatalError_data()
-{
-    QTest::addColumn<QString>("archive");
-    for (const char *archive : {"encrypted.7z", "encrypted-names.7z", "encrypted.zip"})
-        QTest::newRow(archive) << QString::fromLatin1(archive);
-}
-
-void TestSevenZipReal::withoutItsPasswordAnArchiveIsAFatalError()
-{
-    QFETCH(QString, archive);
-    SevenZip unpacker;
-    unpacker.setArchiveFile(QStringLiteral(TEST_DATA "/archives/") + archive);
-    QVERIFY(!unpacker.extractFilesTo(path("out")));
-    QCOMPARE(unpacker.error(), SevenZip::FatalError);
-    QVERIFY(!readTree(path("out")).values().contains("secret text\n")); // empty files may be there
-    if (archive != QLatin1String("encrypted-names.7z"))
-        return;
-    QVERIFY(!unpacker.listFiles());
-    QCOMPARE(unpacker.error(), SevenZip::FatalError);
-}
-
-void TestSevenZipReal::theNamesInAnEncryptedArchiveAreListed_data()
-{
-    QTest::addColumn<QString>("archive");
-    for (const char *archive : {"encrypted.7z", "encrypted.zip"})
-        QTest::newRow(archive) << QString::fromLatin1(archive);
-}
-
-void TestSevenZipReal::theNamesInAnEncryptedArchiveAreListed()
-{
-    QFETCH(QString, archive);
-    SevenZip lister;
-    lister.setArchiveFile(QStringLiteral(TEST_DATA "/archives/") + archive);
-    QVERIFY(lister.listFiles());
-    if (!onWindows()) // the readers know the output of the product's own version only
-        QCOMPARE(lister.files(), (QStringList{QStringLiteral("a.txt"), QStringLiteral("b.txt")}));
 }
 
 void TestSevenZipReal::aFatalErrorDoesNotStay()

@@ -7,7 +7,7 @@ need g++-mingw-w64-x86-64-posix wine wine64 python3
 cd "$project"
 
 VORNUTILITY_QT_WINDOWS=$(scripts/qt-windows.sh)
-VORNUTILITY_ARCHIVERS=$(scripts/test-archivers.sh 7zip-15.05 7zip-16.04 7zip-24.09)
+VORNUTILITY_ARCHIVERS=$(scripts/test-archivers.sh 7zip-15.05 7zip-16.04 7zip-21.07 7zip-24.09)
 VORNUTILITY_7ZIP_WINDOWS=$VORNUTILITY_ARCHIVERS/7zip-16.04
 export VORNUTILITY_QT_WINDOWS VORNUTILITY_ARCHIVERS VORNUTILITY_7ZIP_WINDOWS
 

@@ -45,7 +45,7 @@ QVector<Program> programs()
     if (onWindows()) {
         const QStringList files{QStringLiteral("7z.exe"), QStringLiteral("7z.dll")};
         return {fetched("7zip-15.05", files), fetched("7zip-16.04", files),
-                fetched("7zip-24.09", files)};
+                fetched("7zip-21.07", {QStringLiteral("7z.exe")}), fetched("7zip-24.09", files)};
     }
     const QString installed = QStandardPaths::findExecutable(QStringLiteral("7zz"));
     return {{QStringLiteral("7zip of the system"),
@@ -346,6 +346,9 @@ void TestArchiverPrograms::namesInAListFileAreTakenAndToldToTheLetter_data()
 void TestArchiverPrograms::namesInAListFileAreTakenAndToldToTheLetter()
 {
     Tree tree = hardNames();
+    // This version takes no list file with a letter that is two units of UTF-16: exit code 7.
+    if (currentProgram_ == QLatin1String("7zip-21.07"))
+        tree.remove(QString::fromUtf8("日本 Ω 😀.txt"));
     for (int i = 0; tree.size() < 40; ++i)
         tree.insert(QStringLiteral("more %1").arg(i), "more");
     QVERIFY(writeTree(path("in"), neighbourOfHardNames()));
@@ -394,6 +397,8 @@ void TestArchiverPrograms::aCommentIsNotTakenForEntries_data()
         };
         row("braces", "first\n{\nin braces\n}\n\nlast\n");
         row("open brace", "first\n{\nlast");
+        row("brace after an empty line", "\n{\nlast");
+        row("closing brace", "first\n}\nlast");
         row("type", "first\nType = 7z\nMethod = Copy\n");
         row("ruler", "first\n--------\nlast");
         row("name and totals", "first\n- name\nSize: 12\nCompressed: 34\nlast");

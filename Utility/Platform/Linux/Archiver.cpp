@@ -35,7 +35,7 @@ protected:
 QString findArchiver(const QString &productFolder)
 {
     QString own = QStringLiteral("%1/7z.exe").arg(productFolder);
-    if (QFileInfo(own).isFile())
+    if (QFileInfo::exists(own))
         return own;
 
     const QStringList names{QStringLiteral("7z"), QStringLiteral("7zz"), QStringLiteral("7za")};

@@ -92,7 +92,7 @@ std::optional<ArchiverVersion> rememberedVersion(const QString &program)
 ArchiverProgram findArchiverProgram(const QString &productFolder)
 {
     const QString path = Platform::findArchiver(productFolder);
-    const Platform::ProgramVersion block = Platform::programVersion(path);
+    const Formats::ProgramVersion block = Platform::programVersion(path);
     if (block.high != 0) {
         const ArchiverVersion version{static_cast<int>(block.high >> 16),
                                       static_cast<int>(block.high & 0xffff)};

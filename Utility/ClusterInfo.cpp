@@ -1,7 +1,7 @@
 #include <Utility/ClusterInfo.h>
 
 #include <Utility/Command.h>
-#include <Utility/NodeLines.h>
+#include <Utility/Formats/NodeLines_p.h>
 #include <Utility/Platform/ClusterTool.h>
 
 #include <algorithm>
@@ -19,6 +19,18 @@ int valueOfComputeNode(const QList<NodeInfo> &nodes, int NodeInfo::*value)
     const int found = node == nodes.cend() ? 0 : (*node).*value;
     // Kept for compatibility: see "Sockets for cores" in docs/compatibility.md.
     return found != 0 ? found : nodes.first().sockets;
+}
+
+NodeInfo nodeOf(const Formats::NodeLine &line)
+{
+    NodeInfo node;
+    node.name = line.name;
+    node.cores = line.cores;
+    node.sockets = line.sockets;
+    node.quantity = line.quantity;
+    node.isHeadNode = line.isHeadNode;
+    node.isComputeNode = line.isComputeNode;
+    return node;
 }
 
 } // namespace
@@ -80,8 +92,9 @@ void ClusterInfo::init()
     computeNodes_.clear();
     const QString command = Platform::clusterToolCommand(dir_, QStringLiteral("-q -cluster"));
     const QStringList lines = Command(log_).runL(command, MostLines, true);
-    const QList<NodeInfo> nodes = parseNodeLines(lines);
-    for (const NodeInfo &node : nodes) {
+    const QList<Formats::NodeLine> nodes = Formats::parseNodeLines(lines);
+    for (const Formats::NodeLine &line : nodes) {
+        const NodeInfo node = nodeOf(line);
         if (node.isHeadNode)
             headNodes_.append(node);
         if (node.isComputeNode)

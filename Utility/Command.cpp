@@ -1,6 +1,6 @@
 #include <Utility/Command.h>
 
-#include <Utility/CommandOutput_p.h>
+#include <Utility/Formats/CommandOutput_p.h>
 #include <Utility/Log.h>
 #include <Utility/Platform/Shell.h>
 
@@ -89,7 +89,7 @@ QStringList runAndRead(const QString &command, int maxLines, Log *log)
 {
     const bool isWritten = writeScript(command);
     QProcess process;
-    const KeptOutput output(process, neededOutput(maxLines));
+    const KeptOutput output(process, Formats::neededOutput(maxLines));
     const Platform::ShellCall call = Platform::callOfScript(scriptName());
     if (log)
         logCall(*log, call);
@@ -100,7 +100,7 @@ QStringList runAndRead(const QString &command, int maxLines, Log *log)
     // A process that has not printed yet has no line. One that has ended has an empty one.
     QStringList lines;
     if (!output.bytes().empty() || process.state() == QProcess::NotRunning)
-        lines = outputLines(output.bytes(), maxLines);
+        lines = Formats::outputLines(output.bytes(), maxLines);
     if (log) {
         for (const QString &line : qAsConst(lines))
             log->append(QStringLiteral(" output:") + line.trimmed());

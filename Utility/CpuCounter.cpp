@@ -1,7 +1,6 @@
 #include <Utility/CpuCounter.h>
 
 #include <Utility/Platform/Counters.h>
-#include <Utility/SysInfo.h>
 
 namespace Vorn::Util {
 

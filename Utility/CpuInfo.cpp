@@ -3,7 +3,7 @@
 #include <Utility/Log.h>
 #include <Utility/Platform/Files.h>
 #include <Utility/Platform/Processors.h>
-#include <Utility/Platform/SmallFile_p.h>
+#include <Utility/Platform/SmallFile.h>
 #include <Utility/Xml.h>
 
 #include <QtCore/QDebug>
@@ -73,15 +73,14 @@ bool CpuInfo::isHyperThreadingOn() const
 
 bool CpuInfo::getSystemInfo()
 {
-    const Platform::ProcessorQuery query = Platform::queryProcessors();
+    const Formats::ProcessorQuery query = Platform::queryProcessors();
     for (const QString &message : query.messages)
         log(message);
     if (!query.ok)
         return false;
     processorCount_ = query.counts.packages;
     coreCount_ = query.counts.cores;
-    if (query.counts.tellsSmt)
-        hyperThreading_ = query.counts.smt;
+    hyperThreading_ = query.counts.smt.value_or(hyperThreading_);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include <Utility/Log.h>
 
-#include <Utility/LogTruncation.h>
+#include <Utility/Formats/TruncationOffset_p.h>
+#include <Utility/LogTruncation_p.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
@@ -17,7 +18,7 @@
 namespace Vorn::Util {
 
 const qint64 Log::MaxLogSize = 5242880;
-const qint64 Log::AmountToTruncate = 1048576;
+const qint64 Log::AmountToTruncate = Formats::AmountToTruncate;
 const int Log::MaxLogCount = 10;
 
 namespace {

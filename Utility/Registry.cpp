@@ -1,9 +1,9 @@
 #include <Utility/Registry.h>
 
+#include <Utility/Formats/RegistryKey_p.h>
 #include <Utility/Platform/Environment.h>
 #include <Utility/Platform/Settings.h>
-#include <Utility/RegistryKey.h>
-#include <Utility/StandardOutput.h>
+#include <Utility/StandardOutput_p.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QStringList>
@@ -62,7 +62,7 @@ void Registry::readRegistryValue(const wchar_t *valueName, wchar_t *out, const w
     if (!valueName || !out)
         return;
     out[0] = L'\0';
-    const QString key = resolveKeyPath(toQString(keyPath), Platform::settingsSubkeys);
+    const QString key = Formats::resolveKeyPath(toQString(keyPath), Platform::settingsSubkeys);
     const Platform::SettingsValue value = Platform::readSettingsValue(key, toQString(valueName));
     if (value.outcome == Platform::SettingsValue::Found)
         copyBounded(value.text, out, ValueSize);

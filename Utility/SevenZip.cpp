@@ -1,6 +1,6 @@
 #include <Utility/SevenZip.h>
 
-#include <Utility/SevenZipCommand.h>
+#include <Utility/SevenZipCommand_p.h>
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QPointer>

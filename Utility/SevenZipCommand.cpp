@@ -1,4 +1,4 @@
-#include <Utility/SevenZipCommand.h>
+#include <Utility/SevenZipCommand_p.h>
 
 #include <Utility/ArchiverProgram_p.h>
 #include <Utility/Platform/Archiver.h>

@@ -1,4 +1,4 @@
-#include <Utility/StandardOutput.h>
+#include <Utility/StandardOutput_p.h>
 
 #include <QtCore/QFile>
 

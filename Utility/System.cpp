@@ -1,6 +1,6 @@
 #include <Utility/System.h>
 
-#include <Utility/AsciiText.h>
+#include <Utility/Formats/AsciiText_p.h>
 #include <Utility/Platform/Environment.h>
 #include <Utility/Platform/Folders.h>
 #include <Utility/Registry.h>
@@ -134,7 +134,7 @@ QString System::getTempDirPath()
 {
     if (tempDirPath_.isEmpty()) {
         tempDirPath_ = QDir::tempPath();
-        if (isUnicodeText(tempDirPath_))
+        if (Formats::isUnicodeText(tempDirPath_))
             tempDirPath_ = getProgramDataPath(productFolder());
     }
     return tempDirPath_;

@@ -3,8 +3,8 @@
 #include <Utility/Platform/FolderTree.h>
 #include <Utility/Platform/ProgramVersion.h>
 #include <Utility/Platform/Shares.h>
-#include <Utility/Platform/SmallFile_p.h>
-#include <Utility/StandardOutput.h>
+#include <Utility/Platform/SmallFile.h>
+#include <Utility/StandardOutput_p.h>
 #include <Utility/System.h>
 
 #include <QtCore/QDir>
@@ -190,7 +190,7 @@ bool System::isFolderShared(const QString &path)
 
 QString System::getFileVersion(const QString &filePath)
 {
-    const Platform::ProgramVersion version = Platform::programVersion(filePath);
+    const Formats::ProgramVersion version = Platform::programVersion(filePath);
     const auto highPart = [](quint32 word) { return QString::number(word >> 16); };
     const auto lowPart = [](quint32 word) { return QString::number(word & 0xffff); };
     QString text = QStringLiteral("%1.%2.%3.%4")

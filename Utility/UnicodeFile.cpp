@@ -1,6 +1,6 @@
 #include <Utility/UnicodeFile.h>
 
-#include <Utility/AsciiText.h>
+#include <Utility/Formats/AsciiText_p.h>
 #include <Utility/Platform/FileReplacement.h>
 #include <Utility/Platform/Files.h>
 #include <Utility/System.h>
@@ -171,7 +171,7 @@ bool UnicodeFile::isUnicode() const
 
 bool UnicodeFile::isUnicode(const QString &text)
 {
-    return isUnicodeText(text);
+    return Formats::isUnicodeText(text);
 }
 
 QString UnicodeFile::asciiName() const

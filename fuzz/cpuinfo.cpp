@@ -2,9 +2,9 @@
 
 #include "Fuzz.h"
 
-#include <Utility/Platform/ProcessorRecords.h>
+#include <Utility/Formats/ProcessorRecords_p.h>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
@@ -13,7 +13,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     CHECK(0 <= counts.packages && counts.packages <= counts.cores);
     CHECK(counts.cores <= text.count("processor"));
     CHECK((counts.cores > 0) == (counts.packages > 0));
-    CHECK(counts.tellsSmt == (counts.cores > 0));
-    CHECK(counts.tellsSmt || !counts.smt);
+    CHECK(counts.smt.has_value() == (counts.cores > 0));
     return 0;
 }

@@ -2,23 +2,23 @@
 
 #include "Fuzz.h"
 
-#include <Utility/NodeLines.h>
+#include <Utility/Formats/NodeLines_p.h>
 
-using namespace Vorn::Util;
+using namespace Vorn::Util::Formats;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const QStringList lines = linesOf(bytesOf(data, size));
-    const QList<NodeInfo> nodes = parseNodeLines(lines);
+    const QList<NodeLine> nodes = parseNodeLines(lines);
     CHECK(nodes.size() <= lines.size());
-    for (const NodeInfo &node : nodes) {
+    for (const NodeLine &node : nodes) {
         CHECK(node.isHeadNode || node.isComputeNode);
         CHECK(!node.name.isEmpty() && !node.name.contains(QLatin1Char(':')));
         const QString text = node.toString();
         CHECK(text.startsWith(node.name + QLatin1Char(':')));
         CHECK(text.count(QLatin1Char(':')) == 3);
         // With a role it is a node's line again; a name of blanks only would be lost.
-        const QList<NodeInfo> again = parseNodeLines({text + QLatin1String(":HeadNodes")});
+        const QList<NodeLine> again = parseNodeLines({text + QLatin1String(":HeadNodes")});
         if (!node.name.trimmed().isEmpty())
             CHECK(again.size() == 1 && again.first().cores == node.cores
                   && again.first().sockets == node.sockets && again.first().isHeadNode);

@@ -3,13 +3,13 @@
 
 #include "Fuzz.h"
 
-#include <Utility/Platform/ProcessorRecords.h>
+#include <Utility/Formats/ProcessorRecords_p.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QTemporaryDir>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
@@ -32,7 +32,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const ProcessorCounts counts = countSysfs(folder.path());
     CHECK(0 <= counts.packages && counts.packages <= counts.cores);
     CHECK((counts.cores > 0) == (counts.packages > 0));
-    CHECK(counts.tellsSmt == (counts.cores > 0));
-    CHECK(counts.tellsSmt || !counts.smt);
+    CHECK(counts.smt.has_value() == (counts.cores > 0));
     return 0;
 }

@@ -2,9 +2,9 @@
 
 #include "Fuzz.h"
 
-#include <Utility/Platform/ProcessorRecords.h>
+#include <Utility/Formats/ProcessorRecords_p.h>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
@@ -14,13 +14,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const ProcessorCounts extended = countExtendedRecords(records);
     CHECK(extended.packages >= 0 && extended.cores >= 0);
     CHECK(extended.packages + extended.cores <= records.size() / SmallestRecord);
-    CHECK(extended.tellsSmt == (extended.cores > 0));
-    CHECK(extended.tellsSmt || !extended.smt);
+    CHECK(extended.smt.has_value() == (extended.cores > 0));
 
     constexpr int RecordSize = 32;
     const ProcessorCounts fixed = countFixedRecords(records);
     CHECK(fixed.packages >= 0 && fixed.cores >= 0);
     CHECK(fixed.packages + fixed.cores <= (records.size() + RecordSize - 1) / RecordSize);
-    CHECK(!fixed.tellsSmt && !fixed.smt);
+    CHECK(!fixed.smt);
     return 0;
 }

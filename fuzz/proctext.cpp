@@ -2,11 +2,11 @@
 
 #include "Fuzz.h"
 
-#include <Utility/Platform/ProcText.h>
+#include <Utility/Formats/ProcText_p.h>
 
 #include <string>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

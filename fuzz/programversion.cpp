@@ -2,7 +2,7 @@
 
 #include "Fuzz.h"
 
-#include <Utility/Platform/ProgramVersion.h>
+#include <Utility/Formats/VersionBlock_p.h>
 
 #include <QtCore/QBuffer>
 #include <QtCore/QtEndian>
@@ -15,7 +15,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     QBuffer program;
     program.setData(file);
     CHECK(program.open(QIODevice::ReadOnly));
-    const Platform::ProgramVersion version = Platform::versionInProgram(program);
+    const Formats::ProgramVersion version = Formats::versionInProgram(program);
     // The version stands in the file, behind the signature of the block.
     QByteArray words(8, '\0');
     qToLittleEndian(version.high, words.data());

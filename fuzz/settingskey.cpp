@@ -2,11 +2,11 @@
 
 #include "Fuzz.h"
 
-#include <Utility/RegistryKey.h>
+#include <Utility/Formats/RegistryKey_p.h>
 
 #include <QtCore/QRegularExpression>
 
-using namespace Vorn::Util;
+using namespace Vorn::Util::Formats;
 
 namespace {
 

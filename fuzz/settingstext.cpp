@@ -2,9 +2,9 @@
 
 #include "Fuzz.h"
 
-#include <Utility/Platform/SettingsText_p.h>
+#include <Utility/Formats/SettingsText_p.h>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

@@ -2,11 +2,11 @@
 
 #include "Fuzz.h"
 
-#include <Utility/Platform/ShellWord.h>
+#include <Utility/Formats/ShellWord_p.h>
 
 #include <algorithm>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
 namespace {
 

@@ -50,8 +50,8 @@ FakePlatform::FakePlatform()
     , isProgramRunning(always(false))
     , hostName(always(QString()))
     , userName(always(QString()))
-    , queryProcessors(always(Vorn::Util::Platform::ProcessorQuery()))
-    , programVersion(always(Vorn::Util::Platform::ProgramVersion()))
+    , queryProcessors(always(Vorn::Util::Formats::ProcessorQuery()))
+    , programVersion(always(Vorn::Util::Formats::ProgramVersion()))
     , readSettingsValue(always(Vorn::Util::Platform::SettingsValue{
           Vorn::Util::Platform::SettingsValue::NoKey, QString(), 2, QStringLiteral("Not found\n")}))
     , readSettingsText(always(QString()))
@@ -196,12 +196,12 @@ QString userName()
     return fakePlatform().userName();
 }
 
-ProcessorQuery queryProcessors()
+Formats::ProcessorQuery queryProcessors()
 {
     return fakePlatform().queryProcessors();
 }
 
-ProgramVersion programVersion(const QString &path)
+Formats::ProgramVersion programVersion(const QString &path)
 {
     return fakePlatform().programVersion(path);
 }

@@ -53,8 +53,8 @@ struct FakePlatform
     Function<bool, const QString &> isProgramRunning;
     Function<QString> hostName;
     Function<QString> userName;
-    Function<Vorn::Util::Platform::ProcessorQuery> queryProcessors;
-    Function<Vorn::Util::Platform::ProgramVersion, const QString &> programVersion;
+    Function<Vorn::Util::Formats::ProcessorQuery> queryProcessors;
+    Function<Vorn::Util::Formats::ProgramVersion, const QString &> programVersion;
     Function<Vorn::Util::Platform::SettingsValue, const QString &, const QString &>
         readSettingsValue;
     Function<QString, const QString &, const QString &> readSettingsText;

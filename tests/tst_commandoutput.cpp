@@ -1,4 +1,4 @@
-#include <Utility/CommandOutput_p.h>
+#include <Utility/Formats/CommandOutput_p.h>
 
 #include <QtCore/QBuffer>
 #include <QtCore/QRandomGenerator>
@@ -7,7 +7,7 @@
 #include <array>
 #include <limits>
 
-using namespace Vorn::Util;
+using namespace Vorn::Util::Formats;
 
 namespace {
 

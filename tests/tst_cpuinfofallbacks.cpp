@@ -10,6 +10,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
+#include <optional>
+
 using namespace Vorn::Util;
 
 namespace {
@@ -20,21 +22,20 @@ const QString AskAgain
 const QString CouldNotGet = QStringLiteral("Could not get CPU information");
 const QString CannotSave = QStringLiteral("Cannot save CPU information to SystemInfo.xml");
 
-Platform::ProcessorQuery answer(int packages, int cores, bool tellsSmt, bool smt)
+Formats::ProcessorQuery answer(int packages, int cores, std::optional<bool> smt)
 {
-    Platform::ProcessorQuery query;
+    Formats::ProcessorQuery query;
     query.ok = true;
     query.counts.packages = packages;
     query.counts.cores = cores;
-    query.counts.tellsSmt = tellsSmt;
     query.counts.smt = smt;
     return query;
 }
 
-Platform::ProcessorQuery failure(const QStringList &messages)
+Formats::ProcessorQuery failure(const QStringList &messages)
 {
     // Counts of a failed query mean nothing.
-    Platform::ProcessorQuery query = answer(5, 50, true, true);
+    Formats::ProcessorQuery query = answer(5, 50, true);
     query.ok = false;
     query.messages = messages;
     return query;
@@ -76,7 +77,7 @@ private:
     QString folder() const { return folder_->path(); }
     QString infoFile() const { return folder() + QStringLiteral("/SystemInfo.xml"); }
 
-    void give(const Platform::ProcessorQuery &query)
+    void give(const Formats::ProcessorQuery &query)
     {
         fakePlatform().queryProcessors = [this, query] {
             ++queries_;
@@ -133,7 +134,7 @@ void tst_CpuInfoFallbacks::theAnswerIsTakenAndSaved()
 {
     QFETCH(bool, smt);
     QFETCH(QByteArray, threading);
-    give(answer(2, 16, true, smt));
+    give(answer(2, 16, smt));
     TestLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.processorCount(), 2);
@@ -147,7 +148,7 @@ void tst_CpuInfoFallbacks::theAnswerIsTakenAndSaved()
 
 void tst_CpuInfoFallbacks::coresPerProcessorAreRoundedDown()
 {
-    give(answer(2, 7, true, false));
+    give(answer(2, 7, false));
     TestLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.coreCount(), 7);
@@ -158,7 +159,7 @@ void tst_CpuInfoFallbacks::coresPerProcessorAreRoundedDown()
 
 void tst_CpuInfoFallbacks::withoutPackagesTheDivisorIsOne()
 {
-    give(answer(0, 6, true, true));
+    give(answer(0, 6, true));
     TestLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.processorCount(), 0);
@@ -171,7 +172,7 @@ void tst_CpuInfoFallbacks::withoutPackagesTheDivisorIsOne()
 
 void tst_CpuInfoFallbacks::anAnswerWithoutSmtLeavesHyperThreadingOff()
 {
-    give(answer(1, 4, false, true));
+    give(answer(1, 4, std::nullopt));
     const CpuInfo info(nullptr, folder());
     QCOMPARE(info.coreCount(), 4);
     QCOMPARE(info.isHyperThreadingOn(), false);
@@ -180,10 +181,10 @@ void tst_CpuInfoFallbacks::anAnswerWithoutSmtLeavesHyperThreadingOff()
 
 void tst_CpuInfoFallbacks::theFileSparesTheSecondQuery()
 {
-    give(answer(2, 16, true, true));
+    give(answer(2, 16, true));
     TestLog log;
     const CpuInfo first(log, folder());
-    give(answer(1, 1, true, false));
+    give(answer(1, 1, false));
     const CpuInfo second(log, folder());
     QCOMPARE(queries_, 1);
     QCOMPARE(second.processorCount(), 2);
@@ -195,7 +196,7 @@ void tst_CpuInfoFallbacks::theFileSparesTheSecondQuery()
 void tst_CpuInfoFallbacks::aBadFileSparesTheQueryToo()
 {
     QVERIFY(writeFile(infoFile(), "<a>"));
-    give(answer(2, 16, true, true));
+    give(answer(2, 16, true));
     TestLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(queries_, 0);
@@ -207,7 +208,7 @@ void tst_CpuInfoFallbacks::theOlderFormSparesTheQueryToo()
     QVERIFY(writeFile(infoFile(),
                       "<a><Info><GetNumberOfProcessors value=\"1\"/>"
                       "<GetProcessorCoreCount value=\"4\"/></Info></a>"));
-    give(answer(2, 16, true, true));
+    give(answer(2, 16, true));
     TestLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(queries_, 0);
@@ -224,7 +225,7 @@ void tst_CpuInfoFallbacks::theLastWriterWins()
         other.open(QIODevice::WriteOnly);
         other.write(QByteArray(1000, 'x'));
         other.flush();
-        return answer(2, 16, true, true);
+        return answer(2, 16, true);
     };
     TestLog log;
     const CpuInfo info(log, folder());
@@ -236,7 +237,7 @@ void tst_CpuInfoFallbacks::theLastWriterWins()
 
 void tst_CpuInfoFallbacks::aFileThatMayNotBeWrittenIsReported()
 {
-    give(answer(2, 16, true, true));
+    give(answer(2, 16, true));
     fakePlatform().openWithoutLink = [](QFile &) { return false; };
     TestLog log;
     const CpuInfo info(log, folder());
@@ -270,7 +271,7 @@ void tst_CpuInfoFallbacks::theMessagesOfTheQueryComeFirst()
 
 void tst_CpuInfoFallbacks::theMessagesOfASuccessfulQueryAreWritten()
 {
-    Platform::ProcessorQuery query = answer(1, 4, false, false);
+    Formats::ProcessorQuery query = answer(1, 4, std::nullopt);
     query.messages = texts({"Using GetLogicalProcessorInformation"});
     give(query);
     TestLog log;
@@ -301,7 +302,7 @@ void tst_CpuInfoFallbacks::askingAgainReplacesTheCountsOfTheFile()
 {
     const QByteArray content = fileOf("3", "5", "");
     QVERIFY(writeFile(infoFile(), content));
-    give(answer(2, 16, true, true));
+    give(answer(2, 16, true));
     TestLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(queries_, 1);
@@ -330,7 +331,7 @@ void tst_CpuInfoFallbacks::askingAgainInVainKeepsTheCountsOfTheFile()
 void tst_CpuInfoFallbacks::askingAgainWithoutSmtLeavesHyperThreadingOff()
 {
     QVERIFY(writeFile(infoFile(), fileOf("3", "5", "")));
-    give(answer(1, 4, false, false));
+    give(answer(1, 4, std::nullopt));
     TestLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.coreCount(), 4);

@@ -2,7 +2,7 @@
 
 #include <QtTest/QtTest>
 
-using Vorn::Util::LineSplitter;
+using Vorn::Util::Formats::LineSplitter;
 
 namespace {
 

@@ -6,8 +6,9 @@
 #include "TestMessages.h"
 #include "TestSystem.h"
 
+#include <Utility/Formats/TruncationOffset_p.h>
 #include <Utility/Log.h>
-#include <Utility/LogTruncation.h>
+#include <Utility/LogTruncation_p.h>
 
 #include <QtTest/QtTest>
 
@@ -109,7 +110,7 @@ void TestLogFallbacks::withoutSpaceTheLogIsNotRead_data()
     QTest::addColumn<qint64>("besideTheLog");
     QTest::addColumn<int>("attempts");
 
-    const qint64 least = Log::MaxLogSize + 1 - LogHeadSize; // of what is kept
+    const qint64 least = Log::MaxLogSize + 1 - Formats::LogHeadSize; // of what is kept
     QTest::newRow("for temporary files") << least - 1 << Enough << 0;
     QTest::newRow("beside the log") << Enough << least - 1 << 0;
     QTest::newRow("nowhere") << Q_INT64_C(0) << Q_INT64_C(0) << 0;

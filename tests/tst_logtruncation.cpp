@@ -2,8 +2,9 @@
 #include "TestFiles.h"
 #include "TestSystem.h"
 
+#include <Utility/Formats/TruncationOffset_p.h>
 #include <Utility/Log.h>
-#include <Utility/LogTruncation.h>
+#include <Utility/LogTruncation_p.h>
 #include <Utility/Platform/FileReplacement.h>
 
 #include <QtCore/QBuffer>
@@ -21,6 +22,8 @@
 #include <vector>
 
 using namespace Vorn::Util;
+using Formats::LogHeadSize;
+using Formats::truncationOffset;
 
 namespace {
 

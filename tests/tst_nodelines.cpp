@@ -1,25 +1,28 @@
 #include "TestLog.h"
 
-#include <Utility/NodeLines.h>
+#include <Utility/Formats/NodeLines_p.h>
 
 #include <QtTest/QtTest>
 
-using namespace Vorn::Util;
+using namespace Vorn::Util::Formats;
 
 namespace {
 
 // Everything that is read of a node, with H and C for its roles.
-QString textOf(const NodeInfo &node)
+QString textOf(const NodeLine &node)
 {
-    return node.toString() + QLatin1Char(':') + (node.isHeadNode ? QStringLiteral("H") : QString())
+    return QStringLiteral("%1:%2:%3:%4:")
+               .arg(node.name, QString::number(node.cores), QString::number(node.sockets),
+                    QString::number(node.quantity))
+        + (node.isHeadNode ? QStringLiteral("H") : QString())
         + (node.isComputeNode ? QStringLiteral("C") : QString());
 }
 
 QStringList nodesIn(const QStringList &lines)
 {
     QStringList all;
-    const QList<NodeInfo> nodes = parseNodeLines(lines);
-    for (const NodeInfo &node : nodes)
+    const QList<NodeLine> nodes = parseNodeLines(lines);
+    for (const NodeLine &node : nodes)
         all += textOf(node);
     return all;
 }
@@ -124,7 +127,7 @@ void tst_NodeLines::aLineIsSkipped_data()
     row("blank role", "cn1:16:2:64: :x");
     row("the roles in the sixth part", "cn1:16:2:64:x:HeadNodes,ComputeNodes");
     row("the roles in the name", "HeadNodes:16:2:64:x");
-    row("command line", "C:\\Work>\"C:\\Tools\\NodeInformation.exe\" -q -cluster");
+    row("command line", "C:\\Work>\"C:\\Tools\\NodeLinermation.exe\" -q -cluster");
 }
 
 void tst_NodeLines::aLineIsSkipped()
@@ -201,7 +204,7 @@ void tst_NodeLines::theQuantityIsRead()
 {
     QFETCH(QString, text);
     QFETCH(double, quantity);
-    const QList<NodeInfo> nodes = parseNodeLines({QStringLiteral("a:1:1:%1:HeadNodes").arg(text)});
+    const QList<NodeLine> nodes = parseNodeLines({QStringLiteral("a:1:1:%1:HeadNodes").arg(text)});
     QCOMPARE(nodes.size(), 1);
     QVERIFY(nodes.first().quantity == quantity);
 }

@@ -1,6 +1,6 @@
 #include "TestFiles.h"
 
-#include <Utility/Platform/ProcessorRecords.h>
+#include <Utility/Formats/ProcessorRecords_p.h>
 #include <Utility/Platform/Processors.h>
 
 #include <QtCore/QDir>
@@ -11,14 +11,13 @@
 #include <cstring>
 #include <vector>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 static bool operator==(const ProcessorCounts &left, const ProcessorCounts &right)
 {
-    return left.packages == right.packages && left.cores == right.cores
-        && left.tellsSmt == right.tellsSmt && left.smt == right.smt;
+    return left.packages == right.packages && left.cores == right.cores && left.smt == right.smt;
 }
 
 static char *toString(const ProcessorCounts &counts)
@@ -26,12 +25,12 @@ static char *toString(const ProcessorCounts &counts)
     return qstrdup(qPrintable(QStringLiteral("%1 packages, %2 cores, SMT %3")
                                   .arg(counts.packages)
                                   .arg(counts.cores)
-                                  .arg(!counts.tellsSmt ? QStringLiteral("unknown")
-                                           : counts.smt ? QStringLiteral("on")
-                                                        : QStringLiteral("off"))));
+                                  .arg(!counts.smt       ? QStringLiteral("unknown")
+                                           : *counts.smt ? QStringLiteral("on")
+                                                         : QStringLiteral("off"))));
 }
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats
 
 Q_DECLARE_METATYPE(ProcessorCounts)
 
@@ -42,12 +41,12 @@ constexpr bool NoSmt = false;
 
 ProcessorCounts counts(int packages, int cores, bool smt)
 {
-    return {packages, cores, true, smt};
+    return {packages, cores, smt};
 }
 
 ProcessorCounts countsWithoutSmt(int packages, int cores)
 {
-    return {packages, cores, false, false};
+    return {packages, cores, std::nullopt};
 }
 
 template <typename Number> QByteArray littleEndian(Number number)
@@ -758,7 +757,7 @@ void tst_ProcessorRecords::cpuinfoThatSaysNothingHasNoPackages()
 
 void tst_ProcessorRecords::thisMachineHasAProcessorAndACore()
 {
-    const ProcessorQuery query = queryProcessors();
+    const ProcessorQuery query = Vorn::Util::Platform::queryProcessors();
     QVERIFY(query.ok);
     QVERIFY(query.counts.packages >= 1);
     QVERIFY(query.counts.cores >= query.counts.packages);

@@ -1,10 +1,10 @@
-#include <Utility/Platform/ProcText.h>
+#include <Utility/Formats/ProcText_p.h>
 
 #include <QtTest/QtTest>
 
 #include <limits>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
 namespace {
 

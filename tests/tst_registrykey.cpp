@@ -1,8 +1,8 @@
-#include <Utility/RegistryKey.h>
+#include <Utility/Formats/RegistryKey_p.h>
 
 #include <QtTest/QtTest>
 
-using namespace Vorn::Util;
+using namespace Vorn::Util::Formats;
 
 namespace {
 
@@ -79,13 +79,14 @@ void tst_RegistryKey::greatestRelease()
     QFETCH(QStringList, names);
     QFETCH(QString, expected);
 
-    QCOMPARE(Vorn::Util::greatestRelease(release, names), expected);
+    QCOMPARE(Vorn::Util::Formats::greatestRelease(release, names), expected);
 }
 
 void tst_RegistryKey::withoutAMatchTheReleaseIsNull()
 {
-    QVERIFY(Vorn::Util::greatestRelease(QStringLiteral("24.x"), {}).isNull());
-    QVERIFY(Vorn::Util::greatestRelease(QStringLiteral("24.x"), words("24. 23.1")).isNull());
+    QVERIFY(Vorn::Util::Formats::greatestRelease(QStringLiteral("24.x"), {}).isNull());
+    QVERIFY(
+        Vorn::Util::Formats::greatestRelease(QStringLiteral("24.x"), words("24. 23.1")).isNull());
 }
 
 void tst_RegistryKey::keyPath_data()

@@ -3,7 +3,7 @@
 #include "TestFiles.h"
 #include "TestFolder.h"
 
-#include <Utility/Platform/SettingsText_p.h>
+#include <Utility/Formats/SettingsText_p.h>
 
 #include <QtCore/QSettings>
 #include <QtTest/QtTest>
@@ -12,7 +12,7 @@
 #include <ctime>
 #include <memory>
 
-using namespace Vorn::Util::Platform;
+using namespace Vorn::Util::Formats;
 
 using Texts = QMap<QString, QString>;
 

@@ -1,14 +1,14 @@
 #include "TestFiles.h"
 #include "TestSystem.h"
 
-#include <Utility/Platform/ShellWord.h>
+#include <Utility/Formats/ShellWord_p.h>
 
 #include <QtCore/QProcess>
 #include <QtTest/QtTest>
 
 #include <algorithm>
 
-using Vorn::Util::Platform::shellWord;
+using Vorn::Util::Formats::shellWord;
 
 namespace {
 

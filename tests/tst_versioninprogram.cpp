@@ -1,6 +1,6 @@
 #include "TestFiles.h"
 
-#include <Utility/Platform/ProgramVersion.h>
+#include <Utility/Formats/VersionBlock_p.h>
 
 #include <QtCore/QBuffer>
 #include <QtCore/QRandomGenerator>
@@ -18,15 +18,15 @@ QByteArray recorded(const char *name)
     return contentOf(QStringLiteral(TEST_DATA "/programs/") + QString::fromLatin1(name));
 }
 
-Platform::ProgramVersion versionIn(const QByteArray &bytes)
+Formats::ProgramVersion versionIn(const QByteArray &bytes)
 {
     QBuffer program;
     program.setData(bytes);
     program.open(QIODevice::ReadOnly);
-    return Platform::versionInProgram(program);
+    return Formats::versionInProgram(program);
 }
 
-QString textOf(const Platform::ProgramVersion &version)
+QString textOf(const Formats::ProgramVersion &version)
 {
     return QStringLiteral("%1.%2.%3.%4")
         .arg(version.high >> 16)
@@ -62,7 +62,7 @@ int versionOffset(const QByteArray &bytes)
 }
 
 // The version or a number that stands in the file: never one from elsewhere.
-bool isFrom(const QByteArray &bytes, const Platform::ProgramVersion &version)
+bool isFrom(const QByteArray &bytes, const Formats::ProgramVersion &version)
 {
     QByteArray words(8, '\0');
     put(words, 0, version.high);
@@ -229,7 +229,7 @@ void tst_VersionInProgram::aChangedByteLeavesAVersionOfTheFile()
         for (const int byte :
              {0, 0xff, 0x80, 0x01, random.bounded(256), random.bounded(256), random.bounded(256)}) {
             program[offset] = static_cast<char>(byte);
-            const Platform::ProgramVersion version = versionIn(program);
+            const Formats::ProgramVersion version = versionIn(program);
             QVERIFY2(
                 isFrom(program, version),
                 qPrintable(

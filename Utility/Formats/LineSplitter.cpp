@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 QList<QByteArray> LineSplitter::add(const QByteArray &block)
 {
@@ -20,4 +20,4 @@ QList<QByteArray> LineSplitter::add(const QByteArray &block)
     return lines;
 }
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

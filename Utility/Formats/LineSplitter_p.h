@@ -3,7 +3,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 /// Splits the output of a program, which arrives in blocks of any size, into lines. The time is
 /// linear in the size of the output, and at most MaxLineLength bytes are kept between two blocks.
@@ -20,4 +20,4 @@ private:
     QByteArray begun_; // the line that has not ended yet
 };
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <Utility/Platform/ProcessorRecords.h>
+#include <Utility/Formats/ProcessorRecords_p.h>
 
 namespace Vorn::Util::Platform {
 
 /// Asks the system for its processors. Only those that are online count.
-ProcessorQuery queryProcessors();
+Formats::ProcessorQuery queryProcessors();
 
 } // namespace Vorn::Util::Platform

@@ -1,24 +1,12 @@
 #pragma once
 
-#include <QtCore/QIODevice>
+#include <Utility/Formats/VersionBlock_p.h>
+
 #include <QtCore/QString>
-#include <QtCore/QtGlobal>
 
 namespace Vorn::Util::Platform {
 
-/// A file version in two words: major and minor number, build and revision, each the upper and
-/// the lower half. All 0 where there is none.
-struct ProgramVersion
-{
-    quint32 high = 0;
-    quint32 low = 0;
-};
-
 /// The version in the version block of the program file \a path.
-ProgramVersion programVersion(const QString &path);
-
-/// The same, read from the bytes of a program file, whatever they are. \a program is open and can
-/// be read at any place.
-ProgramVersion versionInProgram(QIODevice &program);
+Formats::ProgramVersion programVersion(const QString &path);
 
 } // namespace Vorn::Util::Platform

@@ -1,6 +1,6 @@
 #include <Utility/Platform/ClusterTool.h>
 
-#include <Utility/Platform/ShellWord.h>
+#include <Utility/Formats/ShellWord_p.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -12,7 +12,7 @@ QString clusterToolCommand(const QString &dir, const QString &options)
     QString tool = dir + QStringLiteral("/NodeInformation.exe");
     if (!QFileInfo::exists(tool))
         tool = dir + QStringLiteral("/NodeInformation");
-    return shellWord(QFile::encodeName(tool)) + QLatin1Char(' ') + options;
+    return Formats::shellWord(QFile::encodeName(tool)) + QLatin1Char(' ') + options;
 }
 
 } // namespace Vorn::Util::Platform

@@ -1,6 +1,6 @@
 #include <Utility/Platform/Counters.h>
 
-#include <Utility/Platform/ProcText.h>
+#include <Utility/Formats/ProcText_p.h>
 
 #include <array>
 #include <fcntl.h>
@@ -54,7 +54,7 @@ public:
 
 private:
     ProcFile<512> file_{"/proc/stat"}; // only the first line is read
-    LoadMeter meter_{file_.read()};
+    Formats::LoadMeter meter_{file_.read()};
 };
 
 class MemoryCounter : public SysInfo
@@ -68,7 +68,7 @@ public:
 
     long getValue() override
     {
-        const qint64 bytes = readMemoryBytes(file_.read(), key_);
+        const qint64 bytes = Formats::readMemoryBytes(file_.read(), key_);
         return bytes < 0 ? -1 : static_cast<long>(bytes / unit_);
     }
 
@@ -84,8 +84,8 @@ public:
     long getValue() override
     {
         const char *text = file_.read();
-        const qint64 used = readMemoryBytes(text, "Committed_AS:");
-        const qint64 limit = readMemoryBytes(text, "CommitLimit:");
+        const qint64 used = Formats::readMemoryBytes(text, "Committed_AS:");
+        const qint64 limit = Formats::readMemoryBytes(text, "CommitLimit:");
         return used < 0 || limit <= 0
             ? -1
             : static_cast<long>(static_cast<double>(used) * 100 / static_cast<double>(limit));

@@ -5,12 +5,12 @@
 
 namespace Vorn::Util::Platform {
 
-ProgramVersion programVersion(const QString &path)
+Formats::ProgramVersion programVersion(const QString &path)
 {
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
-        return ProgramVersion();
-    return versionInProgram(file);
+        return Formats::ProgramVersion();
+    return Formats::versionInProgram(file);
 }
 
 } // namespace Vorn::Util::Platform

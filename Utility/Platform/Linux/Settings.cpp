@@ -1,7 +1,7 @@
 #include <Utility/Platform/Settings.h>
 
-#include <Utility/Platform/SettingsText_p.h>
-#include <Utility/Platform/SmallFile_p.h>
+#include <Utility/Formats/SettingsText_p.h>
+#include <Utility/Platform/SmallFile.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -80,7 +80,7 @@ QMap<QString, QString> readKey(const QString &keyPath)
     if (!locate(keyPath, location))
         return {};
     const std::optional<QByteArray> content = readSmallFile(fileOf(location));
-    const QMap<QString, QString> all = settingsTexts(content.value_or(QByteArray()));
+    const QMap<QString, QString> all = Formats::settingsTexts(content.value_or(QByteArray()));
     if (location.group.isEmpty())
         return all;
     QMap<QString, QString> key;
@@ -136,11 +136,11 @@ void writeSettingsText(const QString &keyPath, const QString &name, const QStrin
     const std::optional<QByteArray> before = isNew ? QByteArray() : readSmallFile(fileName);
     if (!before)
         return;
-    const QByteArray after = withSettingsText(*before, location.group, key, text);
-    QMap<QString, QString> expected = settingsTexts(*before);
+    const QByteArray after = Formats::withSettingsText(*before, location.group, key, text);
+    QMap<QString, QString> expected = Formats::settingsTexts(*before);
     expected.insert(location.group + QLatin1Char('/') + key, text);
     // A quotation without an end would take in what is added.
-    if (settingsTexts(after) != expected)
+    if (Formats::settingsTexts(after) != expected)
         return;
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))

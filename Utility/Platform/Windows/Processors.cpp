@@ -19,15 +19,15 @@ ExtendedQuery findExtendedQuery()
     return reinterpret_cast<ExtendedQuery>(reinterpret_cast<void *>(function));
 }
 
-CallOutcome outcomeOf(BOOL result)
+Formats::CallOutcome outcomeOf(BOOL result)
 {
     return {result != FALSE, result ? ERROR_SUCCESS : GetLastError()};
 }
 
-CallOutcome askOlder(char *buffer, quint32 *length)
+Formats::CallOutcome askOlder(char *buffer, quint32 *length)
 {
     DWORD size = *length;
-    const CallOutcome outcome = outcomeOf(GetLogicalProcessorInformation(
+    const Formats::CallOutcome outcome = outcomeOf(GetLogicalProcessorInformation(
         reinterpret_cast<PSYSTEM_LOGICAL_PROCESSOR_INFORMATION>(buffer), &size));
     *length = size;
     return outcome;
@@ -35,20 +35,20 @@ CallOutcome askOlder(char *buffer, quint32 *length)
 
 } // namespace
 
-ProcessorQuery queryProcessors()
+Formats::ProcessorQuery queryProcessors()
 {
-    RecordsCall extended;
+    Formats::RecordsCall extended;
     if (const ExtendedQuery query = findExtendedQuery()) {
         extended = [query](char *buffer, quint32 *length) {
             DWORD size = *length;
-            const CallOutcome outcome = outcomeOf(
+            const Formats::CallOutcome outcome = outcomeOf(
                 query(RelationAll,
                       reinterpret_cast<PSYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX>(buffer), &size));
             *length = size;
             return outcome;
         };
     }
-    return queryRecords(extended, askOlder);
+    return Formats::queryRecords(extended, askOlder);
 }
 
 } // namespace Vorn::Util::Platform

@@ -8,27 +8,27 @@
 
 namespace Vorn::Util::Platform {
 
-ProgramVersion programVersion(const QString &path)
+Formats::ProgramVersion programVersion(const QString &path)
 {
     constexpr int PathSize = 260;
     if (path.size() >= PathSize)
-        return ProgramVersion();
+        return Formats::ProgramVersion();
     wchar_t name[PathSize] = {};
     std::copy_n(wide(path), path.size(), name);
     DWORD handle = 0;
     const DWORD size = GetFileVersionInfoSizeW(name, &handle);
     if (size == 0 || size > static_cast<DWORD>(std::numeric_limits<int>::max()))
-        return ProgramVersion();
+        return Formats::ProgramVersion();
     QByteArray block(static_cast<int>(size), '\0');
     void *info = nullptr;
     UINT length = 0;
     if (!GetFileVersionInfoW(name, 0, size, block.data())
         || !VerQueryValueW(block.constData(), L"\\", &info, &length)
         || length < sizeof(VS_FIXEDFILEINFO))
-        return ProgramVersion();
+        return Formats::ProgramVersion();
     const auto *fixed = static_cast<const VS_FIXEDFILEINFO *>(info);
     if (fixed->dwSignature != VS_FFI_SIGNATURE)
-        return ProgramVersion();
+        return Formats::ProgramVersion();
     return {fixed->dwFileVersionMS, fixed->dwFileVersionLS};
 }
 

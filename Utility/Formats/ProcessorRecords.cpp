@@ -1,4 +1,4 @@
-#include <Utility/Platform/ProcessorRecords.h>
+#include <Utility/Formats/ProcessorRecords_p.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QSet>
@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 namespace {
 
@@ -64,8 +64,8 @@ ProcessorCounts countLogicalProcessors(const QVector<LogicalProcessor> &processo
     ProcessorCounts counts;
     counts.packages = packages.size();
     counts.cores = cores.size();
-    counts.tellsSmt = !cores.isEmpty();
-    counts.smt = counts.tellsSmt && threads.value(cores.last()) > 1;
+    if (!cores.isEmpty())
+        counts.smt = threads.value(cores.last()) > 1;
     return counts;
 }
 
@@ -119,10 +119,8 @@ ProcessorCounts countExtendedRecords(const QByteArray &records)
         count(counts, kind);
         // Each core overwrites the value of the one before.
         // Kept for compatibility: see "Hyper-threading of the last core" in docs/compatibility.md.
-        if (kind == CoreRecord) {
-            counts.tellsSmt = true;
+        if (kind == CoreRecord)
             counts.smt = records.at(offset + FlagsAt) == SmtFlag;
-        }
         offset += static_cast<int>(size);
     }
     return counts;
@@ -193,4 +191,4 @@ ProcessorCounts countCpuinfo(const QString &text)
     return countLogicalProcessors(processors);
 }
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats

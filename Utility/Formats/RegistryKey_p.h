@@ -5,7 +5,7 @@
 
 #include <functional>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 /// The names of a key's subkeys, in the store's order.
 using SubkeyNames = std::function<QStringList(const QString &keyPath)>;
@@ -18,4 +18,4 @@ QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys);
 /// there is none.
 QString greatestRelease(const QString &release, const QStringList &names);
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

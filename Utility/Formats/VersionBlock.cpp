@@ -1,14 +1,14 @@
 // Reads the version block of a Windows program file without Windows's help. The file may hold
 // anything: every number is checked before it is used as a place.
 
-#include <Utility/Platform/ProgramVersion.h>
+#include <Utility/Formats/VersionBlock_p.h>
 
 #include <QtCore/QIODevice>
 #include <QtCore/QtEndian>
 
 #include <initializer_list>
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 namespace {
 
@@ -130,4 +130,4 @@ ProgramVersion versionInProgram(QIODevice &program)
     return {file.dword(block + FixedAt + 8), file.dword(block + FixedAt + 12)};
 }
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats

@@ -1,10 +1,10 @@
-#include <Utility/Platform/ProcText.h>
+#include <Utility/Formats/ProcText_p.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 namespace {
 
@@ -90,4 +90,4 @@ qint64 readMemoryBytes(const char *text, const char *key)
     return -1;
 }
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats

@@ -4,8 +4,8 @@
 
 #include "Fuzz.h"
 
+#include <Utility/Formats/TruncationOffset_p.h>
 #include <Utility/Log.h>
-#include <Utility/LogTruncation.h>
 
 #include <QtCore/QtEndian>
 
@@ -13,6 +13,8 @@
 #include <cstring>
 
 using namespace Vorn::Util;
+using Formats::LogHeadSize;
+using Formats::truncationOffset;
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include <Utility/Platform/ShellWord.h>
+#include <Utility/Formats/ShellWord_p.h>
 
 #include <algorithm>
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 namespace {
 
@@ -27,4 +27,4 @@ QString shellWord(const QByteArray &bytes)
     return QStringLiteral("\"$(printf '%1')\"").arg(octal);
 }
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats

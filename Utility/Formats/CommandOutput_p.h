@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 /// The number of bytes from the beginning of a command's output that outputLines() can need for
 /// \a maxLines.
@@ -15,4 +15,4 @@ qint64 neededOutput(int maxLines);
 /// of them, one for a negative number. No output is one empty line.
 QStringList outputLines(std::string_view output, int maxLines);
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

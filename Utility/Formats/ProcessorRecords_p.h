@@ -5,8 +5,9 @@
 #include <QtCore/QStringList>
 
 #include <functional>
+#include <optional>
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 /// What a system's records of its processors say. The functions here read recorded bytes, texts
 /// and folders; they ask no system.
@@ -14,8 +15,9 @@ struct ProcessorCounts
 {
     int packages = 0;
     int cores = 0;
-    bool tellsSmt = false; ///< whether smt is known
-    bool smt = false;      ///< whether the last core has more than one logical processor
+    /// Simultaneous multithreading: whether the last core has more than one logical processor.
+    /// Nothing when the records do not say.
+    std::optional<bool> smt;
 };
 
 /// Reads the variable-length records of Windows's extended query. Unknown kinds are skipped; a
@@ -45,10 +47,10 @@ using RecordsCall = std::function<CallOutcome(char *buffer, quint32 *length)>;
 /// Asks \a extended or, where the system has no such call and it is empty, \a older.
 ProcessorQuery queryRecords(const RecordsCall &extended, const RecordsCall &older);
 
-/// Reads a folder such as /sys/devices/system/cpu. Zero packages when it says nothing.
+/// Reads a folder such as /sys/devices/system/cpu. No packages when it says nothing.
 ProcessorCounts countSysfs(const QString &folder);
 
-/// Reads a text such as /proc/cpuinfo. Zero packages when it says nothing.
+/// Reads a text such as /proc/cpuinfo. No packages when it says nothing.
 ProcessorCounts countCpuinfo(const QString &text);
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats

@@ -60,7 +60,7 @@ private:
     QProcess *process_ = nullptr; // never deleted: that would end a program that still runs
     QString savedPath_;
     bool isRefused_ = false;
-    LineSplitter lines_;
+    Formats::LineSplitter lines_;
     std::unique_ptr<Results> results_;
     std::unique_ptr<Formats::ArchiverReader> reader_;
 };

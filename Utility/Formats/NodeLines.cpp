@@ -1,14 +1,14 @@
-#include <Utility/NodeLines.h>
+#include <Utility/Formats/NodeLines_p.h>
 
 #include <cmath>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 namespace {
 
-NodeInfo nodeOf(const QStringList &parts)
+NodeLine nodeOf(const QStringList &parts)
 {
-    NodeInfo node;
+    NodeLine node;
     node.name = parts.at(0);
     node.cores = parts.at(1).toInt();
     node.sockets = parts.at(2).toInt();
@@ -22,10 +22,10 @@ NodeInfo nodeOf(const QStringList &parts)
 
 } // namespace
 
-QList<NodeInfo> parseNodeLines(const QStringList &lines)
+QList<NodeLine> parseNodeLines(const QStringList &lines)
 {
     constexpr int PartCount = 5;
-    QList<NodeInfo> nodes;
+    QList<NodeLine> nodes;
     for (const QString &line : lines) {
         const QString text = line.trimmed();
         if (text.contains(QLatin1String("Error:")))
@@ -33,11 +33,11 @@ QList<NodeInfo> parseNodeLines(const QStringList &lines)
         const QStringList parts = text.split(QLatin1Char(':'), Qt::SkipEmptyParts);
         if (parts.size() < PartCount)
             continue;
-        const NodeInfo node = nodeOf(parts);
+        const NodeLine node = nodeOf(parts);
         if (node.isHeadNode || node.isComputeNode)
             nodes.append(node);
     }
     return nodes;
 }
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

@@ -1,10 +1,10 @@
-#include <Utility/RegistryKey.h>
+#include <Utility/Formats/RegistryKey_p.h>
 
 #include <QtCore/QRegExp>
 
 #include <algorithm>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 namespace {
 
@@ -65,4 +65,4 @@ QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys)
     return key + QLatin1Char('\\') + (found.isNull() ? release : found);
 }
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

@@ -2,9 +2,9 @@
 
 #include <QtCore/QString>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 /// True when \a text holds a character outside 7-bit ASCII.
 bool isUnicodeText(const QString &text);
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

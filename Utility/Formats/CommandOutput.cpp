@@ -1,8 +1,8 @@
-#include <Utility/CommandOutput_p.h>
+#include <Utility/Formats/CommandOutput_p.h>
 
 #include <algorithm>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 namespace {
 
@@ -44,4 +44,4 @@ QStringList outputLines(std::string_view output, int maxLines)
     return lines;
 }
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

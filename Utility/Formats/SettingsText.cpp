@@ -1,10 +1,10 @@
-#include <Utility/Platform/SettingsText_p.h>
+#include <Utility/Formats/SettingsText_p.h>
 
 #include <algorithm>
 #include <cstring>
 #include <vector>
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 namespace {
 
@@ -300,4 +300,4 @@ QByteArray withSettingsText(const QByteArray &content, const QString &group, con
         + escapedName(group) + "]\n" + line + '\n';
 }
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats

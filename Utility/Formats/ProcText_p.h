@@ -2,7 +2,7 @@
 
 #include <QtCore/QtGlobal>
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 /// Processor time in the system's ticks, from the first line of a text such as /proc/stat.
 struct ProcessorTime
@@ -36,4 +36,4 @@ private:
 /// is not there or no number. \a text is zero-terminated.
 qint64 readMemoryBytes(const char *text, const char *key);
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats

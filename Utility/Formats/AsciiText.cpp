@@ -1,8 +1,8 @@
-#include <Utility/AsciiText.h>
+#include <Utility/Formats/AsciiText_p.h>
 
 #include <algorithm>
 
-namespace Vorn::Util {
+namespace Vorn::Util::Formats {
 
 bool isUnicodeText(const QString &text)
 {
@@ -10,4 +10,4 @@ bool isUnicodeText(const QString &text)
                        [](QChar character) { return character.unicode() > 0x7f; });
 }
 
-} // namespace Vorn::Util
+} // namespace Vorn::Util::Formats

@@ -4,7 +4,7 @@
 #include <QtCore/QMap>
 #include <QtCore/QString>
 
-namespace Vorn::Util::Platform {
+namespace Vorn::Util::Formats {
 
 /// The values of a settings file by their keys ("24.0/Locale"), from its content in UTF-8.
 ///
@@ -23,4 +23,4 @@ QMap<QString, QString> settingsTexts(const QByteArray &content);
 QByteArray withSettingsText(const QByteArray &content, const QString &group, const QString &name,
                             const QString &text);
 
-} // namespace Vorn::Util::Platform
+} // namespace Vorn::Util::Formats

@@ -4,6 +4,7 @@
 #include <Utility/Platform/Files.h>
 #include <Utility/Platform/Processors.h>
 #include <Utility/Platform/SmallFile.h>
+#include <Utility/Product_p.h>
 #include <Utility/Xml.h>
 
 #include <QtCore/QDebug>
@@ -142,7 +143,7 @@ bool CpuInfo::saveToXml() const
 {
     QDomDocument document;
     QDomElement root = document.createElement(QStringLiteral("SystemInformation"));
-    root.setAttribute(QStringLiteral("version"), QStringLiteral("24.0"));
+    root.setAttribute(QStringLiteral("version"), Product::release());
     document.appendChild(root);
     const auto append = [&](const QString &name, const QString &text) {
         root.appendChild(Xml::textElement(name, text, document));

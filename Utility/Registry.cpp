@@ -3,6 +3,7 @@
 #include <Utility/Formats/RegistryKey_p.h>
 #include <Utility/Platform/Environment.h>
 #include <Utility/Platform/Settings.h>
+#include <Utility/Product_p.h>
 #include <Utility/StandardOutput_p.h>
 
 #include <QtCore/QDir>
@@ -34,7 +35,7 @@ QString translatorsFolder(const QStringList &lastParts)
     QString base = Platform::environmentVariable("AllUsersProfile");
     if (base.size() >= FolderSize)
         base.clear(); // as a read into a buffer of that size
-    const QStringList parts{base, QStringLiteral("Vantorel"), QStringLiteral("VORN 2024")};
+    const QStringList parts{base, Product::maker(), Product::folder()};
     return (parts + lastParts).join(QDir::separator());
 }
 
@@ -62,7 +63,9 @@ void Registry::readRegistryValue(const wchar_t *valueName, wchar_t *out, const w
     if (!valueName || !out)
         return;
     out[0] = L'\0';
-    const QString key = Formats::resolveKeyPath(toQString(keyPath), Platform::settingsSubkeys);
+    const QString asked = toQString(keyPath);
+    const QString key = asked.isNull() ? Product::settingsKey()
+                                       : Formats::resolveKeyPath(asked, Platform::settingsSubkeys);
     const Platform::SettingsValue value = Platform::readSettingsValue(key, toQString(valueName));
     if (value.outcome == Platform::SettingsValue::Found)
         copyBounded(value.text, out, ValueSize);

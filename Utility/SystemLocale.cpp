@@ -1,6 +1,7 @@
 // The language of the user interface.
 
 #include <Utility/Platform/Settings.h>
+#include <Utility/Product_p.h>
 #include <Utility/System.h>
 
 namespace Vorn::Util {
@@ -18,16 +19,12 @@ constexpr Language Languages[]
        {"ja-JP", 1041}, {"it-IT", 1040}, {"ko-KR", 1042}, {"ru-RU", 1049}};
 constexpr int DefaultId = 1033;
 
-QString productKey()
-{
-    return QStringLiteral("SOFTWARE\\Vantorel\\VORN\\24.0");
-}
-
 } // namespace
 
 QString System::getLocale()
 {
-    const QString locale = Platform::readSettingsText(productKey(), QStringLiteral("Locale"));
+    const QString locale
+        = Platform::readSettingsText(Product::settingsKey(), QStringLiteral("Locale"));
     return locale.isEmpty() ? QStringLiteral("en-US") : locale;
 }
 
@@ -57,7 +54,7 @@ QStringList System::validLocales()
 
 void System::writeToRegistry(const QString &key, const QString &value)
 {
-    Platform::writeSettingsText(productKey(), key, value);
+    Platform::writeSettingsText(Product::settingsKey(), key, value);
 }
 
 } // namespace Vorn::Util

@@ -1,5 +1,7 @@
 #include <Utility/Version.h>
 
+#include <Utility/Formats/BranchName_p.h>
+#include <Utility/Product_p.h>
 #include <Utility/Xml.h>
 
 #include <QtCore/QStringList>
@@ -20,7 +22,7 @@ const int Version::DevStage;
 // them inline variables, which the compiler exports as unique for the whole process.
 const Version Version::Current(Major, Minor, Patch, DevStage);
 const Version Version::CurrentRelease(Major, Minor, Hotfix, DevStage);
-const QString Version::Public = QStringLiteral("2024");
+const QString Version::Public = Product::publicVersion();
 
 namespace {
 
@@ -103,10 +105,7 @@ QDomElement Version::toElement(QDomDocument &document) const
 
 QString Version::Branch()
 {
-    const QString reference = QStringLiteral(VORNUTILITY_BRANCH_REFERENCE);
-    if (!reference.startsWith(QLatin1String("Ref=refs/heads")))
-        return QString();
-    return QString(reference).remove(QLatin1String("Ref=refs/heads/"));
+    return Formats::branchName(QStringLiteral(VORNUTILITY_BRANCH_REFERENCE));
 }
 
 bool Version::operator==(const Version &other) const

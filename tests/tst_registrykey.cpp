@@ -23,7 +23,6 @@ private Q_SLOTS:
     void withoutAMatchTheReleaseIsNull();
     void keyPath_data();
     void keyPath();
-    void noKeyPathIsTheProductsKey();
 };
 
 void tst_RegistryKey::greatestRelease_data()
@@ -136,12 +135,6 @@ void tst_RegistryKey::keyPath()
     };
     QCOMPARE(resolveKeyPath(keyPath, subkeys), expected);
     QCOMPARE(asks, asked);
-}
-
-void tst_RegistryKey::noKeyPathIsTheProductsKey()
-{
-    const auto subkeys = [](const QString &) { return words("24.9"); };
-    QCOMPARE(resolveKeyPath(QString(), subkeys), QStringLiteral("SOFTWARE\\Vantorel\\VORN\\24.0"));
 }
 
 QTEST_GUILESS_MAIN(tst_RegistryKey)

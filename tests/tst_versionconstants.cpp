@@ -1,19 +1,11 @@
-// The version class as the compiler sees it, under a name of its own beside the library's.
+// The constants of the version and the branch.
 
-#include "version/Branches.h"
-
-#include <Utility/Xml.h>
+#include <Utility/Formats/BranchName_p.h>
+#include <Utility/Version.h>
 
 #include <QtTest/QtTest>
 
-#include <algorithm>
-#include <tuple>
-
-#define VORNUTILITY_BRANCH_REFERENCE "DetachedHead"
-#define Version VersionOfTheCompiler
-#include <Utility/Version.cpp>
-
-using Vorn::Util::Version;
+using namespace Vorn::Util;
 
 namespace {
 
@@ -42,19 +34,13 @@ const EarlyReader earlyReader;
 
 } // namespace
 
-QHash<QString, QString> &branches()
-{
-    static QHash<QString, QString> all;
-    return all;
-}
-
 class tst_VersionConstants : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void theConstantsAreConstantInitialised();
-    void aDetachedHeadIsNoBranch();
+    void theBranchIsThatOfTheBuildsReference();
     void theBranchIsTheRestOfTheReference_data();
     void theBranchIsTheRestOfTheReference();
 };
@@ -65,9 +51,9 @@ void tst_VersionConstants::theConstantsAreConstantInitialised()
     QVERIFY(holds(earlyReader.release, Version::Major, Version::Minor, Version::Hotfix));
 }
 
-void tst_VersionConstants::aDetachedHeadIsNoBranch()
+void tst_VersionConstants::theBranchIsThatOfTheBuildsReference()
 {
-    QVERIFY(Version::Branch().isEmpty());
+    QCOMPARE(Version::Branch(), Formats::branchName(QStringLiteral(BRANCH_REFERENCE)));
 }
 
 void tst_VersionConstants::theBranchIsTheRestOfTheReference_data()
@@ -81,20 +67,20 @@ void tst_VersionConstants::theBranchIsTheRestOfTheReference_data()
     row("a branch", "Ref=refs/heads/main", "main");
     row("a branch in a group", "Ref=refs/heads/fix/log", "fix/log");
     row("every occurrence is removed", "Ref=refs/heads/a-Ref=refs/heads/b", "a-b");
-    row("nothing behind", "Ref=refs/heads/", "");
+    row("nothing after it", "Ref=refs/heads/", "");
     row("without the last separator", "Ref=refs/heads", "Ref=refs/heads");
-    row("another word behind", "Ref=refs/headset", "Ref=refs/headset");
+    row("another word after it", "Ref=refs/headset", "Ref=refs/headset");
     row("a tag", "Ref=refs/tags/v24", "");
     row("in another case", "ref=refs/heads/main", "");
     row("not at the start", "My Ref=refs/heads/main", "");
+    row("a detached head", "DetachedHead", "");
     row("no reference", "", "");
 }
 
 void tst_VersionConstants::theBranchIsTheRestOfTheReference()
 {
     QFETCH(QString, reference);
-    QVERIFY(branches().contains(reference));
-    QTEST(branches().value(reference), "branch");
+    QTEST(Formats::branchName(reference), "branch");
 }
 
 QTEST_GUILESS_MAIN(tst_VersionConstants)

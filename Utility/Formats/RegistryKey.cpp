@@ -51,13 +51,9 @@ QString greatestRelease(const QString &release, const QStringList &names)
 
 QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys)
 {
-    QString key = QStringLiteral("SOFTWARE\\Vantorel\\VORN\\");
-    QString release = QStringLiteral("24.0");
-    if (!keyPath.isNull()) {
-        const int separator = keyPath.lastIndexOf(QRegExp(QStringLiteral("[/\\\\]")));
-        key = keyPath.left(std::max(separator, 0));
-        release = keyPath.mid(separator + 1);
-    }
+    const int separator = keyPath.lastIndexOf(QRegExp(QStringLiteral("[/\\\\]")));
+    const QString key = keyPath.left(std::max(separator, 0));
+    const QString release = keyPath.mid(separator + 1);
     // Kept for compatibility: see "Key path without its last separator" in docs/compatibility.md.
     if (!release.contains(QLatin1String(".x")))
         return key + release;

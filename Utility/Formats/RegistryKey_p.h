@@ -10,8 +10,8 @@ namespace Vorn::Util::Formats {
 /// The names of a key's subkeys, in the store's order.
 using SubkeyNames = std::function<QStringList(const QString &keyPath)>;
 
-/// The key that a caller's key path means; the product's own for a null text. \a subkeys is asked
-/// for a path that ends with a release such as "24.x".
+/// The key that a caller's key path means. \a subkeys is asked for a path that ends with a release
+/// such as "24.x".
 QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys);
 
 /// The name among \a names that is the greatest release of \a release ("24.x"); a null text when

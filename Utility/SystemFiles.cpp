@@ -1,9 +1,9 @@
-// Flags, folder trees, shares and program files.
+// Folder trees, shares and files.
 
 #include <Utility/Platform/FolderTree.h>
+#include <Utility/Platform/Folders.h>
 #include <Utility/Platform/ProgramVersion.h>
 #include <Utility/Platform/Shares.h>
-#include <Utility/Platform/SmallFile.h>
 #include <Utility/StandardOutput_p.h>
 #include <Utility/System.h>
 
@@ -11,11 +11,9 @@
 #include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTextStream>
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -131,31 +129,6 @@ bool emptyFolder(const QString &path, const QStringList &exceptions)
 
 } // namespace
 
-QString System::getFlagsDirPath()
-{
-    if (flagsDirPath_.isEmpty())
-        flagsDirPath_ = makeAndGetNativePath(QStringLiteral("%1/Flags").arg(getUserDataPath()));
-    return flagsDirPath_;
-}
-
-bool System::isFlagSet(const QString &flag)
-{
-    const QString folder = getFlagsDirPath();
-    if (folder.isEmpty())
-        return false;
-    const std::optional<QByteArray> content
-        = Platform::readSmallFile(folder + QStringLiteral("/VORN_flags.txt"));
-    if (!content)
-        return false;
-    QTextStream stream(*content, QIODevice::ReadOnly | QIODevice::Text);
-    stream.setCodec("UTF-8");
-    while (!stream.atEnd()) {
-        if (stream.readLine().simplified().section(QLatin1Char(' '), 0, 0) == flag)
-            return true;
-    }
-    return false;
-}
-
 qint64 System::getDirectorySize(const QString &path)
 {
     const QDir folder(path);
@@ -200,6 +173,18 @@ QString System::getFileVersion(const QString &filePath)
         QStringLiteral("Higher: %1\nLower: %2\nVersion: %3\n")
             .arg(QString::number(version.high, 16), QString::number(version.low, 16), text));
     return text;
+}
+
+QString System::getTempFileName(const QString &fileName)
+{
+    QString name = Platform::uniqueFileName();
+    if (name.isEmpty())
+        return QString();
+    if (!name.endsWith(QLatin1Char('.')))
+        name += QLatin1Char('.');
+    name += QFileInfo(fileName).suffix();
+    const bool isRooted = name.startsWith(QLatin1Char('/')) || name.startsWith(QLatin1Char('\\'));
+    return isRooted ? name.mid(1) : name;
 }
 
 } // namespace Vorn::Util

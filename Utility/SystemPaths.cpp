@@ -1,10 +1,13 @@
-// Path forms.
+// Forms of paths, and the creation of paths.
 
 #include <Utility/Platform/Drives.h>
 #include <Utility/System.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QRegExp>
+#include <QtCore/QStringList>
+
+#include <algorithm>
 
 namespace Vorn::Util {
 
@@ -55,10 +58,30 @@ QString System::getUniversalPath(const QString &path)
     return target.startsWith(prefix) ? target.mid(prefix.size()) + path.mid(2) : path;
 }
 
-bool System::isLocalHost(const QString &host)
+bool System::makePath(const QString &path)
 {
-    return host == QLatin1String("localhost") || host == QLatin1String("MyComputer")
-        || host == getHostName();
+    QString candidate = path;
+    QStringList missing; // shortest first
+    while (!QDir(candidate).exists()) {
+        missing.prepend(candidate);
+        const int separator = std::max(candidate.lastIndexOf(QLatin1Char('/')),
+                                       candidate.lastIndexOf(QLatin1Char('\\')));
+        if (separator < 0)
+            return false;
+        candidate.truncate(separator);
+    }
+    QDir folder(candidate);
+    for (const QString &name : qAsConst(missing)) {
+        folder.mkdir(name);
+        if (!folder.cd(name))
+            return false;
+    }
+    return true;
+}
+
+QString System::makeAndGetNativePath(const QString &path)
+{
+    return QDir().mkpath(path) ? QDir::toNativeSeparators(path) : QString();
 }
 
 } // namespace Vorn::Util

@@ -1,22 +1,11 @@
-// Processes and their environment.
+// Processes.
 
 #include <Utility/Platform/Processes.h>
 #include <Utility/System.h>
 
-#include <QtCore/QDebug>
 #include <QtCore/QProcess>
-#include <QtNetwork/QHostInfo>
-
-#include <mutex>
 
 namespace Vorn::Util {
-
-namespace {
-
-// Any thread may ask for the name.
-std::mutex hostNameMutex;
-
-} // namespace
 
 long System::getPID(const QStringList &names)
 {
@@ -58,30 +47,6 @@ QStringList System::killProcesses(const QString &pathFilter, const QStringList &
 bool System::startProcess(const QString &program, const QStringList &arguments)
 {
     return QProcess::startDetached(program, arguments);
-}
-
-QString System::getEnv(const QString &name)
-{
-    return QString::fromLatin1(qgetenv(name.toLatin1().constData()));
-}
-
-QString System::getHostName()
-{
-    const std::lock_guard<std::mutex> lock(hostNameMutex);
-    if (hostName_.isEmpty()) {
-        hostName_ = Platform::hostName();
-        if (hostName_.isEmpty())
-            hostName_ = QHostInfo::localHostName();
-    }
-    return hostName_;
-}
-
-QString System::getUserName()
-{
-    QString name = Platform::userName();
-    if (name.isEmpty())
-        qDebug("Cannot determine user name");
-    return name;
 }
 
 } // namespace Vorn::Util

@@ -1,0 +1,30 @@
+// Flags that a user sets in a file.
+
+#include <Utility/Platform/SmallFile.h>
+#include <Utility/System.h>
+
+#include <QtCore/QTextStream>
+
+#include <optional>
+
+namespace Vorn::Util {
+
+bool System::isFlagSet(const QString &flag)
+{
+    const QString folder = getFlagsDirPath();
+    if (folder.isEmpty())
+        return false;
+    const std::optional<QByteArray> content
+        = Platform::readSmallFile(folder + QStringLiteral("/VORN_flags.txt"));
+    if (!content)
+        return false;
+    QTextStream stream(*content, QIODevice::ReadOnly | QIODevice::Text);
+    stream.setCodec("UTF-8");
+    while (!stream.atEnd()) {
+        if (stream.readLine().simplified().section(QLatin1Char(' '), 0, 0) == flag)
+            return true;
+    }
+    return false;
+}
+
+} // namespace Vorn::Util

@@ -10,8 +10,8 @@ namespace Vorn::Util {
 
 class Log;
 
-/// A unit of work for an AsyncTaskProcessor: it is started, works at once or over several turns
-/// of the event loop, and announces its end with finished().
+/// Base class of the tasks that an AsyncTaskProcessor runs. A task does its work immediately, or
+/// over several turns of the event loop, and then calls setFinished().
 ///
 /// \code
 /// class RunProgram : public AsyncTask
@@ -49,63 +49,74 @@ class Log;
 /// };
 /// \endcode
 ///
-/// Ownership: once added, a task belongs to its processor, which deletes it inside finished().
+/// Ownership: AsyncTaskProcessor::addTask() makes the processor the owner of the task. The
+/// processor deletes the task while it emits finished(), that is, inside setFinished().
 /// - Do not use a task after calling setFinished().
-/// - A member of the task dies with it. When the end of its work is a signal of a member, use a
-///   queued connection as above, or keep the object outside of the task and hand it to
-///   deleteLater(). A direct connection to a slot that calls setFinished() destroys the member
-///   inside its own signal, and the program crashes.
+/// - The members of a task are deleted with the task. If a signal of a member ends the work, use a
+///   queued connection as above. Or create the object outside the task and delete it with
+///   deleteLater(). With a direct connection setFinished() would delete the member while it emits
+///   the signal, and the program would crash.
 ///
 /// A task runs at most once.
 ///
-/// Thread: that of the processor's event loop. A failure is an error text, never an exception.
+/// Thread: the thread of the processor's event loop. Report failures with setError(); execute()
+/// must not throw.
 class VORNUTILITY_EXPORT AsyncTask : public QObject
 {
     Q_OBJECT
 
 public:
-    /// \a name is what the log and the user see; it never changes.
+    /// \a name identifies the task in the log and to the user. It cannot be changed later.
     AsyncTask(const QString &name, QObject *parent);
     ~AsyncTask() override;
 
     QString name() const;
 
-    /// The text of the last failure; empty while isOk().
+    /// The text of the last failure; empty while isOk() is true.
     QString error() const;
+
+    /// False after setError(), until resetError() is called.
     bool isOk() const;
 
-    /// Whether a failure of this task leaves the queue and the overall result as they are.
+    /// Whether the processor ignores a failure of this task: it logs the error, continues with the
+    /// queue, and its own isOk() does not change. Default: false.
     bool ignoreError() const;
     void setIgnoreError(bool ignoreError);
 
-    /// Milliseconds from start() to the end; 0 for a task that has not finished.
+    /// Milliseconds from start() to setFinished(); 0 for a task that has not finished.
     qint64 elapsedTime() const;
 
-    /// Starts the time and the work. The processor calls it; the task may be gone afterwards.
+    /// Starts the timer and calls execute(). The processor calls this function. The task may be
+    /// deleted when it returns.
     void start();
 
 Q_SIGNALS:
-    /// A text about the work under way, for the user.
+    /// Describes the current state of the work for the user. The processor forwards the text with
+    /// AsyncTaskProcessor::progress(); it does not log it.
     void progress(const QString &text);
 
-    /// The last thing a task does. The processor deletes the task inside this signal.
+    /// Emitted by setFinished(). The processor deletes the task in a slot of this signal.
     void finished();
 
 protected:
-    /// Does the work. It ends, now or later, with setFinished(). Nothing times it out.
+    /// Does the work or starts it. Call setFinished() at the end of the work, in this function or
+    /// later: a task that never calls it is never finished. There is no time limit.
     virtual void execute() = 0;
 
-    /// Takes the time and emits finished(). The task may be deleted when this returns.
+    /// Records the elapsed time and emits finished(). The task may be deleted when this returns.
     void setFinished();
 
-    /// Notes a failure. The task still has to end with setFinished().
+    /// Records a failure. It does not end the task: call setFinished() as well.
     void setError(const QString &text);
+
+    /// Removes a failure: isOk() is true again and error() is empty.
     void resetError();
 
-    /// Writes a line to the log, if there is one.
+    /// Appends a line to the log with Log::fastAppend(). Does nothing without a log.
     void log(const QString &text);
 
-    /// The log is not owned and may be null. The processor sets its own when the task is added.
+    /// Sets the log, which is not owned and may be null. AsyncTaskProcessor::addTask() replaces it
+    /// by the log of the processor.
     void setLog(Vorn::Util::Log *log);
 
 private:

@@ -4,20 +4,26 @@
 
 namespace Vorn::Util {
 
-/// Through a monitor the application tells an AsyncTaskProcessor that the user wants to stop.
+/// Tells an AsyncTaskProcessor whether the user has cancelled the run.
 ///
 /// \code
 /// class CancelButton : public AsyncTaskMonitor
 /// {
 /// public:
+///     void press() { pressed_ = true; }
 ///     bool isCanceled() override { return pressed_; }
-///     ...
+///
+/// private:
+///     bool pressed_ = false;
 /// };
+///
+/// CancelButton cancelButton;
 /// processor.setTaskMonitor(&cancelButton);
 /// \endcode
 ///
-/// The application keeps ownership; the monitor has to outlive the run. It is asked in the
-/// processor's thread, after every task.
+/// The processor does not own the monitor, which must exist until the run has ended.
+///
+/// Thread: the processor calls isCanceled() in its own thread, after every task.
 class VORNUTILITY_EXPORT AsyncTaskMonitor
 {
 public:

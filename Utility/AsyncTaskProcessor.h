@@ -15,7 +15,7 @@ class AsyncTask;
 class AsyncTaskMonitor;
 class Log;
 
-/// Runs a queue of tasks strictly one after another on the Qt event loop.
+/// Runs a queue of tasks one after another in the Qt event loop.
 ///
 /// \code
 /// AsyncTaskProcessor processor;
@@ -25,34 +25,48 @@ class Log;
 /// processor.addTask(mesh);
 /// processor.addTask(new SyncTask(&worker, "solve", nullptr));
 /// processor.addTask(cleanUp);
-/// processor.setCleanUpTask(mesh, cleanUp);         // mesh fails: go on with cleanUp
+/// processor.setCleanUpTask(mesh, cleanUp);         // if mesh fails, skip to cleanUp
 /// processor.setExitEventLoopWhenDone(true);
 /// processor.startLater();
 /// return app.exec();                               // 0, or 1 when a task failed
 /// \endcode
 ///
-/// Each task starts from a fresh turn of the event loop, after the one before has emitted
-/// finished(). A failure that is not ignored stops the queue or, where the task has a clean-up
-/// task, jumps to it; a cancel jumps to the clean-up task, but without one lets the remaining
-/// tasks run. After the first stop neither happens again.
+/// Each task starts in a new turn of the event loop, after the previous task has emitted
+/// finished().
 ///
-/// Ownership: addTask() makes the processor the parent of the task. The processor deletes
-/// - a finished task, right after the slots of finished() have run;
-/// - the tasks that a jump to a clean-up task skips, without starting them;
-/// - all other tasks that are its children, when it is destroyed itself. So tasks that an error
-///   drops from the queue live until then, unless they are added again and run.
+/// \par Failures and cancels
+/// - A task fails and its error is not ignored: the processor skips to the clean-up task of that
+///   task. If it has none, the processor removes all waiting tasks from the queue.
+/// - The monitor reports a cancel after a task: the processor skips to the clean-up task of that
+///   task. If it has none, the waiting tasks still run.
+/// - After the first such failure or cancel, later ones do not change the queue any more.
 ///
-/// A task that gets another parent stays in the queue: the processor runs it and deletes it all the
-/// same. The caller may delete a task: a waiting one leaves the queue, the running one counts as
-/// failed, without a line in the log. The destructor of a running task that somebody else deletes
-/// must not emit finished(): the processor would delete the task a second time.
+/// A task that fails without ignoreError() always makes isOk() false.
 ///
-/// Slots of the signals, the monitor, and the destructors of tasks may delete the processor. The
-/// log and the monitor are not owned and may be null. A processor is meant for one run.
+/// \par Ownership
+/// addTask() makes the processor the parent of the task. The processor deletes
+/// - a finished task, immediately after the slots connected to finished();
+/// - the tasks that it skips on the way to a clean-up task, without starting them;
+/// - all other tasks that are its children, when it is destroyed. These include the tasks that a
+///   failure has removed from the queue, unless they were added again and run.
 ///
-/// Thread: everything happens in the thread of the event loop that owns the processor.
+/// A task that gets another parent stays in the queue: the processor still runs and deletes it.
 ///
-/// Cost: about 260 bytes for each waiting task, most of it for the task itself, and its name.
+/// The application may delete a task. A waiting task is then removed from the queue. The running
+/// task counts as failed, but no line is logged. Its destructor must not emit finished(), or the
+/// processor would delete the task a second time.
+///
+/// The processor may be deleted in a slot connected to its signals, in
+/// AsyncTaskMonitor::isCanceled() and in the destructor of a task.
+///
+/// The log and the monitor are not owned and may be null.
+///
+/// \par Use
+/// Use a processor for one run: isOk() and the effect of a failure or cancel are never reset.
+///
+/// Thread: the thread whose event loop owns the processor.
+///
+/// Memory: about 260 bytes for each waiting task, most of them for the task object, plus its name.
 class VORNUTILITY_EXPORT AsyncTaskProcessor : public QObject
 {
     Q_OBJECT
@@ -61,45 +75,55 @@ public:
     AsyncTaskProcessor(QObject *parent = nullptr);
     ~AsyncTaskProcessor() override;
 
-    /// Appends a task, gives it the current log and takes ownership. Null is ignored. A task runs
-    /// once, even if it is added twice. A task that an error has dropped may be added again.
+    /// Appends \a task to the queue, sets its log to the log of the processor and takes ownership.
+    /// A null pointer is ignored. A task runs only once, even if it is added twice. A task that a
+    /// failure has removed from the queue may be added again.
     void addTask(Vorn::Util::AsyncTask *task);
 
-    /// Names the task to jump to when \a task fails or the run is cancelled after it; null for
-    /// none. A later call replaces the earlier one. The clean-up task has to be queued after \a
-    /// task: a jump to one that is not in the queue, or was deleted, deletes the whole queue, and
-    /// nothing more runs.
+    /// Sets the task to skip to if \a task fails or the run is cancelled after it. Null removes the
+    /// setting; a later call for the same task replaces an earlier one.
+    ///
+    /// Add the clean-up task to the queue after \a task. If it is not in the queue when the
+    /// processor skips to it, all waiting tasks are deleted, and no further task runs.
     void setCleanUpTask(Vorn::Util::AsyncTask *task, Vorn::Util::AsyncTask *cleanUpTask);
 
-    /// Whether the end of the run ends the application's event loop, with 0 or 1. Off at first.
+    /// Whether the end of the run ends the application's event loop: with exit code 0 if isOk() is
+    /// true, otherwise with 1. Default: false.
     void setExitEventLoopWhenDone(bool exitEventLoopWhenDone);
     bool exitEventLoopWhenDone() const;
 
-    /// Whether a failure stops the queue. On at first.
+    /// Whether a failure changes the queue as described above. If not, all tasks run. Default:
+    /// true.
     void setExitOnError(bool exitOnError);
     bool exitOnError() const;
 
-    /// Tasks that were added before keep the log they had. Not owned; null for none.
+    /// Sets the log, also for the tasks that are added later. Tasks that were added before keep
+    /// their log. Not owned; null for no log.
     void setLog(Vorn::Util::Log *log);
 
-    /// Asked after every task that has finished whether the run is to be cancelled. Not owned; null
-    /// for none.
+    /// Sets the monitor, which the processor asks after every task whether the run is cancelled.
+    /// Not owned; null for no monitor.
     void setTaskMonitor(Vorn::Util::AsyncTaskMonitor *monitor);
 
-    /// True when no task waits in the queue, so already while the last one runs.
+    /// True if no task is waiting. It is already true while the last task runs.
     bool isFinished() const;
 
-    /// False once a task has failed without ignoreError().
+    /// False after a task has failed without ignoreError().
     bool isOk() const;
 
-    /// Starts the run once control is back in the event loop. Does nothing with an empty queue.
+    /// Starts the first task when control returns to the event loop. Does nothing if the queue is
+    /// empty.
     void startLater();
 
 Q_SIGNALS:
+    /// Emitted before the task is started.
     void started(Vorn::Util::AsyncTask *task);
 
-    /// The task is deleted soon after this signal: keep no pointer to it.
+    /// Emitted when a task has finished. The task is deleted after the slots of this signal: do not
+    /// keep the pointer.
     void finished(Vorn::Util::AsyncTask *task);
+
+    /// Forwards AsyncTask::progress() of the running task.
     void progress(Vorn::Util::AsyncTask *task, const QString &text);
 
 private Q_SLOTS:
@@ -127,9 +151,9 @@ private:
     AsyncTaskMonitor *monitor_ = nullptr;
     bool exitEventLoopWhenDone_ = false;
     bool exitOnError_ = true;
-    QList<QPointer<AsyncTask>> tasks_; // without the running one; null for one that was deleted
+    QList<QPointer<AsyncTask>> tasks_; // the waiting tasks; null for a task that was deleted
     QElapsedTimer timer_;
-    AsyncTask *currentTask_ = nullptr; // until it is deleted
+    AsyncTask *currentTask_ = nullptr; // the running or just finished task until it is deleted
     QMap<AsyncTask *, CleanUp> cleanUpTasks_;
     bool stopping_ = false;
     bool ok_ = true;

@@ -6,23 +6,26 @@
 
 namespace Vorn::Util {
 
-/// A task that calls one method of an object and is finished when the call returns.
+/// A task that calls a method of an object. The task is finished when the method returns.
 ///
 /// \code
 /// // Worker has a slot or Q_INVOKABLE method void update().
 /// processor.addTask(new SyncTask(&worker, "update", nullptr));    // named "Worker::update"
 /// \endcode
 ///
-/// A method that can be called counts as success, whatever it does. When there is no such method
-/// without arguments, the task gets the error "Unable to run sync task: NAME" and never
-/// finishes: a processor that runs it waits for ever. So a wrong name shows at once in the first
-/// trial run.
+/// The task succeeds if the method can be called, whatever the method does.
 ///
-/// The receiver is not owned. One that is gone when the task starts has no method to call.
+/// If the object has no such method without arguments, or was deleted before the task starts, the
+/// task gets the error "Unable to run sync task: NAME" and is never finished. The processor then
+/// waits forever.
+/// Kept for compatibility: see "SyncTask without its method" in docs/compatibility.md.
+///
+/// The object is not owned. Its method is called in the thread of the processor.
 class VORNUTILITY_EXPORT SyncTask : public AsyncTask
 {
 public:
-    /// \a method is the method's name without parentheses.
+    /// The task will call \a method of \a receiver. \a method is the name of a slot or Q_INVOKABLE
+    /// method without parentheses.
     SyncTask(QObject *receiver, const QString &method, QObject *parent);
     ~SyncTask() override;
 

@@ -12,11 +12,11 @@ class QFile;
 
 namespace Vorn::Util {
 
-/// A log file: UTF-8, one line per message, each line prefixed by the time of writing.
+/// A log file in UTF-8. Each message is one line that begins with the time of writing.
 ///
-/// A log larger than MaxLogSize is truncated: it loses about its first AmountToTruncate bytes. On
-/// request the file name carries the start time; then at most MaxLogCount older files are kept
-/// beside the new one.
+/// A log of more than MaxLogSize bytes is truncated: about its first AmountToTruncate bytes are
+/// removed. The file name can contain the time at which it was set. Then at most MaxLogCount older
+/// logs with the same base name are kept.
 ///
 /// \code
 /// Log log(folder + "/run.log", Log::WithFileTimeStamp);
@@ -24,89 +24,105 @@ namespace Vorn::Util {
 ///     log.append("Mesh read");           // "[14:23:10] Mesh read"
 /// \endcode
 ///
-/// Threads: any number of threads may call append() at the same time. Every other member is for
-/// one thread at a time and must not run beside an append(). Writing to a log that is not open
-/// writes nothing; no member throws. A Qt message handler that calls append() on a log waits for
-/// ever when the message comes from an append() to the same log.
+/// Writing to a log that is not open has no effect. No member throws.
 ///
-/// A written line has been handed to the operating system. It survives a crash of the process, but
-/// not necessarily one of the machine.
+/// When append() or fastAppend() returns, the operating system has the line. The line survives a
+/// crash of the process, but not necessarily a crash of the machine.
 ///
-/// Truncation copies the tail of the log, about 4 MiB, and replaces the file by the copy. The name
-/// may be that of a link: then the file that it leads to is replaced, and the link stays.
-/// Permission bits, owner, group and access list are kept where the process may set them (on
-/// Windows the new file has the access list of the folder for temporary files, or of its own folder
-/// when that is on another volume). A hard link goes on leading to the former file.
+/// \par Threads
+/// Any number of threads may call append() at the same time. Call all other members in one thread
+/// at a time, and not while another thread is in append(). A Qt message handler that calls append()
+/// causes a deadlock if the message comes from an append() of the same log.
 ///
-/// When the log cannot be truncated, it stays as it was and grows, and each append() tries again.
-/// An attempt that must fail is cheap where this can be foreseen: one of the two folders is missing
-/// or cannot be written, a disk is full, or the log is protected or a mount point of its own. A
-/// quota, a security module that forbids the replacement, and a file system that refuses it for a
-/// reason of its own cannot be foreseen: each line then costs up to two copies of the tail.
+/// \par Truncation
+/// The tail of the log, about 4 MiB, is copied to a new file in the folder for temporary files. The
+/// new file then replaces the log. If the folder is on another file system than the log, the tail
+/// is copied a second time.
+/// - If the name of the log is a symbolic link, the file that it points to is replaced, and the
+///   link is kept. A hard link still refers to the old file.
+/// - Linux: permission bits, owner, group and access control list are kept as far as the process
+///   may set them.
+/// - Windows: the new file has the access control list of a new file in the folder for temporary
+///   files. If that folder is on another volume, it has that of a new file in the log's folder.
+/// - The log is closed for the truncation and opened again. If it cannot be opened again, for
+///   example because the process has changed its user, it stays closed.
 ///
-/// append() and the operators close an open log for its truncation and open it again afterwards.
-/// Where it cannot be opened again (the process has changed its user since), the log writes nothing
-/// more.
+/// \par Failed truncations
+/// A log that cannot be truncated does not change; it grows, and each append() tries again. If the
+/// failure can be detected in advance, an attempt costs some system calls: a folder is missing or
+/// not writable, there is too little disk space, the log is write-protected, or it is a mount
+/// point. Otherwise an attempt costs up to two copies of the tail: a quota is exceeded, or a
+/// security module or the file system refuses the replacement.
 ///
-/// On Linux two processes may append to one file below the size limit. When one of them truncates
-/// the file, the next append() of the other truncates it once more and goes on there, whereas its
-/// fastAppend() goes on writing to the file that was replaced. On Windows each process needs a file
-/// of its own: a log that another process holds open is not truncated.
+/// \par Several processes
+/// - Linux: several processes may append to one log as long as it is not truncated. When a process
+///   truncates it, the other processes still have the old file open. The next append() of such a
+///   process truncates the log once more and continues in the new file. Its fastAppend() still
+///   writes to the old file, so these lines are lost.
+/// - Windows: give each process a log of its own. A log that another process has open is not
+///   truncated.
 class VORNUTILITY_EXPORT Log
 {
 public:
-    /// What stands in front of a line. Any other value behaves as NoTimeStamp.
+    /// The time stamp at the beginning of a line. Any other value behaves like NoTimeStamp.
     enum TimeStamp : int {
         NoTimeStamp = 0, ///< nothing
         TimeOnly = 1,    ///< "[hh:mm:ss]", local time
         DateAndTime = 2  ///< "[ddd MMM d hh:mm:ss yyyy]", local time
     };
 
-    /// Whether the file name carries the time at which it was set.
+    /// Whether the file name contains the time at which it was set.
     enum FileTimeStamp : int {
         NoFileTimeStamp = 0,  ///< the name is used as given
         WithFileTimeStamp = 1 ///< "run.log" becomes "run_yyyy-MM-dd-hhmmss.log"
     };
 
     static const qint64 MaxLogSize;       ///< 5 MiB; a larger log is truncated
-    static const qint64 AmountToTruncate; ///< 1 MiB; what truncation takes from the head
-    static const int MaxLogCount;         ///< older time-stamped files that are kept
+    static const qint64 AmountToTruncate; ///< 1 MiB; a truncation removes about as much
+    static const int MaxLogCount;         ///< 10; so many older time-stamped logs are kept
 
-    /// A log without a name; timeStamp() is TimeOnly.
+    /// A log without a name. timeStamp() is TimeOnly.
     Log();
 
-    /// As setName(). The file is not opened.
+    /// Calls setName(). The file is not opened.
     Log(const QString &name, Log::FileTimeStamp fileTimeStamp);
 
     /// Closes the file.
     ~Log();
 
-    /// Names the file (by an absolute path, where the current folder may change: a truncation
-    /// looks for the name again) and, with a time stamp, prunes old files of the same base name.
-    /// Call it before open(): it neither opens nor creates the new file. A log that is open is
-    /// closed, and Qt warns about it.
+    /// Sets the name of the file. Call it before open(): it neither creates nor opens the file. If
+    /// the log is open, it is closed, and Qt prints a warning.
+    ///
+    /// WithFileTimeStamp inserts the current time into the name and deletes old logs of the same
+    /// base name with removeOldTimeStampedLogFiles() and MaxLogCount.
+    ///
+    /// If the current folder of the process can change, give an absolute path: a truncation opens
+    /// the file by its name again.
     void setName(const QString &name, Log::FileTimeStamp fileTimeStamp);
 
-    /// The path of the file that is written, with its time stamp.
+    /// The path of the log, with the time stamp of the file name.
     QString name() const;
 
-    /// Opens the file for writing, at its end or (without \a append) emptied. A log that is too
-    /// large is truncated first, also when it is emptied then. Returns true when the file is open,
-    /// also when it was so before; false when it cannot be opened.
+    /// Opens the log for writing. If \a append is false, its content is removed. A log that is too
+    /// large is truncated first, in either case. Returns true if the log is open, also if it was
+    /// open before.
     bool open(bool append);
 
     void close();
     void flush();
 
-    /// Writes one line, truncating the file first when it is too large. Thread-safe. Trailing
-    /// white space of \a text is dropped. The operating system has the line when the call returns.
+    /// Writes a line: the time stamp in brackets, a blank, and \a text without white space at its
+    /// end. The blank is also written if there is no time stamp. If the log is too large, truncates
+    /// it first. Any thread may call this function.
+    /// Kept for compatibility: see "Log lines" in docs/compatibility.md.
     void append(const QString &text);
 
-    /// As append(), but without the lock and without the size check.
+    /// Like append(), but takes no lock and does not check the size.
     void fastAppend(const QString &text);
 
-    /// Write the value alone: no prefix, no line end. They check the size, but take no lock. A
-    /// character is Latin-1; a real number has up to 6 significant digits (3.14159, 1e+10).
+    /// Writes only the value, without time stamp and line end. The operators check the size like
+    /// append(), but take no lock. A character is read as Latin-1. A floating-point number has up
+    /// to 6 significant digits (3.14159, 1e+10).
     Log &operator<<(const QString &text);
     Log &operator<<(char character);
     Log &operator<<(int number);
@@ -115,13 +131,16 @@ public:
     void setTimeStamp(Log::TimeStamp timeStamp);
     Log::TimeStamp timeStamp() const;
 
-    /// The "yyyy-MM-dd-hhmmss" in the file name; empty for a log named without one.
+    /// The time in the file name, "yyyy-MM-dd-hhmmss"; empty if the name contains no time.
     QString fileTimeStampString() const;
 
-    /// Deletes the empty files "baseName_20*.suffix" of the folder \a path, then the oldest by
-    /// name until \a maxCount are left. Upper and lower case count as equal. Returns false when the
-    /// folder does not exist, true when nothing had to be deleted, otherwise whether the last
-    /// deletion succeeded.
+    /// Deletes old time-stamped logs: in the folder \a path, of the files whose names match
+    /// "baseName_20*.suffix" in any letter case, the empty ones and then the first by name until
+    /// \a maxCount are left. As the names contain the time, the first by name are the oldest.
+    ///
+    /// Returns false if the folder does not exist, true if nothing had to be deleted, otherwise
+    /// whether the last deletion succeeded.
+    /// Kept for compatibility: see "Old logs" in docs/compatibility.md.
     static bool removeOldTimeStampedLogFiles(const QString &path, const QString &baseName,
                                              const QString &suffix, int maxCount);
 

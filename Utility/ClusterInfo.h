@@ -10,7 +10,7 @@ namespace Vorn::Util {
 
 class Log;
 
-/// The nodes of the compute cluster, as the cluster tool "NodeInformation" reports them.
+/// The nodes of the compute cluster, as reported by the cluster tool "NodeInformation".
 ///
 /// \code
 /// ClusterInfo cluster(&log, toolFolder);
@@ -18,38 +18,45 @@ class Log;
 ///     submit(cluster.headNode(), cluster.computeCoreCount());
 /// \endcode
 ///
-/// Construction runs the tool through Command, with its log lines and its "work.bat" in the current
-/// folder, and waits for it up to 30 seconds. At most 32 lines of the tool are read: further nodes
-/// are missing. Without a tool or a cluster there are no nodes: the counts are 0 and the names
-/// empty.
+/// The constructor runs the tool with Command::runL() and waits for it, at most 30 seconds. So it
+/// writes "work.bat" to the current folder, and logs the command and its output. At most 32 lines
+/// of the output are read, up to the first line that contains "Error:". The nodes in further lines
+/// are missing.
 ///
-/// A copyable value for one thread; the log is not owned and may be null.
+/// If the tool is missing or prints no nodes, the lists and names are empty, and the counts are 0.
+/// There is no other sign of a failure.
+///
+/// Objects can be copied. Use an object in one thread at a time. The log is not owned and may be
+/// null.
 class VORNUTILITY_EXPORT ClusterInfo
 {
 public:
-    /// \a dir is the folder of the tool.
+    /// Runs the tool in the folder \a dir and reads the nodes.
     ClusterInfo(Log *log, const QString &dir);
 
-    /// In the tool's order. A node of both kinds stands in both lists.
+    /// The nodes in the order of the tool's output. A node that is both a head node and a compute
+    /// node is in both lists.
     QList<NodeInfo> headNodes() const;
     QList<NodeInfo> computeNodes() const;
 
     int computeNodeCount() const;
 
-    /// The cores of all compute nodes.
+    /// The total number of cores of the compute nodes.
     int computeCoreCount() const;
 
-    /// The cores of the first compute node that is not a head node. When there is none, or it
-    /// reports none, the sockets of the first compute node.
+    /// The number of cores of the first compute node that is not a head node. If there is no such
+    /// node, or it reports 0 cores: the number of sockets of the first compute node.
+    /// Kept for compatibility: see "Sockets for cores" in docs/compatibility.md.
     int coresPerComputeNode() const;
 
-    /// As above, for sockets.
+    /// The number of sockets of the first compute node that is not a head node. If there is no such
+    /// node, or it reports 0 sockets: the number of sockets of the first compute node.
     int socketsPerComputeNode() const;
 
-    /// The name of the first head node.
+    /// The name of the first head node; empty if there is none.
     QString headNode() const;
 
-    /// Whether that node is a compute node too; false without a head node.
+    /// Whether the first head node is also a compute node; false if there is no head node.
     bool isHeadNodeAComputeNode() const;
 
 private:

@@ -9,54 +9,65 @@ namespace Vorn::Util {
 
 class Log;
 
-/// Runs one command line through the system's command interpreter.
+/// Runs a command line with the command interpreter of the system: cmd.exe, or /bin/sh on Linux.
 ///
 /// \code
 /// Command command(&log);
 /// QStringList lines = command.runL("hostname", 10, true);   // each with its line end
 /// \endcode
 ///
-/// run(), runL() and runQ() write the command to the file "work.bat" in the current folder, have
-/// the interpreter run that file, and wait until it ends, at most 30 seconds. All calls in a
-/// process share that file and the current folder: make one call at a time. The command is written
-/// in Latin-1 (other characters are lost); its output is read as UTF-8.
+/// run(), runL() and runQ() write the command to the file "work.bat" in the current folder, let the
+/// interpreter run this file, wait until it ends, and remove the file. All calls in a process use
+/// the same file: make only one call at a time. runNoWait() needs no file.
 ///
-/// After 30 seconds the interpreter is stopped. Only the interpreter: programs that it has started
-/// run on until they end by themselves. Output that was printed until then is returned, and runQ()
-/// returns 0. On Windows the call may return later: as long as one of those programs prints without
-/// a pause.
+/// \par Encoding
+/// The command is written in Latin-1; other characters are lost. The output is read as UTF-8.
+/// Kept for compatibility: see "Command scripts" in docs/compatibility.md.
 ///
-/// Standard error is never read. Only the output that a call can return is kept in memory, at most
-/// 199 bytes for each of \a maxLines + 2 lines: with a large \a maxLines that can be all of it.
+/// \par Time limit
+/// After 30 seconds the interpreter is stopped. The call returns the output printed until then;
+/// runQ() returns 0. Programs that the interpreter has started are not stopped. On Windows the call
+/// can return later if one of them prints continuously.
 ///
-/// No call reports a failure. When the interpreter cannot be started, or "work.bat" cannot be
-/// written completely, nothing is run, and the command has printed nothing.
+/// \par Output
+/// Only the standard output is read, not the standard error. Memory: a call keeps up to 199 bytes
+/// for each of \a maxLines + 2 lines and discards further output.
 ///
-/// A value class; the log is not owned and may be null.
+/// \par Failures
+/// No call reports a failure. If the interpreter cannot be started, or "work.bat" cannot be written
+/// completely, no command is run. The result is then that of a command that prints nothing, and
+/// runQ() returns 0.
+///
+/// Objects can be copied. The log is not owned and may be null.
 class VORNUTILITY_EXPORT Command
 {
 public:
     Command(Log *logFile = nullptr);
     ~Command() = default;
 
-    /// Returns what the command printed, at most \a maxLines + 2 lines (one for a negative
-    /// number), each with its line end. A line longer than 199 bytes counts as several. With
-    /// \a logIt the call and each returned line are logged.
+    /// Runs \a command and returns its output, at most \a maxLines + 2 lines (one line if
+    /// \a maxLines is negative). Each line ends with its line end. A line of more than 199 bytes
+    /// counts as several lines. If \a logIt is true, logs the call of the interpreter and each
+    /// returned line.
+    /// Kept for compatibility: see "Command output" in docs/compatibility.md.
     QString run(const QString &command, int maxLines, bool logIt);
 
-    /// As run(), one element per line. A command that printed nothing, or that could not be run,
-    /// gives one empty element; one that is stopped before it has printed gives an empty list.
+    /// Like run(), but each line is an element of the list. If the command prints nothing or cannot
+    /// be run, the list has one empty element. If it is stopped after 30 seconds and has printed
+    /// nothing, the list is empty.
     QStringList runL(const QString &command, int maxLines, bool logIt);
 
-    /// Returns the interpreter's exit code; 0 when nothing was run or when the interpreter was
-    /// stopped after 30 seconds. The output of the command is not read.
+    /// Runs \a command and returns the exit code of the interpreter: 0 if no command was run, or if
+    /// the interpreter was stopped after 30 seconds. The output is discarded, and nothing is
+    /// logged.
     int runQ(const QString &command);
 
-    /// Starts \a command and returns 0 at once, also when nothing could be started. Nobody waits
-    /// for the command or reads its output. An empty \a workingDirectory is the current folder.
+    /// Starts \a command and returns immediately. Always returns 0, also if the interpreter cannot
+    /// be started. The output is discarded. If \a logIt is true, logs the call of the interpreter
+    /// with the command. If \a workingDirectory is empty, the command runs in the current folder.
     ///
-    /// Each call leaves a small object in memory until the program ends, and a pipe until the
-    /// thread's event loop has noticed the end of the command.
+    /// Resources: each call allocates a small object that is never freed, and a pipe that is closed
+    /// when the event loop of the thread processes the end of the command.
     int runNoWait(const QString &command, bool logIt, const QString &workingDirectory);
 
 private:

@@ -10,35 +10,43 @@ namespace Vorn::Util {
 
 class SysInfo;
 
-/// Samples one performance counter of the system as a whole number.
+/// Reads a performance counter of the system as an integer.
 ///
 /// \code
 /// CpuCounter load(CpuCounter::CpuPercent);
-/// ...
-/// long percent = load.getValue();      // since the sample before, at first since construction
+/// runSolver();
+/// const long percent = load.getValue(); // the average load while the solver ran
 /// \endcode
 ///
-/// The paths are the system's own names in its language. A path of more than 2047 characters is
-/// cut there. Every failure is the value -1.
+/// A counter is identified by its path. On Windows every counter of the system can be read. The
+/// path must be in the language of the system: a Windows in another language than English may not
+/// know the paths below. Only the first 2047 characters of a path are used. On Linux only the paths
+/// below are known.
 ///
-/// A counter can be moved, not copied; one that was moved from gives -1. It belongs to one thread.
+/// An object can be moved, but not copied. Use it in one thread at a time.
 class VORNUTILITY_EXPORT CpuCounter
 {
 public:
-    static const QString CpuPercent;      ///< load of all processors, 0 to 100
-    static const QString MemInUseBytes;   ///< committed memory
-    static const QString MemAvailBytes;   ///< memory that programs can have
-    static const QString MemAvailKBytes;  ///< the same in KiB
-    static const QString MemAvailMBytes;  ///< the same in MiB
-    static const QString MemInUsePercent; ///< committed memory of what can be committed
-    static const QString MemLimitBytes;   ///< what can be committed
+    static const QString CpuPercent;      ///< load of all processors in percent, 0 to 100
+    static const QString MemInUseBytes;   ///< committed memory in bytes
+    static const QString MemAvailBytes;   ///< available memory in bytes
+    static const QString MemAvailKBytes;  ///< available memory in KiB
+    static const QString MemAvailMBytes;  ///< available memory in MiB
+    static const QString MemInUsePercent; ///< committed memory in percent of the commit limit
+    static const QString MemLimitBytes;   ///< commit limit in bytes
 
+    /// Opens the counter \a counterPath and takes the first sample.
     CpuCounter(const QString &counterPath);
     ~CpuCounter();
     CpuCounter(CpuCounter &&other) noexcept;
     CpuCounter &operator=(CpuCounter &&other) noexcept;
 
-    /// Takes a sample. A value larger than `long` holds is cut as the system cuts it.
+    /// Takes a sample and returns the value of the counter; -1 if the counter does not exist, or
+    /// cannot be read, or the object was moved from. A load is the average since the previous
+    /// sample.
+    ///
+    /// A value that does not fit into `long` (32 bits on Windows) is converted by the system. So
+    /// read the available memory in MiB, not in bytes.
     long getValue();
 
 private:

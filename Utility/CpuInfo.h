@@ -10,58 +10,61 @@ namespace Vorn::Util {
 
 class Log;
 
-/// The processors of this machine. Asking the system is slow, so the answer is kept in the file
-/// "SystemInfo.xml" of a folder and read from there as long as the file exists.
+/// The number of processors and cores of this machine, and whether hyper-threading is on. Querying
+/// the system is slow. So the result is saved in the file "SystemInfo.xml" and read from there as
+/// long as the file exists.
 ///
 /// \code
 /// CpuInfo cpu(&log, System::getUserDataPath());
 /// pool.setMaxThreadCount(qMax(1, cpu.coreCount()));
 /// \endcode
 ///
-/// A failure is a line in the log or, without a log, on Qt's debug channel. The numbers are then:
+/// \par Failures
+/// A failure is logged or, if there is no log, written with qDebug(). The numbers are then:
+/// - The file cannot be read: 1 processor, 1 core, hyper-threading off. The system is not queried,
+///   and the file is not changed. Delete the file to query the system again.
+/// - The file has no entry for hyper-threading: the numbers of the system. If the system cannot be
+///   queried: the numbers in the file, hyper-threading off. (In the file format of version 14 of
+///   the product the entry is not expected: the numbers in the file, hyper-threading off.)
+/// - There is no file, and the system cannot be queried: 1 processor, 1 core, hyper-threading off.
+///   These numbers are saved.
+/// - There is no file, and it cannot be saved: the numbers of the system.
 ///
-/// - The file cannot be read: 1 processor and 1 core, and hyper-threading is off. The system is not
-///   asked.
-/// - The file does not say whether hyper-threading is on: the system is asked, and its numbers are
-///   used instead of those in the file. When the system cannot be asked, the numbers in the file
-///   are used, and hyper-threading is off.
-/// - There is no file, and the system cannot be asked: 1 processor and 1 core, and hyper-threading
-///   is off. These numbers are saved.
-/// - There is no file, and none can be saved: the system's numbers are used.
+/// \par File
+/// A file cannot be read if it is not well-formed XML, is not a regular file, has more than 1 MiB
+/// or more than 2,000 "<", or contains "<!DOCTYPE". The numbers in the file are not compared with
+/// the machine. A text that is not a number is read as 0.
 ///
-/// A file that cannot be read is left alone: delete it to have the system asked again. Such a file
-/// is one that is not well-formed, is not a plain file (a pipe, a folder), has more than 1 MiB or
-/// more than 2,000 "<", or holds "<!DOCTYPE". The numbers in a file that can be read are not
-/// checked against the machine. A text that is not a number is read as 0.
+/// A symbolic link to a file is followed for reading. If the link points to nothing, there is no
+/// file; the link is then not changed, and saving fails. If two processes save the file at the same
+/// time, the last one wins.
 ///
-/// A link to a file is followed to read it. Nothing is written through a link: one that leads to
-/// nothing counts as no file, stays as it is, and the saving fails.
+/// Memory: the XML parser is recursive. A file with deeply nested elements takes up to 800 KiB of
+/// the thread's stack.
 ///
-/// The parser calls itself for each level of elements: the deepest file takes up to 800 KiB of the
-/// thread's stack.
-///
-/// A copyable value for one thread at a time. The log is not owned, may be null, and must live as
-/// long as the constructor runs. When two processes write the file at once, the last one wins.
+/// Objects can be copied. Use an object in one thread at a time. The log is not owned, may be null,
+/// and is used only by the constructor.
 class VORNUTILITY_EXPORT CpuInfo
 {
 public:
-    /// Reads the file in \a dir, or asks the system and writes it. The folder is not created;
-    /// without it, saving fails and the numbers are the system's.
+    /// Reads the file in the folder \a dir or, if there is none, queries the system and saves the
+    /// file. The folder is not created: if it does not exist, saving fails.
     CpuInfo(Log *log, const QString &dir);
 
-    /// Processor packages (sockets). At least 1, unless the file says otherwise.
+    /// The number of processor packages (sockets). At least 1, unless the file contains a smaller
+    /// number.
     int processorCount() const;
 
-    /// Physical cores of all packages. At least 1, unless the file says otherwise. The file holds
-    /// the cores per package, rounded down: when the packages differ, the number read back can be
-    /// smaller.
+    /// The total number of physical cores. At least 1, unless the file contains a smaller number.
+    /// The file contains the number of cores per package, rounded down. So if the packages differ,
+    /// the number read from the file can be smaller than that of the machine.
     int coreCount() const;
 
-    /// Cores per package, rounded down; a package count of 0 counts as 1.
+    /// coreCount() / processorCount(), rounded towards 0. A processorCount() of 0 is taken as 1.
     int coresPerProcessor() const;
 
-    /// Whether a core runs several threads (simultaneous multithreading). The last core that the
-    /// system lists decides.
+    /// Whether a core runs more than one thread (simultaneous multithreading, SMT). If the cores
+    /// differ, the last core in the list of the system decides.
     /// Kept for compatibility: see "Hyper-threading of the last core" in docs/compatibility.md.
     bool isHyperThreadingOn() const;
 

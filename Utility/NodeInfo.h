@@ -6,14 +6,20 @@
 
 namespace Vorn::Util {
 
-/// One node of a compute cluster; a plain value.
+/// A node of a compute cluster. ClusterInfo creates one for each node.
+///
+/// \code
+/// const QList<NodeInfo> nodes = cluster.computeNodes();
+/// for (const NodeInfo &node : nodes)
+///     log.append(node.toString());
+/// \endcode
 class VORNUTILITY_EXPORT NodeInfo
 {
 public:
     QString name;
     int cores = 0;
     int sockets = 0;
-    /// A number that the cluster tool reports, infinity included. The library does not interpret
+    /// A number reported by the cluster tool, which can be infinite. The library does not interpret
     /// it.
     double quantity = 0;
     bool isHeadNode = false;
@@ -24,9 +30,10 @@ public:
     NodeInfo &operator=(const NodeInfo &other);
     ~NodeInfo();
 
+    /// Compares all members.
     bool operator==(const NodeInfo &other) const;
 
-    /// "node01:16:2:64": name, cores, sockets, quantity.
+    /// Name, cores, sockets and quantity as text, for example "node01:16:2:64".
     QString toString() const;
 };
 

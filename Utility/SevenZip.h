@@ -10,91 +10,110 @@ namespace Vorn::Util {
 
 class SevenZipCommand;
 
-/// Packs, unpacks and lists archives with the 7-Zip console program.
+/// Creates, extracts and lists archives with the console program of 7-Zip.
 ///
 /// \code
 /// SevenZip archive;
 /// archive.setArchiveFile(folder + "/results.7z");
-/// archive.setCurrentPath(folder);                       // names in the archive are relative to it
+/// archive.setCurrentPath(folder); // the names in the archive are relative to this folder
 /// if (!archive.compressFiles({folder + "/mesh.dat", folder + "/log.txt"}))
 ///     report(archive.error(), archive.output());
 /// \endcode
 ///
-/// Each operation has a blocking form, which waits without a time limit, and an asynchronous one,
-/// which ends with its signal and needs the thread's event loop. The blocking form emits the
-/// signal too, before it returns. One operation at a time: while it runs, the current folder of
-/// the process is currentPath(), if that is not empty.
+/// \par Operations
+/// Each operation has a blocking function, which waits without a time limit, and an asynchronous
+/// function ("start..."), which needs the event loop of the thread. Both emit the signal of the
+/// operation at its end; the blocking function emits it before it returns.
 ///
-/// The version of 7-Zip decides how it is called and read (docs/archives.md). A program for Linux is
-/// run once to learn its version. The first operation of a process waits for that, the asynchronous
-/// form too: some milliseconds, at most 3 seconds for a program that tells none.
+/// Run one operation at a time. If currentPath() is not empty, it is the current folder of the
+/// process during the operation.
 ///
-/// A 7-Zip that cannot be started emits no signal; the blocking form then returns false. After a
-/// start that failed the current folder stays changed.
+/// If 7-Zip cannot be started, no signal is emitted, and the blocking function returns false. The
+/// current folder of the process then stays changed.
 ///
-/// More than 32 files are named in a list file in the temporary folder. When that file cannot be
-/// written completely, as on a full disk, 7-Zip is not started: the operation ends with FatalError
-/// and its signal. (A list file that cannot even be created is left to 7-Zip, whose exit code for
-/// it does not count as an error.)
+/// \par The 7-Zip program
+/// The version of 7-Zip decides which arguments it gets and how its output is read
+/// (docs/archives.md). To find the version, a program for Linux is run once. The first operation of
+/// a process waits for it, also an asynchronous one: some milliseconds, or 3 seconds for a program
+/// that prints no version.
 ///
-/// Names are passed to 7-Zip unchanged, except that every occurrence of currentPath() and the
-/// separator after it is removed, wherever it stands in the name. What 7-Zip then receives is
-/// dangerous when it
-/// - begins with "-", which is a switch: a file "-sdel" makes 7-Zip delete the files that it packs,
-///   and "-x!plain" leaves the file "plain" out;
-/// - begins with "@", which is a list file: 7-Zip packs the files that it names;
-/// - holds "*" or "?", and 7-Zip is a version up to 9.33 or a 7z.exe without a version block: it
-///   packs all names that match. (Later versions are told to take such a name as it is, but then no
-///   longer report other files of that folder as missing: compare files() after a listing.)
-/// - is empty, as the name of currentPath() with a separator after it: some versions of 7-Zip pack
-///   the whole current folder then, others end with exit code 7.
+/// \par List file
+/// More than 32 names are passed in a list file in the folder for temporary files. If the list file
+/// cannot be written completely, for example because the disk is full, 7-Zip is not started, and
+/// the operation ends with FatalError and its signal. If the list file cannot even be created,
+/// 7-Zip is started with its name. Its exit code for the missing file does not count as an error.
+/// Kept for compatibility: see "List file that is missing" in docs/compatibility.md.
+///
+/// \par Dangerous file names
+/// Before a name is passed to 7-Zip, every occurrence of currentPath() and the separator after it
+/// is removed, also in the middle of the name.
+/// Kept for compatibility: see "Names below the current path" in docs/compatibility.md.
+///
+/// The resulting name has a special meaning for 7-Zip if it
+/// - begins with "-": 7-Zip takes it for a switch. The name "-sdel" makes 7-Zip delete the packed
+///   files; the name "-x!plain" excludes the file "plain".
+/// - begins with "@": 7-Zip takes it for a list file and packs the files named in it.
+/// - contains "*" or "?": versions up to 9.33, and a 7z.exe without a version block, pack all files
+///   that match. For later versions wildcards are switched off. But then they do not report that
+///   another file of that folder is missing: list the archive and compare files().
+/// - is empty, because the name was currentPath() with a separator: some versions pack the whole
+///   current folder, others end with exit code 7.
 ///
 /// An empty list of names packs the whole current folder.
 ///
-/// An absolute path below currentPath() is no protection, because its front is removed. Pass such a
-/// name relative to currentPath() and with "./" in front: "./-sdel". Do this only for a name
-/// without a folder: 7-Zip stores a file without its folders when the name is absolute or holds "."
-/// or ".." as a folder. A file in a folder whose name begins with "-" or "@" can be packed only
-/// with the whole folder ("./-folder"). Of archiveFile() nothing is removed: give an absolute path.
+/// An absolute path below currentPath() does not help, because its beginning is removed. Pass such
+/// a name relative to currentPath() and with "./" before it: "./-sdel". Do this only for names
+/// without a folder: 7-Zip stores a file without its folders if the name is absolute or contains
+/// the folders "." or "..". A file in a folder whose name begins with "-" or "@" can only be packed
+/// together with the whole folder ("./-folder").
 ///
-/// In a list file the first two are ordinary names, but a line break in a name makes two names of
-/// it, and 7-Zip removes blanks and double quotes around a name: of the files "plain" and "plain "
-/// it then packs the first one twice.
+/// archiveFile() is passed unchanged: give an absolute path.
 ///
-/// An entry of an archive whose path leads out of the folder is extracted to another name inside
-/// it; files() holds the name that the archive tells, which then does not exist. Existing files are
-/// overwritten.
+/// In a list file "-" and "@" have no special meaning. But a line break in a name splits it into
+/// two names, and 7-Zip removes blanks and double quotes at both ends of a name: of the files
+/// "plain" and "plain " it packs the first one twice.
 ///
-/// There is no way to give a password, and 7-Zip cannot ask for one. To extract encrypted files or
-/// to list encrypted names is a FatalError. To add files to an encrypted archive fails too, but
-/// some versions end with exit code 255 then, which does not count as an error.
+/// \par Extraction
+/// Existing files are overwritten. If the path of an entry leads out of the destination folder,
+/// 7-Zip extracts it to another name inside the folder. files() then contains the name in the
+/// archive, which does not exist on the disk.
 ///
-/// Of a line of 7-Zip's output the first mebibyte is read.
+/// \par Encryption
+/// A password cannot be given, and 7-Zip cannot ask for one. Extracting encrypted files and listing
+/// encrypted names end with FatalError. Adding files to an encrypted archive fails, too, but some
+/// versions then end with exit code 255, which does not count as an error.
 ///
-/// Thread: that of the object. Sizes are bytes.
+/// \par Other limits
+/// Only the first MiB of each line of the output of 7-Zip is read. Use an object only in its own
+/// thread.
 class VORNUTILITY_EXPORT SevenZip : public QObject
 {
     Q_OBJECT
 
 public:
+    /// The format of the archive.
     enum Type : int { Type7z = 0, TypeZip = 1 };
 
+    /// The compression method.
     enum Method : int {
-        Copy = 0, ///< stored
+        Copy = 0, ///< no compression
         Deflate = 1,
         LZMA = 2,  ///< 7z archives only
         LZMA2 = 3, ///< 7z archives only
         BZip2 = 4  ///< 7z archives only
     };
 
-    /// How hard to compress. Any other number is handed to 7-Zip unchanged.
+    /// The compression level. Any other number is passed to 7-Zip unchanged.
     enum Level : int { Store = 0, Fastest = 1, Fast = 3, Normal = 5, Maximum = 7, Ultra = 9 };
 
-    /// 7-Zip's "-ma=" value, for LZMA and LZMA2. Any other number is handed on unchanged.
+    /// The compression mode of LZMA and LZMA2 (7-Zip's switch "-ma="). Any other number is passed
+    /// to 7-Zip unchanged.
     enum Mode : int { FastMode = 0, NormalMode = 1 };
 
+    /// The result of an operation.
+    /// Kept for compatibility: see "Exit codes of the archiver" in docs/compatibility.md.
     enum Error : int {
-        NoError = 0,   ///< also for exit codes other than 1 and 2
+        NoError = 0,   ///< exit code 0, and all exit codes except 1 and 2
         Warning = 1,   ///< exit code 1
         FatalError = 2 ///< exit code 2, a crash, or an incomplete list file
     };
@@ -102,70 +121,84 @@ public:
     SevenZip(QObject *parent = nullptr);
     ~SevenZip() override;
 
+    /// The path of the archive to create, extract or list.
     QString archiveFile() const;
     void setArchiveFile(const QString &archiveFile);
 
-    /// The current folder while 7-Zip runs; empty to stay where the process is.
+    /// The current folder of the process while 7-Zip runs. If it is empty, the current folder is
+    /// not changed.
     QString currentPath() const;
     void setCurrentPath(const QString &currentPath);
 
-    /// Type7z and LZMA2 at first. A listing sets each of the two when the archive tells it: a zip
-    /// archive and an empty one tell no method, which then stays as it was. A zip archive takes
-    /// Copy and Deflate only: set one of them before compressing.
+    /// Type and method of the archive. Default: Type7z and LZMA2. Before compressing a zip archive,
+    /// set the method to Copy or Deflate.
+    ///
+    /// A listing sets type and method to those that 7-Zip prints. It prints no method for a zip
+    /// archive and for an empty archive; method() then does not change.
     Type type() const;
     void setType(Type type);
     Method method() const;
     void setMethod(Method method);
 
-    /// Fastest at first.
+    /// Default: Fastest.
     Level level() const;
     void setLevel(Level level);
 
-    /// FastMode at first.
+    /// Default: FastMode.
     Mode mode() const;
     void setMode(Mode mode);
 
-    /// On at first.
+    /// Whether 7-Zip uses several threads. Default: true.
     bool useThreads() const;
     void setUseThreads(bool useThreads);
 
-    /// Stored for the callers' use; it changes nothing.
+    /// Has no effect.
     void enableProgressUpdates(bool enable);
 
-    /// The result of the last operation.
+    /// The result of the last operation. NoError while an operation runs.
     Error error() const;
+
+    /// Whether error() is NoError.
     bool isOk() const;
 
-    /// The last block of a compression's output, standard error included.
+    /// The last part of the output of 7-Zip in a compression, with its error messages. Empty after
+    /// other operations.
     QString output() const;
 
-    /// After a compression the files given, after an extraction the files reported; a listing
-    /// appends the entries of the archive to what was there.
+    /// After a compression: the names that were passed. After an extraction: the names that 7-Zip
+    /// printed. A listing appends the entries of the archive to the names that are already there.
+    /// Kept for compatibility: see "Files of a listing" in docs/compatibility.md.
     QStringList files() const;
 
     /// The folder of the last extraction.
     QString folder() const;
 
-    /// Bytes. After a compression: the size of the archive, and the sum of the sizes of files(),
-    /// where a folder counts as its own entry in the file system (4096, for example, or 0), not as
-    /// what it contains. After an extraction or a listing: what 7-Zip printed; when it printed
-    /// nothing, they stay as they were.
+    /// The size of the archive in bytes. After an extraction or a listing: the number that 7-Zip
+    /// printed; if it printed none, the size does not change.
     qint64 compressedSize() const;
+
+    /// After a compression: the sum of the sizes of files() in bytes. A folder counts with the size
+    /// of its own entry in the file system (for example 4096 or 0), without its content. After an
+    /// extraction or a listing: the number that 7-Zip printed; if it printed none, the size does
+    /// not change.
     qint64 uncompressedSize() const;
 
-    /// True when 7-Zip ran and error() is NoError. That includes every exit code other than 1 and
-    /// 2: also 7 (a wrong command line), 8 (not enough memory) and 255 (stopped by the user).
+    /// Packs \a files into archiveFile(). Returns true if 7-Zip was started and error() is NoError.
+    /// This includes exit codes such as 7 (wrong command line), 8 (not enough memory) and 255
+    /// (stopped by the user).
     bool compressFiles(const QStringList &files);
     void startCompressingFiles(const QStringList &files);
 
+    /// Extracts archiveFile() to \a folder. The result is as above.
     bool extractFilesTo(const QString &folder);
     void startExtractingFilesTo(const QString &folder);
 
+    /// Appends the entries of archiveFile() to files(). The result is as above.
     bool listFiles();
     void startListingFiles();
 
 Q_SIGNALS:
-    /// Reserved; never emitted.
+    /// Never emitted.
     void progress(qint64 processed, qint64 total);
     void compressionFinished();
     void extractionFinished();
@@ -180,12 +213,12 @@ protected:
     void setCompressedSize(qint64 size);
     void setUncompressedSize(qint64 size);
 
-    /// Emits the signal that belongs to the latest operation.
+    /// Emits the signal of the operation that was started last.
     void setCommandFinished();
 
-    // Switches of the command line, and back from texts. What has no text fails an assertion; in
-    // release builds it gives an empty text, Type7z or LZMA2, also for a method that carries
-    // parameters ("LZMA:16").
+    // These functions convert settings to switches of 7-Zip and texts of 7-Zip to settings. An
+    // unknown value fails an assertion. In release builds the result is then an empty text, Type7z
+    // or LZMA2. A method with parameters ("LZMA:16") is an unknown value.
     static QString typeArg(Type type);
     static QString methodArg(Type type, Method method);
     static QString levelArg(Level level);
@@ -195,7 +228,7 @@ protected:
     static Type toType(const QString &text);
     static Method toMethod(const QString &text);
 
-    /// Bytes; 0 for a file that does not exist.
+    /// In bytes; 0 for a file that does not exist.
     static qint64 fileSize(const QString &path);
     static qint64 fileSizes(const QStringList &paths);
 

@@ -6,8 +6,9 @@
 
 namespace Vorn::Util {
 
-/// Reads the product's machine-wide settings and builds the paths of its translator folders, into
-/// buffers of the caller, so that programs without Qt strings can use it too. Static members only.
+/// Reads the product's machine-wide settings and builds the paths of its translator folders. The
+/// results are written to buffers of the caller, so that programs without Qt strings can use the
+/// class. Static members only.
 ///
 /// \code
 /// wchar_t folder[1024];
@@ -15,48 +16,58 @@ namespace Vorn::Util {
 ///     use(folder);
 /// \endcode
 ///
-/// The buffer of a value holds at least 1024 wide characters, that of a folder at least 512, each
-/// with its terminating null. Nothing is cut: a text that does not fit leaves the buffer empty.
+/// The settings are in the registry below HKEY_LOCAL_MACHINE, on Linux in a file (docs/linux.md).
 ///
-/// A failure leaves an empty text in the buffer; nothing throws. A key that cannot be opened and a
-/// value that cannot be read or does not fit print one line to the standard output, with the
-/// system's code and message. A value that is set and empty gives an empty text, too, but prints
-/// nothing.
+/// \par Buffers
+/// The buffer for a value must have space for 1024 wide characters, the buffer for a folder for
+/// 512, including the terminating null. A text that does not fit is not truncated: the buffer then
+/// contains an empty text.
 ///
-/// A null pointer for a buffer or for the name of a value is allowed: the function does nothing,
-/// and one with a result returns false. A null pointer for a key path is the product's key.
+/// \par Failures
+/// After a failure the buffer contains an empty text. No function throws. If the key cannot be
+/// opened, or the value cannot be read or does not fit, one line with the error code and message of
+/// the system is printed to the standard output. A value that exists but is empty prints nothing.
 ///
-/// Any thread may call these functions: they keep nothing.
+/// If the buffer or the name of the value is a null pointer, a function does nothing or returns
+/// false.
 ///
-/// The settings are the registry below HKEY_LOCAL_MACHINE, on Linux a file (docs/linux.md).
+/// Any thread may call these functions. They have no state.
 class VORNUTILITY_EXPORT Registry
 {
 public:
     explicit Registry() = delete; // explicit: Registry{} does not compile either
 
-    /// Reads the value \a valueName of the key \a keyPath ("SOFTWARE\\MAKER\\PRODUCT\\24.x") below
-    /// the machine-wide settings, or of the product's key when \a keyPath is null. \a out is the
-    /// value up to its first null character, whatever its type.
+    /// Reads the value \a valueName of the key \a keyPath. If \a keyPath is null, the key of the
+    /// product is read. The value is read as text up to its first null character, whatever its
+    /// type.
     ///
-    /// A last part such as "24.x" stands for the greatest release of that number there is. Any
-    /// other last part is joined to the part before it without a separator.
+    /// The last part of \a keyPath has a special meaning:
+    /// - A release with ".x" means the greatest release with this major number for which there is a
+    ///   key. With the keys 24.0, 24.1 and 24.10, "SOFTWARE\\MAKER\\PRODUCT\\24.x" means
+    ///   "SOFTWARE\\MAKER\\PRODUCT\\24.10".
+    /// - Any other last part is appended without its separator: "SOFTWARE\\MAKER\\PRODUCT\\24.0"
+    ///   means "SOFTWARE\\MAKER\\PRODUCT24.0".
+    ///
     /// Kept for compatibility: see "Key path without its last separator" in docs/compatibility.md.
     static void readRegistryValue(const wchar_t *valueName, wchar_t *out, const wchar_t *keyPath);
 
-    /// Reads "InstallationDirectory" as readRegistryValue() does. False, with an empty text, when
-    /// it is missing, empty or does not fit.
+    /// Reads the value "InstallationDirectory" with readRegistryValue(). Returns false if the
+    /// result is empty.
     static bool readProductInstallationFolder(wchar_t *out, const wchar_t *keyPath);
 
-    /// The same as Latin-1 text, into 512 bytes; every other character becomes "?". False, with an
-    /// empty text, also when the text has more than 511 characters.
+    /// Like the function above, but writes Latin-1 text to a buffer of 512 bytes. Other characters
+    /// become "?". A text of more than 511 characters does not fit: returns false.
     static bool readProductInstallationFolder(char *out, const wchar_t *keyPath);
 
-    /// The translators' folder below the folder that the environment variable AllUsersProfile
-    /// names, the translation server's folder in it, and the server's program file. Nothing is
-    /// created or looked for. Without the variable, or when it has more than 511 characters, the
-    /// texts begin with a separator.
+    /// The folder of the translators. It is below the folder in the environment variable
+    /// AllUsersProfile. If the variable is not set or has more than 511 characters, the path begins
+    /// with a separator. The folder is not created and need not exist.
     static void readOrlithTranslatorsFolder(wchar_t *const out);
+
+    /// The folder of the translation server, which is in the folder of the translators.
     static void readOrlith_HLXServerFolder(wchar_t *const out);
+
+    /// The program file of the translation server.
     static void getOrlith_HLXServer_exe(wchar_t *const out);
 
 private:

@@ -8,198 +8,235 @@
 
 namespace Vorn::Util {
 
-/// The product's standard folders and other services of the system. Static members only.
+/// The product's standard folders and other services of the operating system: paths, processes,
+/// language, flags, folder trees. Static members only.
 ///
 /// \code
 /// QFile results(System::getWorkingDirPath() + "/results.dat");
-/// // The name can be a path: take its last part.
+/// // The result of getTempFileName() can be a path: take the file name.
 /// const QString name = QFileInfo(System::getTempFileName("scratch.dat")).fileName();
 /// QFile scratch(System::getTempDirPath() + "/" + name);
 /// const bool isNew = scratch.open(QIODevice::WriteOnly | QIODevice::NewOnly);
 /// \endcode
 ///
-/// "Native" means with the system's own separators. A folder that cannot be found is an empty text
-/// or the fallback named; nothing throws. Messages go to Qt's debug channel.
+/// "Native" means with the separators of the system. If a folder cannot be found, the result is an
+/// empty text or the fallback described at the function. No function throws. Messages are written
+/// with qDebug().
 ///
-/// Threads: any thread may call the functions for processes, environment variables, the host name
-/// and the user name (getPID() to getUserName(), isLocalHost()) at any time. The functions for
-/// folders keep a folder once it is worked out, without a lock. It is undefined behaviour, which
-/// can end in a crash,
-/// - to call one of them for the first time on two threads at once,
-/// - to call getProgramDataPath() with another \a name while another thread calls it,
-/// - to call setWorkingDirPath() while another thread calls getWorkingDirPath().
+/// \par Threads
+/// Any thread may call the functions for processes, environment variables, the host name and the
+/// user name (getPID() to getUserName(), isLocalHost()) at any time.
 ///
-/// To use them on several threads, call each once before the threads start, and
-/// getProgramDataPath() with one name only: from then on they only read. A function that has
-/// returned an empty text looks for its folder again with each call, so it stays on one thread.
+/// The functions for folders find a folder in the first call, keep it in a static variable and
+/// return it in further calls. They take no lock. These calls have undefined behaviour:
+/// - the first call of such a function in two threads at the same time,
+/// - getProgramDataPath() with a new \a name while another thread calls it,
+/// - setWorkingDirPath() while another thread calls getWorkingDirPath().
+///
+/// To use these functions in several threads, call each of them once before the threads start, and
+/// getProgramDataPath() with one name only. A function that has returned an empty text searches
+/// again in each call: use it in one thread only.
 class VORNUTILITY_EXPORT System
 {
 public:
     explicit System() = delete; // explicit: System{} does not compile either
 
-    /// The data folder that all users share; native. It is not created.
+    /// The data folder for all users; native. It is not created.
     static QString getAllUsersDataPath();
 
-    /// The product's folder \a name in the machine's application data; native. It is not
-    /// created. One cache serves all names: while the cached path contains \a name anywhere, it
-    /// is the answer.
+    /// The folder \a name of the product in the application data of the machine; native. It is not
+    /// created.
+    ///
+    /// There is one cached path for all names. If it contains \a name anywhere, it is returned:
+    /// after a call for "VORN 2024" a call for "VORN" returns the same folder.
+    /// Kept for compatibility: see "One program-data folder for all names" in
+    /// docs/compatibility.md.
     static QString getProgramDataPath(QString name);
 
-    /// The product's folder in the public documents (variable "PUBLIC"); native. The first call
-    /// creates it.
+    /// The product's folder in the public documents; native. The first call creates it. The public
+    /// documents are below the folder in the environment variable "PUBLIC". If it is not set, they
+    /// are below the product's folder in the application data of the machine.
+    /// Kept for compatibility: see "Doubled public documents" in docs/compatibility.md.
     static QString getPublicDocumentsDirPath();
 
-    /// The user's own data folder; native. It is not created.
+    /// The data folder of the user; native. It is not created.
     static QString getUserDataPath();
 
-    /// The folder for temporary files; the program-data folder when the system's own has
-    /// characters outside ASCII in its path.
+    /// The folder for temporary files. If the path of the system's folder contains characters
+    /// outside ASCII: the product's folder in the application data of the machine, which is not
+    /// created.
     static QString getTempDirPath();
 
-    /// A name for a temporary file with the suffix of \a fileName (after its last point); empty
-    /// when the system gives none. On Windows it can be a full path. It is unlikely, not
-    /// impossible, that another file has the name, and nothing is created that would keep it: open
-    /// the file with QIODevice::NewOnly. QTemporaryFile does both in one step.
+    /// A name for a temporary file, with the suffix of \a fileName (the part after its last dot).
+    /// Empty if the system provides no name. On Windows the result can be a full path.
+    ///
+    /// The file is not created, and a file of this name may already exist. So open the file with
+    /// QIODevice::NewOnly, or use QTemporaryFile instead of this function.
     static QString getTempFileName(const QString &fileName);
 
-    /// The folder set with setWorkingDirPath(), at first the current folder.
+    /// The folder set with setWorkingDirPath(). If none was set, the folder that is the current
+    /// folder of the process in the first call.
     static QString getWorkingDirPath();
 
-    /// Sets the working folder; for an existing file, its folder. The current folder of the
-    /// process stays as it is.
+    /// Sets the working folder to \a path or, if \a path is an existing file, to its folder. The
+    /// current folder of the process does not change.
     static void setWorkingDirPath(const QString &path);
 
-    /// The setting "AnalyzeDirectory"; native. Empty, and read again next time, when it is not
-    /// set.
+    /// The folder in the setting "AnalyzeDirectory"; native. Empty if it is not set.
     static QString getAnalyzeDirPath();
 
-    /// The folder "Tutorials" in the public documents; native. The first call creates it.
+    /// The folder "Tutorials" in getPublicDocumentsDirPath(); native. The first call creates it.
     static QString getTutorialsDirPath();
 
-    /// The folders "Rule" and "Template" in the user's data; native. Every call creates them;
-    /// empty when that fails.
+    /// The folder "Rule" in getUserDataPath(); native. Each call creates it if it does not exist.
+    /// Empty if it cannot be created.
     static QString getRuleDirPath();
+
+    /// The folder "Template" in getUserDataPath(). Otherwise like getRuleDirPath().
     static QString getTemplateDirPath();
 
-    /// The folder of the product's main program, else of the running program; native. It shares
-    /// its cache with getProgramFilesPathFromRegistry(): the first call decides both.
+    /// The folder of the running program, which normally is that of the product's main program;
+    /// native. If it cannot be found, the setting "InstallationDirectory".
+    ///
+    /// This function and getProgramFilesPathFromRegistry() share one cached path: the function that
+    /// is called first decides what both return.
     static QString getCurrentExePath();
 
-    /// The setting "InstallationDirectory" or, unless \a registryOnly, the variable
-    /// "TAVELINE2024DIR"; native.
+    /// The setting "InstallationDirectory" or, if it is not set and \a registryOnly is false, the
+    /// environment variable "TAVELINE2024DIR"; native. See getCurrentExePath() for the cached path.
     static QString getProgramFilesPathFromRegistry(bool registryOnly);
 
-    /// Creates a folder and its missing parents, from the last of them that exists. \a path is
-    /// absolute: each missing folder of a relative one is looked for below the one before. False
-    /// when a folder cannot be made or no part of \a path exists.
+    /// Creates a folder and its missing parents. Returns false if a folder cannot be created, or if
+    /// no part of \a path exists.
+    ///
+    /// Give an absolute path. Each missing folder of a relative path would be created relative to
+    /// the previous folder, which is not what the path means.
     static bool makePath(const QString &path);
 
-    /// Whether \a path starts with "/mnt", as paths of the Windows Subsystem for Linux do.
+    /// Whether \a path begins with "/mnt", like the drives in the Windows Subsystem for Linux.
     static bool isWslPath(const QString &path);
+
+    /// Whether isWslPath() is false.
     static bool isWindowsPath(const QString &path);
 
-    /// "/mnt/d/work/case1" as "D:\work\case1"; any other path unchanged. Every further "/mnt/d"
-    /// in the path is replaced too.
+    /// Converts "/mnt/d/work/case1" to "D:\work\case1". Any other path is returned unchanged. If
+    /// "/mnt/d" occurs again in the path, it is replaced there, too.
+    /// Kept for compatibility: see "Every occurrence of a drive" in docs/compatibility.md.
     static QString toWindowsPath(const QString &path);
 
-    /// "D:\work\case1" as "/mnt/d/work/case1"; any other path unchanged.
+    /// Converts "D:\work\case1" to "/mnt/d/work/case1". Any other path is returned unchanged. If
+    /// "D:" occurs again in the path, it is replaced there, too.
     static QString toWslPath(const QString &path);
 
-    /// The network path of a path on a mapped drive, or the real folder of one on a substituted
-    /// drive; any other path unchanged.
+    /// The network path of a path on a mapped drive, or the folder of a path on a substituted drive
+    /// (subst). Any other path is returned unchanged.
     static QString getUniversalPath(const QString &path);
 
-    /// Whether \a host is "localhost", "MyComputer" or this machine's name, in this very letter
-    /// case.
+    /// Whether \a host is "localhost", "MyComputer" or getHostName(), in the same letter case.
     static bool isLocalHost(const QString &host);
 
-    /// The id of the first running process whose program's name in upper case is in \a names;
-    /// 0 when there is none. So the names are given in upper case. Programs of other users that
-    /// may not be opened are passed over.
+    /// The id of the first running process with one of the program names \a names; 0 if there is
+    /// none. Give the names in upper case ("VORN.EXE"): the name of the program is converted to
+    /// upper case and compared with them. Processes that this process may not open are skipped.
     static long getPID(const QStringList &names);
 
-    /// Whether a program of exactly this file name is running, under any user. On Linux a process
-    /// of another user is known by the name that it gives itself, at first that of its program, and
-    /// only when that has fewer than 15 bytes: take the answer for a hint. On Windows each call
-    /// leaves a handle open.
+    /// Whether a program with exactly this file name is running, under any user.
+    ///
+    /// Linux: a process of another user is identified by the name that it gives itself, which at
+    /// first is that of its program. It is found only if the name has fewer than 15 bytes. So do
+    /// not rely on the result.
+    ///
+    /// Windows: each call leaves a handle open.
     /// Kept for compatibility: see "Snapshot of processes" in docs/compatibility.md.
     static bool isProcessRunning(const QString &exeName);
 
-    /// Ends the processes whose program's name is in \a names and whose program's path contains
-    /// \a pathFilter, in any letter case; an empty filter takes all. Where the path cannot be read,
-    /// the name must contain the filter. Processes that may not be opened are passed over. Returns
-    /// the names of those ended, without waiting for their end. On Linux without pidfd_open()
-    /// (before 5.3, or where a container forbids it) the call can hit a process that has just got
-    /// the id of one that ended.
+    /// Terminates the processes whose program name is in \a names and whose program path contains
+    /// \a pathFilter, both in any letter case. An empty filter matches every path. If the path of a
+    /// process cannot be read, its name is compared with the filter. Processes that this process
+    /// may not open are skipped.
+    ///
+    /// Returns the names of the terminated processes. Does not wait for their end.
+    ///
+    /// Linux without pidfd_open() (before 5.3, or forbidden in a container): if a process ends
+    /// during the call and its id is used again at once, the new process can be terminated.
     static QStringList killProcesses(const QString &pathFilter, const QStringList &names);
 
-    /// Starts a program that outlives this one; false when it cannot be started.
+    /// Starts a program that continues to run after the end of this process. Returns false if it
+    /// cannot be started.
     static bool startProcess(const QString &program, const QStringList &arguments);
 
-    /// The value of an environment variable as Latin-1 text; empty when it is not set.
+    /// The value of an environment variable, read as Latin-1; empty if it is not set.
     static QString getEnv(const QString &name);
 
-    /// The machine's name. The first call asks for it, on whatever thread; the others give the
-    /// same.
+    /// The name of the machine. It is queried once per process.
     static QString getHostName();
 
-    /// The name of the user who runs the process; empty when it cannot be found.
+    /// The name of the user who runs the process; empty if it cannot be found.
     static QString getUserName();
 
-    /// The language of the user interface ("de-DE"), a machine-wide setting; "en-US" when it is
-    /// not set. It need not be one of validLocales().
+    /// The language of the user interface, for example "de-DE". It is a machine-wide setting. If it
+    /// is not set, the result is "en-US". The setting is not checked against validLocales().
     static QString getLocale();
 
-    /// Windows's number of that language; that of "en-US" for an unknown one.
+    /// The Windows language identifier of getLocale(), for example 1031 for "de-DE" or "de-de".
+    /// 1033 ("en-US") if the language is not one of validLocales().
     static int getLocaleID();
 
-    /// Stores the language. Without the right to do so nothing happens.
+    /// Sets the language for all users of the machine. Does nothing if the process may not write
+    /// the machine-wide settings.
     static void setLocale(QString locale);
 
-    /// The languages offered.
+    /// The languages of the user interface that the product offers.
     static QStringList validLocales();
 
-    /// Stores a text among the product's machine-wide settings; silent when that fails.
+    /// Sets the value \a key of the product's machine-wide settings. A failure is not reported.
     static void writeToRegistry(const QString &key, const QString &value);
 
-    /// The folder of the flags file; native. It is created; empty when that fails.
+    /// The folder of the flags file; native. It is created if it does not exist. Empty if it cannot
+    /// be created.
     static QString getFlagsDirPath();
 
-    /// Whether a line of the file "VORN_flags.txt" in that folder begins with the word \a flag.
+    /// Whether \a flag is the first word of a line in the file "VORN_flags.txt" in
+    /// getFlagsDirPath(). The file is read in each call.
     static bool isFlagSet(const QString &flag);
 
-    /// Bytes of all files below \a path, without hidden ones and without entering links; 0 for a
-    /// folder that does not exist.
+    /// The total size of the files below \a path in bytes; 0 if the folder does not exist. Hidden
+    /// files do not count, and links to folders are not followed.
     static qint64 getDirectorySize(const QString &path);
 
-    /// Removes a folder tree. The folder itself stays with \a keepFolder or when there are
-    /// \a exceptions, names of entries at its top level that are left alone (exact, in their letter
-    /// case).
+    /// Removes the folder \a path with its content. \a exceptions are names of entries directly in
+    /// the folder that are not removed; the letter case matters. The folder itself is kept if
+    /// \a keepFolder is true or if there are exceptions.
     ///
-    /// When \a path is a link, the link is removed; when it is to stay, the folder that it leads to
-    /// is emptied. A link or junction in the tree is removed, never what it leads to, also when it
-    /// takes the place of a folder during the walk. A shortcut of Windows (".lnk") is a file.
+    /// Links: if \a path is a link, the link is removed. But if the folder is to be kept, the
+    /// folder that the link points to is emptied. A link or junction inside the tree is removed,
+    /// never its target, even if it replaces a folder during the call. A Windows shortcut (".lnk")
+    /// is a file.
     ///
-    /// These entries are not removed: devices, pipes and sockets, links to such or to nowhere, and
-    /// on Linux names that are not valid text. The folders that hold them stay, too.
+    /// Not removed: devices, pipes and sockets, links to them, broken links, and on Linux entries
+    /// whose name is not valid text. So the folders that contain them cannot be removed either.
     ///
-    /// False when \a path is empty or a removal failed; the rest is removed all the same. A folder
-    /// that holds one of the entries above cannot be removed: false, unless it is the folder that
-    /// is to stay. A missing or unreadable folder that is to stay is true.
+    /// Returns false if \a path is empty or a removal fails; everything else is still removed. An
+    /// entry that is not removed because of its kind is not a failure, but the removal of its
+    /// folder fails. If the folder is to be kept and does not exist or cannot be read, the result
+    /// is true.
+    /// Kept for compatibility: see "What removeDir leaves" and "Missing folder to keep" in
+    /// docs/compatibility.md.
     static bool removeDir(const QString &path, bool keepFolder, const QStringList &exceptions);
 
-    /// Shares a folder on the network, to be read and written by anybody. False when the system
-    /// refuses or has no such shares (Linux).
+    /// Shares a folder on the network, so that everybody may read and write it. Returns false if
+    /// the system refuses it; always false on Linux.
     static bool shareFolder(const QString &shareName, const QString &path);
 
-    /// Whether the system tells that \a path is shared; false on Linux.
+    /// Whether the system reports that \a path is shared; always false on Linux.
     static bool isFolderShared(const QString &path);
 
-    /// The version of a program file, such as "24.0.75.1"; "0.0.0.0" for a file without one. Every
+    /// The version of a program file, for example "24.0.75.1"; "0.0.0.0" if the file has none. Each
     /// call also prints three lines with the version to the standard output.
     static QString getFileVersion(const QString &filePath);
 
-    /// A duration as text, cut to hundredths: "1:05:09.07", "5:09.07", "9.07 sec".
+    /// A duration as text, truncated to hundredths of a second: "1:05:09.07", "5:09.07",
+    /// "9.07 sec".
     static QString getElapsedTimeString(qint64 milliseconds);
 
 private:

@@ -8,8 +8,7 @@
 
 namespace Vorn::Util {
 
-/// Base of enumerations whose members have a name and a value that can be found from either side
-/// at run time.
+/// Base class of enumerations whose members can be looked up by name and by value at run time.
 ///
 /// \code
 /// class Colour : public Enum
@@ -25,48 +24,54 @@ namespace Vorn::Util {
 /// Colour::named("Green").toValue();       // 1
 /// \endcode
 ///
-/// Members are registered, usually by static objects, in registries that all modules of the
-/// process share and that live until it ends. A member's id is its place in the order of
-/// registration; where names or values repeat, the earliest is found.
+/// The constructors that take a name register a new member, usually as a static object. Members are
+/// never removed. All modules of the process share the registered members. The id of a member is
+/// its index in its type, in the order of registration. If a name or value is registered twice, a
+/// lookup finds the first one.
 ///
-/// Threads: register before other threads look members up; looking up takes no lock.
+/// Threads: register all members before other threads look them up. There is no lock.
 class VORNUTILITY_EXPORT Enum
 {
 public:
     ~Enum() = default;
 
-    /// The number of members of \a type; 0 for an unknown type.
+    /// The number of members of \a type; 0 if the type is unknown.
     static int count(const QString &type);
 
-    /// The member of that name or value; an invalid one when there is none.
+    /// The first member of \a type with the name \a string, in the same letter case. If there is
+    /// none, the result is invalid.
     static Enum fromString(const QString &type, const QString &string);
+
+    /// The first member of \a type with the value \a value. If there is none, the result is
+    /// invalid.
     static Enum fromValue(const QString &type, int value);
 
-    /// Empty for an invalid member.
+    /// The name; empty for an invalid member.
     QString toString() const;
 
-    /// -1 for an invalid member.
+    /// The value; -1 for an invalid member.
     int toValue() const;
 
     bool isValid() const;
 
-    /// Same type and same place in it.
+    /// Compares type and id.
     bool operator==(const Enum &other) const;
     bool operator!=(const Enum &other) const;
 
 protected:
-    static const int Invalid = -1; ///< a constant expression, usable in a `case`
+    static const int Invalid = -1; ///< the id of an invalid member; can be used in a `case`
 
-    /// An invalid member of no type.
+    /// An invalid member without a type.
     Enum();
 
-    /// The member \a id of \a type, which has to be registered.
+    /// The registered member \a id of \a type. Registers nothing.
     Enum(const QString &type, int id);
 
     /// Registers a new member.
     Enum(const QString &type, const QString &string, int value);
 
-    /// Registers a new member whose value is its id, also after a member with a value of its own.
+    /// Registers a new member whose value is its id, also if an earlier member has another value
+    /// than its id. After "A" and "B" = 10 the member "C" gets the value 2, not 11.
     Enum(const QString &type, const QString &string);
 
     Enum(const Enum &other);

@@ -2,8 +2,8 @@
 
 #include <QtCore/qglobal.h>
 
-/// Marks what the shared library exports. `VORNUTILITY_STATIC` is for code that is linked with
-/// the library's objects themselves (the project's own tests of internal parts).
+/// Marks the classes and functions that the shared library exports. Define `VORNUTILITY_STATIC` to
+/// link the object files instead of the shared library, as the tests of internal classes do.
 #if defined(VORNUTILITY_STATIC)
 #define VORNUTILITY_EXPORT
 #elif defined(VORNUTILITY_BUILD)

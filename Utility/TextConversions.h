@@ -9,16 +9,16 @@
 #include <vector>
 
 /// \file
-/// Conversions between QString and the standard library's text, for callers that are not built
-/// on Qt.
+/// Conversions between QString and the strings of the standard library, for callers that do not use
+/// Qt.
 ///
-/// Narrow text is UTF-8, never the local code page, and ends at its first NUL byte in both
-/// directions. Wide text is the platform's form: UTF-16 where `wchar_t` has 16 bits, UTF-32 where
-/// it has 32. All functions are stateless and may be called from any thread.
+/// Narrow text is UTF-8, never the local code page. It ends at its first null byte, in the argument
+/// and in the result. Wide text is UTF-16 if `wchar_t` has 16 bits (Windows), and UTF-32 if it has
+/// 32 bits (Linux). The functions have no state; any thread may call them.
 ///
-/// Byte-order marks: one byte-order mark (U+FEFF) at the beginning of a `std::string` or
-/// `std::wstring` is left out. A QString that begins with U+FEFF is written with it. The functions
-/// that take or fill an array keep it in both directions.
+/// Byte-order marks: a byte-order mark (U+FEFF) at the beginning of a `std::string` or
+/// `std::wstring` is removed. At the beginning of a QString it is kept. The functions with an array
+/// always keep it.
 ///
 /// \code
 /// std::string name = Vorn::Util::toStdString(QStringLiteral("Träger.dat"));
@@ -39,20 +39,20 @@ VORNUTILITY_EXPORT std::wstring toStdWString(const QString &text);
 VORNUTILITY_EXPORT QStringList toQStringList(const std::vector<std::string> &texts);
 VORNUTILITY_EXPORT std::vector<std::string> toStringVector(const QStringList &texts);
 
-/// Returns a new zero-terminated array. The caller owns it and frees it with `delete[]`.
+/// Returns a new null-terminated array. The caller owns it and frees it with `delete[]`.
 VORNUTILITY_EXPORT wchar_t *toWCharArray(const QString &text);
 
-/// Writes the wide form of \a in and a terminating 0 to \a out, which must have room for the
-/// length plus one; there is no other bound. A null pointer on either side writes nothing.
+/// Writes \a in as wide text with a terminating null to \a out. The size of \a out is not checked:
+/// it must be at least the length of \a in plus one. If a pointer is null, nothing is written.
 VORNUTILITY_EXPORT void toWCharArray(const char16_t *in, wchar_t *out);
 
-/// Writes the UTF-16 code units of \a text and a terminating 0 to \a out, which must have room
-/// for the length plus one; there is no other bound. A null \a out writes nothing.
+/// Writes \a text as UTF-16 with a terminating null to \a out. The size of \a out is not checked:
+/// it must be at least the length of \a text plus one. If \a out is null, nothing is written.
 VORNUTILITY_EXPORT void toChar16Array(const QString &text, char16_t *out);
 
-/// Writes the UTF-16 code units of \a in and a terminating 0 to \a out, which must have room for
-/// the length (in UTF-16 code units) plus one; there is no other bound. A null pointer on either
-/// side writes nothing.
+/// Writes \a in as UTF-16 with a terminating null to \a out. The size of \a out is not checked: it
+/// must be at least the length of the UTF-16 text plus one. If a pointer is null, nothing is
+/// written.
 VORNUTILITY_EXPORT void toChar16Array(const wchar_t *in, char16_t *out);
 
 } // namespace Vorn::Util

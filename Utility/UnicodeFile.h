@@ -6,8 +6,8 @@
 
 namespace Vorn::Util {
 
-/// Gives a file a plain path (7-bit ASCII) for the life of the object, for programs that can open
-/// no other. A file whose path is plain stays where it is.
+/// Moves a file to a path in 7-bit ASCII, for programs that cannot open other paths, and moves it
+/// back in the destructor. A file whose path is already ASCII is not moved.
 ///
 /// \code
 /// {
@@ -17,91 +17,99 @@ namespace Vorn::Util {
 /// }                                               // moved back
 /// \endcode
 ///
-/// A name with other characters is replaced by a random one with the same suffix, a folder with
-/// other characters by System::getTempDirPath(). The plain path can still hold other characters:
+/// The original path of the file is called its Unicode path, the other its ASCII path. For the
+/// ASCII path a name with other characters is replaced by a random name with the same suffix, and a
+/// folder with other characters by System::getTempDirPath(). The ASCII path can still contain other
+/// characters:
 /// - in the suffix ("a.größe" becomes "s1ko.größe");
-/// - in the folder, when System::getTempDirPath() fell back to a folder that holds some;
-/// - in the current folder, when the path given is relative.
+/// - in the folder, if also the path of System::getTempDirPath() contains some;
+/// - in the current folder, if a relative path was given.
 ///
-/// Check asciiFilePath() with isUnicode() where that matters.
+/// To be sure, check asciiFilePath() with isUnicode().
 ///
 /// \par Moving
-/// A file at the destination is replaced in one step; a link there is replaced itself, never
-/// written through. When a move fails, the file stays where it was. A file of that name in the
-/// folder for temporary files is lost, whoever made it: two files with the same plain name in
-/// different folders must not be handled at the same time.
+/// If there is a file at the destination, it is replaced in one step. This also holds for a file of
+/// another program in the folder for temporary files. So do not use two objects at the same time
+/// for files that have the same ASCII name in different folders. A link at the destination is
+/// replaced itself, not its target. If a move fails, the file is not moved.
 /// Kept for compatibility: see "Replaced files" in docs/compatibility.md.
 ///
-/// To another file system the file is copied. The copy is private to the user until it is complete,
-/// and is removed when it cannot be completed. It has the permissions of the file, but not its
-/// times or owner.
+/// If the destination is on another file system, the file is copied. Until the copy is complete,
+/// only the user can read it. The copy has the permissions of the file, but not its times and
+/// owner. If it cannot be completed, it is removed.
 ///
-/// Nothing is moved when both paths lead to the same file already, through links or as two hard
-/// links.
+/// Nothing is moved if both paths already refer to the same file, through links or hard links.
+///
+/// A file that does not exist is not moved; this is not an error. If a program creates it at the
+/// ASCII path, it is moved to the Unicode path.
 ///
 /// \par Links
-/// A link at the file's own path is moved itself, not the file that it leads to: a relative one
-/// leads elsewhere from the plain path, and nowhere as a rule. It comes back unless a program has
-/// replaced it. To another file system the file that the link leads to is copied, and that copy
-/// takes the place of the link when it is moved back. A link to nowhere is not moved.
+/// If the file is a symbolic link, the link is moved, not its target. From the ASCII path a
+/// relative link points to another place, usually to nothing. The link is moved back unless a
+/// program has replaced it. If the destination is on another file system, the target is copied, and
+/// the copy later replaces the link. A broken link is not moved to the ASCII path.
 ///
-/// \par Files after a kill
-/// A process that is killed leaves the file at its plain path. In the middle of a move to another
-/// file system it can leave the file at both paths, and a copy named "vorn-" and six more
-/// characters in the folder that the file was to be moved to. At every moment one of the two paths
-/// leads to the whole file.
+/// \par Killed processes
+/// If the process is killed, the file stays at its ASCII path. During a move to another file system
+/// the file can also be at both paths, and the destination folder can contain a copy whose name
+/// is "vorn-" and six characters. The complete file is always at one of the two paths.
 ///
-/// A file that does not exist is not moved, which is no error. When a program creates it at the
-/// plain path, it is moved to its own path like any other.
-///
-/// \par Copies
-/// Every copy of the object moves the file back when it is destroyed: the first copy destroyed ends
-/// the plain path.
+/// \par Copied objects
+/// Each copy of an object moves the file back when it is destroyed, so the first one ends the use
+/// of the ASCII path.
 /// Kept for compatibility: see "Copies of a UnicodeFile" in docs/compatibility.md.
 ///
-/// \par Paths, threads, failures
-/// Give an absolute path: a relative one counts from the current folder of each move. Construction
-/// changes the current folder of the process for a moment when the name is replaced: do not
-/// construct while another thread uses relative paths. Nothing throws: see isOk() and error().
+/// \par Limits
+/// Give an absolute path: a relative path is relative to the current folder at the time of each
+/// move. If the name must be replaced, the constructor changes the current folder of the process
+/// for a short time: do not construct an object while another thread uses relative paths. Nothing
+/// throws; see isOk() and error().
 class VORNUTILITY_EXPORT UnicodeFile
 {
 public:
+    /// Moves the file \a filePath to its ASCII path with renameToAscii().
     UnicodeFile(const QString &filePath);
     UnicodeFile(const UnicodeFile &other);
     UnicodeFile &operator=(const UnicodeFile &other);
 
-    /// Moves the file back with renameToUnicode(). Moves nothing when no move to the plain path has
-    /// succeeded: what lies there is not this file then.
+    /// Moves the file back with renameToUnicode(). If no move to the ASCII path has succeeded, does
+    /// nothing: a file at the ASCII path is then another file.
     ~UnicodeFile();
 
-    /// Moves the file from its own path to the plain path. True also when nothing lies at its own
-    /// path or the paths are the same. On failure false: isOk() and error() tell why.
+    /// Moves the file from the Unicode path to the ASCII path. Returns true also if there is no
+    /// file or the paths are equal. After a failure see error().
     bool renameToAscii();
 
-    /// Moves the file from the plain path to its own, whatever came of earlier moves: a file at its
-    /// own path is replaced. True also when nothing lies at the plain path or the paths are the
-    /// same. On failure false: isOk() and error() tell why.
+    /// Moves the file from the ASCII path to the Unicode path, even if renameToAscii() has failed.
+    /// A file at the Unicode path is replaced. Returns true also if there is no file at the ASCII
+    /// path or the paths are equal. After a failure see error().
     bool renameToUnicode();
 
-    /// Whether the file lies at one of its two paths.
+    /// Whether there is a file at one of the two paths.
     bool exists() const;
 
-    /// False once something has failed; a later success does not change that.
+    /// False after a failure, also if a later move succeeds.
     bool isOk() const;
 
-    /// The text of the last failure, with the paths; empty while isOk().
+    /// The text of the last failure, with the paths; empty while isOk() is true.
     QString error() const;
 
-    /// Whether the plain path differs from the file's own.
+    /// Whether the ASCII path differs from the Unicode path.
     bool isUnicode() const;
 
-    /// Whether \a text holds a character outside 7-bit ASCII.
+    /// Whether \a text contains a character outside 7-bit ASCII.
     static bool isUnicode(const QString &text);
 
-    /// The plain name; empty when construction could not find one.
+    /// The file name in the ASCII path; empty if the constructor could not find one.
     QString asciiName() const;
+
+    /// The folder of the ASCII path.
     QString asciiPath() const;
+
+    /// The file name in the Unicode path.
     QString unicodeName() const;
+
+    /// The folder of the Unicode path.
     QString unicodePath() const;
 
     /// Folder and name, joined with "/".
@@ -120,8 +128,8 @@ private:
     QString asciiName_;
     QString asciiPath_;
 
-    // Whether name and folder hold characters outside 7-bit ASCII. Both false until a move to the
-    // plain path has succeeded; the destructor tests this.
+    // Whether the Unicode name and folder contain characters outside 7-bit ASCII. They are set when
+    // a move to the ASCII path has succeeded. If both are false, the destructor moves nothing.
     bool nameIsUnicode_ = false;
     bool pathIsUnicode_ = false;
 };

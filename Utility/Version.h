@@ -5,7 +5,7 @@
 #include <QtCore/QString>
 #include <QtXml/QDomDocument>
 
-// <sys/sysmacros.h> defines macros of these names; the class comment says what follows from that.
+// <sys/sysmacros.h> defines macros with these names; see the note at the class.
 #ifdef major
 #undef major
 #endif
@@ -15,15 +15,16 @@
 
 namespace Vorn::Util {
 
-/// A release of the product: major, minor and patch number, and a development stage that is
-/// carried but neither compared nor written.
+/// The version number of a release of the product: major, minor and patch number. A version also
+/// has a development stage, which is neither compared nor converted to text or XML.
 ///
 /// \code
 /// if (Version(QStringLiteral("23.1.12")) < Version::Current)
 ///     convert();
 /// \endcode
 ///
-/// A plain value; any thread may use it. A version that could not be read is 0.0.0 and invalid.
+/// A default-constructed version is 0.0.0, which is not valid. Objects can be copied; any thread
+/// may use this class.
 ///
 /// \note This header removes the macros `major` and `minor` that glibc's `<sys/sysmacros.h>`
 /// defines. A program that includes both headers uses `gnu_dev_major()` and `gnu_dev_minor()`
@@ -31,7 +32,7 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT Version
 {
 public:
-    // The numbers of this build.
+    // The version of this library.
     static const int Major = 24;
     static const int Minor = 0;
     static const int Patch = 75;
@@ -39,8 +40,8 @@ public:
     static const int DevStage = 0;
 
     static const Version Current;        ///< 24.0.75
-    static const Version CurrentRelease; ///< 24.0.1: its patch is the hotfix number
-    static const QString Public;         ///< "2024", the public name of this build
+    static const Version CurrentRelease; ///< 24.0.1; its patch number is Hotfix
+    static const QString Public;         ///< "2024", the public name of the release
 
     constexpr Version(int major = 0, int minor = 0, int patch = 0, int developmentStage = 0)
         : major_(major)
@@ -50,7 +51,7 @@ public:
     {
     }
 
-    /// 0.0.0, then fromString().
+    /// Reads \a text with fromString(). The version is 0.0.0 if \a text does not have three parts.
     Version(const QString &text);
 
     void setVersion(int major, int minor, int patch, int developmentStage);
@@ -61,30 +62,34 @@ public:
     constexpr int developmentStage() const { return developmentStage_; }
     void setDevelopmentStage(int developmentStage);
 
-    /// True when the major number is not 0.
+    /// Whether the major number is not 0.
     constexpr bool isValid() const { return major_ != 0; }
 
-    /// Reads "MAJOR.MINOR.PATCH"; a part that is no number gives 0. A text of more or fewer parts
-    /// changes nothing.
+    /// Reads "MAJOR.MINOR.PATCH" and sets the development stage to 0. A part that is not a number
+    /// is read as 0. If \a text has not exactly three parts, nothing changes.
     void fromString(const QString &text);
 
-    /// "24.0.75".
+    /// The version as text, for example "24.0.75".
     QString toString() const;
 
-    /// "v9", "v10", "2010", "2011" for the majors 9 to 12, for any other the number itself.
+    /// The public name of the major number: "v9", "v10", "2010" and "2011" for 9 to 12, otherwise
+    /// the number itself. For 24 it is "24"; the public name of this release is Public.
     QString toPublic() const;
 
-    /// Reads the children "major", "minor" and "patch"; a patch that is 0 or missing is read from
-    /// "build", as older files have it. The stage stays.
+    /// Reads the child elements "major", "minor" and "patch". If "patch" is 0 or missing, the child
+    /// element "build" of older files is read instead. A text that is not a number is read as 0.
+    /// The development stage does not change.
     void fromElement(const QDomElement &element);
 
-    /// A new element "version" of \a document, which the caller puts into its place.
+    /// Creates an element "version" in \a document with the child elements "major", "minor" and
+    /// "patch". The caller inserts it into the document.
     QDomElement toElement(QDomDocument &document) const;
 
-    /// The name of the source branch that the library was built from; empty for a build from no
-    /// named branch.
+    /// The name of the source branch that the library was built from; empty if it was not built
+    /// from a branch.
     static QString Branch();
 
+    /// The comparisons ignore the development stage.
     bool operator==(const Version &other) const;
     bool operator!=(const Version &other) const;
     bool operator<(const Version &other) const;

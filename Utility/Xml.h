@@ -7,7 +7,8 @@
 
 namespace Vorn::Util {
 
-/// Helpers for small XML documents built with the Qt DOM. Static members only; stateless.
+/// Helper functions for small XML documents with the DOM classes of Qt. Static members only. They
+/// have no state: any thread may call them for a document of its own.
 ///
 /// \code
 /// QDomElement root = document.documentElement();
@@ -22,20 +23,20 @@ public:
     /// "true" or "false".
     static QString boolToString(bool value);
 
-    /// True for exactly "true" and "Y", false for every other text.
+    /// True for "true" and "Y" in this letter case, false for every other text.
     static bool stringToBool(const QString &text);
 
-    /// Creates an element that holds one text node. It belongs to \a document but stands nowhere
-    /// in it yet: the caller appends it to its parent.
+    /// Creates an element of \a document with a text node. The caller must insert the element into
+    /// the document.
     static QDomElement textElement(const QString &tagName, const QString &text,
                                    QDomDocument &document);
 
-    /// The text of the first child of \a element named \a name. Returns \a defaultValue when there
-    /// is no such child, and an empty string when the child is empty.
+    /// The text of the first child element of \a element with the name \a name. Returns
+    /// \a defaultValue if there is none, and an empty string if the child element is empty.
     ///
-    /// Only the first node of that child counts: of `<a>one<!-- -->two</a>` the result is "one",
-    /// and a child that begins with a comment gives the comment's text, one that begins with an
-    /// element gives an empty string.
+    /// Only the first node of the child element is read: for `<a>one<!-- -->two</a>` the result is
+    /// "one". If the first node is a comment, the result is the text of the comment. If it is an
+    /// element, the result is empty.
     static QString valueOf(const QString &name, const QDomElement &element,
                            const QString &defaultValue);
 };

@@ -16,8 +16,7 @@ namespace Vorn::Util {
 
 namespace {
 
-constexpr int ValueSize = 1024; // wide characters of a caller's buffer for a value
-constexpr int FolderSize = 512; // wide characters of a caller's buffer for a folder, of a key path
+constexpr int FolderSize = 512; // wide characters of a caller's buffer for a folder
 constexpr int NarrowSize = 512; // bytes of a caller's buffer for the installation folder
 
 // A text that does not fit leaves the buffer empty: half a path is worse than none.
@@ -68,7 +67,7 @@ void Registry::readRegistryValue(const wchar_t *valueName, wchar_t *out, const w
                                        : Formats::resolveKeyPath(asked, Platform::settingsSubkeys);
     const Platform::SettingsValue value = Platform::readSettingsValue(key, toQString(valueName));
     if (value.outcome == Platform::SettingsValue::Found)
-        copyBounded(value.text, out, ValueSize);
+        copyBounded(value.text, out, Platform::SettingsValueSize);
     else
         print(value, key);
 }
@@ -86,7 +85,7 @@ bool Registry::readProductInstallationFolder(char *out, const wchar_t *keyPath)
     if (!out)
         return false;
     out[0] = '\0';
-    std::array<wchar_t, ValueSize> wide{};
+    std::array<wchar_t, Platform::SettingsValueSize> wide{};
     if (!readProductInstallationFolder(wide.data(), keyPath))
         return false;
     const QByteArray narrow = toQString(wide.data()).toLatin1();

@@ -2,6 +2,7 @@
 
 #include <Utility/Platform/Environment.h>
 #include <Utility/Platform/Folders.h>
+#include <Utility/Platform/Settings.h>
 #include <Utility/Product_p.h>
 #include <Utility/Registry.h>
 
@@ -18,7 +19,7 @@ namespace {
 
 QString readSetting(const wchar_t *name)
 {
-    std::array<wchar_t, 1024> value{};
+    std::array<wchar_t, Platform::SettingsValueSize> value{};
     Registry::readRegistryValue(name, value.data(), nullptr);
     return QString::fromWCharArray(value.data());
 }

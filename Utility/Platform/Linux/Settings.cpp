@@ -20,8 +20,6 @@ namespace Vorn::Util::Platform {
 namespace {
 
 // Characters with the terminating null, as in the registry's buffers.
-constexpr int KeyPathSize = 512;
-constexpr int ValueSize = 1024;
 
 // A key path "SOFTWARE\ORGANISATION\APPLICATION\GROUP..." in Qt's system-wide settings.
 struct Location
@@ -153,7 +151,7 @@ void writeSettingsText(const QString &keyPath, const QString &name, const QStrin
 
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
 {
-    if (keyPath.size() >= KeyPathSize)
+    if (keyPath.size() >= SettingsKeyPathSize)
         return failure(SettingsValue::NoKey, ENAMETOOLONG);
     const QMap<QString, QString> key = readKey(keyPath);
     if (key.isEmpty())
@@ -161,7 +159,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     const auto value = key.constFind(name);
     if (!isPlainName(name) || value == key.constEnd())
         return failure(SettingsValue::NoValue, ENOENT);
-    if (value->size() >= ValueSize)
+    if (value->size() >= SettingsValueSize)
         return failure(SettingsValue::NoValue, EMSGSIZE);
     return {SettingsValue::Found, value->left(value->indexOf(QChar())), 0, QString()};
 }

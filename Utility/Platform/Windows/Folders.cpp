@@ -14,7 +14,7 @@ QString commonApplicationDataFolder(const QString &)
 {
     constexpr int Folder = CSIDL_COMMON_APPDATA | CSIDL_FLAG_CREATE;
     static_assert(Folder == 0x8023);
-    wchar_t path[260] = {};
+    wchar_t path[MAX_PATH] = {};
     const HRESULT result = SHGetFolderPathW(nullptr, Folder, nullptr, 0, path);
     return result < 0 ? QString() : textOf(path);
 }
@@ -31,16 +31,16 @@ QString userDataRoot()
 
 QString uniqueFileName()
 {
-    char name[260] = {};
+    char name[MAX_PATH] = {};
     return tmpnam_s(name, sizeof name) == 0 ? QString::fromLocal8Bit(name) : QString();
 }
 
 QString programFile()
 {
-    wchar_t path[260] = {};
+    wchar_t path[MAX_PATH] = {};
     // A path that does not fit fills the buffer: half a path names another file.
-    const DWORD length = GetModuleFileNameW(nullptr, path, 260);
-    return length < 260 ? textOf(path) : QString();
+    const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
+    return length < MAX_PATH ? textOf(path) : QString();
 }
 
 } // namespace Vorn::Util::Platform

@@ -39,15 +39,16 @@ public:
 
     QString name() const override
     {
-        wchar_t name[260] = L"<unknown>"; // which stays when the call fails
-        K32GetModuleBaseNameW(handle_, module_, name, 260);
+        wchar_t name[MAX_PATH] = L"<unknown>"; // which stays when the call fails
+        K32GetModuleBaseNameW(handle_, module_, name, MAX_PATH);
         return textOf(name);
     }
 
     QString path() const override
     {
-        wchar_t path[260] = {};
-        return K32GetModuleFileNameExW(handle_, module_, path, 260) == 0 ? QString() : textOf(path);
+        wchar_t path[MAX_PATH] = {};
+        return K32GetModuleFileNameExW(handle_, module_, path, MAX_PATH) == 0 ? QString()
+                                                                              : textOf(path);
     }
 
     bool terminate(int exitCode) override

@@ -10,10 +10,9 @@ namespace Vorn::Util::Platform {
 
 Formats::ProgramVersion programVersion(const QString &path)
 {
-    constexpr int PathSize = 260;
-    if (path.size() >= PathSize)
+    if (path.size() >= MAX_PATH)
         return Formats::ProgramVersion();
-    wchar_t name[PathSize] = {};
+    wchar_t name[MAX_PATH] = {};
     std::copy_n(wide(path), path.size(), name);
     DWORD handle = 0;
     const DWORD size = GetFileVersionInfoSizeW(name, &handle);

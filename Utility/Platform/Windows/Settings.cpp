@@ -54,20 +54,18 @@ SettingsValue noKey(LONG code)
 
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
 {
-    constexpr int KeyPathSize = 512;
-    if (keyPath.size() >= KeyPathSize)
+    if (keyPath.size() >= SettingsKeyPathSize)
         return noKey(ERROR_FILENAME_EXCED_RANGE);
     const OpenKey key(keyPath);
     if (!key.isOpen())
         return noKey(key.code());
-    wchar_t value[1024] = {};
-    static_assert(sizeof value == 2048);
+    wchar_t value[SettingsValueSize] = {};
     DWORD size = sizeof value;
     LONG code = RegQueryValueExW(key.get(), wide(name), nullptr, nullptr,
                                  reinterpret_cast<BYTE *>(value), &size);
     const DWORD lastError = GetLastError();
     const QString text = textOf(value);
-    if (code == ERROR_SUCCESS && text.size() < 1024)
+    if (code == ERROR_SUCCESS && text.size() < SettingsValueSize)
         return {SettingsValue::Found, text, 0, QString()};
     if (code == ERROR_SUCCESS)
         code = ERROR_MORE_DATA; // no space for the terminating null
@@ -100,8 +98,8 @@ QStringList settingsSubkeys(const QString &keyPath)
             != ERROR_SUCCESS)
         return names;
     for (DWORD index = 0; index < count; ++index) {
-        wchar_t name[512] = {};
-        DWORD length = 512;
+        wchar_t name[SettingsKeyPathSize] = {};
+        DWORD length = SettingsKeyPathSize;
         if (RegEnumKeyExW(key.get(), index, name, &length, nullptr, nullptr, nullptr, nullptr)
             == ERROR_SUCCESS)
             names.append(textOf(name));

@@ -3,7 +3,8 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// Folders and files that the benchmarks work on, below one temporary folder that main() removes.
+/// The folders and files that the benchmarks use. They are in one temporary folder, which main()
+/// creates and removes.
 namespace Workplace {
 
 void setFolder(const QString &folder);
@@ -11,11 +12,11 @@ void setFolder(const QString &folder);
 /// The path of \a name in that folder.
 QString path(const QString &name);
 
-/// Makes the folder \a name with \a count files of \a size bytes of not very compressible text,
-/// a hundred to a subfolder. Returns their paths.
+/// Makes the folder \a name with \a count files of \a size bytes, a hundred in each subfolder. The
+/// files contain random digits. Returns their paths.
 QStringList makeFiles(const QString &name, int count, int size);
 
-/// Runs a command line with the system's shell; its output goes nowhere.
+/// Runs a command line with the shell of the system and discards its output.
 void shell(const QString &command);
 
 /// The memory that the process has allocated, in bytes.

@@ -1,4 +1,4 @@
-# Draws the tables of growth.py: gnuplot -e "data='FILE'; picture='FILE'" growth.gp
+# Draws the tables that growth.py prints: gnuplot -e "data='FILE'; picture='FILE'" growth.gp
 set terminal svg size 900,640 font "sans,12" background "white"
 set output picture
 set multiplot layout 2,2
@@ -8,8 +8,8 @@ set logscale xy
 set format x "%g"
 
 set title "Log::fastAppend"
-set xlabel "characters a line"
-set ylabel "lines a second"
+set xlabel "characters in a line"
+set ylabel "lines per second"
 plot data index 0 using 1:2 with linespoints pt 7
 
 set format x "10^{%L}"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Turns the figures of "growth" into five tables for gnuplot, one block each."""
+"""Turns the results of the benchmarks named growth/... into tables for gnuplot, and prints them."""
 import collections
 import json
 import statistics

@@ -1,12 +1,17 @@
 #!/usr/bin/env python3
-"""Prints the ratio of each figure to its peers' from Google Benchmark's JSON output, and writes them
-as JSON to a second file."""
+"""Prints the ratio of each time of the library to the time of its peer.
+
+table.py RESULTS RATIOS
+
+RESULTS is the JSON output of Google Benchmark, in which "work/own" is the library and "work/peer" is
+another way to do the same work. RATIOS is the JSON file to write the ratios to.
+"""
 import collections
 import json
 import statistics
 import sys
 
-# What each figure may cost at the most, in terms of its peer.
+# The highest ratio that is accepted, for each work and peer.
 TARGETS = {
     ("fastAppend", "write"): 1.5,
     ("fastAppend", "spdlog"): 1.0,

@@ -30,8 +30,8 @@ protected:
 
 enum Parent { NoParent, Processor };
 
-// Returns the memory, in bytes, that the process took while all tasks waited. The tasks are made
-// with this parent, before they are added.
+// Runs \a count tasks, created with this parent. Returns the memory, in bytes, that they took while
+// all of them waited.
 qint64 runQueue(int count, Parent parent)
 {
     const qint64 before = Workplace::memory();
@@ -51,7 +51,7 @@ template <Parent parent> void queueOwn(benchmark::State &state)
         runQueue(TaskCount, parent);
 }
 
-// The least that running one object after another from the event loop costs.
+// The peer of the queue: the least work that runs objects one after the other on the event loop.
 class Turn : public QObject
 {
 public:

@@ -1,4 +1,5 @@
-# What every target of the project is compiled with. Installed targets pass none of it on.
+# Sets the compiler options that all targets of the project share. Programs that use the installed
+# library do not get them.
 function(vorn_set_compile_options target)
     set_target_properties(${target} PROPERTIES
         CXX_STANDARD 17

@@ -1,5 +1,5 @@
 # Cross build for Windows x86-64 with Debian's mingw-w64 (posix threads).
-# VORNUTILITY_QT_WINDOWS names the folder that Qt for Windows is installed in.
+# VORNUTILITY_QT_WINDOWS is the folder where Qt for Windows is installed.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 

@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-// What must hold for every input, in release builds too.
+// Stops the fuzzer if the condition is false, in release builds too.
 #define CHECK(condition)                                                                           \
     do {                                                                                           \
         if (!(condition)) {                                                                        \
@@ -19,7 +19,7 @@
         }                                                                                          \
     } while (false)
 
-// The input itself: whoever reads beyond it is caught.
+// The input without a copy, so that the address sanitizer finds every read beyond its end.
 inline QByteArray bytesOf(const std::uint8_t *data, std::size_t size)
 {
     return QByteArray::fromRawData(reinterpret_cast<const char *>(data), static_cast<int>(size));

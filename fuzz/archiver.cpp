@@ -1,6 +1,6 @@
-// The output of the archiver, read line by line. Byte 0: bits 0 and 1 are the dialect, bit 2 the
-// operation (1 lists), bit 3 the separator (1 is that of Windows). Byte 1 decides how the output is
-// cut into blocks.
+// The input is the output of the archiver, after two bytes. Byte 0: bits 0 and 1 are the dialect,
+// bit 2 is the operation (1: list), bit 3 is the separator (1: that of Windows). Byte 1 is the seed
+// for the sizes of the blocks that the output arrives in.
 
 #include "Fuzz.h"
 
@@ -17,7 +17,7 @@ using namespace Vorn::Util::Formats;
 
 namespace {
 
-// One text for each event.
+// Records each event as a text.
 class Recorder : public ArchiverEvents
 {
 public:
@@ -59,7 +59,7 @@ QStringList read(const QByteArray &text, const Program &program,
     return recorder.events();
 }
 
-// What every reader keeps to, whatever the output is.
+// What must be true for every output.
 void checkEvents(const QStringList &events, const QByteArray &text, const Program &program)
 {
     const bool isOld = program.dialect == ArchiverDialect::UpTo933;
@@ -71,7 +71,7 @@ void checkEvents(const QStringList &events, const QByteArray &text, const Progra
         CHECK(isListing || (kind != QLatin1Char('t') && kind != QLatin1Char('m')));
         totals += kind == QLatin1Char('u');
         if (kind == QLatin1Char('f') && !isOld) {
-            // A name stands in the output as it is; what is not UTF-8 cannot be compared.
+            // The output contains the name unchanged. Bytes that are not UTF-8 cannot be compared.
             const QString name = event.mid(1);
             CHECK(name.contains(QChar::ReplacementCharacter) || text.contains(name.toUtf8()));
         }

@@ -1,4 +1,4 @@
-// A text such as /proc/cpuinfo.
+// The input is a text such as /proc/cpuinfo.
 
 #include "Fuzz.h"
 

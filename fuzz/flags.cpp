@@ -1,4 +1,4 @@
-// A flags file behind a first line with the flag that is asked for.
+// The first line of the input is a flag, the rest is a flags file in which it is looked for.
 
 #include "Fuzz.h"
 
@@ -36,7 +36,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     writeFile(folder + QLatin1String("/VORN_flags.txt"), content);
 
     const bool isSet = System::isFlagSet(flag);
-    // Plain UTF-8 with plain line ends is what the reference reads.
+    // The simple check can read only valid UTF-8 with Linux line ends.
     const QStringList lines = linesOf(content);
     if (content.contains('\r') || lines.join(QLatin1Char('\n')).toUtf8() != content)
         return 0;

@@ -1,4 +1,4 @@
-// What the cluster tool printed.
+// The input is the output of the cluster tool.
 
 #include "Fuzz.h"
 
@@ -17,7 +17,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         const QString text = node.toString();
         CHECK(text.startsWith(node.name + QLatin1Char(':')));
         CHECK(text.count(QLatin1Char(':')) == 3);
-        // With a role it is a node's line again; a name of blanks only would be lost.
+        // With a role added the text is a line of a node again, unless the name is blank.
         const QList<NodeLine> again = parseNodeLines({text + QLatin1String(":HeadNodes")});
         if (!node.name.trimmed().isEmpty())
             CHECK(again.size() == 1 && again.first().cores == node.cores

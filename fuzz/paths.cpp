@@ -1,4 +1,4 @@
-// Path forms, both ways.
+// The input is a path, which is converted to its Windows form and to its WSL form.
 
 #include "Fuzz.h"
 

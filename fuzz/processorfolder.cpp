@@ -1,5 +1,6 @@
-// A folder such as /sys/devices/system/cpu. The first line is the list of processors, the lines
-// behind it are the package, the die and the core of each of the first four.
+// The input describes a folder such as /sys/devices/system/cpu. The first line is the list of the
+// processors that are online. The next lines are the package, the die and the core of each of the
+// first four processors.
 
 #include "Fuzz.h"
 
@@ -15,7 +16,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     static const QTemporaryDir folder;
     const QList<QByteArray> lines = bytesOf(data, size).split('\n');
-    // Thousands of processors take seconds.
+    // Lists with thousands of processors would take seconds.
     static const QRegularExpression largeNumber(QStringLiteral("[0-9]{3}"));
     if (lines.first().size() > 64 || textOf(lines.first()).contains(largeNumber))
         return 0;

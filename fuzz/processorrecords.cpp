@@ -1,4 +1,4 @@
-// The two forms of Windows's processor records.
+// The input is read as each of the two kinds of processor records of Windows.
 
 #include "Fuzz.h"
 

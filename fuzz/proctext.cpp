@@ -1,4 +1,4 @@
-// A text such as /proc/stat and /proc/meminfo.
+// The input is a text such as /proc/stat or /proc/meminfo.
 
 #include "Fuzz.h"
 
@@ -10,7 +10,7 @@ using namespace Vorn::Util::Formats;
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    // Zero-terminated, with no room behind.
+    // Zero-terminated, with no memory after the zero.
     std::string text(reinterpret_cast<const char *>(data), size);
     text.shrink_to_fit();
 

@@ -1,4 +1,4 @@
-// A program file with a version block.
+// The input is a program file for Windows.
 
 #include "Fuzz.h"
 
@@ -16,7 +16,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     program.setData(file);
     CHECK(program.open(QIODevice::ReadOnly));
     const Formats::ProgramVersion version = Formats::versionInProgram(program);
-    // The version stands in the file, behind the signature of the block.
+    // The file contains the signature of a version block and the two numbers.
     QByteArray words(8, '\0');
     qToLittleEndian(version.high, words.data());
     qToLittleEndian(version.low, words.data() + 4);

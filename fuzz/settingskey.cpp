@@ -1,4 +1,4 @@
-// A key path and, in the lines behind it, the names of the subkeys that there are.
+// The first line of the input is a key path, the other lines are the names of the existing subkeys.
 
 #include "Fuzz.h"
 

@@ -1,4 +1,4 @@
-// The content of a settings file.
+// The input is the content of a settings file.
 
 #include "Fuzz.h"
 
@@ -19,8 +19,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const QByteArray after = withSettingsText(content, group, name, value);
     QMap<QString, QString> expected = before;
     expected.insert(group + QLatin1Char('/') + name, value);
-    // A quotation without an end takes in what is added after it, and so may a backslash or a
-    // continued line. The file is not written then.
+    // After an open quotation mark, a backslash or a continued line, the added value can become
+    // part of the value before it. Such a file is not written.
     const bool isOpen = content.contains('"') || content.endsWith('\\') || content.contains("\\\r");
     CHECK(isOpen || settingsTexts(after) == expected);
     return 0;

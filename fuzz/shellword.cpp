@@ -1,4 +1,4 @@
-// Bytes as one word of a shell's command line.
+// The input is a word that is quoted for a shell.
 
 #include "Fuzz.h"
 
@@ -10,7 +10,7 @@ using namespace Vorn::Util::Formats;
 
 namespace {
 
-// What a shell reads: text between single quotes and quotes behind a backslash.
+// What a shell makes of a word: text in single quotes, and quotes after a backslash.
 QByteArray unquoted(const QByteArray &word)
 {
     QByteArray bytes;
@@ -29,7 +29,7 @@ QByteArray unquoted(const QByteArray &word)
     return bytes;
 }
 
-// What printf prints for bytes that are spelled out.
+// What printf prints for bytes written as octal escapes.
 QByteArray printed(const QByteArray &spelled)
 {
     constexpr int Length = 4; // "\101"
@@ -55,10 +55,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         return character >= QLatin1Char(' ') && character <= QLatin1Char('~');
     }));
     const QByteArray before = "\"$(printf '";
-    const QByteArray behind = "')\"";
+    const QByteArray after = "')\"";
     if (word.startsWith('"')) {
-        CHECK(word.startsWith(before) && word.endsWith(behind));
-        CHECK(printed(word.mid(before.size(), word.size() - before.size() - behind.size()))
+        CHECK(word.startsWith(before) && word.endsWith(after));
+        CHECK(printed(word.mid(before.size(), word.size() - before.size() - after.size()))
               == bytes);
     } else {
         CHECK(!word.isEmpty() && unquoted(word) == bytes);

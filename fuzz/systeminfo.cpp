@@ -1,4 +1,4 @@
-// A file "SystemInfo.xml".
+// The input is a file "SystemInfo.xml".
 
 #include "Fuzz.h"
 

@@ -1,4 +1,4 @@
-// Text of other programs, narrow and wide.
+// The input is converted as narrow text (UTF-8) and as wide text (16-bit units).
 
 #include "Fuzz.h"
 
@@ -22,14 +22,14 @@ void checkNarrow(const std::string &text)
     CHECK(toStdString(toStdWString(decoded)).size() <= encoded.size());
     CHECK(toStringVector(toQStringList({text, std::string()}))
           == (std::vector<std::string>{encoded, std::string()}));
-    // Whole UTF-8 comes back up to its first NUL; only a mark at the beginning is taken away.
+    // Valid UTF-8 without a byte order mark is unchanged by both conversions, up to its first NUL.
     const std::string terminated = text.c_str();
     const QByteArray bytes(terminated.data(), static_cast<int>(terminated.size()));
     if (textOf(bytes).toUtf8() == bytes)
         CHECK(encoded == terminated);
 }
 
-// Into arrays that have the room asked for and no more.
+// The arrays have exactly the documented size, so that the sanitizer finds every write beyond it.
 void checkWide(const std::u16string &text)
 {
     const QString whole = QString::fromUtf16(text.data(), static_cast<int>(text.size()));
@@ -55,7 +55,7 @@ void checkWide(const std::u16string &text)
     const std::unique_ptr<char16_t[]> back(new char16_t[needed]);
     toChar16Array(converted.c_str(), back.get());
     const QString text16(reinterpret_cast<const QChar *>(terminated.c_str()));
-    if (text16.isValidUtf16()) // a surrogate without its other half is lost in 32 bits
+    if (text16.isValidUtf16()) // an unpaired surrogate does not survive the conversion to 32 bits
         CHECK(terminated == back.get());
 }
 

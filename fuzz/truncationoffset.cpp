@@ -1,6 +1,6 @@
-// Where the kept part of a log begins. The bytes are, in pairs, by how much the log is shorter
-// than the longest one here, the length of its first line in sixteens, and the lengths of the
-// lines after it, again and again up to the end.
+// Where the kept part of a truncated log begins. The input is a list of 16-bit numbers that
+// describe a log: by how many bytes it is shorter than the longest log used here, the length of its
+// first line divided by 16, and the lengths of the other lines, repeated until the log is full.
 
 #include "Fuzz.h"
 
@@ -29,7 +29,7 @@ const QByteArray &logOf(const std::uint8_t *data, std::size_t count)
 {
     constexpr int Slack = 4096;
     const int size = LogHeadSize + Slack / 2 - lengthAt(data, 0) % Slack;
-    static QByteArray log; // keeps its memory
+    static QByteArray log; // static, so that its memory is allocated once
     log.fill('x', size);
     if (count < 3)
         return log;
@@ -42,7 +42,7 @@ const QByteArray &logOf(const std::uint8_t *data, std::size_t count)
     return log;
 }
 
-// Reads the log piece by piece.
+// A simple way to find the offset: reads the log piece by piece.
 qint64 offsetOf(const QByteArray &log)
 {
     constexpr int PieceSize = 255;

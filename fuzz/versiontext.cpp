@@ -1,4 +1,4 @@
-// A version as text.
+// The input is a version as text.
 
 #include "Fuzz.h"
 

@@ -1,4 +1,4 @@
-// A version as an XML element.
+// The input is an XML document whose root is a version.
 
 #include "Fuzz.h"
 

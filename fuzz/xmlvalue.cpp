@@ -1,4 +1,5 @@
-// The children of an XML document's root. The first line is a name that is looked for.
+// The first line of the input is the name of an element, the rest is an XML document in whose root
+// the element is looked for.
 
 #include "Fuzz.h"
 

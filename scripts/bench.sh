@@ -1,8 +1,13 @@
 #!/usr/bin/env bash
-# Measures each figure beside its peer in one run, five repetitions, interleaved, and prints the
-# ratios of the medians; "bench.sh FILTER" runs only the benchmarks whose names match the regular
-# expression. "bench.sh growth" measures how cost grows instead and draws docs/growth.svg. The raw
-# figures stay in build/bench: results.json and ratios.json, or growth.json.
+# bench.sh [FILTER]
+#
+# Measures the library and, in the same run, a peer: another program or library that does the same
+# work. Each benchmark runs five times, in mixed order; the ratios of the medians are printed. FILTER is
+# a regular expression for the names of the benchmarks.
+#
+# "bench.sh growth" measures instead how cost grows with size, and draws docs/growth.svg.
+#
+# The figures are in build/bench: results.json and ratios.json, or growth.json.
 . "$(dirname "$0")/common.sh"
 need_build_tools
 need libbenchmark-dev libspdlog-dev python3
@@ -13,7 +18,7 @@ cmake -S . -B build/bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPIL
 cmake --build build/bench
 cd build/bench
 
-# measure NAME OPTION...: the figures go to NAME.json.
+# measure NAME OPTION...: runs benchmarks and writes the figures to NAME.json.
 measure() {
     local name=$1
     shift

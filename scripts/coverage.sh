@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs the Linux tests on an instrumented build and prints which lines and branches of Utility/ they
-# reach, file by file; fails below 95 % of the lines or 85 % of the branches. Branches that only an
-# exception of the C++ runtime takes are not counted. The lines not reached are in
-# build/coverage/index.html.
+# Runs the Linux tests with an instrumented build and prints, file by file, which lines and branches of
+# Utility/ they reach. Fails below 95 % of the lines or 85 % of the branches. Branches that are taken
+# only for an exception of the C++ run-time are not counted. build/coverage/index.html shows the lines
+# that were not reached.
 . "$(dirname "$0")/common.sh"
 need_build_tools
 need gcovr

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Builds and installs the library, builds the example against the installed package and has it
-# pack a folder: "demo.sh [FOLDER]", by default a copy of the project's own files. The archive goes
-# to a temporary folder and is removed in the end.
+# demo.sh [FOLDER]
+#
+# Builds and installs the library, builds the example with the installed package, and runs it: the
+# example packs FOLDER, by default a copy of the project's files, and checks the archive. The archive
+# is written to a temporary folder, which is removed at the end.
 . "$(dirname "$0")/common.sh"
 
 folder=${1:-}

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the API reference in build/docs/html from the public headers and the guide.
+# Writes the API reference, from the public headers and the pages, to build/docs/html.
 . "$(dirname "$0")/common.sh"
 need doxygen
 cd "$project"

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Runs each fuzzer for some seconds on a copy of its corpus: "fuzz.sh [SECONDS]", 20 by default.
-# Ends with an error when one of them found something, and names the file with the input; the
-# output of each run stays beside it in build/linux-fuzz/runs.
+# fuzz.sh [SECONDS]
+#
+# Runs each fuzzer on a copy of its corpus, by default for 20 seconds. Fails if a fuzzer finds an
+# error, and prints the file with the input that causes it. The output of each run is in
+# build/linux-fuzz/runs.
 . "$(dirname "$0")/common.sh"
 
 seconds=${1:-20}
@@ -19,9 +21,9 @@ rm -rf "$runs"
 mkdir -p "$runs"
 scratch=$(mktemp -d -p "$(if [ -w /dev/shm ]; then echo /dev/shm; fi)")
 trap 'rm -rf "$scratch"' EXIT
-export TMPDIR=$scratch # of the files that targets write for the library to read
+export TMPDIR=$scratch # where the targets write the files that the library reads
 
-# run NAME: one line about the run of a target.
+# run NAME: runs a target and prints one line about it.
 run() {
     local name=$1 folder=$runs/$1 count input
     mkdir -p "$folder/found"

@@ -1,18 +1,18 @@
 #!/usr/bin/env bash
-# Builds Qt (Core, Xml, Network, Test) for Windows x86-64 once, from Debian's source package,
-# and prints the folder that it is installed in. Safe against interruption (the finished tree is
-# moved into place in one step) and against two runs at once (a lock).
+# Builds Qt (Core, Xml, Network, Test) for Windows x86-64 from Debian's source package, if that was
+# not done before, and prints the folder where it is installed. The script may be interrupted (the
+# finished tree is moved to its place in one step), and two runs at once wait for each other.
 . "$(dirname "$0")/common.sh"
 
 options=(-xplatform win32-g++ -opensource -confirm-license -release -shared
     -no-gui -no-widgets -no-dbus -no-opengl -no-openssl -no-schannel -no-icu -no-feature-sql
     -qt-zlib -qt-pcre -qt-doubleconversion -no-pch -nomake examples -nomake tests -make libs)
 
-exec 3>&1 1>&2 # only the answer goes to the standard output
+exec 3>&1 1>&2 # the standard output is for the result only
 
 need g++ make python3 dpkg-dev g++-mingw-w64-x86-64-posix ca-certificates
 
-# A private package list with source entries: the system's own lists stay as they are.
+# A private package list with source entries; the lists of the system are not changed.
 apt_dir=$cache_home/apt-source
 apt_private() {
     "$1" -o Dir::Etc::sourcelist="$apt_dir/sources.list" -o Dir::Etc::sourceparts=/dev/null \

@@ -1,17 +1,19 @@
 #!/usr/bin/env bash
-# "test-archivers.sh NAME..." fetches archivers that the tests run and checks them against the
-# pinned hashes. It prints the folder that has one folder per archiver, with its name:
+# test-archivers.sh NAME...
+#
+# Downloads archivers for the tests, checks their hashes and prints the folder that contains one
+# folder for each archiver, with its name. The names are:
 # 7zip-15.05, 7zip-16.04, 7zip-24.09 (7z.exe and 7z.dll for Windows), 7zip-21.07 (7za.exe for
 # Windows, named 7z.exe), p7zip-16.02 (7za for Linux).
 . "$(dirname "$0")/common.sh"
 
 folder=$cache_home/archivers
 
-# One package for two archivers.
+# This package contains two of the archivers.
 sha512_of_7zip_bin=ba44cf561a86e2337332ba36a80f4748249254937768deed95bfa17ea602b77111d325aba1e036551dfc30dace1cb43f7158fe0da20c69dd24142b565a8c21fc
 
-# Sets what follows from the name of an archiver: its npm package, the folder inside the package
-# and the program, and the name that the program gets, when that is another one.
+# choose NAME: sets the npm package of an archiver with its version and hash, the folder in the
+# package, the program, and the new name of the program, if it gets one.
 choose() {
     program=7z.exe named=
     case $1 in
@@ -37,7 +39,7 @@ choose() {
         sha512=$sha512_of_7zip_bin
         ;;
     *)
-        echo "test-archivers.sh: there is no archiver \"$1\"" >&2
+        echo "test-archivers.sh: unknown archiver \"$1\"" >&2
         exit 2
         ;;
     esac
@@ -56,12 +58,12 @@ fetch() {
     chmod +x "$work/package/$inside/$program"
     [ -z "$named" ] || mv "$work/package/$inside/$program" "$work/package/$inside/$named"
     mkdir -p "$folder"
-    # In one step, also when two runs do it at once.
+    # One step, so that two runs at once do not disturb each other.
     mv -T "$work/package/$inside" "$folder/$1" 2>/dev/null || [ -e "$folder/$1/${named:-$program}" ]
     rm -rf "$work"
 }
 
-exec 3>&1 1>&2 # only the answer goes to the standard output
+exec 3>&1 1>&2 # the standard output is for the result only
 for name in "$@"; do
     fetch "$name"
 done

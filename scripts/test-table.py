@@ -18,7 +18,7 @@ def results(folder):
         totals = TOTALS.findall(text)
         if totals:
             passed, failed, skipped = map(int, totals[-1])
-            # Set-up and clean-up count as two.
+            # QtTest also counts initTestCase and cleanupTestCase.
             found[path.parent.name[4:]] = (passed + failed - 2, failed, skipped, SKIP.findall(text))
     return found
 

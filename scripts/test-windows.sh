@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the library, its tests and its example for Windows x86-64 and runs the tests under Wine
-# in a private prefix. The first run builds Qt for Windows, which is kept in the cache folder.
+# Builds the library, its tests and the example for Windows x86-64 and runs the tests with Wine, in a
+# private Wine prefix. The first run builds Qt for Windows and keeps it in the cache folder.
 . "$(dirname "$0")/common.sh"
 need_build_tools
 need g++-mingw-w64-x86-64-posix wine wine64 python3
@@ -15,7 +15,7 @@ say "windows-release"
 cmake --preset windows-release >/dev/null
 cmake --build --preset windows-release
 
-# Where the programs find their libraries.
+# The folders of the DLLs.
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 compiler_file() { dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name="$1")"; }
 WINEPATH=$(windows_path "$project/build/windows-release/Utility")
@@ -28,12 +28,12 @@ mkdir -p "$WINEPREFIX"
 wine wineboot --init >/dev/null 2>&1
 trap 'wineserver -k 2>/dev/null || true' EXIT
 
-# A drive of its own, whose root a test empties.
+# A drive for the test that empties the root of a drive.
 mkdir -p build/drive
 ln -sfn "$project/build/drive" "$WINEPREFIX/dosdevices/q:"
 export VORNUTILITY_TEST_DRIVE=Q:
 
-# Now and then a child process hangs in Wine while it starts: a test program gets a second chance.
+# Sometimes a child process hangs while Wine starts it, so a failed test program is run once more.
 status=0
 ctest --preset windows-release --repeat until-pass:2 2>&1 | tee build/windows-tests.log || status=$?
 python3 scripts/test-table.py build/linux-release/tests/run build/windows-release/tests/run

@@ -1,8 +1,13 @@
 #!/usr/bin/env bash
-# The Linux test suite: release build, clang-tidy on the library, address and undefined-behaviour
-# sanitizers (with debug assertions), the tests with threads under the thread sanitizer, each fuzzer
-# for 20 seconds. "test.sh PART..." runs only those of linux-release, tidy, linux-asan, linux-tsan,
-# fuzz, or linux-valgrind, which is no part of the whole.
+# test.sh [PART...]
+#
+# Runs the tests on Linux. The parts are:
+#   linux-release   all tests, release build
+#   tidy            clang-tidy on the library
+#   linux-asan      all tests, debug build, address and undefined-behaviour sanitizers
+#   linux-tsan      the tests with several threads, thread sanitizer
+#   fuzz            each fuzzer for 20 seconds
+#   linux-valgrind  all tests under valgrind; slow, and run only when it is named
 . "$(dirname "$0")/common.sh"
 need_build_tools
 cd "$project"
@@ -20,7 +25,7 @@ run_tidy() {
         { cat build/tidy.log; exit 1; }
 }
 
-# The thread sanitizer cannot lay out its memory where addresses are spread too widely.
+# The thread sanitizer fails where the kernel randomises addresses too much, so this is switched off.
 fixed_addresses=(setarch "$(uname -m)" -R)
 "${fixed_addresses[@]}" true 2>/dev/null || fixed_addresses=()
 

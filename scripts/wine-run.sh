@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a Windows program under Wine for CTest. A test program prints nothing to a standard output
-# that is not a console, so what it wrote to result.txt is shown instead.
+# Runs a Windows program with Wine, for CTest. A test program prints nothing if its standard output is
+# not a console, so this script prints the file result.txt that the program wrote.
 result=
 for argument in "$@"; do
     case $argument in *,txt) result=${argument%,txt} ;; esac

@@ -408,7 +408,7 @@ void tst_ClusterTool::withoutSlurmThereIsAnError()
         QVERIFY(QFile::remove(inPath(program)));
     const Answer answer = run();
     QCOMPARE(answer.output,
-             QStringList{QStringLiteral("Error: there is no Slurm here: %1 not found").arg(named)});
+             QStringList{QStringLiteral("Error: Slurm is not installed: %1 not found").arg(named)});
     QCOMPARE(answer.exitCode, 1);
 }
 
@@ -418,8 +418,9 @@ void tst_ClusterTool::aFailureOfSlurmIsAnError_data()
     QTest::addColumn<int>("exitCodeOfScontrol");
     QTest::addColumn<QString>("message");
 
-    const QString noNodes = QStringLiteral("Error: Slurm does not tell its nodes");
-    const QString noConfiguration = QStringLiteral("Error: Slurm does not tell its configuration");
+    const QString noNodes = QStringLiteral("Error: sinfo cannot list the nodes of Slurm");
+    const QString noConfiguration
+        = QStringLiteral("Error: scontrol cannot show the configuration of Slurm");
     QTest::newRow("sinfo") << 1 << 0 << noNodes;
     QTest::newRow("scontrol") << 0 << 1 << noConfiguration;
     QTest::newRow("both") << 1 << 1 << noConfiguration;

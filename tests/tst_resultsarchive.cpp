@@ -1,10 +1,10 @@
 // Runs the example built against the installed package as a user would. What no machine can be made
 // to do on demand is asked of its functions.
 
+#include "DiskSpace.h"
 #include "FakeArchiver.h"
 #include "Machine.h"
 #include "Noise.h"
-#include "Room.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
@@ -140,7 +140,7 @@ const QStringList &taskNames()
 {
     static const QStringList names{QStringLiteral("ResultsArchive::Job::inspectFolder"),
                                    QStringLiteral("Check names and 7-Zip"),
-                                   QStringLiteral("Check sizes and room"),
+                                   QStringLiteral("Check sizes and disk space"),
                                    QStringLiteral("Log the machine"),
                                    QStringLiteral("Pack"),
                                    QStringLiteral("List"),
@@ -507,7 +507,7 @@ void TestResultsArchive::theOutputIsOneLinePerTaskAndASummary()
     const qint64 packed = QFileInfo(site.archive()).size();
     const double ratio = 100.0 * static_cast<double>(packed) / static_cast<double>(sizeOf(tree));
     const QString pattern
-        = QStringLiteral("^Packed and proven: %1 files, %2 bytes in %3 bytes \\(%4 %\\), "
+        = QStringLiteral("^Packed and verified: %1 files, %2 bytes in %3 bytes \\(%4 %\\), "
                          "[0-9:.]+( sec)?: %5$")
               .arg(QString::number(tree.size()), QString::number(sizeOf(tree)),
                    QString::number(packed), QString::number(ratio, 'f', 1),
@@ -540,7 +540,7 @@ void TestResultsArchive::theLogHoldsTheTasksInOrder()
         from = end;
     }
     QVERIFY(lines.at(from + 1).startsWith(QLatin1String("Finished processing tasks in ")));
-    QVERIFY(lines.at(from + 2).startsWith(QLatin1String("Packed and proven: ")));
+    QVERIFY(lines.at(from + 2).startsWith(QLatin1String("Packed and verified: ")));
     QCOMPARE(lines.size(), from + 3);
     QCOMPARE(lines.filter(QStringLiteral("Starting task: ")).size(), taskNames().size());
     QVERIFY(lines.contains(QStringLiteral("%1 files, %2 bytes, 0 left out")
@@ -736,7 +736,7 @@ void TestResultsArchive::filesOfNoBytesArePacked()
     site.useRealArchiver();
     QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
     QVERIFY(site.output().contains(
-        QStringLiteral("Packed and proven: 1 files, 0 bytes in %1 bytes (-), ")
+        QStringLiteral("Packed and verified: 1 files, 0 bytes in %1 bytes (-), ")
             .arg(QFileInfo(site.archive()).size())));
 }
 
@@ -767,8 +767,8 @@ void TestResultsArchive::aWrongCallIsRefused_data()
         "The folder of the cluster tool does not exist: ");
     row("cluster tools no folder", QStringLiteral("--cluster-tools|nodes.txt|data"),
         "The folder of the cluster tool does not exist: nodes.txt");
-    row("no folder", QStringLiteral("--level|1"), "Name one folder; --help tells more");
-    row("two folders", QStringLiteral("data|data"), "Name one folder; --help tells more");
+    row("no folder", QStringLiteral("--level|1"), "Expected one folder; see --help");
+    row("two folders", QStringLiteral("data|data"), "Expected one folder; see --help");
     row("folder missing", QStringLiteral("nowhere"), "The folder does not exist: nowhere");
     row("folder empty text", QString(), "The folder does not exist: ");
     row("folder is a file", QStringLiteral("data/a.txt"), nullptr);
@@ -867,7 +867,7 @@ void TestResultsArchive::aLogInsideTheFolderIsRefused()
                        site.dataFolder()}),
              1);
     QCOMPARE(site.errors(),
-             error(QStringLiteral("The log lies inside the folder, name another with --log: ")
+             error(QStringLiteral("The log lies inside the folder, use another with --log: ")
                    + native(log)));
     QCOMPARE(readTree(site.dataFolder()), smallTree());
     QCOMPARE(entriesOf(site.outFolder()), QStringList());
@@ -946,7 +946,8 @@ void TestResultsArchive::aNameThatIsNoTextIsRefused()
     const int exitCode = site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
     QCOMPARE(std::remove(name.c_str()), 0); // Qt could not
     QCOMPARE(exitCode, 1);
-    QCOMPARE(site.errors(), error(QStringLiteral("The folder holds a name that cannot be read")));
+    QCOMPARE(site.errors(),
+             error(QStringLiteral("The folder contains a name that cannot be read")));
     QCOMPARE(entriesOf(site.outFolder()), QStringList());
     QVERIFY(site.isTempFolderClean());
 }
@@ -991,15 +992,15 @@ void TestResultsArchive::aFailureLeavesNothing_data()
                                        << QStringLiteral("The archive lists 4 bytes instead of 3");
     QTest::addRow("nothing unpacked")
         << 0 << true << good << Tree()
-        << QStringLiteral("The archive holds 0 files instead of 1, or others");
+        << QStringLiteral("The unpacked files are not the packed ones: 0 unpacked, 1 packed");
     QTest::addRow("other name unpacked")
         << 0 << true << good << Tree{{QStringLiteral("b.txt"), "abc"}}
-        << QStringLiteral("The archive holds 1 files instead of 1, or others");
+        << QStringLiteral("The unpacked files are not the packed ones: 1 unpacked, 1 packed");
     QTest::addRow("more unpacked")
         << 0 << true << good
         << Tree{{QStringLiteral("a.txt"), "abc"}, {QStringLiteral("b.txt"), ""}}
-        << QStringLiteral("The archive holds 2 files instead of 1, or others");
-    const QString differs = QStringLiteral("a.txt differs from its packed form");
+        << QStringLiteral("The unpacked files are not the packed ones: 2 unpacked, 1 packed");
+    const QString differs = QStringLiteral("a.txt differs from the unpacked file");
     QTest::addRow("other bytes") << 0 << true << good << Tree{{QStringLiteral("a.txt"), "abd"}}
                                  << differs;
     QTest::addRow("bytes missing") << 0 << true << good << Tree{{QStringLiteral("a.txt"), "ab"}}
@@ -1247,7 +1248,7 @@ void TestResultsArchive::lengthsThatDifferAreNoticed()
                                 "2 2  b.txt\n"));
     site.useFakeArchiver(archiver);
     QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 1);
-    QCOMPARE(site.errors(), error(QStringLiteral("a.txt differs from its packed form")));
+    QCOMPARE(site.errors(), error(QStringLiteral("a.txt differs from the unpacked file")));
     QCOMPARE(entriesOf(site.outFolder()), QStringList());
 }
 
@@ -1276,24 +1277,25 @@ void TestResultsArchive::aDiskNeedsRoomForItsFiles_data()
                         qint64 bytes, const char *problem) {
         const QString text = QString::fromLatin1(problem);
         QTest::newRow(name) << archiveFree << unpackFree << isOneDisk << bytes
-                            << (text.isEmpty() ? text
-                                               : QStringLiteral("The disk is too full: ") + text);
+                            << (text.isEmpty()
+                                    ? text
+                                    : QStringLiteral("Not enough disk space in ") + text);
     };
     constexpr qint64 Most = std::numeric_limits<qint64>::max();
     row("just enough", 100, 100, false, 100, "");
-    row("archive", 99, 100, false, 100, "99 bytes are free of 100 needed in out");
-    row("unpacked files", 100, 99, false, 100, "99 bytes are free of 100 needed in tmp");
-    row("both", 98, 99, false, 100, "98 bytes are free of 100 needed in out");
+    row("archive", 99, 100, false, 100, "out: need 100 bytes, have 99");
+    row("unpacked files", 100, 99, false, 100, "tmp: need 100 bytes, have 99");
+    row("both", 98, 99, false, 100, "out: need 100 bytes, have 98");
     row("one disk, just enough", 200, 200, true, 100, "");
-    row("one disk", 199, 199, true, 100, "199 bytes are free of 200 needed in out");
-    row("one disk, two quotas", 200, 199, true, 100, "199 bytes are free of 200 needed in tmp");
-    row("full", 0, 100, false, 1, "0 bytes are free of 1 needed in out");
+    row("one disk", 199, 199, true, 100, "out: need 200 bytes, have 199");
+    row("one disk, two quotas", 200, 199, true, 100, "tmp: need 200 bytes, have 199");
+    row("full", 0, 100, false, 1, "out: need 1 bytes, have 0");
     row("full, nothing to pack", 0, 0, true, 0, "");
     row("both unknown", -1, -1, true, 100, "");
-    row("archive unknown", -1, 99, false, 100, "99 bytes are free of 100 needed in tmp");
-    row("unpacked files unknown", 99, -1, false, 100, "99 bytes are free of 100 needed in out");
+    row("archive unknown", -1, 99, false, 100, "tmp: need 100 bytes, have 99");
+    row("unpacked files unknown", 99, -1, false, 100, "out: need 100 bytes, have 99");
     row("largest numbers", Most, Most, true, Most,
-        "9223372036854775807 bytes are free of 18446744073709551614 needed in out");
+        "out: need 18446744073709551614 bytes, have 9223372036854775807");
 }
 
 void TestResultsArchive::aDiskNeedsRoomForItsFiles()
@@ -1302,9 +1304,9 @@ void TestResultsArchive::aDiskNeedsRoomForItsFiles()
     QFETCH(qint64, unpackFree);
     QFETCH(bool, isOneDisk);
     QFETCH(qint64, bytes);
-    const ResultsArchive::Room room{QStringLiteral("out"), QStringLiteral("tmp"), archiveFree,
-                                    unpackFree, isOneDisk};
-    QTEST(ResultsArchive::roomProblem(room, bytes), "problem");
+    const ResultsArchive::DiskSpace space{QStringLiteral("out"), QStringLiteral("tmp"), archiveFree,
+                                          unpackFree, isOneDisk};
+    QTEST(ResultsArchive::diskSpaceProblem(space, bytes), "problem");
 }
 
 // With a file that is larger than what is free and takes no room itself.
@@ -1323,8 +1325,8 @@ void TestResultsArchive::aRunWithoutRoomIsRefused()
     file.close();
     const int exitCode = site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
     const QString pattern
-        = QStringLiteral("^results-archive: The disk is too full: \\d+ bytes are free of %1 "
-                         "needed in %2\n$")
+        = QStringLiteral("^results-archive: Not enough disk space in %2: need %1 bytes, "
+                         "have \\d+\n$")
               .arg(QString::number(2 * (file.size() + 3)),
                    QRegularExpression::escape(native(site.outFolder())));
     QVERIFY(file.remove());

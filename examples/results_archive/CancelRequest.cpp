@@ -10,7 +10,7 @@ volatile std::sig_atomic_t requested = 0;
 
 extern "C" void request(int signal)
 {
-    std::signal(signal, request); // on some systems a signal is caught only once
+    std::signal(signal, request); // some systems remove the handler when they call it
     requested = 1;
 }
 
@@ -24,8 +24,8 @@ CancelRequest::CancelRequest()
 
 bool CancelRequest::isCanceled()
 {
-    told_ = isRequested();
-    return told_;
+    reported_ = isRequested();
+    return reported_;
 }
 
 bool CancelRequest::isRequested() const
@@ -33,9 +33,9 @@ bool CancelRequest::isRequested() const
     return requested != 0;
 }
 
-bool CancelRequest::isTold() const
+bool CancelRequest::wasReported() const
 {
-    return told_;
+    return reported_;
 }
 
 } // namespace ResultsArchive

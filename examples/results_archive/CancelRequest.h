@@ -4,26 +4,27 @@
 
 namespace ResultsArchive {
 
-/// Ctrl-C, or the system's request to end, as a cancel of the run. There is one per program.
+/// Cancels the run when the user presses Ctrl-C or the system asks the program to end. A program
+/// has one object of this class.
 ///
-/// On a terminal Ctrl-C reaches 7-Zip as well, so that the step under way ends early. Otherwise
-/// that step runs to its end first.
+/// On a terminal Ctrl-C also stops 7-Zip while it runs, so that the current step ends early.
+/// Otherwise the current step is completed first.
 class CancelRequest : public Vorn::Util::AsyncTaskMonitor
 {
 public:
-    /// Catches the signals from now on.
+    /// Installs the signal handlers.
     CancelRequest();
 
     bool isCanceled() override;
 
-    /// Whether the cancel was made; the processor may not have asked yet.
+    /// Whether a signal has arrived. The processor may not have asked yet.
     bool isRequested() const;
 
-    /// Whether the processor was told to stop.
-    bool isTold() const;
+    /// Whether isCanceled() has returned true, so that the processor stops.
+    bool wasReported() const;
 
 private:
-    bool told_ = false;
+    bool reported_ = false;
 };
 
 } // namespace ResultsArchive

@@ -16,8 +16,8 @@ namespace ResultsArchive {
 
 void printLine(std::FILE *stream, const QString &line);
 
-/// Shows a run on the standard output: a line for each task that has ended and, on a terminal, a
-/// line about the one under way that is written again and again.
+/// Shows a run on the standard output: one line for each task that has finished and, on a terminal,
+/// a line about the current task, which is updated while it runs.
 class Display : public QObject
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ class Display : public QObject
 public:
     Display(Vorn::Util::AsyncTaskProcessor &processor, const QString &archive);
 
-    /// The text of the first task that failed; empty when none did.
+    /// The error of the first task that failed; empty if none has failed.
     QString error() const;
 
 private:

@@ -16,7 +16,7 @@ namespace ResultsArchive {
 
 namespace {
 
-// -1 when that cannot be told.
+// Returns -1 if the folder cannot be read.
 qint64 countEntries(const QString &folder)
 {
     using Entries = std::filesystem::directory_iterator;
@@ -29,7 +29,7 @@ qint64 countEntries(const QString &folder)
     return error ? -1 : count;
 }
 
-// What lies in one folder after the other.
+// Collects the files of a folder and its subfolders.
 class Walk
 {
 public:
@@ -54,9 +54,9 @@ private:
             const QFileInfo entry = entries.fileInfo();
             take(entry, isHidden || entry.isHidden());
         }
-        // Qt passes over names that it cannot read as text.
+        // Qt skips names that are not valid in the encoding of the locale.
         if (countEntries(folder) != count)
-            addProblem(QStringLiteral("The folder holds a name that cannot be read"));
+            addProblem(QStringLiteral("The folder contains a name that cannot be read"));
     }
 
     void take(const QFileInfo &entry, bool isHidden)
@@ -108,7 +108,7 @@ FolderFiles filesOf(const QString &folder)
 
 qint64 countedBytes(const QString &folder, const FolderFiles &found)
 {
-    // Hidden files are not in the folder's size, but those that links point to are.
+    // getDirectorySize() does not count hidden files, but counts the files that links lead to.
     return System::getDirectorySize(folder) + found.hiddenBytes - found.linkedBytes;
 }
 
@@ -122,7 +122,7 @@ QString differenceInFiles(const QString &original, const QString &copy)
     while (!first.atEnd() || !second.atEnd()) {
         const QByteArray block = first.read(BlockSize);
         if (block != second.read(BlockSize))
-            return QStringLiteral("differs from its packed form");
+            return QStringLiteral("differs from the unpacked file");
         if (block.isEmpty())
             return QStringLiteral("cannot be read");
     }

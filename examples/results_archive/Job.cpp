@@ -1,10 +1,10 @@
 #include "Job.h"
 
 #include "CancelRequest.h"
+#include "DiskSpace.h"
 #include "Machine.h"
 #include "Names.h"
 #include "Platform.h"
-#include "Room.h"
 
 #include <Utility/Command.h>
 #include <Utility/Log.h>
@@ -21,9 +21,9 @@ namespace ResultsArchive {
 
 namespace {
 
-QString scratchIsGone()
+QString missingScratchFolder()
 {
-    return QStringLiteral("The temporary folder is gone");
+    return QStringLiteral("The temporary folder no longer exists");
 }
 
 QString shown(const QString &path)
@@ -31,7 +31,7 @@ QString shown(const QString &path)
     return oneLine(QDir::toNativeSeparators(path));
 }
 
-// A command line goes through a file in the current folder.
+// Changes the current folder while it exists. Command writes its script there.
 class CurrentFolder
 {
 public:
@@ -84,7 +84,7 @@ QString Job::logCluster() const
 {
     const CurrentFolder current(scratch_->path());
     if (!current.isSet())
-        return scratchIsGone();
+        return missingScratchFolder();
     ResultsArchive::logCluster(log_, options_.clusterTools);
     return QString();
 }
@@ -99,9 +99,9 @@ QString Job::checkStart() const
         if (!canBePacked(name))
             return QStringLiteral("7-Zip cannot be given this name: %1").arg(oneLine(name));
     }
-    // An asynchronous operation never ends when 7-Zip cannot be started. The blocking form fails
-    // then without an error, whereas a 7-Zip that runs has something to say about an archive that
-    // is not there.
+    // An asynchronous operation never ends if 7-Zip cannot be started, so this is tried first. The
+    // blocking form then fails without an error. If 7-Zip runs, it reports an error, because the
+    // archive does not exist.
     SevenZip archive;
     archive.setArchiveFile(options_.archive);
     if (!archive.listFiles() && archive.isOk())
@@ -116,18 +116,19 @@ QString Job::checkSizes() const
         return QStringLiteral("The folder is changing: it holds %1 bytes instead of %2")
             .arg(QString::number(bytes), QString::number(files_.bytes));
     }
-    const Room room = roomIn(QFileInfo(options_.archive).absolutePath(), QDir::tempPath());
+    const DiskSpace space
+        = diskSpaceIn(QFileInfo(options_.archive).absolutePath(), QDir::tempPath());
     const QString unit = QStringLiteral("bytes");
     log_.append(QStringLiteral("Free for the archive: %1, for the unpacked files: %2")
-                    .arg(measure(room.archiveFree, unit), measure(room.unpackFree, unit)));
-    return roomProblem(room, files_.bytes);
+                    .arg(measure(space.archiveFree, unit), measure(space.unpackFree, unit)));
+    return diskSpaceProblem(space, files_.bytes);
 }
 
 QString Job::startPacking(SevenZip &archive)
 {
     startedPacking_ = true;
-    // Every occurrence of the current path is taken out of a name, so it is written as no name
-    // goes on.
+    // SevenZip removes every occurrence of the current path from a name. With "/." at its end the
+    // path occurs only at the beginning.
     QString currentPath = options_.folder;
     if (!currentPath.endsWith(QLatin1Char('/')))
         currentPath += QLatin1Char('/');
@@ -171,7 +172,7 @@ QString Job::checkListing(const SevenZip &archive) const
     const QString difference = differenceInNames(files_.names, archive.files());
     if (!difference.isEmpty())
         return difference;
-    // Some versions of 7-Zip print the totals in another form, which reads as nothing.
+    // 0 if the totals that this version of 7-Zip prints could not be read.
     const qint64 bytes = archive.uncompressedSize();
     if (bytes != 0 && bytes != files_.bytes) {
         return QStringLiteral("The archive lists %1 bytes instead of %2")
@@ -195,7 +196,7 @@ QString Job::checkUnpacking(const SevenZip &archive) const
     if (!unpacked.problem.isEmpty())
         return unpacked.problem;
     if (unpacked.names != files_.names || !unpacked.leftOut.isEmpty()) {
-        return QStringLiteral("The archive holds %1 files instead of %2, or others")
+        return QStringLiteral("The unpacked files are not the packed ones: %1 unpacked, %2 packed")
             .arg(QString::number(unpacked.names.size()), QString::number(files_.names.size()));
     }
     const qint64 bytes = countedBytes(unpackFolder(), unpacked);
@@ -225,7 +226,7 @@ QString Job::listWithSystem()
     constexpr int MostLines = 20;
     const CurrentFolder current(scratch_->path());
     if (!current.isSet())
-        return scratchIsGone();
+        return missingScratchFolder();
     const QString listing = Command(&log_).run(listingCommand(variable), MostLines, true);
     if (listing.trimmed().isEmpty())
         return QStringLiteral("The system does not list the archive");
@@ -234,14 +235,14 @@ QString Job::listWithSystem()
         return QStringLiteral("The archive changed: it has %1 bytes instead of %2")
             .arg(QString::number(bytes), QString::number(packedBytes_));
     }
-    proven_ = true;
+    verified_ = true;
     return QString();
 }
 
 QString Job::cleanUp()
 {
     logLoad(log_, load_);
-    complete_ = proven_ && !cancel_.isTold();
+    complete_ = verified_ && !cancel_.wasReported();
     QString problem;
     if (scratch_ && scratch_->isValid() && !scratch_->remove())
         problem = QStringLiteral("%1 cannot be removed").arg(shown(scratch_->path()));
@@ -262,7 +263,7 @@ QString Job::summary(qint64 milliseconds) const
     const QString ratio = files_.bytes == 0
         ? QStringLiteral("-")
         : QStringLiteral("%1 %").arg(100.0 * static_cast<double>(packedBytes_) / bytes, 0, 'f', 1);
-    return QStringLiteral("Packed and proven: %1 files, %2 bytes in %3 bytes (%4), %5: %6")
+    return QStringLiteral("Packed and verified: %1 files, %2 bytes in %3 bytes (%4), %5: %6")
         .arg(QString::number(files_.names.size()), QString::number(files_.bytes),
              QString::number(packedBytes_), ratio, System::getElapsedTimeString(milliseconds),
              shown(options_.archive));

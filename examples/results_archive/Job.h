@@ -21,13 +21,14 @@ namespace ResultsArchive {
 
 class CancelRequest;
 
-/// What the steps of a run know and do. A step returns what went wrong, empty when nothing did.
+/// The steps of a run and the data that they share. A step returns an error message, empty if it
+/// succeeded.
 class Job : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Neither the log nor the cancel is owned.
+    /// The object uses \a cancel and \a log, which must outlive it.
     Job(const Options &options, const CancelRequest &cancel, Vorn::Util::Log &log);
 
     Q_INVOKABLE void inspectFolder();
@@ -48,17 +49,16 @@ public:
     QStringList names() const;
     QString compareFile(const QString &name) const;
 
-    /// The last of the proofs.
+    /// Lists the archive with a command of the system and checks its size. This is the last check.
     QString listWithSystem();
 
-    /// Removes what a run leaves: the temporary files and, unless everything went well, the
-    /// archive.
+    /// Removes the temporary files and, unless every check has succeeded, the archive.
     QString cleanUp();
 
-    /// Whether the archive is there and proven. Settled by cleanUp().
+    /// Whether the archive was made and every check has succeeded. Set by cleanUp().
     bool isComplete() const;
 
-    /// One line about a complete run.
+    /// A line about a successful run.
     QString summary(qint64 milliseconds) const;
 
 private:
@@ -72,7 +72,7 @@ private:
     std::unique_ptr<QTemporaryDir> scratch_;
     qint64 packedBytes_ = 0;
     bool startedPacking_ = false;
-    bool proven_ = false;
+    bool verified_ = false;
     bool complete_ = false;
 };
 

@@ -29,7 +29,7 @@ const QString &percent()
     return unit;
 }
 
-// It is told in bytes only. Where "long" has 32 bits they are cut, so that nothing is known.
+// The counter gives bytes. They do not fit where "long" has 32 bits: the limit is unknown there.
 qint64 memoryLimit()
 {
     constexpr qint64 Megabyte = 1 << 20;

@@ -26,7 +26,7 @@ bool isAscii(const QString &text)
     return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; });
 }
 
-// A listing's columns are told apart by blanks, so that a number in front may be lost.
+// Blanks separate the columns of a listing: a number at the beginning of a name can be lost.
 QString comparable(const QString &name)
 {
     QStringList words = QDir::fromNativeSeparators(name).simplified().split(QLatin1Char(' '));
@@ -59,7 +59,7 @@ bool canBePacked(const QString &name)
 
 QString nameForArchiver(const QString &name)
 {
-    // Only without a subfolder: 7-Zip drops the subfolders of a name that begins with "./".
+    // Not for a file in a subfolder: 7-Zip stores a name that begins with "./" without its folders.
     return name.contains(QLatin1Char('/')) ? name : QStringLiteral("./") + name;
 }
 

@@ -5,19 +5,22 @@
 
 namespace ResultsArchive {
 
-/// Whether 7-Zip can be told to take the one file \a name of a folder. It takes control characters,
-/// a blank at the end and a subfolder that begins with "-" or "@" for something else.
+/// Whether 7-Zip can be told to pack exactly the file \a name, a path relative to a folder. It
+/// cannot if the path has control characters or a blank at its end, or if it has subfolders and
+/// begins with "-" or "@".
 bool canBePacked(const QString &name);
 
-/// \a name, relative to a folder, as 7-Zip takes it for a file in any case.
+/// \a name, a path relative to a folder, in a form that 7-Zip reads neither as a switch nor as a
+/// list file.
 QString nameForArchiver(const QString &name);
 
-/// \a text fit for one line of a message.
+/// \a text with "?" for each control character, such as a line end.
 QString oneLine(QString text);
 
-/// What is wrong with an archive that \a listed says was made from \a packed; empty when nothing
-/// is. The two may differ where a console prints names in its own way: in white space, in numbers
-/// at their beginning and in letters outside ASCII.
+/// Compares the names \a listed in an archive with the names \a packed. Returns the first
+/// difference; empty if there is none. Older versions of 7-Zip do not print every name unchanged,
+/// so differences in white space, in numbers at the beginning and in letters outside ASCII do not
+/// count.
 QString differenceInNames(const QStringList &packed, const QStringList &listed);
 
 } // namespace ResultsArchive

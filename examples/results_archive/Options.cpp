@@ -21,11 +21,11 @@ QString shown(const QString &path)
 
 bool liesInside(const QString &file, const QString &folder)
 {
-    // Of the folders that are there: a folder that is missing lies in one that is not.
-    QFileInfo place(QFileInfo(file).absolutePath());
-    while (!place.exists() && !place.isRoot())
-        place.setFile(place.absolutePath());
-    QDir dir(place.canonicalFilePath());
+    // A folder that does not exist yet is where its nearest existing parent is.
+    QFileInfo parent(QFileInfo(file).absolutePath());
+    while (!parent.exists() && !parent.isRoot())
+        parent.setFile(parent.absolutePath());
+    QDir dir(parent.canonicalFilePath());
     do {
         if (QFileInfo(dir.path()) == QFileInfo(folder))
             return true;
@@ -83,7 +83,7 @@ QString readFolder(const QString &text, Options &options)
     return QString();
 }
 
-// Whether the archive can be written shows in writing it; 7-Zip would say so too late.
+// Creates the archive and removes it again. 7-Zip would report later that it cannot be written.
 QString tryArchive(const QString &archive)
 {
     if (QFileInfo::exists(archive))
@@ -102,10 +102,10 @@ QString readArchive(QString text, const QString &folder, Options &options)
     if (text.isEmpty()) {
         text = QDir(folder).absolutePath();
         if (QFileInfo(text).fileName().isEmpty())
-            return QStringLiteral("This folder gives no name: name the archive with --archive");
+            return QStringLiteral("This folder has no name for the archive: use --archive");
         text += suffix;
     } else if (QFileInfo(text).suffix().isEmpty()) {
-        text += suffix; // 7-Zip appends one where there is none
+        text += suffix; // 7-Zip would add one
     }
     options.archive = QFileInfo(text).absoluteFilePath();
     if (liesInside(options.archive, options.folder))
@@ -129,7 +129,7 @@ QString readLog(const QString &text, Options &options)
         = text.isEmpty() ? QDir::temp().filePath(QStringLiteral("results-archive.log")) : text;
     options.log = QFileInfo(log).absoluteFilePath();
     if (liesInside(options.log, options.folder)) {
-        return QStringLiteral("The log lies inside the folder, name another with --log: %1")
+        return QStringLiteral("The log lies inside the folder, use another with --log: %1")
             .arg(shown(options.log));
     }
     return QString();
@@ -141,15 +141,14 @@ QString readOptions(Options &options)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
-        "Packs the files below a folder into a new archive and proves that nothing was lost:\n"
-        "the archive is listed, unpacked and compared byte for byte. Symbolic links are left "
-        "out.\n"
-        "There has to be room for the files in the archive's folder and, unpacked, in the one for\n"
+        "Packs the files of a folder and its subfolders into a new archive and verifies it: the\n"
+        "archive is listed, unpacked and compared byte for byte. Symbolic links are left out.\n"
+        "Needs disk space for all files twice: in the folder of the archive and in the folder for\n"
         "temporary files."));
     parser.addHelpOption();
     const QCommandLineOption archive(
         QStringLiteral("archive"),
-        QStringLiteral("The archive; otherwise it is named after the folder and lies beside it."),
+        QStringLiteral("The archive. By default it is beside the folder and has its name."),
         QStringLiteral("file"));
     const QCommandLineOption type(QStringLiteral("type"), QStringLiteral("7z (default) or zip."),
                                   QStringLiteral("type"), QStringLiteral("7z"));
@@ -158,16 +157,16 @@ QString readOptions(Options &options)
         QStringLiteral("Copy, Deflate (default for zip), LZMA, LZMA2 (default for 7z) or BZip2."),
         QStringLiteral("name"));
     const QCommandLineOption level(QStringLiteral("level"),
-                                   QStringLiteral("How hard to compress, 0 to 9; otherwise 1."),
+                                   QStringLiteral("Compression level, 0 to 9 (default 1)."),
                                    QStringLiteral("n"), QStringLiteral("1"));
     const QCommandLineOption log(
         QStringLiteral("log"),
-        QStringLiteral("The log, whose name gets the time of the start; otherwise "
+        QStringLiteral("The log; the start time is added to its name. By default "
                        "results-archive.log in the folder for temporary files."),
         QStringLiteral("file"));
     const QCommandLineOption clusterTools(
         QStringLiteral("cluster-tools"),
-        QStringLiteral("The folder of the cluster tool, to log the cluster as well."),
+        QStringLiteral("Log the cluster too, with the cluster tool in this folder."),
         QStringLiteral("folder"));
     parser.addOptions({archive, type, method, level, log, clusterTools});
     parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder to pack."));
@@ -178,7 +177,7 @@ QString readOptions(Options &options)
         parser.showHelp();
     const QStringList folders = parser.positionalArguments();
     if (folders.size() != 1)
-        return QStringLiteral("Name one folder; --help tells more");
+        return QStringLiteral("Expected one folder; see --help");
 
     QString problem = readType(parser.value(type), options);
     if (problem.isEmpty())

@@ -6,21 +6,22 @@
 
 namespace ResultsArchive {
 
-/// What the command line asks for. Paths are absolute.
+/// The options of the command line. Paths are absolute.
 struct Options
 {
     QString folder;
     QString archive;
     QString log;
-    QString clusterTools; ///< empty when the cluster is not asked for
+    QString clusterTools; ///< empty if the cluster is not to be logged
     Vorn::Util::SevenZip::Type type = Vorn::Util::SevenZip::Type7z;
     Vorn::Util::SevenZip::Method method = Vorn::Util::SevenZip::LZMA2;
     Vorn::Util::SevenZip::Level level = Vorn::Util::SevenZip::Fastest;
 };
 
-/// Fills \a options from the application's command line. Returns what is wrong with it, empty
-/// when nothing is: the folders exist, the archive does not and can be written, and neither it nor
-/// the log lies inside the folder. Ends the program for "--help".
+/// Reads the command line of the application into \a options. Returns an error message, or an empty
+/// text: then the folders exist, the archive does not exist and can be written, and neither the
+/// archive nor the log is inside the folder to pack. For "--help" prints the help and ends the
+/// program.
 QString readOptions(Options &options);
 
 } // namespace ResultsArchive

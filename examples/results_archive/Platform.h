@@ -7,11 +7,12 @@ namespace ResultsArchive {
 /// Whether the standard output is a terminal.
 bool isTerminal();
 
-/// The command line that lists the file whose path is in the environment variable \a variable.
-/// The path stays out of the text: a command line takes no letters outside Latin-1.
+/// A command line that lists the file whose path is in the environment variable \a variable. The
+/// path itself cannot be part of a command line, which has letters of Latin-1 only.
 QString listingCommand(const QString &variable);
 
-/// Sets the variable \a name for programs started from now on, whatever characters \a value holds.
+/// Sets the environment variable \a name for the programs that are started afterwards. \a value may
+/// have any characters.
 void setVariable(const QString &name, const QString &value);
 
 } // namespace ResultsArchive

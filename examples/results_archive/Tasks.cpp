@@ -44,7 +44,7 @@ ArchiveTask::ArchiveTask(const QString &name, const CancelRequest &cancel, const
     , start_(start)
     , check_(check)
 {
-    // Queued: the archive dies with this task, which must not happen inside its own signal.
+    // Queued: the archive is deleted with this task, which must not happen while it emits a signal.
     for (const auto signal :
          {&SevenZip::compressionFinished, &SevenZip::extractionFinished, &SevenZip::listFinished})
         connect(

@@ -12,8 +12,8 @@ namespace ResultsArchive {
 class CancelRequest;
 class Job;
 
-/// A task whose work says what went wrong, with an empty text when nothing did. After a cancel
-/// nothing counts as wrong: 7-Zip may have been interrupted as well.
+/// A task whose work returns an error message, empty if it succeeded. After a cancel errors are
+/// ignored: Ctrl-C may have stopped 7-Zip too.
 class JobTask : public Vorn::Util::AsyncTask
 {
 protected:
@@ -41,7 +41,7 @@ private:
     Work work_;
 };
 
-/// Starts an asynchronous operation of an archive and judges it when it has ended.
+/// Starts an asynchronous operation of an archive and checks its result at the end.
 class ArchiveTask : public JobTask
 {
 public:
@@ -62,7 +62,7 @@ private:
     Vorn::Util::SevenZip archive_;
 };
 
-/// Compares the files one by one, with a turn of the event loop between them.
+/// Compares the files one by one, and returns to the event loop after each.
 class CompareTask : public JobTask
 {
 public:
@@ -78,7 +78,7 @@ private:
     int next_ = 0;
 };
 
-/// What has to be done in any case, and whose failure always counts.
+/// Runs after an error or a cancel too. Its own error is never ignored.
 class CleanUpTask : public Vorn::Util::AsyncTask
 {
 public:

@@ -1,6 +1,6 @@
-// Packs a folder of results into an archive and proves that nothing was lost: a queue of tasks
-// with a clean-up task, a log, a cancel by Ctrl-C, 7-Zip archives, the machine and its cluster and
-// a command line.
+// Packs a folder into an archive and verifies the archive. Shows how to use a queue of tasks with a
+// clean-up task, a log, a cancel with Ctrl-C, 7-Zip archives, the numbers of the machine and its
+// cluster, and a command line.
 
 #include "CancelRequest.h"
 #include "Display.h"
@@ -40,11 +40,11 @@ void addTasks(AsyncTaskProcessor &processor, const Options &options, Job &job,
         = [&](const char *name, const ArchiveTask::Start &start, const ArchiveTask::Check &check) {
               return new ArchiveTask(QString::fromLatin1(name), cancel, start, check);
           };
-    // The temporary folder is made behind the checks: it may lie in the folder to pack.
+    // The temporary folder is created after the checks: it may be inside the folder to pack.
     QList<AsyncTask *> tasks{
         new SyncTask(&job, QStringLiteral("inspectFolder"), nullptr),
         step("Check names and 7-Zip", [&job] { return job.checkStart(); }),
-        step("Check sizes and room", [&job] { return job.checkSizes(); }),
+        step("Check sizes and disk space", [&job] { return job.checkSizes(); }),
         step("Log the machine", [&job] { return job.logMachine(); }),
     };
     if (!options.clusterTools.isEmpty())
@@ -76,7 +76,7 @@ int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("results-archive"));
-    // The library tells each call of 7-Zip on Qt's debug channel; here the log is enough.
+    // SevenZip writes the arguments of 7-Zip to Qt's debug channel, which is not needed here.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
     QElapsedTimer time;
     time.start();

@@ -16,7 +16,7 @@ is_installed() {
     [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
 }
 
-# need PACKAGE...: installs the Debian packages that are not there yet.
+# need PACKAGE...: installs the Debian packages that are missing.
 need() {
     local missing=() package
     for package in "$@"; do
@@ -30,8 +30,8 @@ need() {
 }
 
 need_build_tools() {
-    need g++ cmake ninja-build ccache qtbase5-dev 7zip
+    need g++ cmake ninja-build ccache qtbase5-dev 7zip python3
     export CCACHE_DIR=${CCACHE_DIR:-$cache_home/ccache}
-    # A clone in another folder shares the cached objects.
+    # Clones in other folders share the cached objects.
     export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$project} CCACHE_NOHASHDIR=1
 }

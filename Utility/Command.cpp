@@ -77,6 +77,7 @@ void waitForEnd(QProcess &process)
            && process.waitForReadyRead(static_cast<int>(deadline.remainingTime()))) { }
 }
 
+// Kept for compatibility: see "Logged command" in docs/compatibility.md.
 void logCall(Log &log, const Platform::ShellCall &call)
 {
     QString line = QStringLiteral("Command:") + call.displayName + QLatin1Char(' ');
@@ -145,6 +146,7 @@ int Command::runQ(const QString &command)
 int Command::runNoWait(const QString &command, bool logIt, const QString &workingDirectory)
 {
     // Never deleted: deleting the object would end the process.
+    // Kept for compatibility: see "Command that nobody waits for" in docs/compatibility.md.
     auto *process = new QProcess;
     const Platform::ShellCall call = Platform::callOfText(command);
     if (logIt && log)

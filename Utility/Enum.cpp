@@ -22,6 +22,7 @@ Enum::Enum(const QString &type, const QString &string, int value)
     init(type, string, value);
 }
 
+// Kept for compatibility: see "Automatic values" in docs/compatibility.md.
 Enum::Enum(const QString &type, const QString &string)
     : Enum(type, string, count(type))
 {

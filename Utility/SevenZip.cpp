@@ -206,6 +206,7 @@ void SevenZip::setUncompressedSize(qint64 size)
 void SevenZip::setCommandFinished()
 {
     // The latest command decides, also when an earlier one ends after it was started.
+    // Kept for compatibility: see "Signal of the latest operation" in docs/compatibility.md.
     switch (currentCommand_ ? currentCommand_->kind() : -1) {
     case SevenZipCommand::Compress:
         Q_EMIT compressionFinished();
@@ -221,6 +222,7 @@ void SevenZip::setCommandFinished()
     }
 }
 
+// Kept for compatibility: see "Unknown types and methods" in docs/compatibility.md.
 QString SevenZip::typeArg(Type type)
 {
     switch (type) {

@@ -67,6 +67,7 @@ QString Version::toString() const
 QString Version::toPublic() const
 {
     // Later majors have no name of their own here; that of this build is Public.
+    // Kept for compatibility: see "Public names of versions" in docs/compatibility.md.
     switch (major_) {
     case 9:
         return QStringLiteral("v9");

@@ -12,6 +12,7 @@ constexpr int PieceSize = 255;
 
 const int LogHeadSize = AmountToTruncate + PieceSize + 1;
 
+// Kept for compatibility: see "Long line in a truncated log" in docs/compatibility.md.
 qint64 truncationOffset(const QByteArray &head)
 {
     if (head.size() <= AmountToTruncate)

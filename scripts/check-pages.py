@@ -90,7 +90,7 @@ def check_links(page, text):
 
 def check_code(word, project):
     """A problem with a word in `code font`, or nothing."""
-    function = re.fullmatch(r"(?:(\w+)::)?(\w+)\(.*\)", word)
+    function = re.fullmatch(r"(?:(\w+)::)?(\w+)\(\)", word)
     member = re.fullmatch(r"([A-Z]\w+)::(\w+)", word)
     if re.fullmatch(r"tst_\w+", word):
         return None if word in project.tests else f"there is no test {word}"

@@ -9,7 +9,7 @@ namespace Vorn::Util::Formats {
 
 std::optional<ArchiverVersion> versionInBanner(const QByteArray &line)
 {
-    // The words between may be "(a)", "[64]" and the like.
+    // Between "7-Zip" and the version there can be words such as "(a)" and "[64]".
     static const QRegularExpression banner(
         QStringLiteral("^7-Zip (?:[(\\[][^ ]*[)\\]] )*([0-9]{1,4})\\.([0-9]{2})\\b"));
     const QRegularExpressionMatch match = banner.match(QString::fromLatin1(line));
@@ -38,8 +38,8 @@ QStringList archiverArguments(ArchiverDialect dialect, ArchiverOperation operati
         return arguments;
     QStringList all = arguments;
     all << QStringLiteral("-spd") << QStringLiteral("-sccUTF-8");
-    // An empty password: the program ends with a fatal error where it would ask for one otherwise.
-    // In a compression the switch asks for the password that encrypts.
+    // With "-p" the password is empty: instead of asking for one, the program ends with a fatal
+    // error. Not for a compression, where the switch makes the program ask for a new password.
     if (operation != ArchiverOperation::Compress)
         all << QStringLiteral("-p");
     if (operation == ArchiverOperation::Extract && dialect != ArchiverDialect::From934)

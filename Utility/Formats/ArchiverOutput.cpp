@@ -13,7 +13,7 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-// One digit or more and nothing else. A size may be greater than any integer type holds.
+// At least one digit and nothing else. A number may be too large for every integer type.
 bool isDecimalNumber(const QString &text)
 {
     return !text.isEmpty() && std::all_of(text.begin(), text.end(), [](QChar c) {
@@ -28,14 +28,14 @@ QByteArray withoutLineEnd(QByteArray line)
     return line;
 }
 
-// ---- The form up to 9.33, and that of a program whose version is not known to be newer ----
+// ---- The output format up to 9.33, also for a "7z.exe" of unknown version ----
 
 QString simplifiedLatin1(const QByteArray &line)
 {
     return QString::fromLatin1(line).simplified();
 }
 
-// What follows the first \a count blanks; nothing when there are fewer.
+// The text after the first \a count blanks; empty if there are fewer.
 QString afterBlanks(const QString &line, int count)
 {
     return line.section(QLatin1Char(' '), count);
@@ -98,8 +98,8 @@ private:
             events_.method(afterBlanks(line, 2));
     }
 
-    // Date, time, attributes, size, then the packed size where there is one. Without it a name
-    // loses a first word that is a number.
+    // Date, time, attributes, size, packed size, name. The packed size may be missing. Then, if the
+    // first word of the name is a number, it is taken for the packed size.
     // Kept for compatibility: see "Entries of a listing" in docs/compatibility.md.
     void readEntry(const QString &line)
     {
@@ -109,7 +109,7 @@ private:
         events_.file(parts.join(QLatin1Char(' ')));
     }
 
-    // Every line after the table counts, so the last one holds.
+    // Every line after the table is read as the totals, so the last one counts.
     // Kept for compatibility: see "Totals of a listing" in docs/compatibility.md.
     void readTotals(const QString &line)
     {
@@ -121,10 +121,10 @@ private:
     Block block_ = Header;
 };
 
-// ---- The forms since 9.34 ----
+// ---- The output formats since 9.34 ----
 
-// Tells which lines of a header are a text of several lines, such as an archive's comment, which
-// may hold anything.
+// Recognises the lines of a multi-line text in the header, such as the comment of an archive. They
+// must be skipped, because they can contain anything.
 class CommentFilter
 {
 public:
@@ -148,7 +148,7 @@ public:
         return isInBraces_ || isEndless_;
     }
 
-    /// Inside a comment without braces, whose end cannot be seen.
+    // In a comment without braces. It has no mark for its end.
     bool isEndless() const { return isEndless_; }
 
 private:
@@ -163,7 +163,8 @@ QString headerText(const QByteArray &line, int keyLength)
     return QString::fromUtf8(line.mid(keyLength));
 }
 
-// "LZMA2:12 BCJ" becomes "LZMA2": the first method that callers can name, without parameters.
+// The first method in the list that SevenZip::Method contains, without its parameters: "LZMA2" for
+// "LZMA2:12 BCJ".
 QString plainMethod(const QString &methods)
 {
     static const QStringList known{QStringLiteral("Copy"), QStringLiteral("Deflate"),
@@ -178,7 +179,7 @@ QString plainMethod(const QString &methods)
     return methods;
 }
 
-// A row of the table. Every column has its place, and may be empty:
+// A row of the table. Each column has a fixed position and may be empty:
 // "2024-02-29 12:34:56 ....A          292          139  a.txt"
 class Row
 {
@@ -192,7 +193,7 @@ public:
 
     bool hasName() const { return line_.size() >= packedEnd_ + 2; }
 
-    // Of an entry the name, of the totals the count of files.
+    // In the row of an entry its name, in the totals the number of files.
     QString name() const { return QString::fromUtf8(line_.mid(packedEnd_ + 2)); }
 
     QByteArray size() const { return line_.mid(SizeAt, sizeEnd_ - SizeAt).trimmed(); }
@@ -202,7 +203,7 @@ private:
     static constexpr int SizeAt = 26;
     static constexpr int NumberWidth = 12;
 
-    // A number of more digits than its column has pushes what follows to the right.
+    // A number with more digits than its column is wide moves the following columns to the right.
     int endOfNumber(int end) const
     {
         while (end < line_.size() && isDigit(line_.at(end)))
@@ -265,7 +266,7 @@ private:
             events_.file(row.name());
     }
 
-    // There is one line of totals; what follows it are warnings.
+    // There is one line of totals. Warnings may follow.
     void readTotals(const QByteArray &line)
     {
         const Row row(line);
@@ -315,7 +316,7 @@ private:
     ArchiverEvents &events_;
 };
 
-// Since 15.05: "- NAME" for every file, with a separator at the end for a folder.
+// Since 15.05: "- NAME" for every entry. The name of a folder ends with a separator.
 class ExtractionReader : public ArchiverReader
 {
 public:
@@ -326,8 +327,8 @@ public:
     {
     }
 
-    // Names and totals may come in any order: some versions print a line break in a name as it is,
-    // and what follows it can look like totals.
+    // Names are also read after totals: some versions print a line break in a name unchanged, and
+    // the rest of the name can look like totals.
     void readLine(const QByteArray &bytes) override
     {
         const QByteArray line = withoutLineEnd(bytes);
@@ -349,8 +350,10 @@ private:
         events_.file(QString::fromUtf8(name));
     }
 
-    // A comment without braces and the names look alike, when the comment is a list. There is an
-    // empty line in front of the names and, after a fatal error only, another one after them.
+    // A comment without braces can contain lines that look like names ("- NAME"). So these lines
+    // are collected until the line "Everything is Ok" or an error. There is an empty line before
+    // the names: lines collected before it belong to the comment. An empty line before an error
+    // does not count.
     void readAfterComment(const QByteArray &line)
     {
         if (!comments_.isEndless())

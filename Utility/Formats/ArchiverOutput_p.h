@@ -9,8 +9,8 @@
 
 namespace Vorn::Util::Formats {
 
-/// Receives what an archiver reports, in the order of its output. What the output does not hold is
-/// not reported; a number that cannot be read is 0.
+/// Receives what a reader finds in the output of an archiver, in the order of the output. What the
+/// output does not contain is not reported. A number that cannot be read is 0.
 class ArchiverEvents
 {
 public:
@@ -33,7 +33,7 @@ class ArchiverReader
 public:
     virtual ~ArchiverReader() = default;
 
-    /// Takes the lines in order, each as it was printed; its line end may be missing.
+    /// Reads the next line, as it was printed, with or without its line end.
     virtual void readLine(const QByteArray &line) = 0;
 
 protected:
@@ -41,9 +41,9 @@ protected:
     Q_DISABLE_COPY(ArchiverReader)
 };
 
-/// The reader of an extraction or a listing by a program that speaks \a dialect and puts
-/// \a separator between the folders of a name. \a events must outlive it. A compression has no
-/// reader: the result is null.
+/// Creates the reader for the output of an extraction or a listing by a program of the given
+/// \a dialect. \a separator is the separator of folders in the names that it prints. The reader
+/// reports to \a events, which must exist longer. Null for a compression, whose output is not read.
 std::unique_ptr<ArchiverReader> makeArchiverReader(ArchiverDialect dialect, char separator,
                                                    ArchiverOperation operation,
                                                    ArchiverEvents &events);

@@ -4,7 +4,7 @@
 
 namespace Vorn::Util::Formats {
 
-/// True when \a text holds a character outside 7-bit ASCII.
+/// Whether \a text contains a character outside 7-bit ASCII.
 bool isUnicodeText(const QString &text);
 
 } // namespace Vorn::Util::Formats

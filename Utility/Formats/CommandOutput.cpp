@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t PieceSize = 199;
 
-// What one read returns: the bytes up to a line end, but not more than a piece.
+// The bytes up to and including the line end, but at most PieceSize.
 std::string_view firstPiece(std::string_view output)
 {
     const std::string_view piece = output.substr(0, PieceSize);
@@ -30,7 +30,7 @@ qint64 neededOutput(int maxLines)
     return (std::max<qint64>(maxLines, -1) + 2) * Size;
 }
 
-// Two lines more than asked for, and an empty line for no output.
+// Returns two lines more than asked for, and one empty line for no output.
 // Kept for compatibility: see "Command output" in docs/compatibility.md.
 QStringList outputLines(std::string_view output, int maxLines)
 {

@@ -6,13 +6,14 @@
 
 namespace Vorn::Util::Formats {
 
-/// The number of bytes from the beginning of a command's output that outputLines() can need for
-/// \a maxLines.
+/// The maximum number of bytes of a command's output that outputLines() reads for \a maxLines.
 qint64 neededOutput(int maxLines);
 
-/// The lines that a caller gets from \a output: each with its line end, a longer line in pieces of
-/// 199 bytes, each decoded by itself from UTF-8 up to its first null byte. At most \a maxLines + 2
-/// of them, one for a negative number. No output is one empty line.
+/// Splits the output of a command into lines that include their line end. A line of more than 199
+/// bytes is split into several. Each line is read as UTF-8 up to its first null byte.
+///
+/// Returns at most \a maxLines + 2 lines, one line for a negative number, and one empty line for no
+/// output.
 QStringList outputLines(std::string_view output, int maxLines);
 
 } // namespace Vorn::Util::Formats

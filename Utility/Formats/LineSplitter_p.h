@@ -5,19 +5,19 @@
 
 namespace Vorn::Util::Formats {
 
-/// Splits the output of a program, which arrives in blocks of any size, into lines. The time is
-/// linear in the size of the output, and at most MaxLineLength bytes are kept between two blocks.
+/// Splits the output of a program into lines. The output is added in blocks of any size. The time
+/// is linear in the size of the output. At most MaxLineLength bytes are kept between two blocks.
 class LineSplitter
 {
 public:
-    /// In bytes. The rest of a longer line is dropped.
+    /// The maximum length in bytes. The rest of a longer line is dropped.
     static constexpr int MaxLineLength = 1 << 20;
 
-    /// The lines that end in \a block, each with one line feed at its end.
+    /// Adds a block and returns the lines that end in it, each with a line feed at its end.
     QList<QByteArray> add(const QByteArray &block);
 
 private:
-    QByteArray begun_; // the line that has not ended yet
+    QByteArray begun_; // the beginning of a line whose end has not been added yet
 };
 
 } // namespace Vorn::Util::Formats

@@ -13,7 +13,7 @@ NodeLine nodeOf(const QStringList &parts)
     node.cores = parts.at(1).toInt();
     node.sockets = parts.at(2).toInt();
     const double quantity = parts.at(3).toDouble();
-    node.quantity = std::isnan(quantity) ? 0 : quantity; // "nan" is not a number
+    node.quantity = std::isnan(quantity) ? 0 : quantity; // toDouble() accepts the text "nan"
     const QString &roles = parts.at(4);
     node.isHeadNode = roles.contains(QLatin1String("headnodes"), Qt::CaseInsensitive);
     node.isComputeNode = roles.contains(QLatin1String("computenodes"), Qt::CaseInsensitive);

@@ -6,7 +6,7 @@
 
 namespace Vorn::Util::Formats {
 
-/// A node of the cluster, as the cluster tool prints it.
+/// A node in the output of the cluster tool.
 struct NodeLine
 {
     QString name;
@@ -17,8 +17,9 @@ struct NodeLine
     bool isComputeNode = false;
 };
 
-/// The nodes with a role in  lines, which the cluster tool printed, up to the first line that
-/// contains "Error:". A line reads "name:cores:sockets:quantity:roles".
+/// Reads the nodes in the output of the cluster tool. A line has the form
+/// "name:cores:sockets:quantity:roles". A node that is neither a head node nor a compute node is
+/// skipped. Reading stops at the first line that contains "Error:".
 QList<NodeLine> parseNodeLines(const QStringList &lines);
 
 } // namespace Vorn::Util::Formats

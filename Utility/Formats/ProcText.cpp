@@ -8,7 +8,8 @@ namespace Vorn::Util::Formats {
 
 namespace {
 
-// The bytes of a number such as "   1024 kB"; -1 for what is not one or too large.
+// Reads a number of KiB such as "   1024 kB" and returns bytes; -1 if it is not a number or is too
+// large.
 qint64 kibibytesAt(const char *position)
 {
     constexpr qint64 Unit = 1024;
@@ -25,7 +26,8 @@ qint64 kibibytesAt(const char *position)
 
 ProcessorTime readProcessorTime(const char *text)
 {
-    // user, nice, system, idle, iowait, irq, softirq, steal; guests are in user and nice already.
+    // user, nice, system, idle, iowait, irq, softirq, steal. The columns after them (guest times)
+    // are already contained in user and nice.
     constexpr int Columns = 8;
     constexpr int Idle = 3;
     constexpr int IoWait = 4;
@@ -37,7 +39,7 @@ ProcessorTime readProcessorTime(const char *text)
         while (*position == ' ')
             ++position;
         if (*position < '0' || *position > '9')
-            break; // the end of the line: older systems have fewer columns
+            break; // end of the line: older kernels have fewer columns
         quint64 ticks = 0;
         for (; *position >= '0' && *position <= '9'; ++position)
             ticks = ticks * 10 + static_cast<quint64>(*position - '0');
@@ -52,7 +54,8 @@ long loadBetween(const ProcessorTime &before, const ProcessorTime &after)
 {
     if (after.total <= before.total)
         return -1;
-    // The time spent waiting may run backwards a little.
+    // The kernel can report a little less iowait time than before, so that busy grows by more than
+    // total. Limit the result to 0 to 100.
     const quint64 total = after.total - before.total;
     const quint64 busy = after.busy > before.busy ? after.busy - before.busy : 0;
     return static_cast<long>(busy >= total ? 100 : busy * 100 / total);
@@ -69,7 +72,7 @@ long LoadMeter::load(const char *sample)
     if (now.total == 0)
         return -1;
     if (now.total < last_.total)
-        last_ = now; // the count began anew
+        last_ = now; // the kernel's counter was reset
     const long load = loadBetween(last_, now);
     if (load >= 0) {
         load_ = load;

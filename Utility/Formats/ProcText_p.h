@@ -4,27 +4,27 @@
 
 namespace Vorn::Util::Formats {
 
-/// Processor time in the system's ticks, from the first line of a text such as /proc/stat.
+/// The time of all processors since the start of the system, in clock ticks.
 struct ProcessorTime
 {
     quint64 busy = 0;
-    quint64 total = 0; ///< 0 when the text does not tell
+    quint64 total = 0; ///< 0 if the text does not contain it
 };
 
-/// \a text is zero-terminated.
+/// Reads the first line of /proc/stat. \a text is null-terminated.
 ProcessorTime readProcessorTime(const char *text);
 
-/// The load in percent between two readings, rounded down; -1 when no time has passed.
+/// The load between two points in time in percent, rounded down; -1 if no time has passed.
 long loadBetween(const ProcessorTime &before, const ProcessorTime &after);
 
-/// The load of the time between samples, each a zero-terminated text such as /proc/stat.
+/// Computes the load between samples. A sample is the null-terminated content of /proc/stat.
 class LoadMeter
 {
 public:
     explicit LoadMeter(const char *firstSample);
 
-    /// The load in percent since the sample before; -1 for a sample that does not tell. Within one
-    /// tick of the system's clock it is that of the interval before.
+    /// The load since the previous sample in percent; -1 if \a sample cannot be read. Returns the
+    /// previous result if less than a clock tick has passed.
     long load(const char *sample);
 
 private:
@@ -32,8 +32,8 @@ private:
     long load_ = 0;
 };
 
-/// The bytes behind \a key (such as "MemAvailable:") in a text such as /proc/meminfo; -1 when it
-/// is not there or no number. \a text is zero-terminated.
+/// Reads the value after \a key (for example "MemAvailable:") in /proc/meminfo. \a text is
+/// null-terminated. Returns bytes; -1 if the key is missing or its value is not a number.
 qint64 readMemoryBytes(const char *text, const char *key);
 
 } // namespace Vorn::Util::Formats

@@ -29,7 +29,7 @@ void count(ProcessorCounts &counts, quint32 kind)
         ++counts.packages;
 }
 
-// Calls without a buffer for the length, then with one.
+// Calls the function twice: without a buffer to get the size, then with a buffer.
 CallOutcome read(const RecordsCall &call, QByteArray &records)
 {
     quint32 length = 0;
@@ -43,7 +43,7 @@ CallOutcome read(const RecordsCall &call, QByteArray &records)
     return outcome;
 }
 
-// One online logical processor. Core numbers repeat from package to package.
+// An online logical processor. The same core number can occur in several packages.
 struct LogicalProcessor
 {
     QString package;
@@ -53,7 +53,7 @@ struct LogicalProcessor
 ProcessorCounts countLogicalProcessors(const QVector<LogicalProcessor> &processors)
 {
     QSet<QString> packages;
-    QStringList cores; // in the system's order
+    QStringList cores; // in the order of the system
     QHash<QString, int> threads;
     for (const LogicalProcessor &processor : processors) {
         packages.insert(processor.package);
@@ -76,14 +76,14 @@ QString contentsOf(const QString &fileName)
                                           : QString();
 }
 
-// A number that the system gives; an empty text for "-1" and for what is not there.
+// The number in a file; empty if the file does not exist or contains "-1".
 QString idOf(const QString &fileName)
 {
     const QString id = contentsOf(fileName);
     return id.startsWith(QLatin1Char('-')) ? QString() : id;
 }
 
-// "0-3,8" as 0, 1, 2, 3, 8.
+// Reads a list such as "0-3,8": 0, 1, 2, 3, 8.
 QVector<int> numbersOf(const QString &list)
 {
     constexpr int MostProcessors = 65536;
@@ -107,7 +107,7 @@ QVector<int> numbersOf(const QString &list)
 ProcessorCounts countExtendedRecords(const QByteArray &records)
 {
     constexpr int SizeAt = 4;
-    constexpr int FlagsAt = 8; // behind the header
+    constexpr int FlagsAt = 8; // after the header
     constexpr char SmtFlag = 1;
     ProcessorCounts counts;
     for (int offset = 0; offset + FlagsAt <= records.size();) {
@@ -117,7 +117,7 @@ ProcessorCounts countExtendedRecords(const QByteArray &records)
         if (size < smallest || size > static_cast<quint32>(records.size() - offset))
             break;
         count(counts, kind);
-        // Each core overwrites the value of the one before.
+        // Each core overwrites the value of the previous one.
         // Kept for compatibility: see "Hyper-threading of the last core" in docs/compatibility.md.
         if (kind == CoreRecord)
             counts.smt = records.at(offset + FlagsAt) == SmtFlag;
@@ -162,7 +162,7 @@ ProcessorCounts countSysfs(const QString &folder)
     for (int number : numbers) {
         const QString topology
             = QStringLiteral("%1/cpu%2/topology/").arg(folder, QString::number(number));
-        // Without a core number every logical processor is a core of its own.
+        // Without a core number each logical processor counts as a core.
         const QString core = idOf(topology + QStringLiteral("core_id"));
         const QString die = idOf(topology + QStringLiteral("die_id"));
         processors.append(

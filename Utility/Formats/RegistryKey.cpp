@@ -8,8 +8,8 @@ namespace Vorn::Util::Formats {
 
 namespace {
 
-// A whole decimal number in the range of a 32-bit long, as wcstol reads it (blanks and a sign in
-// front are allowed); a negative one for anything else.
+// Reads a text that is a decimal number in the range of 32-bit long, like wcstol(): white space and
+// a sign may come before it. Negative for any other text.
 int releaseNumber(const QString &text)
 {
     int digits = 0;

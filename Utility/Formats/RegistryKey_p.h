@@ -7,15 +7,15 @@
 
 namespace Vorn::Util::Formats {
 
-/// The names of a key's subkeys, in the store's order.
+/// Returns the names of the subkeys of a key, in the order of the settings.
 using SubkeyNames = std::function<QStringList(const QString &keyPath)>;
 
-/// The key that a caller's key path means. \a subkeys is asked for a path that ends with a release
-/// such as "24.x".
+/// The key that is meant by the argument \a keyPath of Registry::readRegistryValue(). \a subkeys is
+/// called only if \a keyPath ends with a release such as "24.x".
 QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys);
 
-/// The name among \a names that is the greatest release of \a release ("24.x"); a null text when
-/// there is none.
+/// The name in \a names with the greatest number after the dot that belongs to \a release: "24.10"
+/// for "24.x" and the names "24.9", "24.10" and "25.0". Null if there is none.
 QString greatestRelease(const QString &release, const QStringList &names);
 
 } // namespace Vorn::Util::Formats

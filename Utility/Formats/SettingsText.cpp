@@ -8,11 +8,11 @@ namespace Vorn::Util::Formats {
 
 namespace {
 
-// A group or a value, with its position in the content.
+// The header of a group or a value, with its position in the content.
 struct Entry
 {
     QString group;
-    QString key; // of a value: the group and the name; of a group: null
+    QString key; // group and name of a value; null for a header
     int begin;
     int valueBegin;
     int end;
@@ -34,7 +34,7 @@ int endOfLine(const QByteArray &content, int from)
                             - content.cbegin());
 }
 
-// The first position from \a from on that is neither white space nor in a comment.
+// The position of the first byte, starting at \a from, that is not in white space or a comment.
 int beginOfEntry(const QByteArray &content, int from)
 {
     for (; from < content.size(); ++from) {
@@ -46,8 +46,8 @@ int beginOfEntry(const QByteArray &content, int from)
     return content.size();
 }
 
-// The bytes of an escape sequence or a continued line after its backslash. Both "\r\n" and "\n\r"
-// are one line break.
+// The number of characters after a backslash that belong to it: 1, or 2 for the line breaks "\r\n"
+// and "\n\r".
 template <typename Text> int escapeSize(const Text &text, int position)
 {
     const auto isAt = [&](int index, char character) {
@@ -58,7 +58,7 @@ template <typename Text> int escapeSize(const Text &text, int position)
     return isPair ? 2 : 1;
 }
 
-// Sets the end of an entry and, for a value, where the text of its value begins.
+// Sets the end of an entry and, if it contains "=", the beginning of the value after it.
 void findEnd(const QByteArray &content, Entry &entry)
 {
     bool isQuoted = false;
@@ -74,10 +74,10 @@ void findEnd(const QByteArray &content, Entry &entry)
         else if (!isQuoted && character == '=' && entry.valueBegin < 0)
             entry.valueBegin = entry.end + 1;
     }
-    entry.end = content.size(); // a backslash may be the last character
+    entry.end = content.size(); // it can be greater if the last character is a backslash
 }
 
-// A name without its escapes: "%20", "%U65E5", and "\" for "/".
+// Decodes a name: "%20" and "%U65E5" are characters by their number, "\" is "/".
 QString plainName(const QByteArray &bytes)
 {
     const QString name = QString::fromUtf8(bytes);
@@ -102,7 +102,7 @@ QString groupName(const QByteArray &entry)
 {
     const QByteArray name = entry.mid(1, entry.indexOf(']') - 1).trimmed();
     if (name.compare("general", Qt::CaseInsensitive) == 0)
-        return QString(); // values without a group
+        return QString(); // "General" contains the values without a group
     return name.compare("%general", Qt::CaseInsensitive) == 0 ? QString::fromLatin1(name.mid(1))
                                                               : plainName(name);
 }
@@ -139,10 +139,11 @@ int digitValue(QChar character)
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 16;
 }
 
-// Appends the UTF-16 unit that \a raw has in digits at \a position. Returns the position after it.
+// Reads a number in digits of \a base at \a position of \a raw and appends it as a UTF-16 unit.
+// Returns the position after the digits.
 int appendUnit(const QString &raw, int position, int base, QString &text)
 {
-    ushort unit = 0; // too large a number wraps, as in Qt
+    ushort unit = 0; // overflows for a large number, as in QSettings
     const int begin = position;
     for (; position < raw.size() && digitValue(raw.at(position)) < base; ++position)
         unit = static_cast<ushort>(unit * base + digitValue(raw.at(position)));
@@ -151,8 +152,8 @@ int appendUnit(const QString &raw, int position, int base, QString &text)
     return position;
 }
 
-// Appends what the escape sequence at \a position, after its backslash, stands for: nothing for a
-// line break and for an unknown one. Returns the position after it.
+// Decodes the escape sequence whose backslash is before \a position, and appends the result:
+// nothing for a line break and for an unknown sequence. Returns the position after the sequence.
 int appendEscaped(const QString &raw, int position, QString &text)
 {
     if (position >= raw.size())
@@ -170,13 +171,13 @@ int appendEscaped(const QString &raw, int position, QString &text)
     return position + escapeSize(raw, position);
 }
 
-// A value without its quotation marks, escapes and blanks around it.
+// Decodes a value: removes quotation marks and the blanks around it, and decodes escapes.
 QString plainValue(const QString &raw)
 {
     QString text;
     bool isQuoted = false;
     bool wasQuoted = false;
-    int kept = 0; // length of the text up to its last escape; blanks before that stay
+    int kept = 0; // the length up to the last escape; blanks in this part are not removed
     const auto afterBlanks = [&raw](int position) {
         while (position < raw.size() && isBlank(raw.at(position)))
             ++position;
@@ -194,7 +195,7 @@ QString plainValue(const QString &raw)
         } else {
             text += character;
             if (character == QLatin1Char(',') && !isQuoted)
-                wasQuoted = false; // the blanks at the end are those of the last part
+                wasQuoted = false; // only quotation marks after the last comma keep the blanks
         }
     }
     while (!wasQuoted && text.size() > kept && isBlank(text.at(text.size() - 1)))
@@ -202,7 +203,7 @@ QString plainValue(const QString &raw)
     return text;
 }
 
-// The text that QSettings stores in this form.
+// The text that QSettings has stored as \a stored.
 QString textOfStored(const QString &stored)
 {
     const auto isOf = [&](const char *type) {
@@ -241,10 +242,10 @@ QByteArray escapedName(const QString &name)
 
 QByteArray escapedValue(const QString &text)
 {
-    // A text that begins with "@" would be read as one that stands for another type.
+    // An "@" at the beginning must be doubled: a single one marks the type of a value.
     const QString stored = text.startsWith(QLatin1Char('@')) ? QLatin1Char('@') + text : text;
     QByteArray escaped;
-    bool isAfterNumber = false; // a digit would become part of the number
+    bool isAfterNumber = false; // then a hexadecimal digit must be escaped, too
     for (const QChar character : stored) {
         const bool isPrintable = character.unicode() >= 0x20 && character.unicode() < 0x7F;
         const bool isNumber = !isPrintable || (isAfterNumber && digitValue(character) < 16);
@@ -282,7 +283,7 @@ QByteArray withSettingsText(const QByteArray &content, const QString &group, con
     const std::vector<Entry> entries = entriesOf(content);
     const QByteArray line = escapedName(name) + '=' + escapedValue(text);
 
-    // Of several values of one key the last one counts.
+    // If there are several values with the same key, the last one counts.
     const auto value = std::find_if(entries.crbegin(), entries.crend(), [&](const Entry &entry) {
         return entry.key == group + QLatin1Char('/') + name;
     });

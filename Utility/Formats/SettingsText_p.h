@@ -6,20 +6,19 @@
 
 namespace Vorn::Util::Formats {
 
-/// The values of a settings file by their keys ("24.0/Locale"), from its content in UTF-8.
+/// Reads the values of a settings file. \a content is its content in UTF-8. The keys of the result
+/// are the group and the name, for example "24.0/Locale".
 ///
-/// The file has the form that QSettings reads and writes: groups, quotation marks, escapes,
-/// comments and continued lines mean the same. Three things differ:
-/// - Every value is one text, in which a comma has no meaning.
-/// - A value of another type than a text or a byte array is read as the text that stands for it in
-///   the file.
-/// - Names of groups and values are read as UTF-8. QSettings reads them as Latin-1, whatever its
-///   codec.
+/// The file format is that of QSettings: groups, quotation marks, escapes, comments and continued
+/// lines have the same meaning. There are three differences:
+/// - Each value is one text; a comma has no special meaning.
+/// - A value that is neither a text nor a byte array is read as its text in the file.
+/// - The names of groups and values are read as UTF-8. QSettings always reads them as Latin-1.
 QMap<QString, QString> settingsTexts(const QByteArray &content);
 
-/// \a content with the value \a name of the group \a group, which is not empty, set to \a text.
-/// Every other byte stays as it is. The new value is written in ASCII, with the escapes of
-/// QSettings, so that every program reads the same text whatever its codec.
+/// Returns \a content with the value \a name of the group \a group set to \a text. \a group must
+/// not be empty. All other bytes are unchanged. The value is written in ASCII with the escapes of
+/// QSettings, so that programs read the same text with every codec.
 QByteArray withSettingsText(const QByteArray &content, const QString &group, const QString &name,
                             const QString &text);
 

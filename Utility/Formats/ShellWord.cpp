@@ -20,7 +20,7 @@ QString shellWord(const QByteArray &bytes)
         quoted.replace('\'', "'\\''");
         return QLatin1Char('\'') + QString::fromLatin1(quoted) + QLatin1Char('\'');
     }
-    // A script is written in Latin-1: bytes beyond ASCII are spelled out.
+    // Bytes outside ASCII are written as octal escapes, because a script is written in Latin-1.
     QString octal;
     for (const char byte : bytes)
         octal += QStringLiteral("\\%1").arg(static_cast<uchar>(byte), 3, 8, QLatin1Char('0'));

@@ -5,8 +5,8 @@
 
 namespace Vorn::Util::Formats {
 
-/// \a bytes as one word of a POSIX shell's command line, whatever they are. The word is plain
-/// ASCII; \a bytes must not end with a line break.
+/// Quotes \a bytes, which can be any bytes, as one word of a command line of a POSIX shell. The
+/// result is ASCII. \a bytes must not end with a line break.
 QString shellWord(const QByteArray &bytes);
 
 } // namespace Vorn::Util::Formats

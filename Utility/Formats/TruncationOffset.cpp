@@ -17,7 +17,7 @@ qint64 truncationOffset(const QByteArray &head)
 {
     if (head.size() <= AmountToTruncate)
         return head.size();
-    // The line that contains byte AmountToTruncate - 1 or, when that byte ends a line, the next one.
+    // The line that contains byte AmountToTruncate - 1, or the next one if this byte is a line end.
     const int lineStart = head.lastIndexOf('\n', AmountToTruncate - 1) + 1;
     const int nextPiece = lineStart + PieceSize * ((AmountToTruncate - lineStart) / PieceSize + 1);
     const int lineEnd = head.indexOf('\n', AmountToTruncate);

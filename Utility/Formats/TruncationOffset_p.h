@@ -5,19 +5,20 @@
 
 namespace Vorn::Util::Formats {
 
-/// The bytes at the beginning of a log that a truncation removes at least.
+/// The minimum number of bytes at the beginning of a log that a truncation removes.
 constexpr int AmountToTruncate = 1048576;
 
-/// The bytes at the beginning of a log that truncationOffset() needs at most.
+/// The maximum number of bytes at the beginning of a log that truncationOffset() reads.
 extern const int LogHeadSize;
 
-/// The offset of the part of a log that a truncation keeps. A log is read in pieces: a line with its
-/// line end is one piece, a longer line is several pieces of 255 bytes. The kept part begins at the
-/// first piece that starts more than AmountToTruncate bytes into the file. In a long line this can
-/// be in the middle of the line, even of a character.
+/// The offset of the part of a log that a truncation keeps.
 ///
-/// \a head is the beginning of the log, LogHeadSize bytes long or, for a shorter log, all of it.
-/// Returns the length of \a head when nothing is kept.
+/// The log is divided into pieces. A line with its line end is a piece; a line of more than 255
+/// bytes is several pieces of 255 bytes. The kept part begins with the first piece whose offset is
+/// greater than AmountToTruncate. In a long line this can be in the middle of a character.
+///
+/// \a head is the beginning of the log: LogHeadSize bytes, or the whole log if it is shorter. If
+/// nothing is kept, returns the length of \a head.
 qint64 truncationOffset(const QByteArray &head);
 
 } // namespace Vorn::Util::Formats

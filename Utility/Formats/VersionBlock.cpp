@@ -1,5 +1,5 @@
-// Reads the version block of a Windows program file without Windows's help. The file may hold
-// anything: every number is checked before it is used as a place.
+// Reads the version block of a Windows program file (PE format) without Windows. The file may be
+// damaged: each offset in it is checked before it is used.
 
 #include <Utility/Formats/VersionBlock_p.h>
 
@@ -26,7 +26,7 @@ public:
         return offset <= size && length <= size - offset;
     }
 
-    // 0 beyond the end.
+    // The number at \a offset; 0 after the end of the file.
     quint32 dword(quint64 offset) const { return number<quint32>(offset); }
     quint16 word(quint64 offset) const { return number<quint16>(offset); }
 
@@ -44,14 +44,14 @@ private:
 
 constexpr quint32 DirectoryFlag = 0x80000000u;
 
-// The table of the sections: which parts of the file lie where in memory.
+// The section table: it maps parts of the file to addresses in memory.
 struct Sections
 {
     quint64 table = 0;
     quint16 count = 0;
 };
 
-// Where in the file the memory's \a address lies; 0 when it is not from the file.
+// The offset in the file of the memory address \a address; 0 if the address is in no section.
 quint64 offsetOf(const Bytes &file, const Sections &sections, quint32 address)
 {
     for (quint64 index = 0; index < sections.count; ++index) {
@@ -64,12 +64,12 @@ quint64 offsetOf(const Bytes &file, const Sections &sections, quint32 address)
     return 0;
 }
 
-// Where the resources begin; 0 when there are none.
+// The offset of the resources, 0 if there are none. Also sets \a sections.
 quint64 findResources(const Bytes &file, Sections &sections)
 {
     constexpr quint32 PeSignature = 0x00004550;
     constexpr quint16 DosSignature = 0x5a4d;
-    constexpr quint16 Plus = 0x20b; // 64-bit form of the optional header
+    constexpr quint16 Plus = 0x20b; // PE32+, the 64-bit form of the optional header
     const quint64 header = file.dword(0x3c);
     if (file.word(0) != DosSignature || file.dword(header) != PeSignature)
         return 0;
@@ -83,8 +83,8 @@ quint64 findResources(const Bytes &file, Sections &sections)
     return address == 0 ? 0 : offsetOf(file, sections, address);
 }
 
-// The place that the entry \a id of the directory at \a directory names, or its first entry for
-// id 0; 0 when there is none.
+// The offset in the entry \a id of the resource directory \a directory, or in its first entry if
+// \a id is 0. 0 if there is no such entry.
 quint32 entryOf(const Bytes &file, quint64 resources, quint32 directory, quint32 id)
 {
     const quint64 start = resources + directory;
@@ -97,7 +97,8 @@ quint32 entryOf(const Bytes &file, quint64 resources, quint32 directory, quint32
     return 0;
 }
 
-// Resources are a tree of three levels: kind, name, language.
+// The offset of the version block; 0 if there is none. The resources are a tree with three levels:
+// kind, name and language.
 quint64 findVersionBlock(const Bytes &file)
 {
     constexpr quint32 VersionKind = 16;
@@ -121,7 +122,7 @@ quint64 findVersionBlock(const Bytes &file)
 ProgramVersion versionInProgram(QIODevice &program)
 {
     constexpr quint32 FixedSignature = 0xfeef04bd;
-    constexpr quint64 FixedAt = 40; // behind the block's lengths, its name and the padding
+    constexpr quint64 FixedAt = 40; // after the lengths, the name and the padding of the block
     const Bytes file(program);
     const quint64 block = findVersionBlock(file);
     if (block == 0 || !file.holds(block + FixedAt, 16)

@@ -5,16 +5,15 @@
 
 namespace Vorn::Util::Formats {
 
-/// A file version in two words: major and minor number, build and revision, each the upper and
-/// the lower half. All 0 where there is none.
+/// The version of a program file. 0 if it has none.
 struct ProgramVersion
 {
-    quint32 high = 0;
-    quint32 low = 0;
+    quint32 high = 0; ///< upper half: major number, lower half: minor number
+    quint32 low = 0;  ///< upper half: build, lower half: revision
 };
 
-/// The version in the version block of a Windows program, read from the bytes of its file, whatever
-/// they are. \a program is open and can be read at any place.
+/// Reads the version block of a Windows program file. \a program is open for reading and not
+/// sequential. It may contain any bytes.
 ProgramVersion versionInProgram(QIODevice &program);
 
 } // namespace Vorn::Util::Formats

@@ -8,13 +8,12 @@ class QProcess;
 
 namespace Vorn::Util::Platform {
 
-/// The path of the archiver to run: "7z.exe" in the folder of the product, \a productFolder, or
-/// what the system offers instead. If none is found, the path of that "7z.exe", which does not
-/// exist.
+/// The path of the archiver: "7z.exe" in \a productFolder or, depending on the system, another
+/// program. If none is found, the path of "7z.exe" in \a productFolder, which does not exist.
 QString findArchiver(const QString &productFolder);
 
-/// A process in which the archiver cannot ask the user on a terminal: it would wait for ever. It is
-/// interrupted with this program all the same (Ctrl-C).
+/// A process object for the archiver. The archiver cannot use the terminal to ask the user a
+/// question, which nobody would answer. Ctrl-C in the terminal still interrupts it.
 std::unique_ptr<QProcess> makeArchiverProcess();
 
 } // namespace Vorn::Util::Platform

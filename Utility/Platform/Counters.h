@@ -7,13 +7,13 @@
 
 namespace Vorn::Util {
 
-/// The source of one sampled value of the system. Each system implements it.
+/// An open performance counter. Each system implements it.
 class SysInfo
 {
 public:
     virtual ~SysInfo() = default;
 
-    /// Takes a sample; -1 when there is none.
+    /// Takes a sample and returns the value; -1 if it cannot be read.
     virtual long getValue() = 0;
 
 protected:
@@ -25,8 +25,8 @@ private:
 
 namespace Platform {
 
-/// The source of the values of the counter \a path, with its first sample taken. Null when there
-/// is no memory for it; a source for an unknown path gives -1.
+/// Opens the counter \a path and takes the first sample. The value of an unknown counter is -1.
+/// Null if there is not enough memory.
 std::unique_ptr<SysInfo> openCounter(const QString &path);
 
 } // namespace Platform

@@ -4,11 +4,12 @@
 
 namespace Vorn::Util::Platform {
 
-/// The universal name of a path on a mapped network drive, in native form; empty for any other
-/// path and where there are no such drives.
+/// The universal name (UNC) of \a path if it is on a mapped network drive; otherwise empty, as on a
+/// system without such drives. \a path has native separators.
 QString universalName(const QString &path);
 
-/// What the drive \a drive ("X:") stands for in the system's own form; empty when there is none.
+/// The target of the drive \a drive ("X:") as a device path of the system; empty if there is no
+/// such drive.
 QString driveTarget(const QString &drive);
 
 } // namespace Vorn::Util::Platform

@@ -4,7 +4,7 @@
 
 namespace Vorn::Util::Platform {
 
-/// The value of the environment variable \a name (Latin-1); empty when it is not set.
+/// The value of the environment variable \a name (in Latin-1); empty if it is not set.
 QString environmentVariable(const char *name);
 
 } // namespace Vorn::Util::Platform

@@ -6,36 +6,37 @@ class QFile;
 
 namespace Vorn::Util::Platform {
 
-/// False when this process cannot put another file in the place of the file \a name, as far as the
-/// system tells without a try: its folder cannot be written, or the file is protected. Not for a
-/// link. Costs some system calls.
+/// Whether this process may replace the file \a name by another one, as far as this can be known
+/// without trying. False if the folder is not writable or the file is protected. \a name must not
+/// be a link. Makes some system calls.
 bool mayReplaceFile(const QString &name);
 
-/// False when this process cannot make a file in \a folder, as far as the system tells without a
-/// try, or when that is no folder. Costs one or two system calls.
+/// Whether this process may create a file in \a folder, as far as this can be known without trying.
+/// False if \a folder is not a folder. Makes one or two system calls.
 bool mayCreateFileIn(const QString &folder);
 
-/// The bytes that are free for this process on the file system of \a folder; 0 when no further file
-/// can be made there. When the system does not tell, the largest number there is.
+/// The number of bytes that this process can write to the file system of \a folder. 0 if no more
+/// files can be created. The maximum of qint64 if the system does not report the number.
 qint64 availableSpace(const QString &folder);
 
-/// Puts the rest of \a file in the place of the whole file. At every moment the file's name stands
-/// for the old content or for the new one. \a file is open for reading, not a link, and may be
-/// closed afterwards. False when it could not be replaced; then it is as it was.
+/// Replaces \a file by its tail, which begins at the offset that \a startOfRest returns. At any
+/// time the name of the file refers to the complete old or the complete new content. \a file is
+/// open for reading and not a link. It may be closed afterwards. Returns false if the file was not
+/// replaced and is unchanged.
 ///
-/// The rest is copied to a new file in \a temporaryFolder, which must exist. When that is on
-/// another file system, a second copy is made beside the file. Once there is a new file, \a
-/// startOfRest reads \a file to tell where the rest begins: without a new file nothing is read.
+/// The tail is copied to a new file in \a temporaryFolder, which must exist. If that is on another
+/// file system, the tail is copied a second time, to the folder of \a file. \a startOfRest is
+/// called only after a new file was created.
 ///
-/// On Linux nobody else can read a copy before it lies in the file's folder. It gets the file's
-/// owner, group, access list and permission bits just before it takes its place. Where the group or
-/// the access list cannot be kept, the group gets no more than everybody. The copies have no names
-/// until they are complete (where the file system knows such files, and /proc is there), so that a
-/// process that is killed leaves none in \a temporaryFolder. A process that is killed between the
-/// naming and the replacement leaves one beside the file.
+/// Linux: other users cannot read a copy before it is in the folder of \a file. It gets the owner,
+/// group, access control list and permission bits of \a file just before the replacement. If the
+/// group or the access control list cannot be kept, the group gets only the permissions of others.
+/// Until a copy is complete, it has no name, if the file system supports this and /proc is
+/// available. So a killed process leaves no file in \a temporaryFolder, but it can leave one in the
+/// folder of \a file.
 ///
-/// On Windows the permissions are those that \a temporaryFolder gives to a new file, or the file's
-/// own folder when it is on another volume. A process that is killed leaves its copies.
+/// Windows: the permissions are those of a new file in \a temporaryFolder or, if it is on another
+/// volume, in the folder of \a file. A killed process leaves its copies.
 bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &));
 
 } // namespace Vorn::Util::Platform

@@ -5,32 +5,32 @@
 
 namespace Vorn::Util::Platform {
 
-/// The result of a move. Nothing has changed unless it is Moved.
+/// The result of a move. If it is not Moved, nothing has changed.
 enum class MoveOutcome {
     Moved,
-    OtherFileSystem, ///< the two paths lie on different file systems
+    OtherFileSystem, ///< the two paths are on different file systems
     Failed
 };
 
-/// Moves \a source to \a target in one step, in the place of a file that lies there. A link is
-/// moved or replaced itself, not what it leads to. \a target must not be a folder, nor the file
-/// itself by another path or name (isSameFile()).
+/// Moves \a source to \a target in one step and replaces a file at \a target. A link is moved or
+/// replaced itself, not its target. \a target must not be a folder, and isSameFile() must be false
+/// for the two paths.
 MoveOutcome moveFile(const QString &source, const QString &target);
 
-/// Whether both paths lead to the same file or folder, also through links, two hard links, or two
-/// mounts or drives. False when one leads nowhere.
+/// Whether both paths refer to the same file or folder, also through links, hard links, mounts or
+/// drives. False if one does not exist.
 bool isSameFile(const QString &first, const QString &second);
 
-/// Removes a file, also a read-only one. A link is removed itself. False for a folder.
+/// Removes a file, also if it is read-only. A link is removed itself, not its target. False for a
+/// folder.
 bool removeFile(const QString &path);
 
-/// Opens \a file to write text to it, as a new file or in the place of an old one, also while
-/// another process has the old one open. False for a link, wherever it leads: nothing is created or
-/// changed there.
+/// Opens \a file for writing text, as a new and empty file. An existing file is replaced, even if
+/// another process has it open. False if it is a link; then nothing is created or changed.
 bool openWithoutLink(QFile &file);
 
-/// Opens \a file to read it; a link is followed. False for anything but a plain file, also when it
-/// takes the place of a plain file meanwhile: opening a pipe would wait for a writer.
+/// Opens \a file for reading. A link is followed. False if it is not a regular file, even if it
+/// replaces one during the call: opening a pipe would wait for a writer.
 bool openPlainFile(QFile &file);
 
 } // namespace Vorn::Util::Platform

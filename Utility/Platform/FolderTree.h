@@ -17,38 +17,38 @@ struct FolderEntry
     };
 
     QString name;
-    Kind kind;   ///< of a link: of what it leads to; Other when it leads nowhere
-    bool isLink; ///< a junction is a link, too
+    Kind kind;   ///< for a link: the kind of its target, Other if it is broken
+    bool isLink; ///< true also for a junction
 };
 
-/// A folder tree that is walked by held folders, not by paths: the walk stays in the tree when
-/// somebody exchanges one of its folders for a link. At each moment one folder of the tree is the
-/// current one, at first its top.
+/// A walk through a folder tree. It uses open folders instead of paths, so that it stays in the
+/// tree even if another process replaces a folder by a link. One folder of the tree is the current
+/// folder, at the beginning the top of the tree.
 class FolderTree
 {
 public:
     virtual ~FolderTree() = default;
 
-    /// Hands the entries of the current folder to \a visit, in the system's order, without "." and
-    /// "..". \a visit may remove the entry. An entry whose name is not valid text is left out.
+    /// Calls \a visit for each entry of the current folder except "." and "..", in the order of the
+    /// system. \a visit may remove the entry. An entry whose name is not valid text is skipped.
     virtual void visitEntries(const std::function<void(const FolderEntry &)> &visit) = 0;
 
-    /// Makes the folder \a name in the current one the current folder. False when it cannot be
-    /// read or is no longer a folder, but for instance a link.
+    /// Makes the folder \a name in the current folder the current folder. False if it cannot be
+    /// read or is not a folder any more, but for example a link.
     virtual bool enter(const QString &name) = 0;
 
-    /// Makes the folder above the current one the current folder. False when that cannot be found
-    /// again; the walk cannot go on then.
+    /// Makes the parent folder the current folder. False if it cannot be found again; then the walk
+    /// must end.
     virtual bool leave() = 0;
 
-    /// Removes the file or link \a name from the current folder; never what a link leads to.
+    /// Removes the file or link \a name from the current folder. The target of a link is kept.
     virtual bool removeFile(const QString &name) = 0;
 
     /// Removes the empty folder \a name from the current folder.
     virtual bool removeFolder(const QString &name) = 0;
 };
 
-/// Opens the tree below the folder \a path; null when that cannot be read or is a link.
+/// Opens the folder tree \a path; null if it cannot be read or is a link.
 std::unique_ptr<FolderTree> openFolderTree(const QString &path);
 
 } // namespace Vorn::Util::Platform

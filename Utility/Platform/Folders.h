@@ -4,20 +4,21 @@
 
 namespace Vorn::Util::Platform {
 
-/// The folder of the machine's common application data, below which the product keeps the folder
-/// \a maker, which is not created. Empty when the system does not name one.
+/// The folder for the application data of the machine, in which the product needs the folder
+/// \a maker. \a maker is not created. Empty if the system does not report the folder.
 QString commonApplicationDataFolder(const QString &maker);
 
-/// The root of the public documents, with its last separator; \a maker as above.
+/// The folder of the public documents, with a separator at its end. \a maker is as above.
 QString publicDocumentsRoot(const QString &maker);
 
-/// The root of the user's own application data, with its last separator.
+/// The folder for the application data of the user, with a separator at its end.
 QString userDataRoot();
 
-/// A name that no file has, in the system's rooted form ("\s1ko."), or an empty text.
+/// A new file name with a separator at its beginning (such as "\s1ko."); very probably no file has
+/// it. Empty if the system provides none.
 QString uniqueFileName();
 
-/// The program file of this process; empty when the system does not tell.
+/// The path of the program file of this process; empty if the system does not report it.
 QString programFile();
 
 } // namespace Vorn::Util::Platform

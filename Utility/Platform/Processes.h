@@ -6,36 +6,37 @@
 
 namespace Vorn::Util::Platform {
 
-/// A process that this one may look into; valid during the visit.
+/// A running process that this process may open. Valid only during the call of the visitor.
 class RunningProcess
 {
 public:
     virtual ~RunningProcess() = default;
     virtual long id() const = 0;
 
-    /// The file name of its program; "<unknown>" when the system does not tell it.
+    /// The file name of its program; "<unknown>" if the system does not report it.
     virtual QString name() const = 0;
 
-    /// The full path of its program; empty when the system does not tell it.
+    /// The full path of its program; empty if the system does not report it.
     virtual QString path() const = 0;
 
-    /// Ends it at once, without waiting. False when that is not allowed or it has ended already;
-    /// where the system can hold a process, never ends another one that has got its id since.
+    /// Terminates the process and does not wait for its end. False if this is not allowed or the
+    /// process has already ended. A new process that has got the same id is not terminated, if the
+    /// system has handles for processes.
     virtual bool terminate(int exitCode) = 0;
 };
 
-/// Hands the processes that may be opened to \a visit, in the system's order, until it returns
-/// false.
+/// Calls \a visit for the processes that this process may open, in the order of the system, until
+/// \a visit returns false.
 void visitProcesses(const std::function<bool(RunningProcess &)> &visit);
 
-/// Whether a process runs a program of exactly this file name, also one that may not be opened. On
-/// Linux such a process is known by the name that it gives itself.
+/// Whether a process runs a program with exactly this file name, also a process that this process
+/// may not open. Linux: such a process is identified by the name that it gives itself.
 bool isProgramRunning(const QString &name);
 
-/// The machine's name; empty when the call fails.
+/// The name of the machine; empty if the call fails.
 QString hostName();
 
-/// The name of the user of this process; empty when the call fails.
+/// The name of the user of this process; empty if the call fails.
 QString userName();
 
 } // namespace Vorn::Util::Platform

@@ -4,7 +4,7 @@
 
 namespace Vorn::Util::Platform {
 
-/// Asks the system for its processors. Only those that are online count.
+/// Queries the number of processors and cores from the system. Offline processors do not count.
 Formats::ProcessorQuery queryProcessors();
 
 } // namespace Vorn::Util::Platform

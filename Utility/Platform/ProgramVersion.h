@@ -6,7 +6,7 @@
 
 namespace Vorn::Util::Platform {
 
-/// The version in the version block of the program file \a path.
+/// Reads the version block of the program file \a path.
 Formats::ProgramVersion programVersion(const QString &path);
 
 } // namespace Vorn::Util::Platform

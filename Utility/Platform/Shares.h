@@ -4,10 +4,11 @@
 
 namespace Vorn::Util::Platform {
 
-/// Shares the folder \a path on the network under \a name, to be read and written without a limit
-/// of users. False where the system refuses or has no such shares.
+/// Shares the folder \a path on the network as \a name, for reading and writing, without a limit of
+/// users. False if the system refuses it or has no shares.
 bool shareFolder(const QString &name, const QString &path);
 
+/// Whether the system reports that \a path is shared.
 bool isFolderShared(const QString &path);
 
 } // namespace Vorn::Util::Platform

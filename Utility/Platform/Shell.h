@@ -5,11 +5,11 @@
 
 namespace Vorn::Util::Platform {
 
-/// A call of the system's command interpreter.
+/// A call of the command interpreter.
 struct ShellCall
 {
-    QString program;     ///< what is started, by its full path
-    QString displayName; ///< what a log calls it
+    QString program;     ///< the full path of the interpreter
+    QString displayName; ///< its name in the log
     QStringList arguments;
 };
 

@@ -9,8 +9,8 @@
 
 namespace Vorn::Util::Platform {
 
-/// The bytes of a file of settings or other small texts. Nothing for a file that cannot be read, is
-/// not a plain file (reading a pipe would wait for a writer) or has more than 1 MiB.
+/// Reads a small file, such as a settings file. Nothing if it cannot be read, is not a regular file
+/// (reading a pipe would wait for a writer) or has more than 1 MiB.
 inline std::optional<QByteArray> readSmallFile(const QString &fileName)
 {
     constexpr qint64 MaxSize = 1048576;

@@ -13,10 +13,9 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-// p7zip opens the terminal to ask for the password of an archive that it adds files to, whatever
-// its standard input is. Without a controlling terminal it reads the standard input, which is at
-// its end. The process stays in its session and process group, to which the terminal sends its
-// signals.
+// When p7zip adds files to an encrypted archive, it opens the terminal to ask for the password,
+// even if its standard input is closed. Without a controlling terminal it reads the standard input
+// instead. The process stays in its session and process group, so that Ctrl-C still reaches it.
 class ProcessWithoutTerminal : public QProcess
 {
 protected:
@@ -24,7 +23,7 @@ protected:
     {
         const int terminal = ::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
         if (terminal < 0)
-            return; // there is none
+            return; // there is no terminal
         ioctl(terminal, TIOCNOTTY);
         ::close(terminal);
     }
@@ -41,7 +40,7 @@ QString findArchiver(const QString &productFolder)
     const QStringList names{QStringLiteral("7z"), QStringLiteral("7zz"), QStringLiteral("7za")};
     for (const QStringList &folders : {QStringList{productFolder}, QStringList()}) {
         for (const QString &name : names) {
-            // An empty list of folders stands for PATH.
+            // With an empty list findExecutable() searches PATH.
             QString program = QStandardPaths::findExecutable(name, folders);
             if (!program.isEmpty())
                 return program;

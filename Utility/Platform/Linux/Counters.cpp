@@ -11,7 +11,7 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-// A file of the proc file system, kept open and read anew from its beginning for every sample.
+// A file of the proc file system. It is kept open and read again for each sample.
 template <int Size> class ProcFile
 {
 public:
@@ -27,7 +27,7 @@ public:
     ProcFile(const ProcFile &) = delete;
     ProcFile &operator=(const ProcFile &) = delete;
 
-    // Its first bytes, zero-terminated; empty when it cannot be read.
+    // The beginning of the file, null-terminated; empty if it cannot be read.
     const char *read()
     {
         const ssize_t length

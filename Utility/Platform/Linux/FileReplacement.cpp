@@ -25,20 +25,20 @@ QByteArray folderOf(const QString &name)
     return QFile::encodeName(QFileInfo(name).path());
 }
 
-// False when the access list of a file cannot be given to another one.
+// Copies the access control list (ACL) of a file to another one. False if this fails.
 bool copyAccessList(int from, int to)
 {
     constexpr const char *Name = "system.posix_acl_access";
     std::array<char, 4096> list{};
     const ssize_t size = fgetxattr(from, Name, list.data(), list.size());
     const auto hasNone = [] { return errno == ENODATA || errno == EOPNOTSUPP; };
-    if (size < 0) // remove the list that the new file may have inherited from its folder
+    if (size < 0) // no list: remove one that the new file may have inherited from its folder
         return hasNone() && (fremovexattr(to, Name) == 0 || hasNone());
     return fsetxattr(to, Name, list.data(), static_cast<std::size_t>(size), 0) == 0;
 }
 
-// A new file that only its owner may read. It is gone at the end of the object, unless it has taken
-// the place of another one.
+// A new file that only its owner may read. The destructor removes it unless it has replaced another
+// file.
 class NewFile
 {
 public:
@@ -58,12 +58,12 @@ private:
     bool moveTo(const QByteArray &folder);
 
     int descriptor_ = -1;
-    QByteArray name_; // empty while the file has none
+    QByteArray name_; // empty while the file has no name (O_TMPFILE)
 };
 
 NewFile::NewFile(const QByteArray &folder)
 {
-    // A file without a name gets one through /proc, which need not be there.
+    // A file without a name gets its name through /proc, which may be missing.
     if (access("/proc/self/fd", X_OK) == 0)
         descriptor_ = open(folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (descriptor_ < 0) {
@@ -82,7 +82,7 @@ NewFile::~NewFile()
         close(descriptor_);
 }
 
-// From \a offset to the end.
+// Copies \a source from \a offset to its end.
 bool NewFile::copyFrom(int source, off_t offset)
 {
     constexpr std::size_t BlockSize = 1 << 30;
@@ -90,16 +90,16 @@ bool NewFile::copyFrom(int source, off_t offset)
     do {
         copied = sendfile(descriptor_, source, &offset, BlockSize);
     } while (copied > 0 || (copied < 0 && errno == EINTR));
-    // Some file systems tell only when a descriptor is closed that there was no space.
+    // Some file systems report a full disk only when a descriptor is closed.
     return copied == 0 && close(dup(descriptor_)) == 0;
 }
 
-// Takes the place of the file \a name, which is open as \a former. False when that lies on another
-// file system, among others.
+// Replaces the file \a name, which is open as \a former. False if this fails, for example because
+// it is on another file system.
 bool NewFile::takePlaceOf(const QString &name, int former)
 {
-    // Nobody else can open a file without a name, so it gets its permissions before it is named. A
-    // file with a name stays private until it has left the folder for temporary files.
+    // A file without a name gets its permissions before its name, because nobody else can open it.
+    // A file with a name gets them only after it has left the folder for temporary files.
     const bool wasNameless = name_.isEmpty();
     if (wasNameless)
         copyPermissions(former);
@@ -113,7 +113,7 @@ bool NewFile::takePlaceOf(const QString &name, int former)
     return true;
 }
 
-// Owner, group, access list and permission bits of the file that is open as \a former.
+// Copies owner, group, access control list and permission bits of the file open as \a former.
 void NewFile::copyPermissions(int former)
 {
     constexpr mode_t GroupsBits = S_IRWXG;
@@ -123,13 +123,15 @@ void NewFile::copyPermissions(int former)
     const bool hasGroup = fchown(descriptor_, status.st_uid, status.st_gid) == 0
         || fchown(descriptor_, static_cast<uid_t>(-1), status.st_gid) == 0;
     mode_t mode = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
-    // Another group would get what was meant for the former one, or for names in the list.
+    // The permissions of the group were meant for the former group, or for names in the list. If
+    // these cannot be kept, the group gets the permissions of others.
     if (!hasGroup || !copyAccessList(former, descriptor_))
         mode &= ~GroupsBits | ((mode & S_IRWXO) << 3);
     fchmod(descriptor_, mode);
 }
 
-// Names the file in \a folder. False when that lies on another file system, among others.
+// Gives the file a name in \a folder. False if this fails, for example because the folder is on
+// another file system.
 bool NewFile::moveTo(const QByteArray &folder)
 {
     const QByteArray name = folder + "/.truncated-log-"
@@ -148,8 +150,9 @@ bool mayWriteTo(const QByteArray &folder)
     return faccessat(AT_FDCWD, folder.constData(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
-// In a folder with the sticky bit a file can be replaced by its owner and by the folder's. Opening
-// without a change of the access time is allowed to the owner only, with the same exceptions.
+// Whether this process counts as the owner of \a file. Only the owner may open a file with
+// O_NOATIME, with the same exceptions (capabilities) as for replacing a file in a folder with the
+// sticky bit.
 bool isOwnersFile(const QByteArray &file)
 {
     const int descriptor = open(file.constData(), O_RDONLY | O_NOATIME | O_NONBLOCK | O_CLOEXEC);
@@ -182,7 +185,7 @@ bool mayReplaceFile(const QString &name)
 
 bool mayCreateFileIn(const QString &folder)
 {
-    // Only a folder has an entry ".". An empty path would lead to that of the root folder.
+    // Only a folder has an entry ".". An empty path would become "/.", the root folder.
     return !folder.isEmpty() && mayWriteTo(QFile::encodeName(folder) + "/.");
 }
 
@@ -191,10 +194,10 @@ qint64 availableSpace(const QString &folder)
     struct statvfs status = {};
     if (statvfs(QFile::encodeName(folder).constData(), &status) != 0 || status.f_blocks == 0)
         return std::numeric_limits<qint64>::max();
-    // Some file systems have no fixed number of files.
+    // f_files is 0 if the file system has no fixed number of files.
     if (status.f_files != 0 && status.f_ffree == 0)
         return 0;
-    // Some blocks are kept for the superuser.
+    // Some blocks are reserved for root.
     const quint64 blocks = geteuid() == 0 ? status.f_bfree : status.f_bavail;
     return static_cast<qint64>(blocks * status.f_frsize);
 }

@@ -38,7 +38,8 @@ bool openWithoutLink(QFile &file)
     constexpr auto NewFile = QIODevice::WriteOnly | QIODevice::Text | QIODevice::NewOnly;
     if (file.open(NewFile))
         return true;
-    // Removed, not emptied: what lies there now may be a link by the time that it is opened.
+    // The file is removed and created again. Opening the existing file would be unsafe: another
+    // process could replace it by a link before.
     const QFileInfo other(file);
     return other.isFile() && !other.isSymLink() && QFile::remove(file.fileName())
         && file.open(NewFile);
@@ -47,7 +48,7 @@ bool openWithoutLink(QFile &file)
 bool openPlainFile(QFile &file)
 {
     if (!QFileInfo(file).isFile())
-        return false; // to open a pipe wakes its writer
+        return false; // not opened, because opening a pipe would wake its writer
     const int descriptor
         = open(QFile::encodeName(file.fileName()).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     struct stat status = {};

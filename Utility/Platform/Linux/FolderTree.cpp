@@ -22,7 +22,7 @@ struct DirectoryCloser
 
 using Directory = std::unique_ptr<DIR, DirectoryCloser>;
 
-// Never follows a link in the last part of name.
+// Opens a folder. Fails if the last part of name is a link.
 Directory openDirectory(int above, const char *name)
 {
     const int descriptor = ::openat(above, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
@@ -34,8 +34,8 @@ Directory openDirectory(int above, const char *name)
     return directory;
 }
 
-// A folder between the top of the tree and the current folder. It is closed when many others are
-// open; its numbers tell then whether the same folder was found again.
+// A folder on the way from the top of the tree to the current folder. If many folders are open, it
+// is closed. Then device and inode number are used to check that the same folder is opened again.
 struct Level
 {
     Directory directory; // null while it is closed
@@ -71,7 +71,7 @@ FolderEntry::Kind kindOf(const struct stat &status)
     return S_ISDIR(status.st_mode) ? FolderEntry::Folder : FolderEntry::Other;
 }
 
-// The status is asked for only where the folder itself does not tell the kind.
+// Sets kind and isLink. Calls fstatat() only if the entry itself does not contain the kind.
 void findKind(int folder, const dirent &found, FolderEntry &entry)
 {
     struct stat status = {};
@@ -122,8 +122,8 @@ public:
         return true;
     }
 
-    // Also reopens the folder above the new current one: only the ".." of the current one leads to
-    // it, so this must be done while the current one is open.
+    // Also opens the parent of the new current folder again if it was closed. It can only be found
+    // as ".." of the current folder, so this must be done while the current folder is open.
     bool leave() override
     {
         levels_.pop_back();

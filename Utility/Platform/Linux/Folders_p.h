@@ -4,8 +4,8 @@
 
 namespace Vorn::Util::Platform {
 
-/// The folder \a common when this process may write the folder \a maker in it or, while that one
-/// does not exist, make it there; the folder \a own otherwise.
+/// Returns \a common if this process may write to the folder \a maker in it or, if that does not
+/// exist, may create it. Otherwise returns \a own.
 QString writableDataFolder(const QString &common, const QString &maker, const QString &own);
 
 } // namespace Vorn::Util::Platform

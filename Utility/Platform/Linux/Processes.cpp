@@ -28,9 +28,9 @@ bool isSameFile(const QByteArray &one, const QByteArray &other)
         && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-// The path of a process's program; empty for kernel threads and other users' processes. The name
-// in /proc/PID/comm would be cut to 15 characters. The kernel marks a program whose file is gone
-// with " (deleted)", which can also be a part of its name.
+// The path of the program of a process; empty for kernel threads and processes of other users.
+// /proc/PID/comm is not used, because it has at most 15 characters. If the file of the program was
+// deleted, the kernel appends " (deleted)". A file name can also end like this.
 QString programOf(const QString &id)
 {
     std::array<char, PATH_MAX> path{};
@@ -56,9 +56,9 @@ QByteArray contentOf(const QString &id, const char *name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// The name that another user's process gives itself, by default that of its program; nothing when
-// it may have been cut. What has no command line is a thread of the system or a process that has
-// ended.
+// The name that a process of another user gives itself, by default that of its program. Empty if it
+// may be truncated. Also empty if the process has no command line, since it is then a kernel thread
+// or has ended.
 QString shortNameOf(const QString &id)
 {
     constexpr int LongestName = 15; // bytes
@@ -90,14 +90,16 @@ public:
     QString name() const override { return fileNameOf(program_); }
     QString path() const override { return program_; }
 
-    // A killed process has no exit code here. What was looked at can have ended since, and its id
-    // can be another process's by now: the process is held first and looked at again.
+    // The exit code is not used, because a killed process has none on Linux.
+    //
+    // The process may have ended, and a new one may have its id. So open the process first, and
+    // then check that it still runs the same program.
     bool terminate(int) override
     {
         const auto id = static_cast<pid_t>(id_);
         const long process = ::syscall(SYS_pidfd_open, id, 0);
         if (process < 0) {
-            // Linux before 5.3, and filters of system calls, do not know this one.
+            // The system call is missing before Linux 5.3 and can be forbidden in a container.
             const bool isUnknown = errno == ENOSYS || errno == EPERM;
             return isUnknown && ::kill(id, SIGKILL) == 0;
         }
@@ -131,7 +133,7 @@ void visitProcesses(const std::function<bool(RunningProcess &)> &visit)
 bool isProgramRunning(const QString &name)
 {
     const QStringList ids = processIds();
-    // An empty name would find the processes whose name is not told.
+    // An empty name would match the processes whose name is not known.
     return !name.isEmpty() && std::any_of(ids.cbegin(), ids.cend(), [&name](const QString &id) {
         const QString program = programOf(id);
         return name == (program.isEmpty() ? shortNameOf(id) : fileNameOf(program));

@@ -19,9 +19,7 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-// Characters with the terminating null, as in the registry's buffers.
-
-// A key path "SOFTWARE\ORGANISATION\APPLICATION\GROUP..." in Qt's system-wide settings.
+// The parts of a key path "SOFTWARE\ORGANISATION\APPLICATION\GROUP...".
 struct Location
 {
     QString organisation;
@@ -35,7 +33,7 @@ bool isPlainName(const QString &name)
         && name != QLatin1String("..");
 }
 
-// False for a path that names no application, or that would lead out of the settings' folder.
+// False if the path contains no application, or would lead out of the folder of the settings.
 bool locate(const QString &keyPath, Location &location)
 {
     QStringList parts = keyPath.split(QLatin1Char('\\'));
@@ -52,8 +50,8 @@ bool locate(const QString &keyPath, Location &location)
     return true;
 }
 
-// The file that QSettings names; where that does not exist, the first of the other folders of
-// XDG_CONFIG_DIRS that has one. A folder set with QSettings::setPath() has no others beside it.
+// The first existing file in the folders of XDG_CONFIG_DIRS or, if there is none, the file that
+// QSettings uses. If a folder was set with QSettings::setPath(), only the file in that folder.
 QString fileOf(const Location &location)
 {
     const QString named = QSettings(QSettings::NativeFormat, QSettings::SystemScope,
@@ -62,7 +60,7 @@ QString fileOf(const Location &location)
     const QString below
         = QStringLiteral("/%1/%2.conf").arg(location.organisation, location.application);
     QStringList files;
-    // The first is the user's own folder.
+    // mid(1) skips the folder of the user.
     for (const QString &folder :
          QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation).mid(1))
         files.append(folder + below);
@@ -71,7 +69,8 @@ QString fileOf(const Location &location)
     return files.contains(named) && found != files.cend() ? *found : named;
 }
 
-// The values of a key and, with "GROUP/" in front, of its subkeys; none when there is no such key.
+// The values of a key and of its subkeys. The names of the latter begin with "GROUP/". Empty if the
+// key does not exist.
 QMap<QString, QString> readKey(const QString &keyPath)
 {
     Location location;
@@ -95,7 +94,7 @@ SettingsValue failure(SettingsValue::Outcome outcome, int code)
     return {outcome, QString(), code, message + QLatin1Char('\n')};
 }
 
-// Every user of the machine may enter the folders that are made.
+// Creates a folder and its parents, so that all users may enter them.
 bool makeFolder(const QString &path)
 {
     if (QFileInfo(path).isDir())
@@ -103,7 +102,7 @@ bool makeFolder(const QString &path)
     if (!makeFolder(QFileInfo(path).path()))
         return false;
     if (!QDir().mkdir(path))
-        return QFileInfo(path).isDir(); // another process may have made it
+        return QFileInfo(path).isDir(); // another process may have created it
     constexpr auto ByOthers
         = QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
     return QFile::setPermissions(path, QFile::permissions(path) | ByOthers);
@@ -119,14 +118,14 @@ QString readSettingsText(const QString &keyPath, const QString &name)
 void writeSettingsText(const QString &keyPath, const QString &name, const QString &text)
 {
     Location location;
-    // As QSettings takes it: "/" separates groups, and there is no group without a name.
+    // As in QSettings, "/" separates groups, and groups have a name.
     const QString key = name.split(QLatin1Char('/'), Qt::SkipEmptyParts).join(QLatin1Char('/'));
     if (!locate(keyPath, location) || location.group.isEmpty() || key.isEmpty())
         return;
     const QString fileName = fileOf(location);
     if (!makeFolder(QFileInfo(fileName).path()))
         return;
-    QLockFile lock(fileName + QStringLiteral(".lock")); // QSettings locks the same one
+    QLockFile lock(fileName + QStringLiteral(".lock")); // the lock file of QSettings
     if (!lock.lock())
         return;
 
@@ -137,13 +136,13 @@ void writeSettingsText(const QString &keyPath, const QString &name, const QStrin
     const QByteArray after = Formats::withSettingsText(*before, location.group, key, text);
     QMap<QString, QString> expected = Formats::settingsTexts(*before);
     expected.insert(location.group + QLatin1Char('/') + key, text);
-    // A quotation without an end would take in what is added.
+    // If a quotation mark in the file is not closed, the new text would become part of its value.
     if (Formats::settingsTexts(after) != expected)
         return;
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly))
         return;
-    if (isNew) // for every user of the machine
+    if (isNew) // all users may read the settings
         file.setPermissions(file.permissions() | QFile::ReadGroup | QFile::ReadOther);
     file.write(after);
     file.commit();

@@ -1,6 +1,6 @@
 #include <Utility/Platform/Shares.h>
 
-// Linux has no network shares of its own.
+// Linux itself has no network shares.
 
 namespace Vorn::Util::Platform {
 

@@ -9,7 +9,7 @@ QString findArchiver(const QString &productFolder)
     return QStringLiteral("%1/7z.exe").arg(productFolder);
 }
 
-// The archiver reads its standard input only, which is at its end.
+// The archiver asks on the standard input, which is closed, so it cannot wait for an answer.
 std::unique_ptr<QProcess> makeArchiverProcess()
 {
     return std::make_unique<QProcess>();

@@ -21,13 +21,13 @@ public:
         if (PdhOpenQueryW(nullptr, 0, &query_) != ERROR_SUCCESS
             || PdhAddCounterW(query_, path_, 0, &counter_) != ERROR_SUCCESS)
             return;
-        // A rate needs a sample to start from.
+        // A rate is computed from two samples. This is the first one.
         PdhCollectQueryData(query_);
     }
 
     ~WindowsSysInfo() override
     {
-        // Also with null handles, which the calls refuse.
+        // If a handle is null, the call fails and does nothing.
         PdhRemoveCounter(counter_);
         PdhCloseQuery(query_);
     }

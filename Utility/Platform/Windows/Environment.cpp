@@ -9,7 +9,7 @@ namespace Vorn::Util::Platform {
 QString environmentVariable(const char *name)
 {
     const QString wideName = QString::fromLatin1(name);
-    // The variable may grow between the two calls.
+    // A loop, because the value may become longer between two calls.
     std::wstring value;
     DWORD length = GetEnvironmentVariableW(wide(wideName), nullptr, 0);
     while (length > value.size()) {

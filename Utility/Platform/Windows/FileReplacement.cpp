@@ -21,14 +21,14 @@ bool canBeOpened(const QString &name, DWORD access)
     const QString native = QDir::toNativeSeparators(name);
     const HANDLE handle = CreateFileW(
         wide(native), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr); // which opens folders, too
+        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr); // the flag allows to open folders
     if (handle == INVALID_HANDLE_VALUE)
         return false;
     CloseHandle(handle);
     return true;
 }
 
-// Copies from the current positions up to the end of \a from, which holds \a count bytes more.
+// Copies \a count bytes from the current position of \a from to that of \a to.
 bool copyBytes(QIODevice &from, QIODevice &to, qint64 count)
 {
     constexpr qint64 BlockSize = 1 << 18;
@@ -41,7 +41,8 @@ bool copyBytes(QIODevice &from, QIODevice &to, qint64 count)
     return true;
 }
 
-// The rest of \a file in a file of its own, which the caller removes; no name on failure.
+// Copies the tail of \a file to a new file, which the caller must remove. Returns its path; empty
+// after a failure.
 QString copyRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
 {
     QTemporaryFile rest(temporaryFolder + QStringLiteral("/truncated-log-XXXXXX"));
@@ -52,7 +53,8 @@ QString copyRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRe
     return rest.fileName();
 }
 
-// For a source on another volume: a copy beside the target, which then takes its place.
+// Copies \a source, which is on another volume, to the folder of \a target and replaces \a target
+// by the copy.
 bool replaceByCopy(const QString &source, const QString &target)
 {
     QFile file(source);

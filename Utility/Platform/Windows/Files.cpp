@@ -9,7 +9,7 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-// An open file or folder whose identity can be compared.
+// An open file or folder, to check whether two paths refer to the same one.
 class OpenFile
 {
 public:
@@ -18,7 +18,7 @@ public:
         constexpr DWORD Sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
         const QString name = longForm(path);
         handle_ = CreateFileW(wide(name), 0, Sharing, nullptr, OPEN_EXISTING,
-                              FILE_FLAG_BACKUP_SEMANTICS, nullptr); // which opens folders, too
+                              FILE_FLAG_BACKUP_SEMANTICS, nullptr); // the flag allows folders
         isKnown_
             = handle_ != INVALID_HANDLE_VALUE && GetFileInformationByHandle(handle_, &info_) != 0;
     }
@@ -62,7 +62,7 @@ MoveOutcome moveFile(const QString &source, const QString &target)
 
 bool isSameFile(const QString &first, const QString &second)
 {
-    // The system promises an identity only for as long as the file is open.
+    // Both files must be open: the file index of a closed file can be used for another file.
     const OpenFile file(first);
     const OpenFile other(second);
     return file.isSameAs(other);
@@ -90,7 +90,7 @@ bool openWithoutLink(QFile &file)
     const DWORD attributes = GetFileAttributesW(wide(name)); // of the link itself
     const bool isLink
         = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    // Emptied, not removed: another process may have it open.
+    // The file is emptied, not removed, because another process may have it open.
     return !isLink && file.open(QIODevice::WriteOnly | QIODevice::Text);
 }
 

@@ -19,8 +19,8 @@ struct HandleCloser
     void operator()(HANDLE handle) const { CloseHandle(handle); }
 };
 
-// Not a file, a symbolic link or a junction. Other reparse points, such as those of cloud storage,
-// are folders like any other.
+// False for a file, a symbolic link and a junction. Folders with other reparse points, such as
+// those of cloud storage, are normal folders.
 bool isRealFolder(HANDLE handle)
 {
     BY_HANDLE_FILE_INFORMATION info = {};
@@ -34,8 +34,8 @@ bool isRealFolder(HANDLE handle)
         && !IsReparseTagNameSurrogate(tag.ReparseTag);
 }
 
-// A folder that nobody can rename or remove as long as the object lives, because it is opened
-// without FILE_SHARE_DELETE.
+// An open folder. As long as the object exists, nobody can rename or remove the folder, because it
+// is opened without FILE_SHARE_DELETE.
 class HeldFolder
 {
 public:
@@ -74,7 +74,7 @@ FolderEntry::Kind kindOf(const QFileInfo &info)
     return info.isFile() ? FolderEntry::File : FolderEntry::Other;
 }
 
-// By paths, which lead through held folders only.
+// Uses paths. This is safe, because all folders in them are open and cannot be replaced.
 class WindowsFolderTree : public FolderTree
 {
 public:
@@ -106,7 +106,7 @@ public:
         return true;
     }
 
-    // A link to a folder is a file to some calls and a folder to others.
+    // A link to a file is removed like a file, a link to a folder like a folder.
     bool removeFile(const QString &name) override
     {
         const QString path = levels_.back().pathOf(name);

@@ -38,7 +38,7 @@ QString uniqueFileName()
 QString programFile()
 {
     wchar_t path[MAX_PATH] = {};
-    // A path that does not fit fills the buffer: half a path names another file.
+    // If the path does not fit, it is truncated and fills the buffer. It is then not used.
     const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
     return length < MAX_PATH ? textOf(path) : QString();
 }

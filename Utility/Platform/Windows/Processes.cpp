@@ -39,7 +39,7 @@ public:
 
     QString name() const override
     {
-        wchar_t name[MAX_PATH] = L"<unknown>"; // which stays when the call fails
+        wchar_t name[MAX_PATH] = L"<unknown>"; // the result if the call fails
         K32GetModuleBaseNameW(handle_, module_, name, MAX_PATH);
         return textOf(name);
     }
@@ -90,7 +90,7 @@ bool isProgramRunning(const QString &name)
         CloseHandle(snapshot);
         return false;
     }
-    // From here on the handle stays open.
+    // From here on the handle is not closed.
     // Kept for compatibility: see "Snapshot of processes" in docs/compatibility.md.
     do {
         if (textOf(entry.szExeFile) == name)

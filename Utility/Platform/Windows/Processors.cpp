@@ -10,7 +10,7 @@ using ExtendedQuery = BOOL(WINAPI *)(LOGICAL_PROCESSOR_RELATIONSHIP,
                                      PSYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX, PDWORD);
 static_assert(RelationAll == 0xFFFF);
 
-// Looked up at run time, so that the library also loads where it is missing.
+// Looked up at run time, so that the library also loads on systems without this function.
 ExtendedQuery findExtendedQuery()
 {
     const HMODULE module = GetModuleHandleW(L"kernel32");

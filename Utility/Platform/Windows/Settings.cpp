@@ -68,9 +68,9 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     if (code == ERROR_SUCCESS && text.size() < SettingsValueSize)
         return {SettingsValue::Found, text, 0, QString()};
     if (code == ERROR_SUCCESS)
-        code = ERROR_MORE_DATA; // no space for the terminating null
-    // The thread's last error, which need not be the code returned: the line printed has always
-    // held both.
+        code = ERROR_MORE_DATA; // the text fills the buffer: no space for the terminating null
+    // The code is the result of the call, but the message is that of GetLastError(), which can be
+    // another error. The caller prints both.
     return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(lastError)};
 }
 
@@ -82,7 +82,8 @@ QString readSettingsText(const QString &keyPath, const QString &name)
 void writeSettingsText(const QString &keyPath, const QString &name, const QString &text)
 {
     QSettings settings(LocalMachine + keyPath, QSettings::NativeFormat);
-    // Otherwise this process would read a value that was never stored.
+    // Otherwise QSettings would keep the value in memory, and this process would read a value that
+    // is not stored.
     if (settings.isWritable())
         settings.setValue(name, text);
 }

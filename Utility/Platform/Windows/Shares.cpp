@@ -8,7 +8,7 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-// The calls take pointers to text that they do not change.
+// The functions have non-const parameters, but do not change the text.
 wchar_t *mutableWide(const QString &text)
 {
     return const_cast<wchar_t *>(wide(text));

@@ -8,7 +8,7 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-// By its full path: a "cmd.exe" that lies in the current folder is never run.
+// The full path of the interpreter, so that a "cmd.exe" in the current folder is not started.
 QString interpreter()
 {
     const QString name = QStringLiteral("cmd.exe");

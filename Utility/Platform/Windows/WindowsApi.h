@@ -1,6 +1,6 @@
 #pragma once
 
-// The only place that includes <windows.h>.
+// The only file that includes <windows.h>.
 
 #ifndef WINVER
 #define WINVER 0x0601
@@ -18,7 +18,7 @@
 #define UNICODE
 #endif
 
-// Before <windows.h>, which would bring in its older form.
+// Must come before <windows.h>, which would include the older <winsock.h>.
 #include <winsock2.h>
 
 #include <windows.h>
@@ -30,14 +30,14 @@
 
 namespace Vorn::Util::Platform {
 
-/// A text in the form that the wide-character calls take; valid as long as \a text is unchanged.
+/// The text as a pointer for wide-character functions. Valid as long as \a text is not changed.
 inline const wchar_t *wide(const QString &text)
 {
     return reinterpret_cast<const wchar_t *>(text.utf16());
 }
 
-/// The absolute path in the form that is not limited to 260 characters. A path in that form, or in
-/// that of devices, is unchanged.
+/// The absolute path in the form "\\?\...", which is not limited to 260 characters. A path that
+/// already has this form, or is a device path ("\\.\..."), is returned unchanged.
 inline QString longForm(const QString &path)
 {
     const QString native = QDir::toNativeSeparators(path);
@@ -51,7 +51,7 @@ inline QString longForm(const QString &path)
                                                   : QStringLiteral("\\\\?\\") + full;
 }
 
-/// The text of a buffer that need not be terminated.
+/// The text in a buffer, up to its first null or to the end of the buffer.
 template <std::size_t Size> QString textOf(const wchar_t (&buffer)[Size])
 {
     std::size_t length = 0;

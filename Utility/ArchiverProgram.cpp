@@ -23,14 +23,14 @@ using Formats::ArchiverVersion;
 std::optional<ArchiverVersion> versionInLines(const QByteArray &output)
 {
     const QList<QByteArray> lines = output.split('\n');
-    for (int i = 0; i + 1 < lines.size(); ++i) { // the last one is not complete
+    for (int i = 0; i + 1 < lines.size(); ++i) { // the last line may be incomplete
         if (const auto version = Formats::versionInBanner(lines.at(i)))
             return version;
     }
     return std::nullopt;
 }
 
-// Runs the program until it has told its version, and no longer.
+// Runs the program until it has printed its version, then kills it.
 std::optional<ArchiverVersion> printedVersion(const QString &program)
 {
     constexpr int MostOutput = 4096;
@@ -66,7 +66,7 @@ struct FileState
 struct KnownProgram
 {
     FileState file;
-    std::optional<ArchiverVersion> version; // none when the program tells none
+    std::optional<ArchiverVersion> version; // nothing if the program prints no version
 };
 
 std::optional<ArchiverVersion> rememberedVersion(const QString &program)

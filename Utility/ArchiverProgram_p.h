@@ -6,21 +6,25 @@
 
 namespace Vorn::Util {
 
+/// The archiver and how to use it.
 struct ArchiverProgram
 {
     QString path;
     Formats::ArchiverDialect dialect = Formats::ArchiverDialect::UpTo933;
-    char separator = '/'; ///< between the folders of a name in its output
+    char separator = '/'; ///< the separator of folders in the names that it prints
 };
 
-/// The archiver to run, in the folder of the product, \a productFolder, or elsewhere where the
-/// system has more places for programs. Its version decides which dialect it speaks:
-/// - that in its version block, which the programs for Windows have;
-/// - else, for a "7z.exe", none: it speaks the dialect of the product's own program;
-/// - else that which it prints when it is run without arguments. That is done once for each state
-///   of the program file (its size and time) and takes at most about TimeForVersion. A program that
-///   tells no version is taken for a current one.
-/// May be called from any thread.
+/// Finds the archiver in the folder \a productFolder or, depending on the system, in other folders.
+/// See Platform::findArchiver().
+///
+/// Its dialect follows from its version:
+/// - Programs for Windows have a version block, which contains the version.
+/// - A "7z.exe" without a version block gets the dialect up to 9.33.
+/// - Any other program is run without arguments and prints its version. This takes at most about
+///   TimeForVersion, and is repeated only if size or time of the file have changed. A program that
+///   prints no version gets the newest dialect.
+///
+/// Any thread may call this function.
 ArchiverProgram findArchiverProgram(const QString &productFolder);
 
 constexpr int TimeForVersion = 3000; ///< milliseconds

@@ -9,29 +9,29 @@
 
 #include <algorithm>
 
-// Signals, the monitor and the destructors of tasks run code of the application, which may delete
-// tasks and the processor. The processor survives this by three rules:
-// - A waiting task that is deleted leaves a null pointer in tasks_. The deletion of the current
-//   task calls forgetCurrentTask(), which sets currentTask_ to null.
-// - The current task is connected to handleFinishedTask(). Whoever cuts this connection handles the
-//   end of the task, so that this happens once.
-// - After code of the application has run, a QPointer tells whether the processor and the task
+// Slots, the monitor and the destructors of tasks are code of the application. They may delete
+// tasks and the processor. Three rules make this safe:
+// - If a waiting task is deleted, its pointer in tasks_ becomes null. If the current task is
+//   deleted, forgetCurrentTask() sets currentTask_ to null.
+// - The finished() signal of the current task is connected to handleFinishedTask(). The function
+//   that disconnects it (with takeEnd()) handles the end of the task, so this happens only once.
+// - After code of the application has run, check with a QPointer whether the processor and the task
 //   still exist.
 
 namespace Vorn::Util {
 
-// The entry of a task. A QPointer is null for a deleted task, also when a later task has its
-// address.
+// The clean-up task of a task. The QPointer to a deleted task is null, even if a new task has the
+// same address.
 struct AsyncTaskProcessor::CleanUp
 {
     QPointer<AsyncTask> task;
     QPointer<AsyncTask> cleanUpTask;
-    QString name; // outlives the clean-up task
+    QString name; // of the clean-up task, for the log after it was deleted
 };
 
 namespace {
 
-// What the processor needs of a finished task. A slot may delete the task before it is used.
+// The result of a finished task, copied because a slot may delete the task.
 struct Result
 {
     bool isOk;
@@ -62,7 +62,8 @@ AsyncTaskProcessor::AsyncTaskProcessor(QObject *parent)
 
 AsyncTaskProcessor::~AsyncTaskProcessor()
 {
-    // The current task outlives the members, and must not call a slot then.
+    // The current task is a child and is deleted after the members. Its signals must not call slots
+    // of this object then.
     if (currentTask_)
         disconnect(currentTask_, nullptr, this, nullptr);
 }
@@ -73,7 +74,7 @@ void AsyncTaskProcessor::addTask(AsyncTask *task)
         return;
     const auto cleanUp = cleanUpTasks_.constFind(task);
     if (cleanUp != cleanUpTasks_.constEnd() && !cleanUp->task)
-        cleanUpTasks_.remove(task); // the entry of an earlier task at this address
+        cleanUpTasks_.remove(task); // the entry of a deleted task that had the same address
     task->setLog(log_);
     tasks_.append(task);
     task->setParent(this);
@@ -119,7 +120,7 @@ void AsyncTaskProcessor::setTaskMonitor(AsyncTaskMonitor *monitor)
 
 bool AsyncTaskProcessor::isFinished() const
 {
-    // True while the last task runs.
+    // tasks_ does not contain the current task, so the result is true while the last task runs.
     // Kept for compatibility: see "isFinished() during the last task" in docs/compatibility.md.
     return std::none_of(tasks_.cbegin(), tasks_.cend(),
                         [](const QPointer<AsyncTask> &task) { return task; });
@@ -152,11 +153,11 @@ void AsyncTaskProcessor::startTaskFromQueue()
     while (!currentTask_ && !tasks_.isEmpty())
         currentTask_ = tasks_.takeFirst();
     if (!currentTask_) {
-        finishRun(); // the waiting tasks were deleted
+        finishRun(); // all waiting tasks were deleted
         return;
     }
     if (!timer_.isValid())
-        timer_.start(); // called without startLater()
+        timer_.start(); // this slot was called without startLater()
     connect(currentTask_, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
     connect(currentTask_, &AsyncTask::progress, this, &AsyncTaskProcessor::handleProgressFromTask);
     connect(currentTask_, &QObject::destroyed, this, &AsyncTaskProcessor::forgetCurrentTask);
@@ -187,7 +188,7 @@ void AsyncTaskProcessor::handleFinishedTask()
     if (!self)
         return;
     if (alive)
-        result = resultOf(*task); // the slots may have changed it
+        result = resultOf(*task); // a slot may have changed it, for example with setIgnoreError()
 
     const bool isFailure = !result.isOk && !result.ignoreError;
     ok_ = ok_ && !isFailure;
@@ -204,23 +205,25 @@ void AsyncTaskProcessor::handleFinishedTask()
         goOn();
 }
 
-// Cuts the connection for the end of the current task. False when that end is being handled.
+// Disconnects handleFinishedTask() from the current task. False if it was already disconnected:
+// then the end of the task is being handled.
 bool AsyncTaskProcessor::takeEnd()
 {
     return disconnect(currentTask_, &AsyncTask::finished, this,
                       &AsyncTaskProcessor::handleFinishedTask);
 }
 
-// Called while the current task is being deleted. Only its QObject is left.
+// Called by the destructor of the current task. Only the QObject part of the task still exists.
 void AsyncTaskProcessor::forgetCurrentTask()
 {
     if (!takeEnd()) {
         currentTask_ = nullptr;
         return;
     }
-    // Somebody else deletes the task while it runs: it counts as failed.
+    // The application has deleted the running task: it counts as failed.
     const QPointer<AsyncTaskProcessor> self(this);
-    currentTask_->setParent(nullptr); // a skipped task may delete this processor and its children
+    // The destructor of a skipped task may delete this processor, which would delete its children.
+    currentTask_->setParent(nullptr);
     ok_ = false;
     stopAfterError(currentTask_);
     if (!self)
@@ -233,7 +236,8 @@ void AsyncTaskProcessor::deleteTask(AsyncTask *task)
 {
     if (!task)
         return;
-    // The destructor of the task may delete this processor, which would delete its child again.
+    // The destructor of the task may delete this processor. The processor must not delete the task,
+    // which is its child, a second time.
     connect(this, &QObject::destroyed, task, [task] { task->setParent(nullptr); });
     delete task;
 }
@@ -267,7 +271,7 @@ void AsyncTaskProcessor::stopWhenCanceled(AsyncTask *task)
         return;
     stopping_ = true;
     log(QStringLiteral("Task processing has been canceled"));
-    // Unlike an error, a cancel without a clean-up task leaves the queue as it is.
+    // Without a clean-up task a cancel does not change the queue, unlike a failure.
     // Kept for compatibility: see "Cancel without a clean-up task" in docs/compatibility.md.
     if (cleanUpTasks_.contains(task))
         skipToCleanUpTask(task);
@@ -287,7 +291,7 @@ void AsyncTaskProcessor::skipToCleanUpTask(AsyncTask *task)
 void AsyncTaskProcessor::finishRun()
 {
     if (!timer_.isValid())
-        return; // a start that was left over when the run ended
+        return; // the run has already ended; this was a second queued start
     log(QStringLiteral("Finished processing tasks in %1")
             .arg(System::getElapsedTimeString(timer_.elapsed())));
     timer_.invalidate();

@@ -22,8 +22,8 @@ QString scriptName()
     return QStringLiteral("work.bat");
 }
 
-// False unless the whole script was written: the first half of a command can do harm. Latin-1
-// although the output is read as UTF-8.
+// Returns false if the script is not complete: it must not be run then, since a part of a command
+// can do harm. The encoding is Latin-1, although the output is read as UTF-8.
 // Kept for compatibility: see "Command scripts" in docs/compatibility.md.
 bool writeScript(const QString &command)
 {
@@ -31,7 +31,7 @@ bool writeScript(const QString &command)
     QFile script(scriptName());
     const QByteArray text = command.toLatin1();
     const bool isWritten = script.open(QIODevice::WriteOnly) && script.write(text) == text.size();
-    script.close(); // writes what the file still holds in memory
+    script.close(); // writes the buffered data
     return isWritten && script.error() == QFileDevice::NoError;
 }
 
@@ -47,7 +47,8 @@ void finishScript(QProcess &process)
     QFile::remove(scriptName());
 }
 
-// Keeps the first bytes that a process prints, at most \a most, and drops the others as they come.
+// Collects the first bytes that a process prints, at most \a most. Discards the rest when it is
+// read, to save memory.
 class KeptOutput
 {
 public:
@@ -69,7 +70,8 @@ private:
     std::string bytes_;
 };
 
-// QProcess::waitForFinished() may wait longer for a process that prints without a pause.
+// QProcess::waitForFinished() is not used: it can exceed its time limit while a process prints
+// continuously.
 void waitForEnd(QProcess &process)
 {
     const QDeadlineTimer deadline(TimeLimit);
@@ -98,7 +100,7 @@ QStringList runAndRead(const QString &command, int maxLines, Log *log)
         startScript(process, call);
         waitForEnd(process);
     }
-    // A process that has not printed yet has no line. One that has ended has an empty one.
+    // No output is one empty line if the process has ended, and no line if it still runs.
     QStringList lines;
     if (!output.bytes().empty() || process.state() == QProcess::NotRunning)
         lines = Formats::outputLines(output.bytes(), maxLines);
@@ -136,7 +138,7 @@ int Command::runQ(const QString &command)
         startScript(process, Platform::callOfScript(scriptName()));
         process.waitForFinished(TimeLimit);
     }
-    // What a process that never started reports as its exit code differs between systems.
+    // If the process was not started, the value of exitCode() differs between systems.
     const bool hasStarted = isWritten && process.error() != QProcess::FailedToStart;
     const int exitCode = hasStarted ? process.exitCode() : 0;
     finishScript(process);
@@ -145,7 +147,7 @@ int Command::runQ(const QString &command)
 
 int Command::runNoWait(const QString &command, bool logIt, const QString &workingDirectory)
 {
-    // Never deleted: deleting the object would end the process.
+    // Never deleted: the destructor would kill the process.
     // Kept for compatibility: see "Command that nobody waits for" in docs/compatibility.md.
     auto *process = new QProcess;
     const Platform::ShellCall call = Platform::callOfText(command);

@@ -19,8 +19,8 @@ namespace Vorn::Util {
 
 namespace {
 
-// The parser calls itself for an element in an element, and a declaration may turn a short text
-// into any number of them. Every element needs a "<".
+// The parser calls itself for each nested element, so too many would overflow the stack. Each
+// element has a "<". A DOCTYPE can declare entities that expand to any number of elements.
 bool canBeParsed(const QString &text)
 {
     constexpr int MaxElements = 2000;
@@ -62,7 +62,7 @@ int CpuInfo::coreCount() const
 
 int CpuInfo::coresPerProcessor() const
 {
-    // Wide enough for the smallest number over -1, which a file may lead to.
+    // INT_MIN / -1 overflows int, and a file can contain both.
     const qint64 cores = coreCount_;
     return static_cast<int>(cores / (processorCount_ == 0 ? 1 : processorCount_));
 }
@@ -104,7 +104,7 @@ bool CpuInfo::loadFromXml()
     }
     const QString one = QStringLiteral("1");
     processorCount_ = Xml::valueOf(QStringLiteral("processorCount"), root, one).toInt();
-    // Wide enough for any two numbers that a file may hold.
+    // The product of two numbers in a file can overflow int.
     const qint64 cores = Xml::valueOf(QStringLiteral("coresPerProcessor"), root, one).toInt();
     coreCount_ = static_cast<int>(cores * processorCount_);
     const QString smt = Xml::valueOf(QStringLiteral("hyperThreading"), root, QString());
@@ -162,8 +162,9 @@ bool CpuInfo::saveToXml() const
     stream.flush();
     if (stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError)
         return true;
-    file.close();                 // after an error, the object would not remove it
-    QFile::remove(infoFilePath_); // half a file could never be read
+    // Remove the incomplete file, which could never be read. QFile::remove() needs a closed file.
+    file.close();
+    QFile::remove(infoFilePath_);
     return false;
 }
 

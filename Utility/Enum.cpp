@@ -87,19 +87,20 @@ void Enum::init(const QString &type, const QString &string, int value)
 
 QHash<QString, QVector<QString>> &Enum::strings()
 {
-    static auto &hash = *new QHash<QString, QVector<QString>>; // outlives every static object
+    // Never deleted, so that destructors of static objects can still use it.
+    static auto &hash = *new QHash<QString, QVector<QString>>;
     return hash;
 }
 
 QHash<QString, QVector<int>> &Enum::values()
 {
-    static auto &hash = *new QHash<QString, QVector<int>>; // outlives every static object
+    static auto &hash = *new QHash<QString, QVector<int>>; // never deleted, as above
     return hash;
 }
 
 QHash<QString, int> &Enum::count()
 {
-    static auto &hash = *new QHash<QString, int>; // outlives every static object
+    static auto &hash = *new QHash<QString, int>; // never deleted, as above
     return hash;
 }
 

@@ -23,8 +23,9 @@ const int Log::MaxLogCount = 10;
 
 namespace {
 
-// The prefix of a second: asking for the local time as text costs several times the writing of a
-// line. Plain memory, which static objects may use while they are destroyed.
+// The last time stamp of this thread, which is used for all lines of the same second: formatting
+// the local time takes several times as long as writing a line. The type has no destructor, so that
+// destructors of static objects can still write to a log.
 struct LastPrefix
 {
     qint64 second = -1;
@@ -35,7 +36,7 @@ struct LastPrefix
 static_assert(std::is_trivially_destructible<LastPrefix>::value);
 thread_local LastPrefix lastPrefix;
 
-// A name filter that matches exactly \a text.
+// A name filter for QDir that matches exactly \a text.
 QString escapeWildcards(const QString &text)
 {
     QString escaped;
@@ -116,7 +117,7 @@ void Log::append(const QString &text)
 
 void Log::fastAppend(const QString &text)
 {
-    // Without a prefix, too.
+    // The blank is also written if the prefix is empty.
     // Kept for compatibility: see "Log lines" in docs/compatibility.md.
     const QString line = getPrefix() % QLatin1Char(' ') % rstrip(text) % QLatin1Char('\n');
     file_->write(line.toUtf8());
@@ -176,7 +177,7 @@ bool Log::removeOldTimeStampedLogFiles(const QString &path, const QString &baseN
         QStringLiteral("%1_20*.%2").arg(escapeWildcards(baseName), escapeWildcards(suffix))};
     const QDir::Filters plainFiles = QDir::Files | QDir::Hidden;
 
-    // Each deletion overwrites the result of those before it.
+    // The result is that of the last deletion only.
     // Kept for compatibility: see "Old logs" in docs/compatibility.md.
     bool ok = true;
     const QFileInfoList all = folder.entryInfoList(filter, plainFiles, QDir::Unsorted);
@@ -198,7 +199,8 @@ void Log::checkSizeAndTruncate()
         truncate();
         return;
     }
-    // Made before the truncation: a handler of Qt's messages may write to this log meanwhile.
+    // This closes the log. file_ must not be null during the truncation, because a Qt message
+    // handler may write to the log.
     file_ = std::make_unique<QFile>(name_);
     truncate();
     file_->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text);
@@ -253,7 +255,7 @@ bool Log::removeOldTimeStampedLogFiles()
     return removeOldTimeStampedLogFiles(path_, baseName_, suffix_, MaxLogCount);
 }
 
-// The stream's end pushes the text through the file to the system.
+// The destructor of the stream writes and flushes the text.
 template <typename Value> void Log::write(Value value)
 {
     QTextStream stream(file_.get());

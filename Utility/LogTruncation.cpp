@@ -11,8 +11,8 @@ namespace Vorn::Util {
 
 namespace {
 
-// Whether the truncation of \a log can succeed, as far as the system tells without a try. For a log
-// that cannot be truncated this is asked before every line, so it must copy nothing.
+// Whether the truncation of \a log can succeed, as far as this can be known in advance. If a log
+// cannot be truncated, this is called for every line, so it must be fast and copy nothing.
 bool canBeTruncated(const QFileInfo &log, const QString &temporaryFolder)
 {
     const qint64 leastKept = log.size() - Formats::LogHeadSize;

@@ -7,19 +7,19 @@
 
 namespace Vorn::Util::Product {
 
-/// The organisation in folders and settings.
+/// The organisation name in folders and settings.
 inline QString maker()
 {
     return QStringLiteral("Vantorel");
 }
 
-/// The application in folders and settings.
+/// The application name in folders and settings.
 inline QString name()
 {
     return QStringLiteral("VORN");
 }
 
-/// The name of the release that users see: "2024".
+/// The public name of the release: "2024".
 inline QString publicVersion()
 {
     return QStringLiteral("2024");
@@ -31,7 +31,7 @@ inline QString folder()
     return name() + QLatin1Char(' ') + publicVersion();
 }
 
-/// The release that settings are kept for: "24.0".
+/// The release in the key of the settings: "24.0".
 inline QString release()
 {
     return QStringLiteral("%1.%2").arg(Version::Major).arg(Version::Minor);

@@ -16,10 +16,12 @@ namespace Vorn::Util {
 
 namespace {
 
-constexpr int FolderSize = 512; // wide characters of a caller's buffer for a folder
-constexpr int NarrowSize = 512; // bytes of a caller's buffer for the installation folder
+// The sizes of the caller's buffers, with the terminating null.
+constexpr int FolderSize = 512; // for a folder, in wide characters
+constexpr int NarrowSize = 512; // for the installation folder, in bytes
 
-// A text that does not fit leaves the buffer empty: half a path is worse than none.
+// A text that does not fit is not truncated, but replaced by an empty one: a part of a path would
+// be the path of something else.
 void copyBounded(const QString &text, wchar_t *out, int size)
 {
     const std::wstring wide = text.toStdWString();
@@ -33,7 +35,7 @@ QString translatorsFolder(const QStringList &lastParts)
 {
     QString base = Platform::environmentVariable("AllUsersProfile");
     if (base.size() >= FolderSize)
-        base.clear(); // as a read into a buffer of that size
+        base.clear(); // the variable is read into a buffer of this size
     const QStringList parts{base, Product::maker(), Product::folder()};
     return (parts + lastParts).join(QDir::separator());
 }

@@ -164,7 +164,7 @@ bool SevenZip::run(SevenZipCommand *command)
 {
     const QPointer<SevenZip> self(this);
     start(command);
-    const bool ended = command->waitForFinished(); // a slot of the signal may delete this object
+    const bool ended = command->waitForFinished(); // a slot may delete this object
     return self && ended && isOk();
 }
 
@@ -205,7 +205,7 @@ void SevenZip::setUncompressedSize(qint64 size)
 
 void SevenZip::setCommandFinished()
 {
-    // The latest command decides, also when an earlier one ends after it was started.
+    // The command that was started last decides, even if an earlier one has finished.
     // Kept for compatibility: see "Signal of the latest operation" in docs/compatibility.md.
     switch (currentCommand_ ? currentCommand_->kind() : -1) {
     case SevenZipCommand::Compress:

@@ -21,7 +21,7 @@ constexpr int MostFilesOnCommandLine = 32;
 constexpr int WarningCode = 1;
 constexpr int FatalErrorCode = 2;
 
-// Only these two exit codes count.
+// All other exit codes mean no error.
 // Kept for compatibility: see "Exit codes of the archiver" in docs/compatibility.md.
 SevenZip::Error errorOf(int exitCode, QProcess::ExitStatus exitStatus)
 {
@@ -41,10 +41,10 @@ Formats::ArchiverOperation operationOf(int kind)
 bool exists(const QString &name)
 {
     const QFileInfo info(name);
-    return info.exists() || info.isSymLink(); // a link to nowhere is in the way too
+    return info.exists() || info.isSymLink(); // a broken link does not exist for QFileInfo
 }
 
-// Closes the file: a network file system may report a full disk only then.
+// Closes the file, because a network file system may report a full disk only then.
 bool writeNames(QFile &file, const QStringList &names)
 {
     QTextStream stream(&file);
@@ -60,7 +60,7 @@ bool writeNames(QFile &file, const QStringList &names)
 
 } // namespace
 
-// Keeps what the archiver reports.
+// Stores what the archiver reports in the SevenZip object.
 class SevenZipCommand::Results : public Formats::ArchiverEvents
 {
 public:
@@ -102,7 +102,7 @@ void SevenZipCommand::start()
         QDir::setCurrent(owner_->currentPath());
     }
     if (isRefused_) {
-        // Queued, as the end of a program that was started: callers hear of it after the call.
+        // Queued, so that the signal is emitted after this call, as for a started archiver.
         QMetaObject::invokeMethod(this, &SevenZipCommand::endRefused, Qt::QueuedConnection);
         return;
     }
@@ -129,13 +129,14 @@ bool SevenZipCommand::waitForFinished()
         endRefused();
         return true;
     }
-    // An archiver that wakes this thread with each block of its output is a tenth slower.
+    // Without the pause this thread would wake up for each block of output, which makes the
+    // archiver a tenth slower.
     constexpr unsigned long PauseBetweenReads = 300; // microseconds
-    const QPointer<QProcess> process(process_);      // a slot may delete it when it ends
+    const QPointer<QProcess> process(process_);      // a slot may delete it
     while (process && process->waitForReadyRead(-1))
         QThread::usleep(PauseBetweenReads);
     if (process && process->state() != QProcess::NotRunning)
-        process->waitForFinished(-1); // only its output has ended
+        process->waitForFinished(-1); // it has closed its output, but still runs
     return process && process->error() != QProcess::FailedToStart;
 }
 
@@ -144,7 +145,7 @@ void SevenZipCommand::refuseToStart()
     isRefused_ = true;
 }
 
-// Once: the queued call comes too late after a wait.
+// Ends the command only once: after waitForFinished() the queued call does nothing.
 void SevenZipCommand::endRefused()
 {
     if (!isRefused_)
@@ -199,7 +200,7 @@ QStringList SevenZipCompressCommand::arguments()
     return all;
 }
 
-// Every occurrence of the current path is removed, not only that at the front.
+// Every occurrence of the current path is removed, not only the one at the beginning.
 // Kept for compatibility: see "Names below the current path" in docs/compatibility.md.
 QStringList SevenZipCompressCommand::fileNames() const
 {
@@ -213,9 +214,11 @@ QStringList SevenZipCompressCommand::fileNames() const
     return names;
 }
 
-// The name is predictable, so the file is made here or not at all, and never through a link. With
-// a list that is not complete the archiver would leave files out without an error, and without a
-// list it ends with an exit code that counts as none: it is not started then.
+// Other users can predict the name. So the file must be a new one, and links are not followed.
+//
+// With an incomplete list file the archiver would leave out files without an error. Without a list
+// file it ends with an exit code that does not count as an error. So it is not started if the file
+// cannot be written completely.
 void SevenZipCompressCommand::writeListFile()
 {
     const QString folder = System::getTempDirPath();
@@ -235,7 +238,7 @@ void SevenZipCompressCommand::writeListFile()
     }
     if (!writeNames(file, fileNames())) {
         QFile::remove(listFile_);
-        listFile_.clear(); // or a list file that somebody else makes under this name is removed
+        listFile_.clear(); // handleFinished() must not remove a file of another process
         refuseToStart();
     }
 }

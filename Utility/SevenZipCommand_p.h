@@ -14,7 +14,8 @@ namespace Vorn::Util {
 
 class SevenZip;
 
-/// One run of the archiver for a SevenZip, which owns it and gets its results.
+/// One run of the archiver. The SevenZip object that it is created for owns it and stores its
+/// results.
 class SevenZipCommand : public QObject
 {
     Q_OBJECT
@@ -30,8 +31,8 @@ public:
     /// Starts the archiver and returns. Call it once.
     void start();
 
-    /// Waits for the end without a time limit; false when the archiver could not be started. A slot
-    /// of the owner's signal may delete the owner, and this command with it, during the call.
+    /// Waits for the end without a time limit. Returns false if the archiver could not be started.
+    /// During the call a slot may delete the owner, and this command with it.
     bool waitForFinished();
 
 protected:
@@ -44,10 +45,10 @@ protected Q_SLOTS:
 protected:
     SevenZip *owner() const { return owner_; }
 
-    /// Makes start() end the command as a fatal error, without starting the archiver.
+    /// Makes start() end with a fatal error instead of starting the archiver.
     void refuseToStart();
 
-    /// Hands every whole line that is there to the reader of the archiver's output.
+    /// Reads the complete lines of the available output with the reader.
     void readLines();
 
 private:
@@ -57,7 +58,7 @@ private:
 
     int kind_;
     SevenZip *owner_;
-    QProcess *process_ = nullptr; // never deleted: that would end a program that still runs
+    QProcess *process_ = nullptr; // never deleted: its destructor would kill a running archiver
     QString savedPath_;
     bool isRefused_ = false;
     Formats::LineSplitter lines_;
@@ -70,7 +71,7 @@ class SevenZipCompressCommand : public SevenZipCommand
     Q_OBJECT
 
 public:
-    /// More than 32 files are handed over in a list file, which is written here.
+    /// Writes a list file if there are more than 32 files.
     SevenZipCompressCommand(const QStringList &files, SevenZip *owner);
     ~SevenZipCompressCommand() override;
 
@@ -107,7 +108,7 @@ class SevenZipListCommand : public SevenZipCommand
     Q_OBJECT
 
 public:
-    /// The owner's files stay, and the entries are appended to them.
+    /// Appends the entries of the archive to the files of \a owner.
     /// Kept for compatibility: see "Files of a listing" in docs/compatibility.md.
     explicit SevenZipListCommand(SevenZip *owner);
     ~SevenZipListCommand() override;

@@ -2,40 +2,43 @@
 
 #include <QtCore/QString>
 
-/// Works out where the standard folders are. Each call asks the system again. No folder is created,
-/// except by the system itself. System keeps the results.
+/// Finds the standard folders. Each call asks the system again; the class System keeps the results.
+/// The functions create no folders, but the system may.
 namespace Vorn::Util::StandardFolders {
 
-/// \a path without the separator at its end, if there is one, of either kind.
+/// Removes one "/" or "\" at the end of \a path.
 QString withoutLastSeparator(const QString &path);
 
+/// The data folder for all users.
 QString allUsersData();
 
-/// The folder \a name of the product in the machine's application data, with mixed separators.
+/// The folder \a name of the product in the application data of the machine. The path can contain
+/// both kinds of separators.
 QString programData(const QString &name);
 
-/// The documents in the folder that the variable "PUBLIC" names; empty when it is not set.
+/// The folder "Documents" in the folder in the environment variable "PUBLIC"; empty if the variable
+/// is not set.
 QString documentsOfPublic();
 
 /// The product's folder in \a folder, with native separators.
 QString productFolderIn(const QString &folder);
 
+/// The data folder of the user.
 QString userData();
 
-/// The folder for analyses in the product's settings, as it is stored there; empty without it.
+/// The setting "AnalyzeDirectory" of the product, unchanged; empty if it is not set.
 QString analyses();
 
-/// The folder of this application if the product's main program lies there, else empty; with native
-/// separators.
+/// The folder of this application, with native separators; empty if it does not contain the
+/// product's main program.
 QString ofMainProgram();
 
-/// The folder of the running program file, with native separators; empty when the system does not
-/// tell it.
+/// The folder of the running program, with native separators; empty if the system does not report
+/// it.
 QString ofRunningProgram();
 
-/// The product's installation folder in its settings, with native separators and without one at the
-/// end. When the settings have none and \a orVariable is true, the value of the variable
-/// "TAVELINE2024DIR".
+/// The setting "InstallationDirectory" of the product. If it is not set and \a orVariable is true,
+/// the environment variable "TAVELINE2024DIR". With native separators, without one at the end.
 QString installation(bool orVariable);
 
 } // namespace Vorn::Util::StandardFolders

@@ -8,7 +8,7 @@ namespace Vorn::Util {
 
 void printToStandardOutput(const QString &text)
 {
-    // Past the C stream: on a stream that was used for wide characters, narrow ones are lost.
+    // The C stream stdout is not used: after wide characters it would lose narrow ones.
     constexpr int Descriptor = 1;
     std::fflush(stdout);
     QFile output;

@@ -4,8 +4,8 @@
 
 namespace Vorn::Util {
 
-/// Writes \a text to the process's standard output in the local encoding, after everything that
-/// was printed there before, whether in narrow or in wide characters.
+/// Writes \a text to the standard output of the process in the local encoding, after everything
+/// that was printed before with narrow or wide characters.
 void printToStandardOutput(const QString &text);
 
 } // namespace Vorn::Util

@@ -30,8 +30,8 @@ void SyncTask::execute()
         && QMetaObject::invokeMethod(receiver_, method_.toLatin1().constData(),
                                      Qt::DirectConnection);
     if (!self)
-        return; // the method deleted the task or its processor
-    // Without its method the task gets an error and never finishes.
+        return; // the method has deleted the task or its processor
+    // If the method cannot be called, the task gets an error and never finishes.
     // Kept for compatibility: see "SyncTask without its method" in docs/compatibility.md.
     if (called)
         setFinished();

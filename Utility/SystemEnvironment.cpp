@@ -14,7 +14,7 @@ QString System::hostName_;
 
 namespace {
 
-// Any thread may ask for the name.
+// Any thread may call getHostName().
 std::mutex hostNameMutex;
 
 } // namespace

@@ -26,14 +26,13 @@ bool isLink(const QFileInfo &info)
     return info.isSymLink() || info.isJunction();
 }
 
-// A link to a folder is a file to some systems and a folder to others.
+// On some systems a link to a folder is removed like a file, on others like a folder.
 bool removeLink(const QString &path)
 {
     return QFile::remove(path) || QDir().rmdir(path);
 }
 
-// Calls itself for subfolders: with QDirIterator::Subdirectories the walk would follow junctions,
-// and might never end.
+// QDirIterator::Subdirectories is not used: it follows junctions, so that the walk may never end.
 qint64 sizeBelow(const QString &folder)
 {
     qint64 size = 0;
@@ -49,7 +48,8 @@ qint64 sizeBelow(const QString &folder)
     return size;
 }
 
-// By a name that can be removed: "link/" and "link/." would be the folder that the link points to.
+// The folder \a path with a path that can be removed. "/" and "/." at the end are dropped, because
+// "link/" and "link/." refer to the target of the link. "." and ".." are replaced by the real path.
 QFileInfo folderNamed(const QString &path)
 {
     QString name = QDir::fromNativeSeparators(path);
@@ -62,7 +62,7 @@ QFileInfo folderNamed(const QString &path)
     return isNameless && folder.exists() ? QFileInfo(folder.canonicalFilePath()) : folder;
 }
 
-// The folder itself or the one that a link leads to. A shortcut of Windows is a file.
+// The folder or, if it is a link, its target. A Windows shortcut is a file, not a link.
 QString realPath(const QFileInfo &folder)
 {
     return isLink(folder) && !folder.isShortcut() ? folder.canonicalFilePath() : folder.filePath();
@@ -70,16 +70,17 @@ QString realPath(const QFileInfo &folder)
 
 struct TreeWalk
 {
-    // Called for every entry of a folder. Returns whether to go into the entry.
+    // Called for each entry of a folder. Returns whether to enter the entry.
     std::function<bool(const Platform::FolderEntry &entry, bool isAtTop)> visit;
-    // Called in the folder above after the entries of a folder, also when it could not be entered.
+    // Called in the parent folder after the entries of a folder, also if it could not be entered.
     std::function<void(const QString &folder)> leave;
 };
 
-// Depth first. No recursion: any depth is possible. False when the walk could not be finished.
+// Depth first. Not recursive, so that there is no limit of the depth. Returns false if the walk
+// could not be finished.
 bool walkTree(Platform::FolderTree &tree, const TreeWalk &walk)
 {
-    std::vector<QStringList> ahead; // folders to go into, for each folder on the way down
+    std::vector<QStringList> ahead; // per level of the current path: the folders still to enter
     const auto visitCurrent = [&] {
         QStringList folders;
         const bool isAtTop = ahead.empty();
@@ -111,7 +112,7 @@ bool emptyFolder(const QString &path, const QStringList &exceptions)
 {
     const std::unique_ptr<Platform::FolderTree> tree = Platform::openFolderTree(path);
     if (!tree)
-        return true; // nothing is found that could be removed
+        return true; // nothing to remove
     bool ok = true;
     TreeWalk removal;
     removal.visit = [&](const Platform::FolderEntry &entry, bool isAtTop) {

@@ -1,4 +1,4 @@
-// Flags that a user sets in a file.
+// The flags that a user sets in the flags file.
 
 #include <Utility/Platform/SmallFile.h>
 #include <Utility/System.h>

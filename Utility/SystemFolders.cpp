@@ -1,4 +1,4 @@
-// The standard folders. System keeps each one that was found.
+// The standard folders. Each one that was found is kept in a static member.
 
 #include <Utility/System.h>
 

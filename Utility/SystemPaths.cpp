@@ -53,7 +53,7 @@ QString System::getUniversalPath(const QString &path)
     QString universal = Platform::universalName(QDir::toNativeSeparators(path));
     if (!universal.isEmpty())
         return universal;
-    const QString prefix = QStringLiteral("\\??\\"); // of a substituted drive
+    const QString prefix = QStringLiteral("\\??\\"); // the target of a substituted drive has it
     const QString target = Platform::driveTarget(path.left(2));
     return target.startsWith(prefix) ? target.mid(prefix.size()) + path.mid(2) : path;
 }

@@ -1,4 +1,4 @@
-// Times as texts.
+// Durations as text.
 
 #include <Utility/System.h>
 

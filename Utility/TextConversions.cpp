@@ -55,7 +55,7 @@ std::vector<std::string> toStringVector(const QStringList &texts)
 
 wchar_t *toWCharArray(const QString &text)
 {
-    // The wide form never has more units than the UTF-16 form.
+    // The wide text never has more units than the UTF-16 text.
     auto array = std::make_unique<wchar_t[]>(static_cast<std::size_t>(text.size()) + 1);
     text.toWCharArray(array.get());
     return array.release();
@@ -65,7 +65,7 @@ void toWCharArray(const char16_t *in, wchar_t *out)
 {
     if (!in || !out)
         return;
-    // Not QString::fromUtf16, which takes a leading byte-order mark away.
+    // QString::fromUtf16 would remove a byte-order mark.
     const QString text(reinterpret_cast<const QChar *>(in));
     out[text.toWCharArray(out)] = L'\0';
 }
@@ -79,7 +79,8 @@ void toChar16Array(const QString &text, char16_t *out)
 
 void toChar16Array(const wchar_t *in, char16_t *out)
 {
-    // QString::fromStdWString takes a byte-order mark at the very beginning away.
+    // QString::fromStdWString would remove a byte-order mark at the beginning, so put a blank
+    // before it.
     if (in)
         toChar16Array(QString::fromStdWString(L' ' + std::wstring(in)).mid(1), out);
 }

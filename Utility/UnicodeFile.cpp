@@ -28,8 +28,8 @@ bool copyContent(QFile &from, QFile &to)
     }
 }
 
-// A copy of a file, in the folder of path, that only this user may read before it is complete.
-// Returns its name, which is empty when no copy was made.
+// Copies the file original to the folder of path. Until the copy is complete, only this user can
+// read it. Returns the path of the copy, which is empty after a failure.
 QString makeCopyBeside(const QString &path, const QString &original)
 {
     QFile from(original);
@@ -41,11 +41,11 @@ QString makeCopyBeside(const QString &path, const QString &original)
     return copy.fileName();
 }
 
-// At every moment one of the two paths leads to the whole file. What lies at the target is kept
-// when it is known beforehand that the source cannot be removed.
+// The complete file is always at one of the two paths. If it is known in advance that the source
+// cannot be removed, a file at the target is not replaced.
 bool moveToOtherFileSystem(const QString &from, const QString &to)
 {
-    const bool isFile = QFileInfo(from).isFile(); // a pipe could keep the caller waiting
+    const bool isFile = QFileInfo(from).isFile(); // reading a pipe could block
     if (!isFile || (QFile::exists(to) && !Platform::mayReplaceFile(from)))
         return false;
     const QString copy = makeCopyBeside(to, from);
@@ -97,7 +97,7 @@ UnicodeFile::~UnicodeFile()
         renameToUnicode();
 }
 
-// The system's unique names hold for the current folder.
+// System::getTempFileName() may return a name that is unique in the current folder.
 bool UnicodeFile::chooseAsciiName()
 {
     if (!isUnicode(unicodeName_)) {
@@ -133,12 +133,13 @@ bool UnicodeFile::renameToUnicode()
 
 bool UnicodeFile::rename(const QString &from, const QString &to)
 {
-    // A relative link that was moved to the plain path may lead nowhere from there.
+    // A relative link at the ASCII path may be broken, because its target is relative to the old
+    // folder. It is moved back all the same.
     const bool isThere
         = QFile::exists(from) || (from == asciiFilePath() && QFileInfo(from).isSymLink());
     if (!isUnicode() || !isThere || Platform::isSameFile(from, to))
         return true;
-    // Without a name the plain path is that of its folder, which must not be moved.
+    // If the ASCII name is empty, the ASCII path is that of a folder, which must not be moved.
     const bool isPath = !asciiPath_.isEmpty() && !asciiName_.isEmpty();
     if (isPath && !isFolder(to) && moveFile(from, to))
         return true;

@@ -17,16 +17,17 @@ const int Version::Patch;
 const int Version::Hotfix;
 const int Version::DevStage;
 
-// Constant-initialised, because the constructor is constexpr: static objects of other files may use
-// them in their own constructors. The definitions are not constexpr themselves: that would make
-// them inline variables, which the compiler exports as unique for the whole process.
+// The constructor is constexpr, so these constants are initialised at compile time, and
+// constructors of static objects in other files can use them. The constants themselves are not
+// constexpr: then they would be inline variables, which are exported in another way (as unique
+// symbols of the process).
 const Version Version::Current(Major, Minor, Patch, DevStage);
 const Version Version::CurrentRelease(Major, Minor, Hotfix, DevStage);
 const QString Version::Public = Product::publicVersion();
 
 namespace {
 
-// Unlike QString::toInt, no blanks around the number.
+// Unlike QString::toInt(), allows no white space around the number.
 int toNumber(const QString &text)
 {
     const bool hasBlanks = std::any_of(text.cbegin(), text.cend(),
@@ -66,7 +67,7 @@ QString Version::toString() const
 
 QString Version::toPublic() const
 {
-    // Later majors have no name of their own here; that of this build is Public.
+    // The other versions have no special name. The name of this release is Public.
     // Kept for compatibility: see "Public names of versions" in docs/compatibility.md.
     switch (major_) {
     case 9:

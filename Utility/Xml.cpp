@@ -25,7 +25,7 @@ QString Xml::valueOf(const QString &name, const QDomElement &element, const QStr
     if (child.isNull())
         return defaultValue;
     const QDomNode content = child.firstChild();
-    // Qt does not count a CDATA section as character data.
+    // For Qt a CDATA section is not character data.
     return content.isCDATASection() ? content.nodeValue() : content.toCharacterData().data();
 }
 

@@ -2,7 +2,7 @@
 // the file that tells how the program was called; FakeArchiver.h writes the one and reads the
 // other.
 
-#include "../TestSystem.h"
+#include "TestSystem.h"
 #include "BinaryStreams.h"
 
 #include <QtCore/QByteArray>

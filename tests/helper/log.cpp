@@ -1,6 +1,6 @@
 #include "log.h"
 
-#include "../NumberedLines.h"
+#include "NumberedLines.h"
 
 #include <Utility/Log.h>
 

@@ -1,8 +1,8 @@
 // A file whose plain folder lies on another file system, and files of other users.
 
-#include "../OtherFileSystem.h"
-#include "../TestFiles.h"
-#include "../TestFolder.h"
+#include "OtherFileSystem.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 #include "FileSizeLimit.h"
 #include "OrdinaryUser.h"
 

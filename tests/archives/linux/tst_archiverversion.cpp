@@ -2,7 +2,7 @@
 
 #include <Utility/ArchiverProgram_p.h>
 
-#include "../TestFiles.h"
+#include "TestFiles.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QElapsedTimer>

@@ -1,8 +1,8 @@
 // Processes that run no program, whose ids are used again, or that call themselves what they like.
 
-#include "../HelperProgram.h"
-#include "../TestFiles.h"
-#include "../TestFolder.h"
+#include "HelperProgram.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 
 #include "OrdinaryUser.h"
 

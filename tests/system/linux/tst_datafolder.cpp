@@ -1,6 +1,6 @@
 // Which folder the data of all users go to. Permissions count for an ordinary user only.
 
-#include "../TestFolder.h"
+#include "TestFolder.h"
 #include "OrdinaryUser.h"
 
 #include <Utility/Platform/Linux/Folders_p.h>

@@ -1,7 +1,7 @@
 // Who may write the files that the library makes.
 
-#include "../TestFiles.h"
-#include "../TestFolder.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 
 #include <Utility/Command.h>
 #include <Utility/CpuInfo.h>

@@ -5,7 +5,7 @@
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
-#include "helper/systemcalls.h"
+#include "../helper/systemcalls.h"
 
 #include <Utility/Registry.h>
 

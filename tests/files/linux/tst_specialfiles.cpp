@@ -1,8 +1,8 @@
 // Pipes and links in the place of files.
 
-#include "../TestFiles.h"
-#include "../TestFolder.h"
-#include "../TestLog.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
+#include "TestLog.h"
 #include "Fifo.h"
 #include "OrdinaryUser.h"
 #include "ProcessState.h"

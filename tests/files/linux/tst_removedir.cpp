@@ -1,7 +1,7 @@
 // Removing a folder tree while its owner changes it, and trees that only this system can hold.
 
-#include "../TestFiles.h"
-#include "../TestFolder.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 #include "DescriptorLimit.h"
 
 #include <Utility/System.h>

@@ -1,10 +1,10 @@
 // What long use leaves behind: memory, descriptors, processes and files.
 
-#include "../FakeArchiver.h"
-#include "../TestFiles.h"
-#include "../TestFolder.h"
-#include "../TestMessages.h"
-#include "../TestTask.h"
+#include "FakeArchiver.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
+#include "TestMessages.h"
+#include "TestTask.h"
 #include "ProcessState.h"
 
 #include <Utility/AsyncTaskProcessor.h>

@@ -1,7 +1,7 @@
 // Folders and files that an ordinary user may not write or read.
 
-#include "../TestFiles.h"
-#include "../TestFolder.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 #include "OrdinaryUser.h"
 
 #include <Utility/Command.h>

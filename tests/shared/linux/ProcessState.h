@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../TestFiles.h"
+#include "TestFiles.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDir>

@@ -1,7 +1,7 @@
 // The archiver of a program that a user has started on a terminal.
 
-#include "../TestFiles.h"
-#include "../TestFolder.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 #include "Terminal.h"
 
 #include <Utility/SevenZip.h>

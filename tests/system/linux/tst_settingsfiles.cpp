@@ -1,10 +1,10 @@
 // Which file holds the machine-wide settings, and how its text is read and changed. Every call runs
 // in a fresh process: Qt works the folders out once.
 
-#include "../HelperProgram.h"
-#include "../SystemCalls.h"
-#include "../TestFiles.h"
-#include "../TestFolder.h"
+#include "HelperProgram.h"
+#include "SystemCalls.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 #include "OrdinaryUser.h"
 
 #include <Utility/System.h>

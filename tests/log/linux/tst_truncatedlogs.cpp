@@ -1,8 +1,8 @@
 // Whom a truncated log belongs to, who can read it, and what is left when it cannot be truncated.
 
-#include "../OtherFileSystem.h"
-#include "../TestFiles.h"
-#include "../TestFolder.h"
+#include "OtherFileSystem.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 #include "OrdinaryUser.h"
 
 #include <Utility/Log.h>

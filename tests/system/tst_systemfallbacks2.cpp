@@ -7,7 +7,7 @@
 #include "TestFiles.h"
 #include "TestMessages.h"
 #include "TestSystem.h"
-#include "helper/systemcalls.h"
+#include "../helper/systemcalls.h"
 
 #include <Utility/System.h>
 

@@ -19,8 +19,9 @@ WINDOWS_HEADER = "Utility/Platform/Windows/WindowsApi.h"
 
 
 def read_table(page):
-    """The layers in the order of the table, as {name: (patterns, names of the layers below)}."""
-    rows = re.findall(r"^\| (\w+) \| (`.*?) \| .* \| (.*?) \|$", page, re.M)
+    """The first table of the page, as {name: (patterns, names of the layers below)}."""
+    table = page.partition("\n|")[2].partition("\n\n")[0]
+    rows = re.findall(r"^\| (\w+) \| (`.*?) \| .* \| (.*?) \|$", table, re.M)
     layers = {}
     for name, files, includes in rows:
         below = [] if includes == "nothing" else includes.split(", ")

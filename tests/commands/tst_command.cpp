@@ -1,6 +1,6 @@
 #include "HelperProgram.h"
 #include "TestFiles.h"
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "TestSystem.h"
 
 #include <Utility/Command.h>
@@ -59,7 +59,7 @@ QString commandLine()
 
 } // namespace
 
-class tst_Command : public QObject
+class TestCommand : public QObject
 {
     Q_OBJECT
 
@@ -129,38 +129,38 @@ private:
     int functions_ = 0;
 };
 
-void tst_Command::initTestCase()
+void TestCommand::initTestCase()
 {
     QVERIFY(folder_.isValid());
     start_ = QDir::currentPath();
 }
 
-void tst_Command::init()
+void TestCommand::init()
 {
     const QString name = folder_.filePath(QString::number(++functions_));
     QVERIFY(QDir().mkdir(name));
     QVERIFY(QDir::setCurrent(name));
 }
 
-void tst_Command::cleanup()
+void TestCommand::cleanup()
 {
     QVERIFY(QDir::setCurrent(start_));
 }
 
-void tst_Command::runReturnsTheOutputAsRead()
+void TestCommand::runReturnsTheOutputAsRead()
 {
     const QString output = QStringLiteral("  first \t\r\n\r\nsecond\nthird\r\n");
     QCOMPARE(Command().run(printCall(output.toUtf8()), 100, false), output);
 }
 
-void tst_Command::runLReturnsEachLineWithItsEnd()
+void TestCommand::runLReturnsEachLineWithItsEnd()
 {
     const QStringList lines{QStringLiteral("  first \t\r\n"), QStringLiteral("\r\n"),
                             QStringLiteral("second\n"), QStringLiteral("third\r\n")};
     QCOMPARE(Command().runL(printCall(lines.join(QString()).toUtf8()), 100, false), lines);
 }
 
-void tst_Command::theLastLineNeedsNoEnd()
+void TestCommand::theLastLineNeedsNoEnd()
 {
     const QStringList lines{QStringLiteral("first\r\n"), QStringLiteral("second")};
     QCOMPARE(Command().runL(printCall("first\r\nsecond"), 100, false), lines);
@@ -168,14 +168,14 @@ void tst_Command::theLastLineNeedsNoEnd()
 }
 
 // Nothing can be read, which counts as a line without text.
-void tst_Command::aSilentCommandGivesOneEmptyLine()
+void TestCommand::aSilentCommandGivesOneEmptyLine()
 {
     const QString silent = helperCall(QStringLiteral("exit 0"));
     QCOMPARE(Command().run(silent, 100, false), QString());
     QCOMPARE(Command().runL(silent, 100, false), QStringList{QString()});
 }
 
-void tst_Command::anEmptyCommandRuns()
+void TestCommand::anEmptyCommandRuns()
 {
     QCOMPARE(Command().run(QString(), 100, false), QString());
     QCOMPARE(Command().runL(QString(), 100, false), QStringList{QString()});
@@ -183,7 +183,7 @@ void tst_Command::anEmptyCommandRuns()
     QVERIFY(!QFile::exists(scriptName()));
 }
 
-void tst_Command::atMostTwoLinesMoreThanAskedForAreReturned_data()
+void TestCommand::atMostTwoLinesMoreThanAskedForAreReturned_data()
 {
     QTest::addColumn<int>("maxLines");
     QTest::addColumn<int>("returned");
@@ -201,7 +201,7 @@ void tst_Command::atMostTwoLinesMoreThanAskedForAreReturned_data()
     QTest::newRow("the most") << std::numeric_limits<int>::max() << 10;
 }
 
-void tst_Command::atMostTwoLinesMoreThanAskedForAreReturned()
+void TestCommand::atMostTwoLinesMoreThanAskedForAreReturned()
 {
     QFETCH(int, maxLines);
     QFETCH(int, returned);
@@ -213,7 +213,7 @@ void tst_Command::atMostTwoLinesMoreThanAskedForAreReturned()
     QCOMPARE(Command().run(printLinesCall(10), maxLines, false), lines.join(QString()));
 }
 
-void tst_Command::aLongLineComesInPiecesOf199Bytes()
+void TestCommand::aLongLineComesInPiecesOf199Bytes()
 {
     QByteArray line;
     for (int column = 0; column < 450; ++column)
@@ -226,7 +226,7 @@ void tst_Command::aLongLineComesInPiecesOf199Bytes()
     QCOMPARE(Command().run(printCall(line), 100, false), text);
 }
 
-void tst_Command::aPieceHolds199Bytes_data()
+void TestCommand::aPieceHolds199Bytes_data()
 {
     QTest::addColumn<int>("length"); // without the line end
     QTest::addColumn<QList<int>>("pieces");
@@ -239,7 +239,7 @@ void tst_Command::aPieceHolds199Bytes_data()
     QTest::newRow("two pieces and the end") << 398 << QList<int>{199, 199, 2};
 }
 
-void tst_Command::aPieceHolds199Bytes()
+void TestCommand::aPieceHolds199Bytes()
 {
     QFETCH(int, length);
     QFETCH(QList<int>, pieces);
@@ -253,7 +253,7 @@ void tst_Command::aPieceHolds199Bytes()
     QCOMPARE(lines.last(), QStringLiteral("next\r\n"));
 }
 
-void tst_Command::eachPieceCountsAsALine()
+void TestCommand::eachPieceCountsAsALine()
 {
     const QByteArray output = QByteArray(450, 'x') + "\r\nnext\r\n";
     QCOMPARE(Command().runL(printCall(output), 0, false).size(), 2);
@@ -262,7 +262,7 @@ void tst_Command::eachPieceCountsAsALine()
     QCOMPARE(Command().run(printCall(output), 0, false), QString(398, QLatin1Char('x')));
 }
 
-void tst_Command::theOutputIsReadAsUtf8()
+void TestCommand::theOutputIsReadAsUtf8()
 {
     const QString text = QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
                                            "e 5 \xE2\x82\xAC \xF0\x9F\x94\xA9\r\n");
@@ -274,7 +274,7 @@ void tst_Command::theOutputIsReadAsUtf8()
                                "e"));
 }
 
-void tst_Command::eachPieceIsDecodedByItself()
+void TestCommand::eachPieceIsDecodedByItself()
 {
     const QByteArray line = QByteArray(198, 'x') + "\xC3\xB6\r\n";
     const QStringList pieces{QString::fromUtf8(line.left(199)), QString::fromUtf8(line.mid(199))};
@@ -282,14 +282,14 @@ void tst_Command::eachPieceIsDecodedByItself()
     QCOMPARE(Command().runL(printCall(line), 100, false), pieces);
 }
 
-void tst_Command::aLineEndsAtItsFirstNullByte()
+void TestCommand::aLineEndsAtItsFirstNullByte()
 {
     const QStringList lines{QStringLiteral("before"), QStringLiteral("next\r\n")};
     QCOMPARE(Command().runL(printCall(QByteArray("before\0after\r\nnext\r\n", 20)), 100, false),
              lines);
 }
 
-void tst_Command::standardErrorIsNotReturned()
+void TestCommand::standardErrorIsNotReturned()
 {
     const QString complain = helperCall(QStringLiteral("print-error ")
                                         + QString::fromLatin1(QByteArray("bad").toHex()));
@@ -300,14 +300,14 @@ void tst_Command::standardErrorIsNotReturned()
         QStringList{QStringLiteral("good")});
 }
 
-void tst_Command::moreIsReadThanAPipeHolds()
+void TestCommand::moreIsReadThanAPipeHolds()
 {
     const QStringList lines = Command().runL(printLinesCall(50000), 100000, false);
     QCOMPARE(lines.size(), 50000);
     QCOMPARE(lines.last(), QStringLiteral("line 50000\r\n"));
 }
 
-void tst_Command::theExitCodeDoesNotChangeTheOutput()
+void TestCommand::theExitCodeDoesNotChangeTheOutput()
 {
     const QString command
         = printCall("text") + QLatin1Char('\n') + helperCall(QStringLiteral("exit 3"));
@@ -315,14 +315,14 @@ void tst_Command::theExitCodeDoesNotChangeTheOutput()
     QCOMPARE(Command().runQ(command), 3);
 }
 
-void tst_Command::aCommandThatCannotBeRunPrintsNothing()
+void TestCommand::aCommandThatCannotBeRunPrintsNothing()
 {
     const QString silently = onWindows() ? QStringLiteral("@") : QString();
     QCOMPARE(Command().run(silently + QStringLiteral("no-such-program-anywhere"), 100, false),
              QString());
 }
 
-void tst_Command::runQReturnsTheExitCode_data()
+void TestCommand::runQReturnsTheExitCode_data()
 {
     QTest::addColumn<int>("exitCode");
 
@@ -330,28 +330,28 @@ void tst_Command::runQReturnsTheExitCode_data()
         QTest::newRow(QByteArray::number(exitCode).constData()) << exitCode;
 }
 
-void tst_Command::runQReturnsTheExitCode()
+void TestCommand::runQReturnsTheExitCode()
 {
     QFETCH(int, exitCode);
 
     QCOMPARE(Command().runQ(helperCall(QStringLiteral("exit %1").arg(exitCode))), exitCode);
 }
 
-void tst_Command::runQWaitsForTheCommand()
+void TestCommand::runQWaitsForTheCommand()
 {
     QCOMPARE(Command().runQ(helperCall(QStringLiteral("copy work.bat done.txt"))), 0);
     QVERIFY(QFile::exists(QStringLiteral("done.txt")));
 }
 
-void tst_Command::runQLogsNothing()
+void TestCommand::runQLogsNothing()
 {
-    TestLog log;
+    TemporaryLog log;
     QCOMPARE(Command(log).runQ(printLinesCall(3)), 0);
     QCOMPARE(log.lines(), QStringList());
 }
 
 // The script has nothing but the command: no line end, no line that switches echoing off.
-void tst_Command::theScriptIsTheCommandInLatin1()
+void TestCommand::theScriptIsTheCommandInLatin1()
 {
     const QString command = helperCall(QStringLiteral("copy work.bat copy.txt "))
         + QString::fromUtf8("\xC3\xA9\xC3\x9F\xE2\x82\xAC\xE6\x97\xA5");
@@ -365,21 +365,21 @@ void tst_Command::theScriptIsTheCommandInLatin1()
     QCOMPARE(contentOf(QStringLiteral("copy.txt")), expected);
 }
 
-void tst_Command::otherCharactersAreReplacedBeforeTheCommandRuns()
+void TestCommand::otherCharactersAreReplacedBeforeTheCommandRuns()
 {
     const QString command
         = helperCall(QStringLiteral("print-arguments ")) + QString::fromUtf8("5\xE2\x82\xAC");
     QCOMPARE(Command().run(command, 100, false), QStringLiteral("5?\r\n"));
 }
 
-void tst_Command::theScriptRunsInTheCurrentFolder()
+void TestCommand::theScriptRunsInTheCurrentFolder()
 {
     QVERIFY(writeFile(QStringLiteral("here.txt"), "text"));
     Command().run(helperCall(QStringLiteral("copy here.txt copy.txt")), 100, false);
     QCOMPARE(contentOf(QStringLiteral("copy.txt")), QByteArray("text"));
 }
 
-void tst_Command::aProgramNamedAsTheInterpreterIsNotRun()
+void TestCommand::aProgramNamedAsTheInterpreterIsNotRun()
 {
     const QString decoy = onWindows() ? QStringLiteral("cmd.exe") : QStringLiteral("sh");
     QVERIFY(QFile::copy(helperProgram(), decoy));
@@ -392,7 +392,7 @@ void tst_Command::aProgramNamedAsTheInterpreterIsNotRun()
     QVERIFY2(output.contains(QLatin1String("here")), qPrintable(output));
 }
 
-void tst_Command::theScriptInheritsTheEnvironment()
+void TestCommand::theScriptInheritsTheEnvironment()
 {
     qputenv("TST_COMMAND", "value");
     const QString output
@@ -401,7 +401,7 @@ void tst_Command::theScriptInheritsTheEnvironment()
     QCOMPARE(output, QStringLiteral("value"));
 }
 
-void tst_Command::anExistingScriptIsReplaced_data()
+void TestCommand::anExistingScriptIsReplaced_data()
 {
     QTest::addColumn<QString>("operation");
 
@@ -409,7 +409,7 @@ void tst_Command::anExistingScriptIsReplaced_data()
         QTest::newRow(operation) << QString::fromLatin1(operation);
 }
 
-void tst_Command::anExistingScriptIsReplaced()
+void TestCommand::anExistingScriptIsReplaced()
 {
     QFETCH(QString, operation);
 
@@ -428,7 +428,7 @@ void tst_Command::anExistingScriptIsReplaced()
     QVERIFY(!QFile::exists(scriptName()));
 }
 
-void tst_Command::aLinkInThePlaceOfTheScriptIsNotFollowed()
+void TestCommand::aLinkInThePlaceOfTheScriptIsNotFollowed()
 {
     QVERIFY(writeFile(QStringLiteral("other.txt"), "not mine"));
     QVERIFY(QFile::link(QStringLiteral("other.txt"), scriptName()));
@@ -438,12 +438,12 @@ void tst_Command::aLinkInThePlaceOfTheScriptIsNotFollowed()
     QVERIFY(!QFile::exists(scriptName()));
 }
 
-void tst_Command::noScriptIsLeft_data()
+void TestCommand::noScriptIsLeft_data()
 {
     anExistingScriptIsReplaced_data();
 }
 
-void tst_Command::noScriptIsLeft()
+void TestCommand::noScriptIsLeft()
 {
     QFETCH(QString, operation);
 
@@ -458,10 +458,10 @@ void tst_Command::noScriptIsLeft()
 }
 
 // The results are those of an interpreter that cannot be started.
-void tst_Command::withoutItsScriptACommandIsNotRun()
+void TestCommand::withoutItsScriptACommandIsNotRun()
 {
     QVERIFY(QDir().mkdir(scriptName()));
-    TestLog log;
+    TemporaryLog log;
     Command command(log);
     QCOMPARE(command.run(printCall("text"), 100, true), QString());
     QCOMPARE(command.runL(printCall("text"), 100, true), QStringList{QString()});
@@ -472,7 +472,7 @@ void tst_Command::withoutItsScriptACommandIsNotRun()
 }
 
 // On Windows a file that somebody holds open can be written, but not deleted.
-void tst_Command::aScriptThatCannotBeDeletedIsOverwritten()
+void TestCommand::aScriptThatCannotBeDeletedIsOverwritten()
 {
     if (!onWindows())
         QSKIP("tst_readonly shows it with the permissions of a folder");
@@ -483,18 +483,18 @@ void tst_Command::aScriptThatCannotBeDeletedIsOverwritten()
     QVERIFY(QFile::exists(scriptName()));
 }
 
-void tst_Command::theCallAndEachTrimmedLineAreLogged()
+void TestCommand::theCallAndEachTrimmedLineAreLogged()
 {
-    TestLog log;
+    TemporaryLog log;
     Command(log).run(printCall("  two words \t\r\n\r\nl\xC3\xB6schen\r\n"), 100, true);
     QCOMPARE(log.lines(),
              QStringList{commandLine()}
                  + texts({" output:two words", " output:", " output:l\xC3\xB6schen"}));
 }
 
-void tst_Command::theLinesOfRunLAreLoggedToo()
+void TestCommand::theLinesOfRunLAreLoggedToo()
 {
-    TestLog log;
+    TemporaryLog log;
     Command command(log);
     command.runL(printLinesCall(2), 100, true);
     command.runL(helperCall(QStringLiteral("exit 0")), 100, true);
@@ -503,9 +503,9 @@ void tst_Command::theLinesOfRunLAreLoggedToo()
                  + QStringList{commandLine()} + texts({" output:"}));
 }
 
-void tst_Command::eachPieceIsLogged()
+void TestCommand::eachPieceIsLogged()
 {
-    TestLog log;
+    TemporaryLog log;
     Command(log).run(printCall(QByteArray(250, 'x') + "\r\n"), 100, true);
     const QString prefix = QStringLiteral(" output:");
     QCOMPARE(log.lines(),
@@ -513,16 +513,16 @@ void tst_Command::eachPieceIsLogged()
                           prefix + QString(51, QLatin1Char('x'))}));
 }
 
-void tst_Command::onlyReturnedLinesAreLogged()
+void TestCommand::onlyReturnedLinesAreLogged()
 {
-    TestLog log;
+    TemporaryLog log;
     Command(log).run(printLinesCall(10), 0, true);
     QCOMPARE(log.lines(), QStringList{commandLine()} + texts({" output:line 1", " output:line 2"}));
 }
 
-void tst_Command::nothingIsLoggedUnlessAsked()
+void TestCommand::nothingIsLoggedUnlessAsked()
 {
-    TestLog log;
+    TemporaryLog log;
     Command command(log);
     QCOMPARE(command.run(printLinesCall(1), 100, false), QStringLiteral("line 1\r\n"));
     QCOMPARE(command.runL(printLinesCall(1), 100, false),
@@ -530,7 +530,7 @@ void tst_Command::nothingIsLoggedUnlessAsked()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void tst_Command::nothingIsLoggedWithoutALog()
+void TestCommand::nothingIsLoggedWithoutALog()
 {
     Command command;
     QCOMPARE(command.run(printLinesCall(1), 100, true), QStringLiteral("line 1\r\n"));
@@ -538,31 +538,31 @@ void tst_Command::nothingIsLoggedWithoutALog()
     QCOMPARE(Command(nullptr).run(printLinesCall(1), 100, true), QStringLiteral("line 1\r\n"));
 }
 
-void tst_Command::theLogOutlivesTheCommand()
+void TestCommand::theLogOutlivesTheCommand()
 {
-    TestLog log;
+    TemporaryLog log;
     Command(log).run(printLinesCall(1), 100, true);
     static_cast<Log *>(log)->append(QStringLiteral("after"));
     QCOMPARE(log.lines(), QStringList{commandLine()} + texts({" output:line 1", "after"}));
 }
 
-void tst_Command::aCopyUsesTheSameLog()
+void TestCommand::aCopyUsesTheSameLog()
 {
-    TestLog log;
+    TemporaryLog log;
     const Command command(log);
     Command copy(command);
     copy.run(printLinesCall(1), 100, true);
     QCOMPARE(log.lines(), QStringList{commandLine()} + texts({" output:line 1"}));
 }
 
-void tst_Command::runNoWaitRunsInTheCurrentFolder()
+void TestCommand::runNoWaitRunsInTheCurrentFolder()
 {
     QCOMPARE(Command().runNoWait(QStringLiteral("echo here> done.txt"), false, QString()), 0);
     QTRY_COMPARE_WITH_TIMEOUT(contentOf(QStringLiteral("done.txt")).trimmed(), QByteArray("here"),
                               LongestWait);
 }
 
-void tst_Command::runNoWaitRunsInTheGivenFolder()
+void TestCommand::runNoWaitRunsInTheGivenFolder()
 {
     QVERIFY(QDir().mkdir(QStringLiteral("other")));
     const QString folder = QDir().filePath(QStringLiteral("other"));
@@ -573,7 +573,7 @@ void tst_Command::runNoWaitRunsInTheGivenFolder()
 }
 
 // Nobody reads what it prints: this thread's event loop does not run.
-void tst_Command::runNoWaitDoesNotHoldUpACommandThatPrints()
+void TestCommand::runNoWaitDoesNotHoldUpACommandThatPrints()
 {
     const QString script = printLinesCall(50000) + QLatin1Char('\n')
         + helperCall(QStringLiteral("copy later.bat done.txt"));
@@ -586,7 +586,7 @@ void tst_Command::runNoWaitDoesNotHoldUpACommandThatPrints()
 }
 
 // The command waits for what is done after the call has returned and its object is gone.
-void tst_Command::runNoWaitDoesNotWait()
+void TestCommand::runNoWaitDoesNotWait()
 {
     const QString script = helperCall(QStringLiteral("wait-for go.txt")) + QLatin1Char('\n')
         + helperCall(QStringLiteral("copy go.txt done.txt"));
@@ -603,7 +603,7 @@ void tst_Command::runNoWaitDoesNotWait()
     QTRY_COMPARE_WITH_TIMEOUT(contentOf(QStringLiteral("done.txt")), QByteArray("go"), LongestWait);
 }
 
-void tst_Command::runNoWaitWritesNoScript()
+void TestCommand::runNoWaitWritesNoScript()
 {
     QCOMPARE(Command().runNoWait(QStringLiteral("echo 1> first.txt"), false, QString()), 0);
     QVERIFY(!QFile::exists(scriptName()));
@@ -616,9 +616,9 @@ void tst_Command::runNoWaitWritesNoScript()
     QCOMPARE(contentOf(scriptName()), QByteArray("not mine"));
 }
 
-void tst_Command::runNoWaitLogsTheCommand()
+void TestCommand::runNoWaitLogsTheCommand()
 {
-    TestLog log;
+    TemporaryLog log;
     Command(log).runNoWait(QStringLiteral("echo here> done.txt"), true, QString());
     const QStringList lines = texts({onWindows() ? "Command:cmd.exe /C echo here> done.txt"
                                                  : "Command:/bin/sh -c echo here> done.txt"});
@@ -627,9 +627,9 @@ void tst_Command::runNoWaitLogsTheCommand()
     QCOMPARE(log.lines(), lines);
 }
 
-void tst_Command::runNoWaitLogsNothingUnlessAsked()
+void TestCommand::runNoWaitLogsNothingUnlessAsked()
 {
-    TestLog log;
+    TemporaryLog log;
     QCOMPARE(Command(log).runNoWait(QStringLiteral("echo 1> first.txt"), false, QString()), 0);
     QCOMPARE(Command().runNoWait(QStringLiteral("echo 2> second.txt"), true, QString()), 0);
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("first.txt")), LongestWait);
@@ -638,7 +638,7 @@ void tst_Command::runNoWaitLogsNothingUnlessAsked()
 }
 
 // Commands that were started later have ended when it is asked for the effect of the first.
-void tst_Command::runNoWaitReturnsZeroWhenNothingIsStarted()
+void TestCommand::runNoWaitReturnsZeroWhenNothingIsStarted()
 {
     const QString missing = QDir().filePath(QStringLiteral("missing"));
     Command command;
@@ -649,6 +649,6 @@ void tst_Command::runNoWaitReturnsZeroWhenNothingIsStarted()
     QCOMPARE(entriesOf(QDir::currentPath()), QStringList{QStringLiteral("second.txt")});
 }
 
-QTEST_GUILESS_MAIN(tst_Command)
+QTEST_GUILESS_MAIN(TestCommand)
 
 #include "tst_command.moc"

@@ -82,7 +82,7 @@ private:
 } // namespace
 
 // All commands run at the same time.
-class tst_CommandTimeout : public QObject
+class TestCommandTimeout : public QObject
 {
     Q_OBJECT
 
@@ -103,7 +103,7 @@ private:
     std::unique_ptr<Run> printing_;
 };
 
-void tst_CommandTimeout::initTestCase()
+void TestCommandTimeout::initTestCase()
 {
     const QString hang = hangLine(output_) + scriptLine(QStringLiteral("copy ended.txt rest.txt"));
     run_ = std::make_unique<Run>(QStringLiteral("run"), hang);
@@ -113,14 +113,14 @@ void tst_CommandTimeout::initTestCase()
         scriptLine(QStringLiteral("print-without-pause %1").arg(TimeLimit - 2000)));
 }
 
-void tst_CommandTimeout::cleanupTestCase()
+void TestCommandTimeout::cleanupTestCase()
 {
     run_.reset();
     runQ_.reset();
     printing_.reset();
 }
 
-void tst_CommandTimeout::verifyDuration(const Run &run, int tolerance)
+void TestCommandTimeout::verifyDuration(const Run &run, int tolerance)
 {
     QVERIFY2(run.duration() >= TimeLimit - 100, qPrintable(QString::number(run.duration())));
     QVERIFY2(run.duration() <= TimeLimit + tolerance, qPrintable(QString::number(run.duration())));
@@ -128,7 +128,7 @@ void tst_CommandTimeout::verifyDuration(const Run &run, int tolerance)
 
 // What it has printed so far is returned, and the rest of its script is never run. The program
 // that the interpreter waited for learns of the end by the end of its input.
-void tst_CommandTimeout::aHangingCommandIsStoppedAfter30Seconds()
+void TestCommandTimeout::aHangingCommandIsStoppedAfter30Seconds()
 {
     QVERIFY(run_->wait());
     verifyDuration(*run_);
@@ -138,7 +138,7 @@ void tst_CommandTimeout::aHangingCommandIsStoppedAfter30Seconds()
     QVERIFY(!run_->hasFile("rest.txt"));
 }
 
-void tst_CommandTimeout::runQStopsAHangingCommandAfter30Seconds()
+void TestCommandTimeout::runQStopsAHangingCommandAfter30Seconds()
 {
     QVERIFY(runQ_->wait());
     verifyDuration(*runQ_);
@@ -149,7 +149,7 @@ void tst_CommandTimeout::runQStopsAHangingCommandAfter30Seconds()
 }
 
 // On Windows Qt closes the pipe only when the program that prints pauses for a moment.
-void tst_CommandTimeout::aCommandThatKeepsPrintingIsStoppedAfter30Seconds()
+void TestCommandTimeout::aCommandThatKeepsPrintingIsStoppedAfter30Seconds()
 {
     constexpr int Lines = 32;
     constexpr int ToleranceOnWindows = 15000;
@@ -160,6 +160,6 @@ void tst_CommandTimeout::aCommandThatKeepsPrintingIsStoppedAfter30Seconds()
     QVERIFY(!printing_->hasFile("work.bat"));
 }
 
-QTEST_GUILESS_MAIN(tst_CommandTimeout)
+QTEST_GUILESS_MAIN(TestCommandTimeout)
 
 #include "tst_commandtimeout.moc"

@@ -34,7 +34,7 @@ bool isPlainAscii(const QString &text)
 
 } // namespace
 
-class tst_ShellWord : public QObject
+class TestShellWord : public QObject
 {
     Q_OBJECT
 
@@ -45,7 +45,7 @@ private Q_SLOTS:
     void everyByteIsWrittenInPlainAscii();
 };
 
-void tst_ShellWord::anyTextIsOneWord_data()
+void TestShellWord::anyTextIsOneWord_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("word");
@@ -84,7 +84,7 @@ void tst_ShellWord::anyTextIsOneWord_data()
     row("delete", "\x7F", "\"$(printf '\\177')\"");
 }
 
-void tst_ShellWord::anyTextIsOneWord()
+void TestShellWord::anyTextIsOneWord()
 {
     QFETCH(QByteArray, bytes);
     QTEST(shellWord(bytes), "word");
@@ -95,7 +95,7 @@ void tst_ShellWord::anyTextIsOneWord()
 }
 
 // Between letters, and with a percent sign, which means something to printf.
-void tst_ShellWord::everyByteIsKept()
+void TestShellWord::everyByteIsKept()
 {
     QString line;
     QByteArray words;
@@ -111,7 +111,7 @@ void tst_ShellWord::everyByteIsKept()
     QCOMPARE(wordsOf(line), words);
 }
 
-void tst_ShellWord::everyByteIsWrittenInPlainAscii()
+void TestShellWord::everyByteIsWrittenInPlainAscii()
 {
     for (int byte = 1; byte < 256; ++byte) {
         const QByteArray bytes(1, static_cast<char>(byte));
@@ -127,6 +127,6 @@ void tst_ShellWord::everyByteIsWrittenInPlainAscii()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_ShellWord)
+QTEST_GUILESS_MAIN(TestShellWord)
 
 #include "tst_shellword.moc"

@@ -34,7 +34,7 @@ QStringList entriesIn(Platform::FolderTree &tree)
 
 } // namespace
 
-class tst_FolderTree : public QObject
+class TestFolderTree : public QObject
 {
     Q_OBJECT
 
@@ -60,13 +60,13 @@ private:
     std::unique_ptr<TestFolder> folder_;
 };
 
-void tst_FolderTree::init()
+void TestFolderTree::init()
 {
     folder_ = std::make_unique<TestFolder>();
     QVERIFY(folder_->isValid());
 }
 
-void tst_FolderTree::theEntriesHaveTheirKinds()
+void TestFolderTree::theEntriesHaveTheirKinds()
 {
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFile("tree/file"));
@@ -90,7 +90,7 @@ void tst_FolderTree::theEntriesHaveTheirKinds()
     QCOMPARE(entriesIn(*tree), expected);
 }
 
-void tst_FolderTree::aVisitMayRemoveTheEntry()
+void TestFolderTree::aVisitMayRemoveTheEntry()
 {
     constexpr int Count = 3000; // more than one read of the system gives
     QVERIFY(makeFolder("tree"));
@@ -105,7 +105,7 @@ void tst_FolderTree::aVisitMayRemoveTheEntry()
     QCOMPARE(entriesOf(path("tree")), QStringList());
 }
 
-void tst_FolderTree::aFolderIsEnteredAndLeft()
+void TestFolderTree::aFolderIsEnteredAndLeft()
 {
     QVERIFY(makeFolder("tree/a/b"));
     QVERIFY(makeFile("tree/a/file"));
@@ -125,7 +125,7 @@ void tst_FolderTree::aFolderIsEnteredAndLeft()
     QCOMPARE(entriesOf(path("tree")), QStringList());
 }
 
-void tst_FolderTree::everyFolderOfADeepTreeIsFoundAgain()
+void TestFolderTree::everyFolderOfADeepTreeIsFoundAgain()
 {
     constexpr int Depth = 100;
     QString below = path("tree");
@@ -156,7 +156,7 @@ void tst_FolderTree::everyFolderOfADeepTreeIsFoundAgain()
     QCOMPARE(entriesOf(path("tree")), QStringList());
 }
 
-void tst_FolderTree::aLinkIsNeitherOpenedNorEntered()
+void TestFolderTree::aLinkIsNeitherOpenedNorEntered()
 {
     if (onWindows())
         QSKIP("A link to a folder is a file here.");
@@ -172,7 +172,7 @@ void tst_FolderTree::aLinkIsNeitherOpenedNorEntered()
     QCOMPARE(entriesOf(path("other")), QStringList{QStringLiteral("sub")});
 }
 
-void tst_FolderTree::whatIsNoFolderIsNeitherOpenedNorEntered()
+void TestFolderTree::whatIsNoFolderIsNeitherOpenedNorEntered()
 {
     QVERIFY(makeFolder("tree"));
     QVERIFY(makeFile("tree/file"));
@@ -186,7 +186,7 @@ void tst_FolderTree::whatIsNoFolderIsNeitherOpenedNorEntered()
     QCOMPARE(entriesIn(*tree), QStringList{QStringLiteral("File file")});
 }
 
-void tst_FolderTree::onlyWhatIsAskedForIsRemoved()
+void TestFolderTree::onlyWhatIsAskedForIsRemoved()
 {
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFile("tree/sub/file"));
@@ -202,7 +202,7 @@ void tst_FolderTree::onlyWhatIsAskedForIsRemoved()
 }
 
 // Where the system lets it be moved at all.
-void tst_FolderTree::aFolderThatIsMovedStaysTheCurrentOne()
+void TestFolderTree::aFolderThatIsMovedStaysTheCurrentOne()
 {
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFile("tree/sub/file"));
@@ -221,7 +221,7 @@ void tst_FolderTree::aFolderThatIsMovedStaysTheCurrentOne()
 }
 
 // The folder that it is moved to is not the one that it was entered from.
-void tst_FolderTree::aFolderThatIsMovedOutOfADeepTreeIsNotLeft()
+void TestFolderTree::aFolderThatIsMovedOutOfADeepTreeIsNotLeft()
 {
     if (onWindows())
         QSKIP("Such a folder cannot be moved here.");
@@ -246,6 +246,6 @@ void tst_FolderTree::aFolderThatIsMovedOutOfADeepTreeIsNotLeft()
     QVERIFY(!tree->leave());
 }
 
-QTEST_GUILESS_MAIN(tst_FolderTree)
+QTEST_GUILESS_MAIN(TestFolderTree)
 
 #include "tst_foldertree.moc"

@@ -12,7 +12,7 @@
 
 using namespace Vorn::Util;
 
-class tst_PlatformFiles : public QObject
+class TestPlatformFiles : public QObject
 {
     Q_OBJECT
 
@@ -44,24 +44,24 @@ private:
     std::unique_ptr<TestFolder> folder_;
 };
 
-void tst_PlatformFiles::init()
+void TestPlatformFiles::init()
 {
     folder_ = std::make_unique<TestFolder>();
     QVERIFY(folder_->isValid());
 }
 
-void tst_PlatformFiles::cleanup()
+void TestPlatformFiles::cleanup()
 {
     folder_.reset();
 }
 
-void tst_PlatformFiles::aMissingFileIsMade()
+void TestPlatformFiles::aMissingFileIsMade()
 {
     QVERIFY(write(path("new"), "text"));
     QCOMPARE(contentOf(path("new")), QByteArray("text"));
 }
 
-void tst_PlatformFiles::anExistingFileIsEmptied()
+void TestPlatformFiles::anExistingFileIsEmptied()
 {
     QVERIFY(writeFile(path("old"), "a longer text"));
     QVERIFY(write(path("old"), "text"));
@@ -69,7 +69,7 @@ void tst_PlatformFiles::anExistingFileIsEmptied()
 }
 
 // Such a file cannot be removed on Windows.
-void tst_PlatformFiles::aFileThatIsOpenElsewhereIsEmptied()
+void TestPlatformFiles::aFileThatIsOpenElsewhereIsEmptied()
 {
     QVERIFY(writeFile(path("old"), "a longer text"));
     QFile reader(path("old"));
@@ -80,20 +80,20 @@ void tst_PlatformFiles::aFileThatIsOpenElsewhereIsEmptied()
     QCOMPARE(contentOf(path("old")), QByteArray("text"));
 }
 
-void tst_PlatformFiles::aFolderIsNotOpened()
+void TestPlatformFiles::aFolderIsNotOpened()
 {
     QVERIFY(QDir().mkdir(path("folder")));
     QVERIFY(!write(path("folder"), "text"));
     QVERIFY(QFileInfo(path("folder")).isDir());
 }
 
-void tst_PlatformFiles::aMissingFolderIsNotMade()
+void TestPlatformFiles::aMissingFolderIsNotMade()
 {
     QVERIFY(!write(path("missing/new"), "text"));
     QCOMPARE(entriesOf(folder_->path()), QStringList());
 }
 
-void tst_PlatformFiles::onlyAPlainFileIsOpenedToBeRead()
+void TestPlatformFiles::onlyAPlainFileIsOpenedToBeRead()
 {
     QVERIFY(writeFile(path("plain"), "two\nlines"));
     QFile plain(path("plain"));
@@ -107,7 +107,7 @@ void tst_PlatformFiles::onlyAPlainFileIsOpenedToBeRead()
     QVERIFY(!missing.exists());
 }
 
-void tst_PlatformFiles::aPathOfTheSystemIsTakenAsItIs()
+void TestPlatformFiles::aPathOfTheSystemIsTakenAsItIs()
 {
     if (!onWindows())
         QSKIP("Only Windows has a second form of its paths.");
@@ -120,7 +120,7 @@ void tst_PlatformFiles::aPathOfTheSystemIsTakenAsItIs()
     QCOMPARE(entriesOf(folder_->path()), QStringList{QStringLiteral("new")});
 }
 
-void tst_PlatformFiles::twoPathsOfAFileAreTheSameFile()
+void TestPlatformFiles::twoPathsOfAFileAreTheSameFile()
 {
     QVERIFY(writeFile(path("one"), "text"));
     QVERIFY(writeFile(path("other"), "text"));
@@ -132,7 +132,7 @@ void tst_PlatformFiles::twoPathsOfAFileAreTheSameFile()
     QVERIFY(!Platform::isSameFile(path("missing"), path("missing")));
 }
 
-void tst_PlatformFiles::aReadOnlyFileIsRemoved()
+void TestPlatformFiles::aReadOnlyFileIsRemoved()
 {
     QVERIFY(writeFile(path("old"), "text"));
     QVERIFY(QFile::setPermissions(path("old"), QFile::ReadOwner));
@@ -141,13 +141,13 @@ void tst_PlatformFiles::aReadOnlyFileIsRemoved()
     QCOMPARE(entriesOf(folder_->path()), QStringList());
 }
 
-void tst_PlatformFiles::aFolderIsNotRemoved()
+void TestPlatformFiles::aFolderIsNotRemoved()
 {
     QVERIFY(QDir().mkdir(path("folder")));
     QVERIFY(!Platform::removeFile(path("folder")));
     QVERIFY(QFileInfo(path("folder")).isDir());
 }
 
-QTEST_GUILESS_MAIN(tst_PlatformFiles)
+QTEST_GUILESS_MAIN(TestPlatformFiles)
 
 #include "tst_platformfiles.moc"

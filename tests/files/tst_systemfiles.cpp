@@ -54,7 +54,7 @@ bool hasAllOfWindows()
 
 } // namespace
 
-class tst_SystemFiles : public QObject
+class TestSystemFiles : public QObject
 {
     Q_OBJECT
 
@@ -173,7 +173,7 @@ private:
     int functions_ = 0;
 };
 
-void tst_SystemFiles::init()
+void TestSystemFiles::init()
 {
     start_ = QDir::currentPath();
     here_ = QDir(folder_.path()).canonicalPath() + QLatin1Char('/') + QString::number(++functions_);
@@ -181,14 +181,14 @@ void tst_SystemFiles::init()
     QVERIFY(QDir::setCurrent(here_));
 }
 
-void tst_SystemFiles::cleanup()
+void TestSystemFiles::cleanup()
 {
     opened_.close();
     QVERIFY(QDir::setCurrent(start_));
 }
 
 // Only a child process can be given data of its own, and not everywhere.
-void tst_SystemFiles::theFlagsFolderLiesInTheUsersData()
+void TestSystemFiles::theFlagsFolderLiesInTheUsersData()
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_DATA_HOME"), here_);
@@ -208,7 +208,7 @@ void tst_SystemFiles::theFlagsFolderLiesInTheUsersData()
     }
 }
 
-void tst_SystemFiles::flagsOfTheUserAreSet()
+void TestSystemFiles::flagsOfTheUserAreSet()
 {
     if (onWindows())
         QSKIP("The user's own flags cannot be put elsewhere.");
@@ -228,7 +228,7 @@ void tst_SystemFiles::flagsOfTheUserAreSet()
         (QStringList{QStringLiteral("true"), QStringLiteral("false"), QStringLiteral("true")}));
 }
 
-void tst_SystemFiles::sizeOfAFolderIsThatOfAllItsFiles()
+void TestSystemFiles::sizeOfAFolderIsThatOfAllItsFiles()
 {
     QVERIFY(makeFolder("tree/a/b"));
     QVERIFY(makeFolder("tree/empty"));
@@ -245,7 +245,7 @@ void tst_SystemFiles::sizeOfAFolderIsThatOfAllItsFiles()
     QCOMPARE(System::getDirectorySize(QDir::toNativeSeparators(path("tree/a"))), qint64(34));
 }
 
-void tst_SystemFiles::sizeOfWhatIsNoFolderIsZero()
+void TestSystemFiles::sizeOfWhatIsNoFolderIsZero()
 {
     QVERIFY(makeFile("file"));
     QCOMPARE(System::getDirectorySize(path("missing")), qint64(0));
@@ -253,13 +253,13 @@ void tst_SystemFiles::sizeOfWhatIsNoFolderIsZero()
     QCOMPARE(System::getDirectorySize(path("file")), qint64(0));
 }
 
-void tst_SystemFiles::sizeOfAnEmptyFolderIsZero()
+void TestSystemFiles::sizeOfAnEmptyFolderIsZero()
 {
     QVERIFY(makeFolder("tree/a/b"));
     QCOMPARE(System::getDirectorySize(path("tree")), qint64(0));
 }
 
-void tst_SystemFiles::sizeLeavesHiddenEntriesOut()
+void TestSystemFiles::sizeLeavesHiddenEntriesOut()
 {
     QVERIFY(makeFolder("tree/.folder/sub"));
     QVERIFY(makeFile("tree/.folder/sub/file", QByteArray(1000, 'x')));
@@ -271,7 +271,7 @@ void tst_SystemFiles::sizeLeavesHiddenEntriesOut()
     QCOMPARE(System::getDirectorySize(path("tree/.folder")), qint64(1000));
 }
 
-void tst_SystemFiles::sizeLeavesLinkedFoldersOut()
+void TestSystemFiles::sizeLeavesLinkedFoldersOut()
 {
     if (onWindows())
         QSKIP("A link is a file with a size here.");
@@ -284,7 +284,7 @@ void tst_SystemFiles::sizeLeavesLinkedFoldersOut()
     QCOMPARE(System::getDirectorySize(path("tree")), qint64(20));
 }
 
-void tst_SystemFiles::sizeOfALinkIsThatOfItsFile()
+void TestSystemFiles::sizeOfALinkIsThatOfItsFile()
 {
     if (onWindows())
         QSKIP("A link is a file with a size here.");
@@ -294,7 +294,7 @@ void tst_SystemFiles::sizeOfALinkIsThatOfItsFile()
     QCOMPARE(System::getDirectorySize(path("tree")), qint64(1000));
 }
 
-void tst_SystemFiles::sizeOfALinkedFolderIsThatOfTheFolder()
+void TestSystemFiles::sizeOfALinkedFolderIsThatOfTheFolder()
 {
     if (onWindows())
         QSKIP("A link is a file here.");
@@ -304,7 +304,7 @@ void tst_SystemFiles::sizeOfALinkedFolderIsThatOfTheFolder()
     QCOMPARE(System::getDirectorySize(path("link")), qint64(1000));
 }
 
-void tst_SystemFiles::sizeOfADanglingLinkIsZero()
+void TestSystemFiles::sizeOfADanglingLinkIsZero()
 {
     if (onWindows())
         QSKIP("A link is a file with a size here.");
@@ -314,7 +314,7 @@ void tst_SystemFiles::sizeOfADanglingLinkIsZero()
     QCOMPARE(System::getDirectorySize(path("tree")), qint64(5));
 }
 
-void tst_SystemFiles::sizeOfARelativePath()
+void TestSystemFiles::sizeOfARelativePath()
 {
     QVERIFY(makeFolder("tree"));
     QVERIFY(makeFile("tree/file", QByteArray(5, 'x')));
@@ -323,7 +323,7 @@ void tst_SystemFiles::sizeOfARelativePath()
     QCOMPARE(System::getDirectorySize(QStringLiteral("tree/../tree")), qint64(5));
 }
 
-void tst_SystemFiles::sizeCanBeBeyond32Bits()
+void TestSystemFiles::sizeCanBeBeyond32Bits()
 {
     constexpr qint64 Size = Q_INT64_C(0x80000005);
     QVERIFY(makeFolder("tree/sub"));
@@ -335,7 +335,7 @@ void tst_SystemFiles::sizeCanBeBeyond32Bits()
     QCOMPARE(System::getDirectorySize(path("tree")), 2 * Size);
 }
 
-void tst_SystemFiles::removingTakesTheFolderWithAllItsEntries()
+void TestSystemFiles::removingTakesTheFolderWithAllItsEntries()
 {
     QVERIFY(makeFolder("tree/a/b"));
     QVERIFY(makeFolder("tree/empty"));
@@ -349,7 +349,7 @@ void tst_SystemFiles::removingTakesTheFolderWithAllItsEntries()
     QCOMPARE(entriesOf(here_), QStringList{QStringLiteral("beside")});
 }
 
-void tst_SystemFiles::removingTakesHiddenEntries()
+void TestSystemFiles::removingTakesHiddenEntries()
 {
     QVERIFY(makeFolder("tree/.folder/.sub"));
     QVERIFY(makeFile("tree/.folder/.sub/.file"));
@@ -361,7 +361,7 @@ void tst_SystemFiles::removingTakesHiddenEntries()
     QVERIFY(!exists("tree"));
 }
 
-void tst_SystemFiles::removingTakesManyEntries()
+void TestSystemFiles::removingTakesManyEntries()
 {
     QVERIFY(makeFolder("tree"));
     for (int number = 0; number < 1000; ++number)
@@ -370,7 +370,7 @@ void tst_SystemFiles::removingTakesManyEntries()
     QVERIFY(!exists("tree"));
 }
 
-void tst_SystemFiles::removingTakesDeepFolders()
+void TestSystemFiles::removingTakesDeepFolders()
 {
     const QByteArray deep = "tree" + QByteArray("/d").repeated(60);
     QVERIFY(makeFolder(deep));
@@ -379,7 +379,7 @@ void tst_SystemFiles::removingTakesDeepFolders()
     QVERIFY(!exists("tree"));
 }
 
-void tst_SystemFiles::removingTakesARelativePath_data()
+void TestSystemFiles::removingTakesARelativePath_data()
 {
     QTest::addColumn<QString>("path");
 
@@ -392,7 +392,7 @@ void tst_SystemFiles::removingTakesARelativePath_data()
     QTest::newRow("native") << QDir::toNativeSeparators(QStringLiteral("./tree/"));
 }
 
-void tst_SystemFiles::removingTakesARelativePath()
+void TestSystemFiles::removingTakesARelativePath()
 {
     QFETCH(QString, path);
 
@@ -403,7 +403,7 @@ void tst_SystemFiles::removingTakesARelativePath()
     QCOMPARE(entriesOf(here_), QStringList{QStringLiteral("beside")});
 }
 
-void tst_SystemFiles::keepingTheFolderTakesItsEntries()
+void TestSystemFiles::keepingTheFolderTakesItsEntries()
 {
     QVERIFY(makeFolder("tree/a/b"));
     QVERIFY(makeFile("tree/file"));
@@ -416,7 +416,7 @@ void tst_SystemFiles::keepingTheFolderTakesItsEntries()
     QVERIFY(exists("tree"));
 }
 
-void tst_SystemFiles::exceptionsKeepTheFolder_data()
+void TestSystemFiles::exceptionsKeepTheFolder_data()
 {
     QTest::addColumn<bool>("keepFolder");
     QTest::addColumn<QStringList>("exceptions");
@@ -437,7 +437,7 @@ void tst_SystemFiles::exceptionsKeepTheFolder_data()
     }
 }
 
-void tst_SystemFiles::exceptionsKeepTheFolder()
+void TestSystemFiles::exceptionsKeepTheFolder()
 {
     QFETCH(bool, keepFolder);
     QFETCH(QStringList, exceptions);
@@ -451,7 +451,7 @@ void tst_SystemFiles::exceptionsKeepTheFolder()
     QCOMPARE(entriesOf(path("tree")), left);
 }
 
-void tst_SystemFiles::exceptionsCountAtTheTopLevelOnly()
+void TestSystemFiles::exceptionsCountAtTheTopLevelOnly()
 {
     QVERIFY(makeFolder("tree/a/keep.txt"));
     QVERIFY(makeFolder("tree/b"));
@@ -463,7 +463,7 @@ void tst_SystemFiles::exceptionsCountAtTheTopLevelOnly()
     QCOMPARE(contentOf(path("tree/keep.txt")), QByteArray("kept"));
 }
 
-void tst_SystemFiles::exceptedFoldersKeepTheirEntries()
+void TestSystemFiles::exceptedFoldersKeepTheirEntries()
 {
     QVERIFY(makeFolder("tree/keep/sub"));
     QVERIFY(makeFile("tree/keep/file"));
@@ -474,7 +474,7 @@ void tst_SystemFiles::exceptedFoldersKeepTheirEntries()
              (QStringList{QStringLiteral("file"), QStringLiteral("sub")}));
 }
 
-void tst_SystemFiles::exceptionsAreNamesInTheirLetterCase_data()
+void TestSystemFiles::exceptionsAreNamesInTheirLetterCase_data()
 {
     QTest::addColumn<QString>("exception");
 
@@ -486,7 +486,7 @@ void tst_SystemFiles::exceptionsAreNamesInTheirLetterCase_data()
     QTest::newRow("path") << QString();
 }
 
-void tst_SystemFiles::exceptionsAreNamesInTheirLetterCase()
+void TestSystemFiles::exceptionsAreNamesInTheirLetterCase()
 {
     QFETCH(QString, exception);
 
@@ -498,7 +498,7 @@ void tst_SystemFiles::exceptionsAreNamesInTheirLetterCase()
     QCOMPARE(entriesOf(path("tree")), QStringList());
 }
 
-void tst_SystemFiles::hiddenEntriesCanBeExcepted()
+void TestSystemFiles::hiddenEntriesCanBeExcepted()
 {
     QVERIFY(makeFolder("tree"));
     QVERIFY(makeFile("tree/.keep"));
@@ -508,7 +508,7 @@ void tst_SystemFiles::hiddenEntriesCanBeExcepted()
     QCOMPARE(entriesOf(path("tree")), QStringList{QStringLiteral(".keep")});
 }
 
-void tst_SystemFiles::emptyingADriveIsNotEmptyingItsCurrentFolder_data()
+void TestSystemFiles::emptyingADriveIsNotEmptyingItsCurrentFolder_data()
 {
     QTest::addColumn<QString>("root");
 
@@ -517,7 +517,7 @@ void tst_SystemFiles::emptyingADriveIsNotEmptyingItsCurrentFolder_data()
 }
 
 // "X:" is the folder of the drive X that is current, "X:\" its root.
-void tst_SystemFiles::emptyingADriveIsNotEmptyingItsCurrentFolder()
+void TestSystemFiles::emptyingADriveIsNotEmptyingItsCurrentFolder()
 {
     QFETCH(QString, root);
 
@@ -543,7 +543,7 @@ void tst_SystemFiles::emptyingADriveIsNotEmptyingItsCurrentFolder()
 }
 
 // An empty path is the current folder to others.
-void tst_SystemFiles::removingAnEmptyPathIsFalse()
+void TestSystemFiles::removingAnEmptyPathIsFalse()
 {
     QVERIFY(makeFile("file"));
     for (const bool keepFolder : {false, true}) {
@@ -553,7 +553,7 @@ void tst_SystemFiles::removingAnEmptyPathIsFalse()
     QCOMPARE(entriesOf(here_), QStringList{QStringLiteral("file")});
 }
 
-void tst_SystemFiles::removingAMissingFolderIsFalse()
+void TestSystemFiles::removingAMissingFolderIsFalse()
 {
     QVERIFY(!System::removeDir(path("missing"), false, QStringList()));
     QVERIFY(!System::removeDir(path("missing/missing"), false, QStringList()));
@@ -563,7 +563,7 @@ void tst_SystemFiles::removingAMissingFolderIsFalse()
     QCOMPARE(entriesOf(here_), QStringList());
 }
 
-void tst_SystemFiles::removingAFileIsFalse()
+void TestSystemFiles::removingAFileIsFalse()
 {
     QVERIFY(makeFile("file"));
     QVERIFY(!System::removeDir(path("file"), false, QStringList()));
@@ -571,7 +571,7 @@ void tst_SystemFiles::removingAFileIsFalse()
     QCOMPARE(contentOf(path("file")), QByteArray("content"));
 }
 
-void tst_SystemFiles::anEntryThatStaysIsFalseAndTheRestIsRemoved()
+void TestSystemFiles::anEntryThatStaysIsFalseAndTheRestIsRemoved()
 {
     QVERIFY(makeFolder("tree/a"));
     QVERIFY(makeFolder("tree/z"));
@@ -582,7 +582,7 @@ void tst_SystemFiles::anEntryThatStaysIsFalseAndTheRestIsRemoved()
     QCOMPARE(entriesOf(path("tree")), QStringList{QStringLiteral("m")});
 }
 
-void tst_SystemFiles::anEntryThatStaysBelowIsFalseAndTheRestIsRemoved()
+void TestSystemFiles::anEntryThatStaysBelowIsFalseAndTheRestIsRemoved()
 {
     QVERIFY(makeFolder("tree/a"));
     QVERIFY(makeFolder("tree/m/n"));
@@ -596,7 +596,7 @@ void tst_SystemFiles::anEntryThatStaysBelowIsFalseAndTheRestIsRemoved()
     QCOMPARE(entriesOf(path("tree/m/n")), QStringList{QStringLiteral("m")});
 }
 
-void tst_SystemFiles::aKeptFolderWithAnEntryThatStaysIsFalse()
+void TestSystemFiles::aKeptFolderWithAnEntryThatStaysIsFalse()
 {
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFile("tree/keep.txt"));
@@ -609,7 +609,7 @@ void tst_SystemFiles::aKeptFolderWithAnEntryThatStaysIsFalse()
 }
 
 // What a user may do with them differs, also between a usual one and the administrator.
-void tst_SystemFiles::readOnlyEntriesAreRemovedWhereTheSystemAllowsIt()
+void TestSystemFiles::readOnlyEntriesAreRemovedWhereTheSystemAllowsIt()
 {
     constexpr auto ReadOnly = QFileDevice::ReadOwner | QFileDevice::ExeOwner;
     constexpr auto Writable = ReadOnly | QFileDevice::WriteOwner;
@@ -636,7 +636,7 @@ void tst_SystemFiles::readOnlyEntriesAreRemovedWhereTheSystemAllowsIt()
 }
 
 // It counts as an entry of the system's, and such ones are not touched.
-void tst_SystemFiles::aDanglingLinkStays()
+void TestSystemFiles::aDanglingLinkStays()
 {
     QVERIFY(makeFolder("tree"));
     QVERIFY(makeFile("target"));
@@ -648,7 +648,7 @@ void tst_SystemFiles::aDanglingLinkStays()
     QVERIFY(System::removeDir(path("tree"), true, QStringList()));
 }
 
-void tst_SystemFiles::linksAreRemovedButNotWhatTheyPointTo()
+void TestSystemFiles::linksAreRemovedButNotWhatTheyPointTo()
 {
     QVERIFY(makeFolder("other/sub"));
     QVERIFY(makeFile("other/file"));
@@ -665,7 +665,7 @@ void tst_SystemFiles::linksAreRemovedButNotWhatTheyPointTo()
     QCOMPARE(contentOf(path("other/sub/file")), QByteArray("content"));
 }
 
-void tst_SystemFiles::aLinkIsRemovedButNotItsFolder_data()
+void TestSystemFiles::aLinkIsRemovedButNotItsFolder_data()
 {
     QTest::addColumn<QString>("end"); // after the link's path
 
@@ -676,7 +676,7 @@ void tst_SystemFiles::aLinkIsRemovedButNotItsFolder_data()
     }
 }
 
-void tst_SystemFiles::aLinkIsRemovedButNotItsFolder()
+void TestSystemFiles::aLinkIsRemovedButNotItsFolder()
 {
     QFETCH(QString, end);
 
@@ -691,7 +691,7 @@ void tst_SystemFiles::aLinkIsRemovedButNotItsFolder()
 }
 
 // It is a file, and so is nothing that could be emptied.
-void tst_SystemFiles::aKeptShortcutIsLeftAlone()
+void TestSystemFiles::aKeptShortcutIsLeftAlone()
 {
     if (!onWindows())
         QSKIP("There are no shortcuts on this system.");
@@ -704,7 +704,7 @@ void tst_SystemFiles::aKeptShortcutIsLeftAlone()
     QCOMPARE(contentOf(path("other/file")), QByteArray("content"));
 }
 
-void tst_SystemFiles::aLinkToTheFolderItselfIsNotFollowed()
+void TestSystemFiles::aLinkToTheFolderItselfIsNotFollowed()
 {
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeLink("tree", "tree/sub/itself"));
@@ -715,7 +715,7 @@ void tst_SystemFiles::aLinkToTheFolderItselfIsNotFollowed()
 }
 
 // The path goes by way of the link: what is removed is what the system finds there.
-void tst_SystemFiles::aFolderBehindALinkIsTheSystemsOne()
+void TestSystemFiles::aFolderBehindALinkIsTheSystemsOne()
 {
     if (onWindows())
         QSKIP("A link is a file here.");
@@ -735,7 +735,7 @@ void tst_SystemFiles::aFolderBehindALinkIsTheSystemsOne()
     QVERIFY(exists("tree/file"));
 }
 
-void tst_SystemFiles::removingTheCurrentFolderByItsPointTakesItAll()
+void TestSystemFiles::removingTheCurrentFolderByItsPointTakesItAll()
 {
     QVERIFY(makeFolder("tree/sub"));
     const QString before = QDir::currentPath();
@@ -747,7 +747,7 @@ void tst_SystemFiles::removingTheCurrentFolderByItsPointTakesItAll()
     QVERIFY(!exists("tree/sub"));
 }
 
-void tst_SystemFiles::anExceptedLinkStays()
+void TestSystemFiles::anExceptedLinkStays()
 {
     QVERIFY(makeFolder("other"));
     QVERIFY(makeFolder("tree"));
@@ -757,7 +757,7 @@ void tst_SystemFiles::anExceptedLinkStays()
     QCOMPARE(entriesOf(path("tree")), QStringList{link});
 }
 
-void tst_SystemFiles::aJunctionIsRemovedButNotItsFolder()
+void TestSystemFiles::aJunctionIsRemovedButNotItsFolder()
 {
     if (!onWindows())
         QSKIP("There are no junctions on this system.");
@@ -776,7 +776,7 @@ void tst_SystemFiles::aJunctionIsRemovedButNotItsFolder()
     QCOMPARE(contentOf(path("other/sub/file")), QByteArray("content"));
 }
 
-void tst_SystemFiles::aKeptJunctionLeadsToTheFolderToEmpty()
+void TestSystemFiles::aKeptJunctionLeadsToTheFolderToEmpty()
 {
     if (!onWindows())
         QSKIP("There are no junctions on this system.");
@@ -789,13 +789,13 @@ void tst_SystemFiles::aKeptJunctionLeadsToTheFolderToEmpty()
     QCOMPARE(entriesOf(path("other")), QStringList());
 }
 
-void tst_SystemFiles::sharingAMissingFolderIsFalse()
+void TestSystemFiles::sharingAMissingFolderIsFalse()
 {
     QVERIFY(!System::shareFolder(QStringLiteral("VORN test"),
                                  QDir::toNativeSeparators(path("missing"))));
 }
 
-void tst_SystemFiles::aFolderIsNotSharedByItself()
+void TestSystemFiles::aFolderIsNotSharedByItself()
 {
     if (onWindows() && !hasAllOfWindows())
         QSKIP("The call that tells of shares is missing here, and ends the process.");
@@ -804,7 +804,7 @@ void tst_SystemFiles::aFolderIsNotSharedByItself()
     QVERIFY(!System::isFolderShared(QString()));
 }
 
-void tst_SystemFiles::versionOfTheLibrary()
+void TestSystemFiles::versionOfTheLibrary()
 {
     // Only Windows's programs have one.
     const QString number = QString::number(Version::Hotfix);
@@ -816,7 +816,7 @@ void tst_SystemFiles::versionOfTheLibrary()
     QCOMPARE(System::getFileVersion(QDir::toNativeSeparators(library)), expected);
 }
 
-void tst_SystemFiles::versionOfAProgram_data()
+void TestSystemFiles::versionOfAProgram_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("version");
@@ -825,7 +825,7 @@ void tst_SystemFiles::versionOfAProgram_data()
     QTest::newRow("32 bit") << recorded("version32.dll") << QStringLiteral("65535.65534.32768.1");
 }
 
-void tst_SystemFiles::versionOfAProgram()
+void TestSystemFiles::versionOfAProgram()
 {
     QFETCH(QString, file);
     QFETCH(QString, version);
@@ -840,7 +840,7 @@ void tst_SystemFiles::versionOfAProgram()
              version);
 }
 
-void tst_SystemFiles::aFileWithoutAVersion_data()
+void TestSystemFiles::aFileWithoutAVersion_data()
 {
     QTest::addColumn<QString>("file");
 
@@ -855,7 +855,7 @@ void tst_SystemFiles::aFileWithoutAVersion_data()
     QTest::newRow("longer than any path") << QString(5000, QLatin1Char('x'));
 }
 
-void tst_SystemFiles::aFileWithoutAVersion()
+void TestSystemFiles::aFileWithoutAVersion()
 {
     QFETCH(QString, file);
 
@@ -866,7 +866,7 @@ void tst_SystemFiles::aFileWithoutAVersion()
     QCOMPARE(messages.lines(), QStringList());
 }
 
-void tst_SystemFiles::theVersionIsPrinted_data()
+void TestSystemFiles::theVersionIsPrinted_data()
 {
     QTest::addColumn<QString>("before"); // a call that prints
     QTest::addColumn<QString>("file");
@@ -887,7 +887,7 @@ void tst_SystemFiles::theVersionIsPrinted_data()
         "a b\n" + version);
 }
 
-void tst_SystemFiles::theVersionIsPrinted()
+void TestSystemFiles::theVersionIsPrinted()
 {
     QFETCH(QString, before);
     QFETCH(QString, file);
@@ -913,6 +913,6 @@ void tst_SystemFiles::theVersionIsPrinted()
     QCOMPARE(output, printed + '=' + result + after);
 }
 
-QTEST_GUILESS_MAIN(tst_SystemFiles)
+QTEST_GUILESS_MAIN(TestSystemFiles)
 
 #include "tst_systemfiles.moc"

@@ -53,7 +53,7 @@ bool isPlain(const QString &text)
 
 } // namespace
 
-class tst_UnicodeFile : public QObject
+class TestUnicodeFile : public QObject
 {
     Q_OBJECT
 
@@ -150,7 +150,7 @@ private:
     QString current_;
 };
 
-void tst_UnicodeFile::initTestCase()
+void TestUnicodeFile::initTestCase()
 {
     // Before System finds out.
     QVERIFY(temp_.isValid());
@@ -161,7 +161,7 @@ void tst_UnicodeFile::initTestCase()
     current_ = QDir::currentPath();
 }
 
-void tst_UnicodeFile::init()
+void TestUnicodeFile::init()
 {
     folder_ = std::make_unique<QTemporaryDir>(current_ + QStringLiteral("/files-XXXXXX"));
     QVERIFY(folder_->isValid());
@@ -169,7 +169,7 @@ void tst_UnicodeFile::init()
     QVERIFY(isPlain(folder_->path()));
 }
 
-void tst_UnicodeFile::cleanup()
+void TestUnicodeFile::cleanup()
 {
     QCOMPARE(QDir::currentPath(), current_);
     folder_.reset();
@@ -178,7 +178,7 @@ void tst_UnicodeFile::cleanup()
     QVERIFY2(isEmpty, "a file was left in the temporary folder");
 }
 
-QJsonObject tst_UnicodeFile::runHelper(const QString &file, const QString &tempFolder) const
+QJsonObject TestUnicodeFile::runHelper(const QString &file, const QString &tempFolder) const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *variable : TempVariables)
@@ -193,7 +193,7 @@ QJsonObject tst_UnicodeFile::runHelper(const QString &file, const QString &tempF
     return QJsonDocument::fromJson(process.readAllStandardOutput()).object();
 }
 
-void tst_UnicodeFile::aTextIsUnicodeWhenACharacterIsOutsideAscii_data()
+void TestUnicodeFile::aTextIsUnicodeWhenACharacterIsOutsideAscii_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("isUnicode");
@@ -210,14 +210,14 @@ void tst_UnicodeFile::aTextIsUnicodeWhenACharacterIsOutsideAscii_data()
     QTest::newRow("behind a zero") << QStringLiteral("abc\0\u00e9") << true;
 }
 
-void tst_UnicodeFile::aTextIsUnicodeWhenACharacterIsOutsideAscii()
+void TestUnicodeFile::aTextIsUnicodeWhenACharacterIsOutsideAscii()
 {
     QFETCH(QString, text);
     QFETCH(bool, isUnicode);
     QCOMPARE(UnicodeFile::isUnicode(text), isUnicode);
 }
 
-void tst_UnicodeFile::everyAsciiCharacterIsPlain()
+void TestUnicodeFile::everyAsciiCharacterIsPlain()
 {
     QString all;
     for (ushort code = 0; code < 0x80; ++code) {
@@ -227,7 +227,7 @@ void tst_UnicodeFile::everyAsciiCharacterIsPlain()
     QVERIFY(!UnicodeFile::isUnicode(all));
 }
 
-void tst_UnicodeFile::everyOtherCharacterIsUnicode()
+void TestUnicodeFile::everyOtherCharacterIsUnicode()
 {
     for (ushort code = 0x80; code < 0xFFFF; ++code) {
         if (!QChar::isSurrogate(code))
@@ -236,7 +236,7 @@ void tst_UnicodeFile::everyOtherCharacterIsUnicode()
     }
 }
 
-void tst_UnicodeFile::aPlainFileStaysWhereItIs()
+void TestUnicodeFile::aPlainFileStaysWhereItIs()
 {
     const QString own = create(QStringLiteral("beam.dat"));
     {
@@ -253,7 +253,7 @@ void tst_UnicodeFile::aPlainFileStaysWhereItIs()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::theNamesAreThoseOfTheFile_data()
+void TestUnicodeFile::theNamesAreThoseOfTheFile_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("plain") << QStringLiteral("beam.dat");
@@ -266,7 +266,7 @@ void tst_UnicodeFile::theNamesAreThoseOfTheFile_data()
     QTest::newRow("both") << unicodeFolder() + QLatin1Char('/') + unicodeName();
 }
 
-void tst_UnicodeFile::theNamesAreThoseOfTheFile()
+void TestUnicodeFile::theNamesAreThoseOfTheFile()
 {
     QFETCH(QString, name);
     const QString own = create(name);
@@ -281,7 +281,7 @@ void tst_UnicodeFile::theNamesAreThoseOfTheFile()
     QCOMPARE(contentOf(file.asciiFilePath()), Content);
 }
 
-void tst_UnicodeFile::aUnicodeNameIsReplacedInItsOwnFolder()
+void TestUnicodeFile::aUnicodeNameIsReplacedInItsOwnFolder()
 {
     const QString own = create(unicodeName());
     {
@@ -299,7 +299,7 @@ void tst_UnicodeFile::aUnicodeNameIsReplacedInItsOwnFolder()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::theSuffixIsKept_data()
+void TestUnicodeFile::theSuffixIsKept_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("end");
@@ -310,7 +310,7 @@ void tst_UnicodeFile::theSuffixIsKept_data()
     QTest::newRow("blanks") << QStringLiteral("\u00e4.d t") << QStringLiteral(".d t");
 }
 
-void tst_UnicodeFile::theSuffixIsKept()
+void TestUnicodeFile::theSuffixIsKept()
 {
     QFETCH(QString, name);
     QFETCH(QString, end);
@@ -328,7 +328,7 @@ void tst_UnicodeFile::theSuffixIsKept()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::everyPlainNameIsUnique()
+void TestUnicodeFile::everyPlainNameIsUnique()
 {
     const QString first = create(QStringLiteral("\u00e4.dat"), "first");
     const QString second = create(QStringLiteral("\u00f6.dat"), "second");
@@ -343,7 +343,7 @@ void tst_UnicodeFile::everyPlainNameIsUnique()
     QCOMPARE(contentOf(second), QByteArray("second"));
 }
 
-void tst_UnicodeFile::aUnicodeFolderIsReplacedByTheTemporaryFolder_data()
+void TestUnicodeFile::aUnicodeFolderIsReplacedByTheTemporaryFolder_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::newRow("its own") << unicodeFolder();
@@ -351,7 +351,7 @@ void tst_UnicodeFile::aUnicodeFolderIsReplacedByTheTemporaryFolder_data()
     QTest::newRow("another script") << QStringLiteral("plain/\u65e5\u672c");
 }
 
-void tst_UnicodeFile::aUnicodeFolderIsReplacedByTheTemporaryFolder()
+void TestUnicodeFile::aUnicodeFolderIsReplacedByTheTemporaryFolder()
 {
     QFETCH(QString, folder);
     const QString own = create(folder + QStringLiteral("/beam.dat"));
@@ -369,7 +369,7 @@ void tst_UnicodeFile::aUnicodeFolderIsReplacedByTheTemporaryFolder()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::aUnicodeFolderAndNameAreBothReplaced()
+void TestUnicodeFile::aUnicodeFolderAndNameAreBothReplaced()
 {
     const QString own = create(unicodeFolder() + QLatin1Char('/') + unicodeName());
     {
@@ -386,7 +386,7 @@ void tst_UnicodeFile::aUnicodeFolderAndNameAreBothReplaced()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::aRelativePathIsThatOfTheCurrentFolder_data()
+void TestUnicodeFile::aRelativePathIsThatOfTheCurrentFolder_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("plain") << QStringLiteral("beam.dat");
@@ -395,7 +395,7 @@ void tst_UnicodeFile::aRelativePathIsThatOfTheCurrentFolder_data()
     QTest::newRow("Unicode folder") << unicodeFolder() + QStringLiteral("/beam.dat");
 }
 
-void tst_UnicodeFile::aRelativePathIsThatOfTheCurrentFolder()
+void TestUnicodeFile::aRelativePathIsThatOfTheCurrentFolder()
 {
     QFETCH(QString, name);
     create(name);
@@ -414,7 +414,7 @@ void tst_UnicodeFile::aRelativePathIsThatOfTheCurrentFolder()
     QVERIFY(isBack);
 }
 
-void tst_UnicodeFile::theCurrentFolderIsTheSameAfterwards()
+void TestUnicodeFile::theCurrentFolderIsTheSameAfterwards()
 {
     const QString own = create(unicodeFolder() + QLatin1Char('/') + unicodeName());
     {
@@ -425,7 +425,7 @@ void tst_UnicodeFile::theCurrentFolderIsTheSameAfterwards()
     QCOMPARE(QDir::currentPath(), current_);
 }
 
-void tst_UnicodeFile::aFileThatDoesNotExistYetIsNotMoved_data()
+void TestUnicodeFile::aFileThatDoesNotExistYetIsNotMoved_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("plain") << QStringLiteral("beam.dat");
@@ -434,7 +434,7 @@ void tst_UnicodeFile::aFileThatDoesNotExistYetIsNotMoved_data()
     QTest::newRow("both") << unicodeFolder() + QLatin1Char('/') + unicodeName();
 }
 
-void tst_UnicodeFile::aFileThatDoesNotExistYetIsNotMoved()
+void TestUnicodeFile::aFileThatDoesNotExistYetIsNotMoved()
 {
     QFETCH(QString, name);
     const QString own = create(name);
@@ -451,12 +451,12 @@ void tst_UnicodeFile::aFileThatDoesNotExistYetIsNotMoved()
     QCOMPARE(entriesOf(folder), QStringList());
 }
 
-void tst_UnicodeFile::aFileCreatedUnderItsPlainPathIsMovedToItsOwn_data()
+void TestUnicodeFile::aFileCreatedUnderItsPlainPathIsMovedToItsOwn_data()
 {
     aFileThatDoesNotExistYetIsNotMoved_data();
 }
 
-void tst_UnicodeFile::aFileCreatedUnderItsPlainPathIsMovedToItsOwn()
+void TestUnicodeFile::aFileCreatedUnderItsPlainPathIsMovedToItsOwn()
 {
     QFETCH(QString, name);
     const QString own = create(name);
@@ -471,7 +471,7 @@ void tst_UnicodeFile::aFileCreatedUnderItsPlainPathIsMovedToItsOwn()
     QCOMPARE(entriesOf(QFileInfo(own).path()).size(), 1);
 }
 
-void tst_UnicodeFile::aFileIsFoundUnderBothOfItsPaths()
+void TestUnicodeFile::aFileIsFoundUnderBothOfItsPaths()
 {
     const QString own = create(unicodeName());
     UnicodeFile file(own);
@@ -484,7 +484,7 @@ void tst_UnicodeFile::aFileIsFoundUnderBothOfItsPaths()
     QVERIFY(file.exists());
 }
 
-void tst_UnicodeFile::anExistingFileAtThePlainPathIsOverwritten()
+void TestUnicodeFile::anExistingFileAtThePlainPathIsOverwritten()
 {
     const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
     QVERIFY(writeFile(temp_.filePath(QStringLiteral("beam.dat")), "another and longer content"));
@@ -496,7 +496,7 @@ void tst_UnicodeFile::anExistingFileAtThePlainPathIsOverwritten()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::anExistingFileAtTheOwnPathIsOverwritten()
+void TestUnicodeFile::anExistingFileAtTheOwnPathIsOverwritten()
 {
     const QString own = create(unicodeName());
     {
@@ -509,7 +509,7 @@ void tst_UnicodeFile::anExistingFileAtTheOwnPathIsOverwritten()
 }
 
 // Its folder is a link to the temporary folder: there is nothing to make room for.
-void tst_UnicodeFile::aFileThatIsItsOwnPlainFileStays()
+void TestUnicodeFile::aFileThatIsItsOwnPlainFileStays()
 {
     if (onWindows())
         QSKIP("A link to a folder is a file here.");
@@ -530,14 +530,14 @@ void tst_UnicodeFile::aFileThatIsItsOwnPlainFileStays()
     QVERIFY(QFile::remove(own));
 }
 
-void tst_UnicodeFile::aLinkToTheFileIsNeverMovedOverIt_data()
+void TestUnicodeFile::aLinkToTheFileIsNeverMovedOverIt_data()
 {
     QTest::addColumn<bool>("isLinkAtOwnPath");
     QTest::newRow("the own path is a link to the plain one") << true;
     QTest::newRow("the plain path is a link to the own one") << false;
 }
 
-void tst_UnicodeFile::aLinkToTheFileIsNeverMovedOverIt()
+void TestUnicodeFile::aLinkToTheFileIsNeverMovedOverIt()
 {
     if (onWindows())
         QSKIP("A link is a file with a name of its own here.");
@@ -562,7 +562,7 @@ void tst_UnicodeFile::aLinkToTheFileIsNeverMovedOverIt()
     QVERIFY(QFile::remove(plain));
 }
 
-void tst_UnicodeFile::aSecondNameOfTheFileIsNoObstacle()
+void TestUnicodeFile::aSecondNameOfTheFileIsNoObstacle()
 {
     const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
     const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
@@ -584,7 +584,7 @@ void tst_UnicodeFile::aSecondNameOfTheFileIsNoObstacle()
 }
 
 // At the plain path it leads nowhere.
-void tst_UnicodeFile::aRelativeLinkComesBack()
+void TestUnicodeFile::aRelativeLinkComesBack()
 {
     if (onWindows())
         QSKIP("A link is a file with a name of its own here.");
@@ -600,7 +600,7 @@ void tst_UnicodeFile::aRelativeLinkComesBack()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::theFileCanBeMovedToAndFro()
+void TestUnicodeFile::theFileCanBeMovedToAndFro()
 {
     const QString own = create(unicodeName());
     {
@@ -619,7 +619,7 @@ void tst_UnicodeFile::theFileCanBeMovedToAndFro()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::movingAFileThatIsNotThereIsASuccess()
+void TestUnicodeFile::movingAFileThatIsNotThereIsASuccess()
 {
     const QString own = create(unicodeName());
     UnicodeFile file(own);
@@ -635,7 +635,7 @@ void tst_UnicodeFile::movingAFileThatIsNotThereIsASuccess()
     QCOMPARE(entriesOf(folder_->path()), QStringList());
 }
 
-void tst_UnicodeFile::movingAPlainFileIsASuccess()
+void TestUnicodeFile::movingAPlainFileIsASuccess()
 {
     const QString own = create(QStringLiteral("beam.dat"));
     UnicodeFile file(own);
@@ -645,7 +645,7 @@ void tst_UnicodeFile::movingAPlainFileIsASuccess()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::aFolderThatCannotBeMadeCurrentIsAnError()
+void TestUnicodeFile::aFolderThatCannotBeMadeCurrentIsAnError()
 {
     const QString missing = path(QStringLiteral("missing %1"));
     {
@@ -661,7 +661,7 @@ void tst_UnicodeFile::aFolderThatCannotBeMadeCurrentIsAnError()
     QCOMPARE(entriesOf(folder_->path()), QStringList());
 }
 
-void tst_UnicodeFile::aFileThatCannotBeRemovedIsAnError()
+void TestUnicodeFile::aFileThatCannotBeRemovedIsAnError()
 {
     // A folder is none that QFile removes.
     const QString obstacle = temp_.filePath(QStringLiteral("beam.dat"));
@@ -682,7 +682,7 @@ void tst_UnicodeFile::aFileThatCannotBeRemovedIsAnError()
 }
 
 // Windows does not remove it (but Wine does); other systems do.
-void tst_UnicodeFile::aReadOnlyFileIsReplacedWhereItCanBeRemoved()
+void TestUnicodeFile::aReadOnlyFileIsReplacedWhereItCanBeRemoved()
 {
     const QString obstacle = temp_.filePath(QStringLiteral("beam.dat"));
     QVERIFY(writeFile(obstacle, "obstacle"));
@@ -706,7 +706,7 @@ void tst_UnicodeFile::aReadOnlyFileIsReplacedWhereItCanBeRemoved()
     }
 }
 
-void tst_UnicodeFile::aFileThatCannotBeMovedBackIsAnError()
+void TestUnicodeFile::aFileThatCannotBeMovedBackIsAnError()
 {
     const QString folder = unicodeFolder() + QStringLiteral(" %2");
     const QString own = create(folder + QStringLiteral("/%1 beam.dat"));
@@ -725,12 +725,12 @@ void tst_UnicodeFile::aFileThatCannotBeMovedBackIsAnError()
     QVERIFY(QFile::remove(plain));
 }
 
-void tst_UnicodeFile::aTemporaryFolderThatIsGoneLeavesTheFileAlone_data()
+void TestUnicodeFile::aTemporaryFolderThatIsGoneLeavesTheFileAlone_data()
 {
     aMissingTemporaryFolderLeavesTheFileAlone_data();
 }
 
-void tst_UnicodeFile::aTemporaryFolderThatIsGoneLeavesTheFileAlone()
+void TestUnicodeFile::aTemporaryFolderThatIsGoneLeavesTheFileAlone()
 {
     QFETCH(QString, name);
     QFETCH(bool, needsAName);
@@ -751,7 +751,7 @@ void tst_UnicodeFile::aTemporaryFolderThatIsGoneLeavesTheFileAlone()
     QVERIFY(!QDir(temp).exists());
 }
 
-void tst_UnicodeFile::aMissingTemporaryFolderLeavesTheFileAlone_data()
+void TestUnicodeFile::aMissingTemporaryFolderLeavesTheFileAlone_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("needsAName");
@@ -759,7 +759,7 @@ void tst_UnicodeFile::aMissingTemporaryFolderLeavesTheFileAlone_data()
     QTest::newRow("the name stays") << QStringLiteral("beam.dat") << false;
 }
 
-void tst_UnicodeFile::aMissingTemporaryFolderLeavesTheFileAlone()
+void TestUnicodeFile::aMissingTemporaryFolderLeavesTheFileAlone()
 {
     QFETCH(QString, name);
     QFETCH(bool, needsAName);
@@ -781,7 +781,7 @@ void tst_UnicodeFile::aMissingTemporaryFolderLeavesTheFileAlone()
     QCOMPARE(entriesOf(path(unicodeFolder())), QStringList{name});
 }
 
-void tst_UnicodeFile::aFileInThePlaceOfTheTemporaryFolderLeavesBothAlone()
+void TestUnicodeFile::aFileInThePlaceOfTheTemporaryFolderLeavesBothAlone()
 {
     const QString own = create(unicodeFolder() + QLatin1Char('/') + unicodeName());
     const QString temp = create(QStringLiteral("temp"), "no folder");
@@ -793,7 +793,7 @@ void tst_UnicodeFile::aFileInThePlaceOfTheTemporaryFolderLeavesBothAlone()
     QCOMPARE(contentOf(temp), QByteArray("no folder"));
 }
 
-void tst_UnicodeFile::aUnicodeTemporaryFolderIsReplaced()
+void TestUnicodeFile::aUnicodeTemporaryFolderIsReplaced()
 {
     const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
     const QString temp = path(QStringLiteral("Tempor\u00e4r"));
@@ -808,7 +808,7 @@ void tst_UnicodeFile::aUnicodeTemporaryFolderIsReplaced()
     QCOMPARE(entriesOf(temp), QStringList());
 }
 
-void tst_UnicodeFile::aPlainTemporaryFolderIsUsed()
+void TestUnicodeFile::aPlainTemporaryFolderIsUsed()
 {
     const QString own = create(unicodeFolder() + QLatin1Char('/') + unicodeName());
     const QString temp = path(QStringLiteral("temp"));
@@ -822,7 +822,7 @@ void tst_UnicodeFile::aPlainTemporaryFolderIsUsed()
     QCOMPARE(entriesOf(temp), QStringList());
 }
 
-void tst_UnicodeFile::aFolderWithAUnicodeNameIsMovedAsAFileIs()
+void TestUnicodeFile::aFolderWithAUnicodeNameIsMovedAsAFileIs()
 {
     const QString own = path(unicodeFolder());
     create(unicodeFolder() + QStringLiteral("/beam.dat"));
@@ -835,14 +835,14 @@ void tst_UnicodeFile::aFolderWithAUnicodeNameIsMovedAsAFileIs()
     QCOMPARE(contentOf(own + QStringLiteral("/beam.dat")), Content);
 }
 
-void tst_UnicodeFile::aFolderIsNotReplaced_data()
+void TestUnicodeFile::aFolderIsNotReplaced_data()
 {
     QTest::addColumn<bool>("isEmpty");
     QTest::newRow("an empty one") << true;
     QTest::newRow("a full one") << false;
 }
 
-void tst_UnicodeFile::aFolderIsNotReplaced()
+void TestUnicodeFile::aFolderIsNotReplaced()
 {
     QFETCH(bool, isEmpty);
     const QString plain = temp_.filePath(QStringLiteral("folder"));
@@ -859,14 +859,14 @@ void tst_UnicodeFile::aFolderIsNotReplaced()
     QVERIFY(QDir(plain).removeRecursively());
 }
 
-void tst_UnicodeFile::aFolderInThePlaceOfTheFileIsNeverMoved_data()
+void TestUnicodeFile::aFolderInThePlaceOfTheFileIsNeverMoved_data()
 {
     QTest::addColumn<bool>("exists");
     QTest::newRow("a folder that exists") << true;
     QTest::newRow("a folder that does not exist") << false;
 }
 
-void tst_UnicodeFile::aFolderInThePlaceOfTheFileIsNeverMoved()
+void TestUnicodeFile::aFolderInThePlaceOfTheFileIsNeverMoved()
 {
     // Without a name the plain path is the temporary folder itself.
     QFETCH(bool, exists);
@@ -881,7 +881,7 @@ void tst_UnicodeFile::aFolderInThePlaceOfTheFileIsNeverMoved()
     QCOMPARE(entriesOf(temp), QStringList());
 }
 
-void tst_UnicodeFile::aLaterSuccessDoesNotTakeTheErrorBack()
+void TestUnicodeFile::aLaterSuccessDoesNotTakeTheErrorBack()
 {
     const QString obstacle = temp_.filePath(QStringLiteral("beam.dat"));
     QVERIFY(QDir().mkpath(obstacle));
@@ -899,7 +899,7 @@ void tst_UnicodeFile::aLaterSuccessDoesNotTakeTheErrorBack()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::theLastErrorIsKept()
+void TestUnicodeFile::theLastErrorIsKept()
 {
     const QString obstacle = temp_.filePath(QStringLiteral("beam.dat"));
     QVERIFY(QDir().mkpath(obstacle));
@@ -915,7 +915,7 @@ void tst_UnicodeFile::theLastErrorIsKept()
 }
 
 // An obstacle kept the file from its plain path; it has gone, and a program has written there.
-void tst_UnicodeFile::aResultIsMovedAfterAFailedConstruction()
+void TestUnicodeFile::aResultIsMovedAfterAFailedConstruction()
 {
     const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
     QVERIFY(QDir().mkpath(plain));
@@ -932,14 +932,14 @@ void tst_UnicodeFile::aResultIsMovedAfterAFailedConstruction()
     QCOMPARE(contentOf(own), QByteArray("result"));
 }
 
-void tst_UnicodeFile::aResultIsMovedAfterAFailedMove_data()
+void TestUnicodeFile::aResultIsMovedAfterAFailedMove_data()
 {
     QTest::addColumn<bool>("isCalled");
     QTest::newRow("by a call") << true;
     QTest::newRow("by the destructor") << false;
 }
 
-void tst_UnicodeFile::aResultIsMovedAfterAFailedMove()
+void TestUnicodeFile::aResultIsMovedAfterAFailedMove()
 {
     QFETCH(bool, isCalled);
     const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
@@ -958,7 +958,7 @@ void tst_UnicodeFile::aResultIsMovedAfterAFailedMove()
     QVERIFY(!QFile::exists(plain));
 }
 
-void tst_UnicodeFile::whatThisObjectNeverHadStaysAtThePlainPath()
+void TestUnicodeFile::whatThisObjectNeverHadStaysAtThePlainPath()
 {
     const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
     QVERIFY(QDir().mkpath(plain));
@@ -974,14 +974,14 @@ void tst_UnicodeFile::whatThisObjectNeverHadStaysAtThePlainPath()
     QVERIFY(QFile::remove(plain));
 }
 
-void tst_UnicodeFile::anObstacleNeverTakesThePlaceOfTheFile_data()
+void TestUnicodeFile::anObstacleNeverTakesThePlaceOfTheFile_data()
 {
     QTest::addColumn<bool>("hadTheFile");
     QTest::newRow("after a failed construction") << false;
     QTest::newRow("after a failed move") << true;
 }
 
-void tst_UnicodeFile::anObstacleNeverTakesThePlaceOfTheFile()
+void TestUnicodeFile::anObstacleNeverTakesThePlaceOfTheFile()
 {
     QFETCH(bool, hadTheFile);
     const QString obstacle = temp_.filePath(QStringLiteral("beam.dat"));
@@ -1003,14 +1003,14 @@ void tst_UnicodeFile::anObstacleNeverTakesThePlaceOfTheFile()
     QVERIFY(QDir(obstacle).removeRecursively());
 }
 
-void tst_UnicodeFile::aLinkAtThePlainPathIsReplaced_data()
+void TestUnicodeFile::aLinkAtThePlainPathIsReplaced_data()
 {
     QTest::addColumn<bool>("exists");
     QTest::newRow("to a file") << true;
     QTest::newRow("to nowhere") << false;
 }
 
-void tst_UnicodeFile::aLinkAtThePlainPathIsReplaced()
+void TestUnicodeFile::aLinkAtThePlainPathIsReplaced()
 {
     if (onWindows())
         QSKIP("A link is a file with a name of its own here.");
@@ -1032,7 +1032,7 @@ void tst_UnicodeFile::aLinkAtThePlainPathIsReplaced()
     QCOMPARE(QFile::exists(target), exists);
 }
 
-void tst_UnicodeFile::aCopyHasTheSameNames()
+void TestUnicodeFile::aCopyHasTheSameNames()
 {
     const QString own = create(unicodeFolder() + QLatin1Char('/') + unicodeName());
     const UnicodeFile file(own);
@@ -1045,7 +1045,7 @@ void tst_UnicodeFile::aCopyHasTheSameNames()
     QCOMPARE(contentOf(file.asciiFilePath()), Content);
 }
 
-void tst_UnicodeFile::theFirstCopyDestroyedEndsThePlainName()
+void TestUnicodeFile::theFirstCopyDestroyedEndsThePlainName()
 {
     const QString own = create(unicodeName());
     {
@@ -1060,7 +1060,7 @@ void tst_UnicodeFile::theFirstCopyDestroyedEndsThePlainName()
     QCOMPARE(contentOf(own), Content);
 }
 
-void tst_UnicodeFile::anAssignmentCopiesTheNames()
+void TestUnicodeFile::anAssignmentCopiesTheNames()
 {
     const QString own = create(QStringLiteral("\u00e4.dat"), "first");
     const QString other = create(QStringLiteral("\u00f6.dat"), "second");
@@ -1081,7 +1081,7 @@ void tst_UnicodeFile::anAssignmentCopiesTheNames()
     QVERIFY(!QFile::exists(own));
 }
 
-void tst_UnicodeFile::aCopyKeepsTheError()
+void TestUnicodeFile::aCopyKeepsTheError()
 {
     const QString missing = path(QStringLiteral("missing"));
     const UnicodeFile file(missing + QLatin1Char('/') + unicodeName());
@@ -1090,6 +1090,6 @@ void tst_UnicodeFile::aCopyKeepsTheError()
     QCOMPARE(copy.error(), QStringLiteral("Cannot set current path to ") + missing);
 }
 
-QTEST_GUILESS_MAIN(tst_UnicodeFile)
+QTEST_GUILESS_MAIN(TestUnicodeFile)
 
 #include "tst_unicodefile.moc"

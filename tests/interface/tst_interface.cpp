@@ -84,7 +84,7 @@ struct Derived
 
 } // namespace
 
-class tst_Interface : public QObject
+class TestInterface : public QObject
 {
     Q_OBJECT
 
@@ -113,7 +113,7 @@ private Q_SLOTS:
     void theTranslationFunctionsBelongToTheClass();
 };
 
-void tst_Interface::textConversions()
+void TestInterface::textConversions()
 {
     EXPORTED_OVERLOAD(toQString, QString(*)(const std::string &));
     EXPORTED_OVERLOAD(toQString, QString(*)(const std::wstring &));
@@ -129,7 +129,7 @@ void tst_Interface::textConversions()
     EXPORTED_OVERLOAD(toChar16Array, void (*)(const wchar_t *, char16_t *));
 }
 
-void tst_Interface::xml()
+void TestInterface::xml()
 {
     EXPORTED(Xml::boolToString, QString(*)(bool));
     EXPORTED(Xml::stringToBool, bool (*)(const QString &));
@@ -137,7 +137,7 @@ void tst_Interface::xml()
     EXPORTED(Xml::valueOf, QString(*)(const QString &, const QDomElement &, const QString &));
 }
 
-void tst_Interface::log()
+void TestInterface::log()
 {
     EXPORTED(Log::setName, void(Log::*)(const QString &, Log::FileTimeStamp));
     EXPORTED(Log::name, QString(Log::*)() const);
@@ -162,7 +162,7 @@ void tst_Interface::log()
     static_assert(isNeitherCopiedNorMoved<Log>);
 }
 
-void tst_Interface::asyncTask()
+void TestInterface::asyncTask()
 {
     EXPORTED(AsyncTask::name, QString(AsyncTask::*)() const);
     EXPORTED(AsyncTask::error, QString(AsyncTask::*)() const);
@@ -196,7 +196,7 @@ void tst_Interface::asyncTask()
     static_assert(isNeitherCopiedNorMoved<Derived::CompleteTask>);
 }
 
-void tst_Interface::asyncTaskMonitor()
+void TestInterface::asyncTaskMonitor()
 {
     EXPORTED(AsyncTaskMonitor::isCanceled, bool(AsyncTaskMonitor::*)());
 
@@ -209,7 +209,7 @@ void tst_Interface::asyncTaskMonitor()
     static_assert(std::is_copy_assignable_v<AsyncTaskMonitor>);
 }
 
-void tst_Interface::asyncTaskProcessor()
+void TestInterface::asyncTaskProcessor()
 {
     using Processor = AsyncTaskProcessor;
     EXPORTED(Processor::addTask, void(Processor::*)(AsyncTask *));
@@ -238,7 +238,7 @@ void tst_Interface::asyncTaskProcessor()
     static_assert(isNeitherCopiedNorMoved<Processor>);
 }
 
-void tst_Interface::syncTask()
+void TestInterface::syncTask()
 {
     EXPORTED(Derived::Sync::execute, void(SyncTask::*)());
 
@@ -250,7 +250,7 @@ void tst_Interface::syncTask()
     static_assert(isNeitherCopiedNorMoved<SyncTask>);
 }
 
-void tst_Interface::command()
+void TestInterface::command()
 {
     EXPORTED(Command::run, QString(Command::*)(const QString &, int, bool));
     EXPORTED(Command::runL, QStringList(Command::*)(const QString &, int, bool));
@@ -264,7 +264,7 @@ void tst_Interface::command()
     static_assert(sizeof(Command) == sizeof(Log *));
 }
 
-void tst_Interface::sevenZip()
+void TestInterface::sevenZip()
 {
     EXPORTED(SevenZip::archiveFile, QString(SevenZip::*)() const);
     EXPORTED(SevenZip::setArchiveFile, void(SevenZip::*)(const QString &));
@@ -328,7 +328,7 @@ void tst_Interface::sevenZip()
     static_assert(isNeitherCopiedNorMoved<SevenZip>);
 }
 
-void tst_Interface::registry()
+void TestInterface::registry()
 {
     EXPORTED(Registry::readRegistryValue, void (*)(const wchar_t *, wchar_t *, const wchar_t *));
     EXPORTED_OVERLOAD(Registry::readProductInstallationFolder,
@@ -345,7 +345,7 @@ void tst_Interface::registry()
     static_assert(std::is_empty_v<Registry>);
 }
 
-void tst_Interface::theConstantsOfLog()
+void TestInterface::theConstantsOfLog()
 {
     static_assert(std::is_same_v<decltype(Log::MaxLogSize), const qint64>);
     static_assert(std::is_same_v<decltype(Log::AmountToTruncate), const qint64>);
@@ -358,7 +358,7 @@ void tst_Interface::theConstantsOfLog()
     QCOMPARE(Log::MaxLogCount, 10);
 }
 
-void tst_Interface::theValuesOfEnumerations()
+void TestInterface::theValuesOfEnumerations()
 {
     static_assert(isUnscopedInt<Log::TimeStamp>);
     QCOMPARE(int(Log::NoTimeStamp), 0);
@@ -407,7 +407,7 @@ void tst_Interface::theValuesOfEnumerations()
     static_assert(std::is_same_v<decltype(SevenZip::FatalError), SevenZip::Error>);
 }
 
-void tst_Interface::classesOfStaticMembersHaveNoObjects()
+void TestInterface::classesOfStaticMembersHaveNoObjects()
 {
     static_assert(hasEmptyBraces<Log>); // the check itself finds what compiles
     QVERIFY(!std::is_default_constructible_v<Registry>);
@@ -416,7 +416,7 @@ void tst_Interface::classesOfStaticMembersHaveNoObjects()
     QVERIFY(!hasEmptyBraces<Xml>);
 }
 
-void tst_Interface::defaultArguments()
+void TestInterface::defaultArguments()
 {
     static_assert(std::is_default_constructible_v<AsyncTaskProcessor>);
     static_assert(std::is_constructible_v<AsyncTaskProcessor, QObject *>);
@@ -445,7 +445,7 @@ void tst_Interface::defaultArguments()
     static_assert(!CLIENT_MAY_WRITE(Registry, object.readRegistryValue(L"", nullptr)));
 }
 
-void tst_Interface::noConstructorIsExplicit()
+void TestInterface::noConstructorIsExplicit()
 {
     QVERIFY((isImplicit<Log>(0)));
     QVERIFY((isImplicit<Log, QString, Log::FileTimeStamp>(0)));
@@ -493,7 +493,7 @@ void compareMethods(const QMetaObject &metaObject, const QMetaObject &base,
 
 } // namespace
 
-void tst_Interface::theMetaObjectOfAsyncTask()
+void TestInterface::theMetaObjectOfAsyncTask()
 {
     QCOMPARE(AsyncTask::staticMetaObject.className(), "Vorn::Util::AsyncTask");
     compareMethods(AsyncTask::staticMetaObject, QObject::staticMetaObject,
@@ -501,7 +501,7 @@ void tst_Interface::theMetaObjectOfAsyncTask()
                     {"finished()", QMetaMethod::Signal, QMetaMethod::Public, {}}});
 }
 
-void tst_Interface::theMetaObjectOfAsyncTaskProcessor()
+void TestInterface::theMetaObjectOfAsyncTaskProcessor()
 {
     QCOMPARE(AsyncTaskProcessor::staticMetaObject.className(), "Vorn::Util::AsyncTaskProcessor");
     compareMethods(AsyncTaskProcessor::staticMetaObject, QObject::staticMetaObject,
@@ -525,7 +525,7 @@ void tst_Interface::theMetaObjectOfAsyncTaskProcessor()
                      {"QString"}}});
 }
 
-void tst_Interface::theMetaObjectOfSevenZip()
+void TestInterface::theMetaObjectOfSevenZip()
 {
     QCOMPARE(SevenZip::staticMetaObject.className(), "Vorn::Util::SevenZip");
     compareMethods(SevenZip::staticMetaObject, QObject::staticMetaObject,
@@ -538,7 +538,7 @@ void tst_Interface::theMetaObjectOfSevenZip()
                     {"listFinished()", QMetaMethod::Signal, QMetaMethod::Public, {}}});
 }
 
-void tst_Interface::syncTaskHasNoMetaObjectOfItsOwn()
+void TestInterface::syncTaskHasNoMetaObjectOfItsOwn()
 {
     QObject receiver;
     const SyncTask task(&receiver, QStringLiteral("deleteLater"), nullptr);
@@ -549,7 +549,7 @@ void tst_Interface::syncTaskHasNoMetaObjectOfItsOwn()
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
-void tst_Interface::theTranslationFunctionsBelongToTheClass()
+void TestInterface::theTranslationFunctionsBelongToTheClass()
 {
     using Translate = QString (*)(const char *, const char *, int);
     static_assert(std::is_same_v<decltype(&AsyncTask::tr), Translate>);
@@ -577,6 +577,6 @@ void tst_Interface::theTranslationFunctionsBelongToTheClass()
 
 QT_WARNING_POP
 
-QTEST_GUILESS_MAIN(tst_Interface)
+QTEST_GUILESS_MAIN(TestInterface)
 
 #include "tst_interface.moc"

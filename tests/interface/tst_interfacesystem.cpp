@@ -23,7 +23,7 @@ PRIVATE_MEMBER(System::tempDirPath_, QString *);
 PRIVATE_MEMBER(System::publicDocumentsPath_, QString *);
 PRIVATE_MEMBER(System::tutorialsPath_, QString *);
 
-class tst_InterfaceSystem : public QObject
+class TestInterfaceSystem : public QObject
 {
     Q_OBJECT
 
@@ -40,7 +40,7 @@ private Q_SLOTS:
     void everyArgumentHasToBeWrittenOut();
 };
 
-void tst_InterfaceSystem::folders()
+void TestInterfaceSystem::folders()
 {
     EXPORTED(System::getAllUsersDataPath, QString(*)());
     EXPORTED(System::getProgramDataPath, QString(*)(QString));
@@ -59,7 +59,7 @@ void tst_InterfaceSystem::folders()
     EXPORTED(System::makePath, bool (*)(const QString &));
 }
 
-void tst_InterfaceSystem::pathForms()
+void TestInterfaceSystem::pathForms()
 {
     EXPORTED(System::isWslPath, bool (*)(const QString &));
     EXPORTED(System::isWindowsPath, bool (*)(const QString &));
@@ -69,7 +69,7 @@ void tst_InterfaceSystem::pathForms()
     EXPORTED(System::isLocalHost, bool (*)(const QString &));
 }
 
-void tst_InterfaceSystem::processes()
+void TestInterfaceSystem::processes()
 {
     EXPORTED(System::getPID, long (*)(const QStringList &));
     EXPORTED(System::isProcessRunning, bool (*)(const QString &));
@@ -80,7 +80,7 @@ void tst_InterfaceSystem::processes()
     EXPORTED(System::getUserName, QString(*)());
 }
 
-void tst_InterfaceSystem::locale()
+void TestInterfaceSystem::locale()
 {
     EXPORTED(System::getLocale, QString(*)());
     EXPORTED(System::getLocaleID, int (*)());
@@ -89,7 +89,7 @@ void tst_InterfaceSystem::locale()
     EXPORTED(System::writeToRegistry, void (*)(const QString &, const QString &));
 }
 
-void tst_InterfaceSystem::flagsAndFolderUtilities()
+void TestInterfaceSystem::flagsAndFolderUtilities()
 {
     EXPORTED(System::getFlagsDirPath, QString(*)());
     EXPORTED(System::isFlagSet, bool (*)(const QString &));
@@ -100,12 +100,12 @@ void tst_InterfaceSystem::flagsAndFolderUtilities()
     EXPORTED(System::getFileVersion, QString(*)(const QString &));
 }
 
-void tst_InterfaceSystem::elapsedTime()
+void TestInterfaceSystem::elapsedTime()
 {
     EXPORTED(System::getElapsedTimeString, QString(*)(qint64));
 }
 
-void tst_InterfaceSystem::theCachesAreClosedToClients()
+void TestInterfaceSystem::theCachesAreClosedToClients()
 {
     static_assert(!CLIENT_MAY_WRITE(System, object.makeAndGetNativePath(QString())));
     static_assert(!CLIENT_MAY_WRITE(System, object.hostName_));
@@ -121,14 +121,14 @@ void tst_InterfaceSystem::theCachesAreClosedToClients()
     static_assert(!CLIENT_MAY_WRITE(System, object.tutorialsPath_));
 }
 
-void tst_InterfaceSystem::thereAreNoObjects()
+void TestInterfaceSystem::thereAreNoObjects()
 {
     QVERIFY(!std::is_default_constructible_v<System>);
     QVERIFY(!hasEmptyBraces<System>);
     QVERIFY(std::is_empty_v<System>);
 }
 
-void tst_InterfaceSystem::everyArgumentHasToBeWrittenOut()
+void TestInterfaceSystem::everyArgumentHasToBeWrittenOut()
 {
     static_assert(!CLIENT_MAY_WRITE(System, object.getProgramDataPath()));
     static_assert(!CLIENT_MAY_WRITE(System, object.getTempFileName()));
@@ -143,6 +143,6 @@ void tst_InterfaceSystem::everyArgumentHasToBeWrittenOut()
     static_assert(!CLIENT_MAY_WRITE(System, object.shareFolder(QString())));
 }
 
-QTEST_GUILESS_MAIN(tst_InterfaceSystem)
+QTEST_GUILESS_MAIN(TestInterfaceSystem)
 
 #include "tst_interfacesystem.moc"

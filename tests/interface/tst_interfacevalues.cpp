@@ -105,7 +105,7 @@ template struct InOrder<offsetof(UnicodeFile, ok_), offsetof(UnicodeFile, error_
                         offsetof(UnicodeFile, nameIsUnicode_),
                         offsetof(UnicodeFile, pathIsUnicode_)>;
 
-class tst_InterfaceValues : public QObject
+class TestInterfaceValues : public QObject
 {
     Q_OBJECT
 
@@ -128,7 +128,7 @@ private Q_SLOTS:
     void noConstructorIsExplicit();
 };
 
-void tst_InterfaceValues::enumeration()
+void TestInterfaceValues::enumeration()
 {
     EXPORTED_OVERLOAD(Enum::count, int (*)(const QString &));
     EXPORTED(Enum::fromString, Enum(*)(const QString &, const QString &));
@@ -153,7 +153,7 @@ void tst_InterfaceValues::enumeration()
     static_assert(!std::is_polymorphic_v<Enum>);
 }
 
-void tst_InterfaceValues::onlyDerivedClassesMakeAndCopyMembersOfAnEnumeration()
+void TestInterfaceValues::onlyDerivedClassesMakeAndCopyMembersOfAnEnumeration()
 {
     static_assert(!std::is_default_constructible_v<Enum>);
     static_assert(!std::is_constructible_v<Enum, const QString &, int>);
@@ -169,7 +169,7 @@ void tst_InterfaceValues::onlyDerivedClassesMakeAndCopyMembersOfAnEnumeration()
     QCOMPARE(Member(QStringLiteral("Interface"), QStringLiteral("One")).toValue(), 1);
 }
 
-void tst_InterfaceValues::version()
+void TestInterfaceValues::version()
 {
     EXPORTED(Version::setVersion, void(Version::*)(int, int, int, int));
     EXPORTED(Version::major, int(Version::*)() const);
@@ -202,7 +202,7 @@ void tst_InterfaceValues::version()
     static_assert(sizeof(Version) == 4 * sizeof(int));
 }
 
-void tst_InterfaceValues::theConstantsOfVersion()
+void TestInterfaceValues::theConstantsOfVersion()
 {
     EXPORTED(Version::Major, const int *);
     EXPORTED(Version::Minor, const int *);
@@ -226,7 +226,7 @@ void tst_InterfaceValues::theConstantsOfVersion()
     QCOMPARE(Version::Public, QStringLiteral("2024"));
 }
 
-void tst_InterfaceValues::theDefaultArgumentsOfVersion()
+void TestInterfaceValues::theDefaultArgumentsOfVersion()
 {
     const auto numbers = [](const Version &version) {
         return QList<int>{version.major(), version.minor(), version.patch(),
@@ -241,7 +241,7 @@ void tst_InterfaceValues::theDefaultArgumentsOfVersion()
     static_assert(!std::is_constructible_v<Version, int, int, int, int, int>);
 }
 
-void tst_InterfaceValues::cpuInfo()
+void TestInterfaceValues::cpuInfo()
 {
     EXPORTED(CpuInfo::processorCount, int(CpuInfo::*)() const);
     EXPORTED(CpuInfo::coreCount, int(CpuInfo::*)() const);
@@ -262,7 +262,7 @@ void tst_InterfaceValues::cpuInfo()
     static_assert(!std::is_polymorphic_v<CpuInfo>);
 }
 
-void tst_InterfaceValues::cpuCounter()
+void TestInterfaceValues::cpuCounter()
 {
     EXPORTED(CpuCounter::getValue, long(CpuCounter::*)());
 
@@ -273,7 +273,7 @@ void tst_InterfaceValues::cpuCounter()
     static_assert(sizeof(CpuCounter) == sizeof(void *));
 }
 
-void tst_InterfaceValues::theConstantsOfCpuCounter()
+void TestInterfaceValues::theConstantsOfCpuCounter()
 {
     EXPORTED(CpuCounter::CpuPercent, const QString *);
     EXPORTED(CpuCounter::MemInUseBytes, const QString *);
@@ -291,7 +291,7 @@ void tst_InterfaceValues::theConstantsOfCpuCounter()
     QCOMPARE(CpuCounter::MemLimitBytes, QStringLiteral("\\Memory\\Commit Limit"));
 }
 
-void tst_InterfaceValues::aCpuCounterIsMovedNotCopied()
+void TestInterfaceValues::aCpuCounterIsMovedNotCopied()
 {
     static_assert(!std::is_copy_constructible_v<CpuCounter>);
     static_assert(!std::is_copy_assignable_v<CpuCounter>);
@@ -307,7 +307,7 @@ void tst_InterfaceValues::aCpuCounterIsMovedNotCopied()
     QCOMPARE(second.getValue(), -1L); // NOLINT(bugprone-use-after-move)
 }
 
-void tst_InterfaceValues::nodeInfo()
+void TestInterfaceValues::nodeInfo()
 {
     EXPORTED(NodeInfo::operator==, bool(NodeInfo::*)(const NodeInfo &) const);
     EXPORTED(NodeInfo::toString, QString(NodeInfo::*)() const);
@@ -317,7 +317,7 @@ void tst_InterfaceValues::nodeInfo()
     static_assert(!std::is_polymorphic_v<NodeInfo>);
 }
 
-void tst_InterfaceValues::theMembersOfNodeInfo()
+void TestInterfaceValues::theMembersOfNodeInfo()
 {
     static_assert(std::is_same_v<decltype(&NodeInfo::name), QString NodeInfo::*>);
     static_assert(std::is_same_v<decltype(&NodeInfo::cores), int NodeInfo::*>);
@@ -353,7 +353,7 @@ void tst_InterfaceValues::theMembersOfNodeInfo()
     QVERIFY(!node.isComputeNode);
 }
 
-void tst_InterfaceValues::clusterInfo()
+void TestInterfaceValues::clusterInfo()
 {
     EXPORTED(ClusterInfo::headNodes, QList<NodeInfo>(ClusterInfo::*)() const);
     EXPORTED(ClusterInfo::computeNodes, QList<NodeInfo>(ClusterInfo::*)() const);
@@ -371,7 +371,7 @@ void tst_InterfaceValues::clusterInfo()
     static_assert(!std::is_polymorphic_v<ClusterInfo>);
 }
 
-void tst_InterfaceValues::unicodeFile()
+void TestInterfaceValues::unicodeFile()
 {
     EXPORTED(UnicodeFile::renameToAscii, bool(UnicodeFile::*)());
     EXPORTED(UnicodeFile::renameToUnicode, bool(UnicodeFile::*)());
@@ -395,7 +395,7 @@ void tst_InterfaceValues::unicodeFile()
     static_assert(!std::is_polymorphic_v<UnicodeFile>);
 }
 
-void tst_InterfaceValues::everyArgumentHasToBeWrittenOut()
+void TestInterfaceValues::everyArgumentHasToBeWrittenOut()
 {
     static_assert(!std::is_constructible_v<Member, QString>);
     static_assert(!std::is_default_constructible_v<CpuInfo>);
@@ -411,7 +411,7 @@ void tst_InterfaceValues::everyArgumentHasToBeWrittenOut()
     static_assert(!CLIENT_MAY_WRITE(Enum, object.fromValue(QString())));
 }
 
-void tst_InterfaceValues::noConstructorIsExplicit()
+void TestInterfaceValues::noConstructorIsExplicit()
 {
     QVERIFY((isImplicit<Version>(0)));
     QVERIFY((isImplicit<Version, int>(0)));
@@ -424,6 +424,6 @@ void tst_InterfaceValues::noConstructorIsExplicit()
     QVERIFY((isImplicit<UnicodeFile, QString>(0)));
 }
 
-QTEST_GUILESS_MAIN(tst_InterfaceValues)
+QTEST_GUILESS_MAIN(TestInterfaceValues)
 
 #include "tst_interfacevalues.moc"

@@ -1,5 +1,5 @@
 #include "TestFiles.h"
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "TestSystem.h"
 
 #include <Utility/ClusterInfo.h>
@@ -42,7 +42,7 @@ template <typename Value> Value onThisSystem(const Value &windows, const Value &
 
 } // namespace
 
-class tst_ClusterInfo : public QObject
+class TestClusterInfo : public QObject
 {
     Q_OBJECT
 
@@ -106,14 +106,14 @@ private:
     std::unique_ptr<QTemporaryDir> folder_;
 };
 
-void tst_ClusterInfo::initTestCase()
+void TestClusterInfo::initTestCase()
 {
     start_ = QDir::currentPath();
     tool_ = QFileInfo(QStringLiteral(FAKE_CLUSTER_TOOL)).absoluteFilePath();
 }
 
 // Each function has folders of its own: one is current, one holds the tool.
-void tst_ClusterInfo::init()
+void TestClusterInfo::init()
 {
     folder_ = std::make_unique<QTemporaryDir>();
     QVERIFY(folder_->isValid());
@@ -123,14 +123,14 @@ void tst_ClusterInfo::init()
     qputenv("FAKE_NODES_RECORD", QFile::encodeName(path(QStringLiteral("record"))));
 }
 
-void tst_ClusterInfo::cleanup()
+void TestClusterInfo::cleanup()
 {
     QVERIFY(QDir::setCurrent(start_));
     folder_.reset();
 }
 
 // The folder below that of the test, with the tool in it.
-QString tst_ClusterInfo::placeTool(const QString &folder, const QString &name)
+QString TestClusterInfo::placeTool(const QString &folder, const QString &name)
 {
     const QString dir = path(folder);
     const QString tool = dir + QDir::separator() + name;
@@ -139,20 +139,20 @@ QString tst_ClusterInfo::placeTool(const QString &folder, const QString &name)
     return dir;
 }
 
-ClusterInfo tst_ClusterInfo::clusterOf(std::initializer_list<const char *> lines, Log *log)
+ClusterInfo TestClusterInfo::clusterOf(std::initializer_list<const char *> lines, Log *log)
 {
     if (!print(texts(lines).join(QStringLiteral("\r\n")).toUtf8() + "\r\n"))
         qFatal("The nodes cannot be written");
     return ClusterInfo(log, placeTool(QStringLiteral("tools")));
 }
 
-QStringList tst_ClusterInfo::calls() const
+QStringList TestClusterInfo::calls() const
 {
     return QString::fromUtf8(contentOf(path(QStringLiteral("record"))))
         .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-void tst_ClusterInfo::nodesAreListedByTheirRoles()
+void TestClusterInfo::nodesAreListedByTheirRoles()
 {
     const ClusterInfo cluster
         = clusterOf({"headnode1:8:1:32:HeadNodes", "cn1:16:2:64:ComputeNodes"});
@@ -170,7 +170,7 @@ void tst_ClusterInfo::nodesAreListedByTheirRoles()
     QCOMPARE(cluster.socketsPerComputeNode(), 2);
 }
 
-void tst_ClusterInfo::nodesKeepTheOrderOfTheTool()
+void TestClusterInfo::nodesKeepTheOrderOfTheTool()
 {
     const ClusterInfo cluster = clusterOf(
         {"b:1:1:1:ComputeNodes", "z:2:1:1:HeadNodes", "a:3:1:1:ComputeNodes", "y:4:1:1:HeadNodes"});
@@ -178,7 +178,7 @@ void tst_ClusterInfo::nodesKeepTheOrderOfTheTool()
     QCOMPARE(textsOf(cluster.computeNodes()), texts({"b:1:1:1", "a:3:1:1"}));
 }
 
-void tst_ClusterInfo::aNodeWithBothRolesStandsInBothLists()
+void TestClusterInfo::aNodeWithBothRolesStandsInBothLists()
 {
     const ClusterInfo cluster = clusterOf({"hn:12:2:48:headnodes,computenodes"});
     QCOMPARE(textsOf(cluster.headNodes()), texts({"hn:12:2:48"}));
@@ -186,14 +186,14 @@ void tst_ClusterInfo::aNodeWithBothRolesStandsInBothLists()
     QVERIFY(cluster.headNodes().first() == cluster.computeNodes().first());
 }
 
-void tst_ClusterInfo::aNodeWithoutARoleIsDropped()
+void TestClusterInfo::aNodeWithoutARoleIsDropped()
 {
     const ClusterInfo cluster = clusterOf({"w:1:1:1:WorkstationNodes", "cn1:16:2:64:ComputeNodes"});
     QVERIFY(cluster.headNodes().isEmpty());
     QCOMPARE(textsOf(cluster.computeNodes()), texts({"cn1:16:2:64"}));
 }
 
-void tst_ClusterInfo::theListsAreCopies()
+void TestClusterInfo::theListsAreCopies()
 {
     const ClusterInfo cluster = clusterOf({"hn:12:2:48:headnodes,computenodes"});
     cluster.headNodes().clear();
@@ -203,7 +203,7 @@ void tst_ClusterInfo::theListsAreCopies()
     QCOMPARE(cluster.headNode(), QStringLiteral("hn"));
 }
 
-void tst_ClusterInfo::countsAndNames_data()
+void TestClusterInfo::countsAndNames_data()
 {
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<QString>("headNode");
@@ -250,7 +250,7 @@ void tst_ClusterInfo::countsAndNames_data()
         << 1 << 8 << 8 << 2;
 }
 
-void tst_ClusterInfo::countsAndNames()
+void TestClusterInfo::countsAndNames()
 {
     QFETCH(QStringList, lines);
     QVERIFY(print(lines.join(QLatin1Char('\n')).toUtf8()));
@@ -263,7 +263,7 @@ void tst_ClusterInfo::countsAndNames()
     QTEST(cluster.socketsPerComputeNode(), "sockets");
 }
 
-void tst_ClusterInfo::theSumOfManyCoresIsFormed()
+void TestClusterInfo::theSumOfManyCoresIsFormed()
 {
     const ClusterInfo cluster = clusterOf(
         {"a:1000000000:1:1:ComputeNodes", "h:5:1:1:HeadNodes", "b:1000000000:1:1:ComputeNodes"});
@@ -271,14 +271,14 @@ void tst_ClusterInfo::theSumOfManyCoresIsFormed()
 }
 
 // One more than the largest number, which is the smallest.
-void tst_ClusterInfo::theSumOfTooManyCoresIsSafe()
+void TestClusterInfo::theSumOfTooManyCoresIsSafe()
 {
     const ClusterInfo cluster
         = clusterOf({"a:2147483647:1:1:ComputeNodes", "b:1:1:1:ComputeNodes"});
     QCOMPARE(cluster.computeCoreCount(), std::numeric_limits<int>::min());
 }
 
-void tst_ClusterInfo::theToolIsAskedForTheClusterOnce()
+void TestClusterInfo::theToolIsAskedForTheClusterOnce()
 {
     const ClusterInfo cluster = clusterOf({"h:8:1:32:HeadNodes,ComputeNodes"});
     cluster.headNodes();
@@ -288,7 +288,7 @@ void tst_ClusterInfo::theToolIsAskedForTheClusterOnce()
     QCOMPARE(calls(), texts({"NodeInformation.exe|-q|-cluster"}));
 }
 
-void tst_ClusterInfo::theToolMayLieInAnyFolder_data()
+void TestClusterInfo::theToolMayLieInAnyFolder_data()
 {
     QTest::addColumn<QString>("folder");
 
@@ -320,7 +320,7 @@ void tst_ClusterInfo::theToolMayLieInAnyFolder_data()
     row("letters, quotes and variables", "\xC3\xB6 'a' \"b\" $HOME %d \\101");
 }
 
-void tst_ClusterInfo::theToolMayLieInAnyFolder()
+void TestClusterInfo::theToolMayLieInAnyFolder()
 {
     QFETCH(QString, folder);
     QVERIFY(print("h:8:1:32:HeadNodes\n"));
@@ -329,14 +329,14 @@ void tst_ClusterInfo::theToolMayLieInAnyFolder()
     QCOMPARE(calls(), texts({"NodeInformation.exe|-q|-cluster"}));
 }
 
-void tst_ClusterInfo::theFolderMayEndWithASeparator()
+void TestClusterInfo::theFolderMayEndWithASeparator()
 {
     QVERIFY(print("h:8:1:32:HeadNodes\n"));
     const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")) + QDir::separator());
     QCOMPARE(cluster.headNode(), QStringLiteral("h"));
 }
 
-void tst_ClusterInfo::theFolderMayBeRelative()
+void TestClusterInfo::theFolderMayBeRelative()
 {
     QVERIFY(print("h:8:1:32:HeadNodes\n"));
     placeTool(QStringLiteral("tools"));
@@ -344,7 +344,7 @@ void tst_ClusterInfo::theFolderMayBeRelative()
     QCOMPARE(ClusterInfo(nullptr, dir).headNode(), QStringLiteral("h"));
 }
 
-void tst_ClusterInfo::theToolWithoutSuffixIsTakenElsewhereThanOnWindows()
+void TestClusterInfo::theToolWithoutSuffixIsTakenElsewhereThanOnWindows()
 {
     QVERIFY(print("h:8:1:32:HeadNodes\n"));
     const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools"), toolNameWithoutSuffix()));
@@ -352,7 +352,7 @@ void tst_ClusterInfo::theToolWithoutSuffixIsTakenElsewhereThanOnWindows()
     QCOMPARE(calls(), onThisSystem(QStringList(), texts({"NodeInformation|-q|-cluster"})));
 }
 
-void tst_ClusterInfo::theToolWithSuffixComesFirst()
+void TestClusterInfo::theToolWithSuffixComesFirst()
 {
     QVERIFY(print("h:8:1:32:HeadNodes\n"));
     placeTool(QStringLiteral("tools"), toolNameWithoutSuffix());
@@ -361,7 +361,7 @@ void tst_ClusterInfo::theToolWithSuffixComesFirst()
     QCOMPARE(calls(), texts({"NodeInformation.exe|-q|-cluster"}));
 }
 
-void tst_ClusterInfo::anErrorEndsTheReading_data()
+void TestClusterInfo::anErrorEndsTheReading_data()
 {
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<QStringList>("nodes");
@@ -376,7 +376,7 @@ void tst_ClusterInfo::anErrorEndsTheReading_data()
                                   << texts({"h:8:1:32"});
 }
 
-void tst_ClusterInfo::anErrorEndsTheReading()
+void TestClusterInfo::anErrorEndsTheReading()
 {
     QFETCH(QStringList, lines);
     QVERIFY(print(lines.join(QLatin1Char('\n')).toUtf8()));
@@ -385,7 +385,7 @@ void tst_ClusterInfo::anErrorEndsTheReading()
 }
 
 // The interpreter of Windows prints the command too, which counts.
-void tst_ClusterInfo::atMost32LinesAreRead()
+void TestClusterInfo::atMost32LinesAreRead()
 {
     QByteArray output;
     QStringList nodes;
@@ -394,7 +394,7 @@ void tst_ClusterInfo::atMost32LinesAreRead()
         output += nodes.last().toUtf8() + ":ComputeNodes\r\n";
     }
     QVERIFY(print(output));
-    TestLog log;
+    TemporaryLog log;
     const ClusterInfo cluster(log, placeTool(QStringLiteral("tools")));
     const QStringList logged = log.lines().filter(QStringLiteral(" output:"));
     QCOMPARE(logged.size(), 32);
@@ -404,14 +404,14 @@ void tst_ClusterInfo::atMost32LinesAreRead()
 }
 
 // The first piece has no separator; what the second begins with is taken for the name.
-void tst_ClusterInfo::aLongLineIsReadInPieces()
+void TestClusterInfo::aLongLineIsReadInPieces()
 {
     QVERIFY(print(QByteArray(199, 'x') + "end:16:2:64:ComputeNodes\n"));
     const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")));
     QCOMPARE(textsOf(cluster.computeNodes()), texts({"end:16:2:64"}));
 }
 
-void tst_ClusterInfo::namesAreReadAsUtf8()
+void TestClusterInfo::namesAreReadAsUtf8()
 {
     const ClusterInfo cluster = clusterOf({"Gr\xC3\xB6\xC3\x9F"
                                            "e-\xE2\x82\xAC:16:2:64:HeadNodes"});
@@ -421,9 +421,9 @@ void tst_ClusterInfo::namesAreReadAsUtf8()
 }
 
 // On Windows the interpreter's own lines are logged too.
-void tst_ClusterInfo::theCallAndEachLineAreLogged()
+void TestClusterInfo::theCallAndEachLineAreLogged()
 {
-    TestLog log;
+    TemporaryLog log;
     clusterOf({" h:8:1:32:HeadNodes ", "no node", "c:16:2:64:ComputeNodes"}, log);
     QStringList lines = log.lines();
     QCOMPARE(lines.takeFirst(),
@@ -439,33 +439,33 @@ void tst_ClusterInfo::theCallAndEachLineAreLogged()
     QCOMPARE(QStringList(lines.mid(first, 3)), output);
 }
 
-void tst_ClusterInfo::theTextOfAnErrorIsLoggedAsOutputOnly()
+void TestClusterInfo::theTextOfAnErrorIsLoggedAsOutputOnly()
 {
-    TestLog log;
+    TemporaryLog log;
     clusterOf({"Error: cluster not reachable"}, log);
     const QStringList lines = log.lines().filter(QStringLiteral("reachable"));
     QCOMPARE(lines, texts({" output:Error: cluster not reachable"}));
     QCOMPARE(log.lines().filter(QStringLiteral(" output:")).size() + 1, log.lines().size());
 }
 
-void tst_ClusterInfo::aLogIsNotNeeded()
+void TestClusterInfo::aLogIsNotNeeded()
 {
     QCOMPARE(clusterOf({"h:8:1:32:HeadNodes"}, nullptr).headNode(), QStringLiteral("h"));
 }
 
-void tst_ClusterInfo::theLogOutlivesTheObject()
+void TestClusterInfo::theLogOutlivesTheObject()
 {
-    TestLog log;
+    TemporaryLog log;
     clusterOf({"h:8:1:32:HeadNodes"}, log);
     static_cast<Log *>(log)->append(QStringLiteral("still open"));
     QCOMPARE(log.lines().last(), QStringLiteral("still open"));
 }
 
-void tst_ClusterInfo::withoutAToolThereAreNoNodes()
+void TestClusterInfo::withoutAToolThereAreNoNodes()
 {
     QVERIFY(print("h:8:1:32:HeadNodes,ComputeNodes\n"));
     QVERIFY(QDir(folder_->path()).mkdir(QStringLiteral("empty")));
-    TestLog log;
+    TemporaryLog log;
     for (const QString &folder : {QStringLiteral("empty"), QStringLiteral("missing")}) {
         const ClusterInfo cluster(log, path(folder));
         QVERIFY(cluster.headNodes().isEmpty());
@@ -484,7 +484,7 @@ void tst_ClusterInfo::withoutAToolThereAreNoNodes()
                 || line.startsWith(QStringLiteral("Command:")));
 }
 
-void tst_ClusterInfo::withoutAFolderThereAreNoNodes()
+void TestClusterInfo::withoutAFolderThereAreNoNodes()
 {
     QVERIFY(print("h:8:1:32:HeadNodes\n"));
     QVERIFY(QFile::copy(tool_, toolName()));
@@ -492,7 +492,7 @@ void tst_ClusterInfo::withoutAFolderThereAreNoNodes()
     QVERIFY(calls().isEmpty());
 }
 
-void tst_ClusterInfo::aSilentToolGivesNoNodes()
+void TestClusterInfo::aSilentToolGivesNoNodes()
 {
     QVERIFY(print(QByteArray()));
     const ClusterInfo cluster(nullptr, placeTool(QStringLiteral("tools")));
@@ -501,13 +501,13 @@ void tst_ClusterInfo::aSilentToolGivesNoNodes()
     QCOMPARE(calls().size(), 1);
 }
 
-void tst_ClusterInfo::noScriptIsLeft()
+void TestClusterInfo::noScriptIsLeft()
 {
     clusterOf({"h:8:1:32:HeadNodes"});
     QCOMPARE(entriesOf(QDir::currentPath()), QStringList());
 }
 
-void tst_ClusterInfo::aCopyHasTheSameNodesAndRunsNoTool()
+void TestClusterInfo::aCopyHasTheSameNodesAndRunsNoTool()
 {
     const ClusterInfo cluster = clusterOf({"h:8:1:32:HeadNodes", "c:16:2:64:ComputeNodes"});
     const ClusterInfo copy(cluster);
@@ -518,7 +518,7 @@ void tst_ClusterInfo::aCopyHasTheSameNodesAndRunsNoTool()
     QCOMPARE(calls().size(), 1);
 }
 
-void tst_ClusterInfo::assigningTakesTheNodes()
+void TestClusterInfo::assigningTakesTheNodes()
 {
     const ClusterInfo cluster = clusterOf({"h:8:1:32:HeadNodes", "c:16:2:64:ComputeNodes"});
     ClusterInfo other(nullptr, path(QStringLiteral("missing")));
@@ -528,6 +528,6 @@ void tst_ClusterInfo::assigningTakesTheNodes()
     QCOMPARE(calls().size(), 1);
 }
 
-QTEST_GUILESS_MAIN(tst_ClusterInfo)
+QTEST_GUILESS_MAIN(TestClusterInfo)
 
 #include "tst_clusterinfo.moc"

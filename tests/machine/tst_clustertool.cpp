@@ -1,5 +1,5 @@
 #include "TestFiles.h"
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "TestSystem.h"
 
 #include <Utility/ClusterInfo.h>
@@ -22,7 +22,7 @@ struct Answer
 
 } // namespace
 
-class tst_ClusterTool : public QObject
+class TestClusterTool : public QObject
 {
     Q_OBJECT
 
@@ -77,7 +77,7 @@ private:
 };
 
 // The tool finds nothing but its few helpers and what the tests place beside them.
-void tst_ClusterTool::initTestCase()
+void TestClusterTool::initTestCase()
 {
     if (onWindows())
         QSKIP("The tool is for Slurm, which does not run on Windows");
@@ -91,19 +91,19 @@ void tst_ClusterTool::initTestCase()
     qputenv("PATH", QFile::encodeName(folder_.path()));
 }
 
-void tst_ClusterTool::init()
+void TestClusterTool::init()
 {
     placeSinfo({});
     placeScontrol({});
 }
 
-void tst_ClusterTool::cleanupTestCase()
+void TestClusterTool::cleanupTestCase()
 {
     if (!path_.isNull())
         qputenv("PATH", path_);
 }
 
-void tst_ClusterTool::placeProgram(const QString &name, const QByteArray &script)
+void TestClusterTool::placeProgram(const QString &name, const QByteArray &script)
 {
     if (!writeFile(inPath(name), "#!/bin/sh\n" + script)
         || !QFile::setPermissions(inPath(name),
@@ -112,7 +112,7 @@ void tst_ClusterTool::placeProgram(const QString &name, const QByteArray &script
 }
 
 // Prints the lines, and records its arguments and what the user has set for it.
-void tst_ClusterTool::placeSinfo(std::initializer_list<const char *> lines, int exitCode)
+void TestClusterTool::placeSinfo(std::initializer_list<const char *> lines, int exitCode)
 {
     QByteArray script = "printf '%s\\n' \"$@\" \"set ${SINFO_PARTITION-}${SINFO_SORT-}"
                         "${SINFO_FEDERATION-}${SLURM_CLUSTERS-}.\" > '"
@@ -123,7 +123,7 @@ void tst_ClusterTool::placeSinfo(std::initializer_list<const char *> lines, int 
 }
 
 // Answers the one call that is expected.
-void tst_ClusterTool::placeScontrol(std::initializer_list<const char *> lines, int exitCode)
+void TestClusterTool::placeScontrol(std::initializer_list<const char *> lines, int exitCode)
 {
     QByteArray script = "[ \"$*\" = 'show config' ] || exit 9\n";
     for (const char *line : lines)
@@ -132,7 +132,7 @@ void tst_ClusterTool::placeScontrol(std::initializer_list<const char *> lines, i
                  script + "exit " + QByteArray::number(exitCode) + '\n');
 }
 
-Answer tst_ClusterTool::run(const QStringList &options) const
+Answer TestClusterTool::run(const QStringList &options) const
 {
     QProcess tool;
     tool.start(QStringLiteral(CLUSTER_TOOL), options);
@@ -147,7 +147,7 @@ Answer tst_ClusterTool::run(const QStringList &options) const
     return answer;
 }
 
-void tst_ClusterTool::eachNodeIsALine()
+void TestClusterTool::eachNodeIsALine()
 {
     placeScontrol({"Configuration data as of 2024-05-02T09:12:44", "AccountingStorageHost   = db1",
                    "ClusterName             = big", "ControlAddr             = 10.0.0.2",
@@ -162,7 +162,7 @@ void tst_ClusterTool::eachNodeIsALine()
     QCOMPARE(answer.error, QByteArray());
 }
 
-void tst_ClusterTool::theHeadNodeIsFoundInTheConfiguration_data()
+void TestClusterTool::theHeadNodeIsFoundInTheConfiguration_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("name");
@@ -182,7 +182,7 @@ void tst_ClusterTool::theHeadNodeIsFoundInTheConfiguration_data()
     row("ControlMachine=head1", "head1");
 }
 
-void tst_ClusterTool::theHeadNodeIsFoundInTheConfiguration()
+void TestClusterTool::theHeadNodeIsFoundInTheConfiguration()
 {
     QFETCH(QString, line);
     QFETCH(QString, name);
@@ -195,7 +195,7 @@ void tst_ClusterTool::theHeadNodeIsFoundInTheConfiguration()
 }
 
 // In the order of the configuration, the primary one before its backups.
-void tst_ClusterTool::theHeadNodesComeFirst()
+void TestClusterTool::theHeadNodesComeFirst()
 {
     placeScontrol({"ControlMachine   = old", "SlurmctldHost[0] = cn3(10.0.0.3)",
                    "SlurmctldHost[1] = head1", "SlurmctldHost[2] = (null)",
@@ -206,7 +206,7 @@ void tst_ClusterTool::theHeadNodesComeFirst()
                     "cn1:4:1:1:HeadNodes,ComputeNodes", "cn2:4:1:1:ComputeNodes"}));
 }
 
-void tst_ClusterTool::aHeadNodeMayBeAComputeNode_data()
+void TestClusterTool::aHeadNodeMayBeAComputeNode_data()
 {
     QTest::addColumn<QString>("head");
     QTest::addColumn<QString>("node");
@@ -220,7 +220,7 @@ void tst_ClusterTool::aHeadNodeMayBeAComputeNode_data()
         << QStringLiteral("cn1.example.com") << QStringLiteral("cn1.example.com");
 }
 
-void tst_ClusterTool::aHeadNodeMayBeAComputeNode()
+void TestClusterTool::aHeadNodeMayBeAComputeNode()
 {
     QFETCH(QString, head);
     QFETCH(QString, node);
@@ -234,7 +234,7 @@ void tst_ClusterTool::aHeadNodeMayBeAComputeNode()
                            << QStringLiteral("cn10:4:1:1:ComputeNodes"));
 }
 
-void tst_ClusterTool::nodesOfTheSameNameInOtherDomainsAreKept()
+void TestClusterTool::nodesOfTheSameNameInOtherDomainsAreKept()
 {
     placeScontrol({"SlurmctldHost[0] = cn1.west"});
     placeSinfo({"cn1.east 1 2 1024", "cn1.west 1 4 1024"});
@@ -242,20 +242,20 @@ void tst_ClusterTool::nodesOfTheSameNameInOtherDomainsAreKept()
              texts({"cn1.west:4:1:1:HeadNodes,ComputeNodes", "cn1.east:2:1:1:ComputeNodes"}));
 }
 
-void tst_ClusterTool::addressesHaveNoDomain()
+void TestClusterTool::addressesHaveNoDomain()
 {
     placeScontrol({"SlurmctldHost[0] = 10.0.0.1"});
     placeSinfo({"10.0.0.2 1 4 1024"});
     QCOMPARE(run().output, texts({"10.0.0.1:0:0:0:HeadNodes", "10.0.0.2:4:1:1:ComputeNodes"}));
 }
 
-void tst_ClusterTool::aNodeOfSeveralPartitionsIsListedOnce()
+void TestClusterTool::aNodeOfSeveralPartitionsIsListedOnce()
 {
     placeSinfo({"cn1 1 4 1024", "cn1 1 4 1024", "cn2 1 4 1024", "cn1 1 4 1024"});
     QCOMPARE(run().output, texts({"cn1:4:1:1:ComputeNodes", "cn2:4:1:1:ComputeNodes"}));
 }
 
-void tst_ClusterTool::coresAreThoseOfAllSockets_data()
+void TestClusterTool::coresAreThoseOfAllSockets_data()
 {
     QTest::addColumn<QString>("node");
     QTest::addColumn<QString>("line");
@@ -270,7 +270,7 @@ void tst_ClusterTool::coresAreThoseOfAllSockets_data()
     row("cn1 0 0 0", "cn1:0:0:0:ComputeNodes");
 }
 
-void tst_ClusterTool::coresAreThoseOfAllSockets()
+void TestClusterTool::coresAreThoseOfAllSockets()
 {
     QFETCH(QString, node);
     QFETCH(QString, line);
@@ -278,7 +278,7 @@ void tst_ClusterTool::coresAreThoseOfAllSockets()
     QCOMPARE(run().output, QStringList{line});
 }
 
-void tst_ClusterTool::theMemoryIsInGiB_data()
+void TestClusterTool::theMemoryIsInGiB_data()
 {
     QTest::addColumn<int>("memory"); // MiB
     QTest::addColumn<QString>("quantity");
@@ -290,7 +290,7 @@ void tst_ClusterTool::theMemoryIsInGiB_data()
     QTest::newRow("12582912") << 12582912 << QStringLiteral("12288");
 }
 
-void tst_ClusterTool::theMemoryIsInGiB()
+void TestClusterTool::theMemoryIsInGiB()
 {
     QFETCH(int, memory);
     QFETCH(QString, quantity);
@@ -302,13 +302,13 @@ void tst_ClusterTool::theMemoryIsInGiB()
     QCOMPARE(answer.output, QStringList{QStringLiteral("cn1:4:1:%1:ComputeNodes").arg(quantity)});
 }
 
-void tst_ClusterTool::otherLinesAreSkipped()
+void TestClusterTool::otherLinesAreSkipped()
 {
     placeSinfo({"CLUSTER: big", "", "cn1 1 4 1024", "cn2 1 4"});
     QCOMPARE(run().output, texts({"cn1:4:1:1:ComputeNodes"}));
 }
 
-void tst_ClusterTool::aClusterMayHaveNoComputeNodes()
+void TestClusterTool::aClusterMayHaveNoComputeNodes()
 {
     placeScontrol({"SlurmctldHost[0] = head1"});
     const Answer answer = run();
@@ -316,7 +316,7 @@ void tst_ClusterTool::aClusterMayHaveNoComputeNodes()
     QCOMPARE(answer.exitCode, 0);
 }
 
-void tst_ClusterTool::aClusterMayHaveNoKnownHeadNode()
+void TestClusterTool::aClusterMayHaveNoKnownHeadNode()
 {
     placeScontrol({"ControlMachine   = (null)", "SlurmctldHost[0] = (null)"});
     placeSinfo({"cn1 1 4 1024"});
@@ -325,14 +325,14 @@ void tst_ClusterTool::aClusterMayHaveNoKnownHeadNode()
     QCOMPARE(answer.exitCode, 0);
 }
 
-void tst_ClusterTool::slurmIsAskedForAllNodes()
+void TestClusterTool::slurmIsAskedForAllNodes()
 {
     run();
     QCOMPARE(contentOf(inPath(QStringLiteral("record"))),
              QByteArray("--noheader\n--Node\n--all\n--local\n--format\n%N %X %Y %m\nset .\n"));
 }
 
-void tst_ClusterTool::theSettingsOfTheUserDoNotMatter_data()
+void TestClusterTool::theSettingsOfTheUserDoNotMatter_data()
 {
     QTest::addColumn<QByteArray>("variable");
 
@@ -340,7 +340,7 @@ void tst_ClusterTool::theSettingsOfTheUserDoNotMatter_data()
         QTest::newRow(name) << QByteArray(name);
 }
 
-void tst_ClusterTool::theSettingsOfTheUserDoNotMatter()
+void TestClusterTool::theSettingsOfTheUserDoNotMatter()
 {
     QFETCH(QByteArray, variable);
 
@@ -350,7 +350,7 @@ void tst_ClusterTool::theSettingsOfTheUserDoNotMatter()
     QVERIFY(contentOf(inPath(QStringLiteral("record"))).endsWith("\nset .\n"));
 }
 
-void tst_ClusterTool::theOptionsMayStandInAnyOrder_data()
+void TestClusterTool::theOptionsMayStandInAnyOrder_data()
 {
     QTest::addColumn<QStringList>("options");
 
@@ -359,7 +359,7 @@ void tst_ClusterTool::theOptionsMayStandInAnyOrder_data()
     QTest::newRow("-cluster") << texts({"-cluster"});
 }
 
-void tst_ClusterTool::theOptionsMayStandInAnyOrder()
+void TestClusterTool::theOptionsMayStandInAnyOrder()
 {
     QFETCH(QStringList, options);
     placeSinfo({"cn1 1 4 1024"});
@@ -368,7 +368,7 @@ void tst_ClusterTool::theOptionsMayStandInAnyOrder()
     QCOMPARE(answer.exitCode, 0);
 }
 
-void tst_ClusterTool::otherOptionsAreRefused_data()
+void TestClusterTool::otherOptionsAreRefused_data()
 {
     QTest::addColumn<QStringList>("options");
 
@@ -380,7 +380,7 @@ void tst_ClusterTool::otherOptionsAreRefused_data()
     QTest::newRow("word") << texts({"cluster"});
 }
 
-void tst_ClusterTool::otherOptionsAreRefused()
+void TestClusterTool::otherOptionsAreRefused()
 {
     QFETCH(QStringList, options);
     placeSinfo({"cn1 1 4 1024"});
@@ -390,7 +390,7 @@ void tst_ClusterTool::otherOptionsAreRefused()
     QCOMPARE(answer.exitCode, 2);
 }
 
-void tst_ClusterTool::withoutSlurmThereIsAnError_data()
+void TestClusterTool::withoutSlurmThereIsAnError_data()
 {
     QTest::addColumn<QStringList>("missing");
     QTest::addColumn<QString>("named");
@@ -400,7 +400,7 @@ void tst_ClusterTool::withoutSlurmThereIsAnError_data()
     QTest::newRow("scontrol") << texts({"scontrol"}) << QStringLiteral("scontrol");
 }
 
-void tst_ClusterTool::withoutSlurmThereIsAnError()
+void TestClusterTool::withoutSlurmThereIsAnError()
 {
     QFETCH(QStringList, missing);
     QFETCH(QString, named);
@@ -412,7 +412,7 @@ void tst_ClusterTool::withoutSlurmThereIsAnError()
     QCOMPARE(answer.exitCode, 1);
 }
 
-void tst_ClusterTool::aFailureOfSlurmIsAnError_data()
+void TestClusterTool::aFailureOfSlurmIsAnError_data()
 {
     QTest::addColumn<int>("exitCodeOfSinfo");
     QTest::addColumn<int>("exitCodeOfScontrol");
@@ -426,7 +426,7 @@ void tst_ClusterTool::aFailureOfSlurmIsAnError_data()
     QTest::newRow("both") << 1 << 1 << noConfiguration;
 }
 
-void tst_ClusterTool::aFailureOfSlurmIsAnError()
+void TestClusterTool::aFailureOfSlurmIsAnError()
 {
     QFETCH(int, exitCodeOfSinfo);
     QFETCH(int, exitCodeOfScontrol);
@@ -438,7 +438,7 @@ void tst_ClusterTool::aFailureOfSlurmIsAnError()
     QCOMPARE(answer.exitCode, 1);
 }
 
-void tst_ClusterTool::theLibraryReadsTheNodes()
+void TestClusterTool::theLibraryReadsTheNodes()
 {
     placeScontrol({"SlurmctldHost[0] = head1(10.0.0.1)"});
     placeSinfo({"cn1 2 16 64000", "cn2 2 16 64000"});
@@ -452,7 +452,7 @@ void tst_ClusterTool::theLibraryReadsTheNodes()
     QCOMPARE(cluster.computeNodes().first().toString(), QStringLiteral("cn1:32:2:62.5"));
 }
 
-void tst_ClusterTool::theLibraryReadsNoNodesWithoutSlurm()
+void TestClusterTool::theLibraryReadsNoNodesWithoutSlurm()
 {
     QVERIFY(QFile::remove(inPath(QStringLiteral("sinfo"))));
     const ClusterInfo cluster(nullptr, QFileInfo(QStringLiteral(CLUSTER_TOOL)).path());
@@ -460,6 +460,6 @@ void tst_ClusterTool::theLibraryReadsNoNodesWithoutSlurm()
     QVERIFY(cluster.computeNodes().isEmpty());
 }
 
-QTEST_GUILESS_MAIN(tst_ClusterTool)
+QTEST_GUILESS_MAIN(TestClusterTool)
 
 #include "tst_clustertool.moc"

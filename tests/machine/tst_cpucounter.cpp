@@ -63,7 +63,7 @@ bool bytesFitIntoLong(const QString &path)
             QSKIP("Wine's performance counters know no memory");                                   \
     } while (false)
 
-class tst_CpuCounter : public QObject
+class TestCpuCounter : public QObject
 {
     Q_OBJECT
 
@@ -90,7 +90,7 @@ private Q_SLOTS:
     void aCounterThatWasMovedFromCanBeAssigned();
 };
 
-void tst_CpuCounter::thePathsAreTheNamesOfTheSystem_data()
+void TestCpuCounter::thePathsAreTheNamesOfTheSystem_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("expected");
@@ -110,21 +110,21 @@ void tst_CpuCounter::thePathsAreTheNamesOfTheSystem_data()
         << CpuCounter::MemLimitBytes << QStringLiteral("\\Memory\\Commit Limit");
 }
 
-void tst_CpuCounter::thePathsAreTheNamesOfTheSystem()
+void TestCpuCounter::thePathsAreTheNamesOfTheSystem()
 {
     QFETCH(QString, path);
     QFETCH(QString, expected);
     QCOMPARE(path, expected);
 }
 
-void tst_CpuCounter::theLoadIsAPercentage()
+void TestCpuCounter::theLoadIsAPercentage()
 {
     CpuCounter counter(CpuCounter::CpuPercent);
     const long load = counter.getValue();
     QVERIFY2(isPercentage(load), qPrintable(QString::number(load)));
 }
 
-void tst_CpuCounter::theSecondSampleIsTheLoadSinceTheFirst()
+void TestCpuCounter::theSecondSampleIsTheLoadSinceTheFirst()
 {
     CpuCounter counter(CpuCounter::CpuPercent);
     // Faster than the system's clock ticks at the beginning, slower at the end.
@@ -138,7 +138,7 @@ void tst_CpuCounter::theSecondSampleIsTheLoadSinceTheFirst()
     }
 }
 
-void tst_CpuCounter::countersAreIndependent()
+void TestCpuCounter::countersAreIndependent()
 {
     CpuCounter first(CpuCounter::CpuPercent);
     {
@@ -152,7 +152,7 @@ void tst_CpuCounter::countersAreIndependent()
     QVERIFY(isPercentage(first.getValue()));
 }
 
-void tst_CpuCounter::availableKBytesAreTheBytes()
+void TestCpuCounter::availableKBytesAreTheBytes()
 {
     NEED_MEMORY_COUNTERS();
     if (!bytesFitIntoLong(CpuCounter::MemAvailBytes))
@@ -169,7 +169,7 @@ void tst_CpuCounter::availableKBytesAreTheBytes()
              qPrintable(QStringLiteral("%1 bytes, %2 KBytes").arg(value).arg(other)));
 }
 
-void tst_CpuCounter::availableMBytesAreTheKBytes()
+void TestCpuCounter::availableMBytesAreTheKBytes()
 {
     NEED_MEMORY_COUNTERS();
     CpuCounter kilobytes(CpuCounter::MemAvailKBytes);
@@ -183,21 +183,21 @@ void tst_CpuCounter::availableMBytesAreTheKBytes()
              qPrintable(QStringLiteral("%1 KBytes, %2 MBytes").arg(value).arg(other)));
 }
 
-void tst_CpuCounter::theCommitLimitIsPositive()
+void TestCpuCounter::theCommitLimitIsPositive()
 {
     NEED_MEMORY_COUNTERS();
     CpuCounter limit(CpuCounter::MemLimitBytes);
     QVERIFY(limit.getValue() > 0);
 }
 
-void tst_CpuCounter::theMemoryInUseIsPositive()
+void TestCpuCounter::theMemoryInUseIsPositive()
 {
     NEED_MEMORY_COUNTERS();
     CpuCounter inUse(CpuCounter::MemInUseBytes);
     QVERIFY(inUse.getValue() > 0);
 }
 
-void tst_CpuCounter::theMemoryInUsePercentIsOfTheLimit()
+void TestCpuCounter::theMemoryInUsePercentIsOfTheLimit()
 {
     NEED_MEMORY_COUNTERS();
     if (!bytesFitIntoLong(CpuCounter::MemInUseBytes)
@@ -216,7 +216,7 @@ void tst_CpuCounter::theMemoryInUsePercentIsOfTheLimit()
              qPrintable(QStringLiteral("%1 percent, not %2").arg(value).arg(expected)));
 }
 
-void tst_CpuCounter::anUnknownPathAlwaysGivesMinusOne_data()
+void TestCpuCounter::anUnknownPathAlwaysGivesMinusOne_data()
 {
     QTest::addColumn<QString>("path");
     constexpr int Long = 5000;
@@ -235,7 +235,7 @@ void tst_CpuCounter::anUnknownPathAlwaysGivesMinusOne_data()
     QTest::newRow("one longer") << QString(2048, QLatin1Char('x'));
 }
 
-void tst_CpuCounter::anUnknownPathAlwaysGivesMinusOne()
+void TestCpuCounter::anUnknownPathAlwaysGivesMinusOne()
 {
     QFETCH(QString, path);
     CpuCounter counter(path);
@@ -243,14 +243,14 @@ void tst_CpuCounter::anUnknownPathAlwaysGivesMinusOne()
         QCOMPARE(counter.getValue(), -1L);
 }
 
-void tst_CpuCounter::aMovedCounterGoesOn()
+void TestCpuCounter::aMovedCounterGoesOn()
 {
     CpuCounter counter(CpuCounter::CpuPercent);
     CpuCounter other(std::move(counter));
     QVERIFY(isPercentage(other.getValue()));
 }
 
-void tst_CpuCounter::aCounterThatWasMovedFromGivesMinusOne()
+void TestCpuCounter::aCounterThatWasMovedFromGivesMinusOne()
 {
     CpuCounter counter(CpuCounter::CpuPercent);
     const CpuCounter other(std::move(counter));
@@ -258,7 +258,7 @@ void tst_CpuCounter::aCounterThatWasMovedFromGivesMinusOne()
     QCOMPARE(counter.getValue(), -1L);
 }
 
-void tst_CpuCounter::anAssignedCounterTakesTheOtherPath()
+void TestCpuCounter::anAssignedCounterTakesTheOtherPath()
 {
     CpuCounter counter(QStringLiteral("\\Memory\\Nothing"));
     QCOMPARE(counter.getValue(), -1L);
@@ -268,7 +268,7 @@ void tst_CpuCounter::anAssignedCounterTakesTheOtherPath()
     QCOMPARE(other.getValue(), -1L); // NOLINT(bugprone-use-after-move)
 }
 
-void tst_CpuCounter::aCounterThatWasMovedFromCanBeAssigned()
+void TestCpuCounter::aCounterThatWasMovedFromCanBeAssigned()
 {
     CpuCounter counter(CpuCounter::CpuPercent);
     {
@@ -278,6 +278,6 @@ void tst_CpuCounter::aCounterThatWasMovedFromCanBeAssigned()
     QVERIFY(isPercentage(counter.getValue()));
 }
 
-QTEST_GUILESS_MAIN(tst_CpuCounter)
+QTEST_GUILESS_MAIN(TestCpuCounter)
 
 #include "tst_cpucounter.moc"

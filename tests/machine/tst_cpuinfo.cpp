@@ -1,5 +1,5 @@
 #include "TestFiles.h"
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "TestMessages.h"
 
 #include <Utility/CpuInfo.h>
@@ -74,7 +74,7 @@ QByteArray olderForm(const QByteArray &children)
 
 Q_DECLARE_METATYPE(Counts)
 
-class tst_CpuInfo : public QObject
+class TestCpuInfo : public QObject
 {
     Q_OBJECT
 
@@ -123,20 +123,20 @@ private:
     std::unique_ptr<QTemporaryDir> folder_;
 };
 
-void tst_CpuInfo::init()
+void TestCpuInfo::init()
 {
     folder_ = std::make_unique<QTemporaryDir>();
     QVERIFY(folder_->isValid());
 }
 
-void tst_CpuInfo::cleanup()
+void TestCpuInfo::cleanup()
 {
     folder_.reset();
 }
 
-void tst_CpuInfo::withoutAFileTheSystemIsAskedAndTheFileWritten()
+void TestCpuInfo::withoutAFileTheSystemIsAskedAndTheFileWritten()
 {
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QVERIFY(info.processorCount() >= 1);
     QVERIFY(info.coreCount() >= info.processorCount());
@@ -145,7 +145,7 @@ void tst_CpuInfo::withoutAFileTheSystemIsAskedAndTheFileWritten()
     QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
 }
 
-void tst_CpuInfo::theWrittenFileIsExactlyThis()
+void TestCpuInfo::theWrittenFileIsExactlyThis()
 {
     const CpuInfo info(nullptr, folder());
     QByteArray expected = "<SystemInformation version=\"24.0\">\n"
@@ -164,9 +164,9 @@ void tst_CpuInfo::theWrittenFileIsExactlyThis()
     QCOMPARE(contentOf(infoFile()), expected);
 }
 
-void tst_CpuInfo::theSecondConstructionReadsTheFile()
+void TestCpuInfo::theSecondConstructionReadsTheFile()
 {
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo first(log, folder());
     const QByteArray content = contentOf(infoFile());
     const CpuInfo second(log, folder());
@@ -178,10 +178,10 @@ void tst_CpuInfo::theSecondConstructionReadsTheFile()
     QCOMPARE(contentOf(infoFile()), content);
 }
 
-void tst_CpuInfo::theFolderMayBeRelative()
+void TestCpuInfo::theFolderMayBeRelative()
 {
     QVERIFY(QDir().mkpath(QStringLiteral("relative")));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, QStringLiteral("relative"));
     QVERIFY(info.coreCount() >= 1);
     QCOMPARE(entriesOf(QStringLiteral("relative")), texts({"SystemInfo.xml"}));
@@ -189,9 +189,9 @@ void tst_CpuInfo::theFolderMayBeRelative()
     QVERIFY(QDir(QStringLiteral("relative")).removeRecursively());
 }
 
-void tst_CpuInfo::theFolderMayEndWithASeparator()
+void TestCpuInfo::theFolderMayEndWithASeparator()
 {
-    TestLog log;
+    TemporaryLog log;
     QVERIFY(writeFile(infoFile(),
                       currentForm("<processorCount>2</processorCount>"
                                   "<coresPerProcessor>8</coresPerProcessor>"
@@ -201,19 +201,19 @@ void tst_CpuInfo::theFolderMayEndWithASeparator()
     QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
 }
 
-void tst_CpuInfo::theFolderMayHoldAnyCharacters()
+void TestCpuInfo::theFolderMayHoldAnyCharacters()
 {
     // "%1" too: nothing may be put in its place.
     const QString other = folder() + QStringLiteral("/Tr\u00e4ger %1 \u65e5\u672c");
     QVERIFY(QDir().mkpath(other));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo first(log, other);
     const CpuInfo second(log, other);
     QCOMPARE(entriesOf(other), texts({"SystemInfo.xml"}));
     QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
 }
 
-void tst_CpuInfo::theCurrentFormIsRead_data()
+void TestCpuInfo::theCurrentFormIsRead_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<Counts>("counts");
@@ -272,19 +272,19 @@ void tst_CpuInfo::theCurrentFormIsRead_data()
         << currentForm(two + eight + on).replace("\n", "\r\n") << Counts{2, 16, 8, true};
 }
 
-void tst_CpuInfo::theCurrentFormIsRead()
+void TestCpuInfo::theCurrentFormIsRead()
 {
     QFETCH(QByteArray, content);
     QFETCH(Counts, counts);
     QVERIFY(writeFile(infoFile(), content));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(countsOf(info), counts);
     QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
     QCOMPARE(contentOf(infoFile()), content);
 }
 
-void tst_CpuInfo::theOlderFormIsRead_data()
+void TestCpuInfo::theOlderFormIsRead_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<Counts>("counts");
@@ -334,12 +334,12 @@ void tst_CpuInfo::theOlderFormIsRead_data()
         << Counts{2, 8, 4, false};
 }
 
-void tst_CpuInfo::theOlderFormIsRead()
+void TestCpuInfo::theOlderFormIsRead()
 {
     theCurrentFormIsRead();
 }
 
-void tst_CpuInfo::onlyAFileWithinTheLimitsIsRead_data()
+void TestCpuInfo::onlyAFileWithinTheLimitsIsRead_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<bool>("isRead");
@@ -377,13 +377,13 @@ void tst_CpuInfo::onlyAFileWithinTheLimitsIsRead_data()
         << root("<b>&unknown;</b>" + QByteArray("<a/>").repeated(600)) << true;
 }
 
-void tst_CpuInfo::onlyAFileWithinTheLimitsIsRead()
+void TestCpuInfo::onlyAFileWithinTheLimitsIsRead()
 {
     QFETCH(QByteArray, content);
     QFETCH(bool, isRead);
 
     QVERIFY(writeFile(infoFile(), content));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(countsOf(info), isRead ? (Counts{3, 3, 1, true}) : Defaults);
     QStringList expected = texts({"Reading CPU information from SystemInfo.xml"});
@@ -394,20 +394,20 @@ void tst_CpuInfo::onlyAFileWithinTheLimitsIsRead()
 }
 
 // Elements in each other are read and deleted recursively.
-void tst_CpuInfo::theDeepestFileFitsTheStackOfAThread_data()
+void TestCpuInfo::theDeepestFileFitsTheStackOfAThread_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("closed") << QByteArray("<a>").repeated(1000) + QByteArray("</a>").repeated(1000);
     QTest::newRow("not closed") << QByteArray("<a>").repeated(2000);
 }
 
-void tst_CpuInfo::theDeepestFileFitsTheStackOfAThread()
+void TestCpuInfo::theDeepestFileFitsTheStackOfAThread()
 {
     QFETCH(QByteArray, content);
 
     constexpr uint StackSize = 1024 * 1024; // what a thread has by default on Windows
     QVERIFY(writeFile(infoFile(), content));
-    TestLog log;
+    TemporaryLog log;
     const std::unique_ptr<QThread> thread(
         QThread::create([&] { const CpuInfo info(log, folder()); }));
     thread->setStackSize(StackSize);
@@ -416,7 +416,7 @@ void tst_CpuInfo::theDeepestFileFitsTheStackOfAThread()
     QCOMPARE(log.lines().value(0), QStringLiteral("Reading CPU information from SystemInfo.xml"));
 }
 
-void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm_data()
+void TestCpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm_data()
 {
     QTest::addColumn<QByteArray>("first");
     QTest::newRow("behind an element") << QByteArray("<a/>");
@@ -425,7 +425,7 @@ void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm_data()
     QTest::newRow("behind another case") << QByteArray("<info/>");
 }
 
-void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm()
+void TestCpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm()
 {
     QFETCH(QByteArray, first);
     QVERIFY(writeFile(infoFile(),
@@ -438,7 +438,7 @@ void tst_CpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm()
     QCOMPARE(countsOf(CpuInfo(nullptr, folder())), (Counts{2, 16, 8, true}));
 }
 
-void tst_CpuInfo::numbersOfAnySizeAreSafe()
+void TestCpuInfo::numbersOfAnySizeAreSafe()
 {
     // Their product is 2^31, which wraps to the smallest number.
     QVERIFY(writeFile(infoFile(),
@@ -455,7 +455,7 @@ void tst_CpuInfo::numbersOfAnySizeAreSafe()
     QCOMPARE(info.processorCount(), std::numeric_limits<int>::max());
 }
 
-void tst_CpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain_data()
+void TestCpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain_data()
 {
     QTest::addColumn<QByteArray>("element");
     QTest::newRow("missing") << QByteArray();
@@ -464,7 +464,7 @@ void tst_CpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain_data()
     QTest::newRow("another case") << QByteArray("<HyperThreading>on</HyperThreading>");
 }
 
-void tst_CpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain()
+void TestCpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain()
 {
     QFETCH(QByteArray, element);
     const QTemporaryDir other;
@@ -472,7 +472,7 @@ void tst_CpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain()
 
     const QByteArray content = QByteArray(IncompleteFile).replace("%1", element);
     QVERIFY(writeFile(infoFile(), content));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(countsOf(info), countsOf(system));
     QVERIFY(info.processorCount() != 977);
@@ -482,7 +482,7 @@ void tst_CpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain()
     QCOMPARE(contentOf(infoFile()), content);
 }
 
-void tst_CpuInfo::aFileThatCannotBeParsedIsLeftAlone_data()
+void TestCpuInfo::aFileThatCannotBeParsedIsLeftAlone_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("empty") << QByteArray();
@@ -496,11 +496,11 @@ void tst_CpuInfo::aFileThatCannotBeParsedIsLeftAlone_data()
     QTest::newRow("any bytes") << QByteArray("\x00\xff\xfe\x01<\x80>", 7);
 }
 
-void tst_CpuInfo::aFileThatCannotBeParsedIsLeftAlone()
+void TestCpuInfo::aFileThatCannotBeParsedIsLeftAlone()
 {
     QFETCH(QByteArray, content);
     QVERIFY(writeFile(infoFile(), content));
-    TestLog log;
+    TemporaryLog log;
     QStringList expected;
     for (int construction = 1; construction <= 2; ++construction) {
         const CpuInfo info(log, folder());
@@ -513,10 +513,10 @@ void tst_CpuInfo::aFileThatCannotBeParsedIsLeftAlone()
     QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
 }
 
-void tst_CpuInfo::aFileThatCannotBeOpenedLeavesTheDefaults()
+void TestCpuInfo::aFileThatCannotBeOpenedLeavesTheDefaults()
 {
     QVERIFY(QDir().mkpath(infoFile()));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(countsOf(info), Defaults);
     QCOMPARE(log.lines(),
@@ -525,17 +525,17 @@ void tst_CpuInfo::aFileThatCannotBeOpenedLeavesTheDefaults()
     QVERIFY(QFileInfo(infoFile()).isDir());
 }
 
-void tst_CpuInfo::aMissingFolderMakesTheSaveFail()
+void TestCpuInfo::aMissingFolderMakesTheSaveFail()
 {
     const CpuInfo system(nullptr, folder());
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder() + QStringLiteral("/missing/folder"));
     QCOMPARE(countsOf(info), countsOf(system));
     QCOMPARE(log.lines(), texts({"Cannot save CPU information to SystemInfo.xml"}));
     QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
 }
 
-void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel_data()
+void TestCpuInfo::withoutALogMessagesGoToTheDebugChannel_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("subfolder");
@@ -556,7 +556,7 @@ void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel_data()
                                       "Cannot save CPU information to SystemInfo.xml")};
 }
 
-void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel()
+void TestCpuInfo::withoutALogMessagesGoToTheDebugChannel()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, subfolder);
@@ -567,10 +567,10 @@ void tst_CpuInfo::withoutALogMessagesGoToTheDebugChannel()
     QCOMPARE(channel.lines(), messages);
 }
 
-void tst_CpuInfo::withALogTheDebugChannelStaysSilent()
+void TestCpuInfo::withALogTheDebugChannelStaysSilent()
 {
     QVERIFY(writeFile(infoFile(), "<a>"));
-    TestLog log;
+    TemporaryLog log;
     const TestMessages channel;
     const CpuInfo bad(log, folder());
     const CpuInfo lost(log, folder() + QStringLiteral("/missing"));
@@ -578,13 +578,13 @@ void tst_CpuInfo::withALogTheDebugChannelStaysSilent()
     QCOMPARE(log.lines().size(), 3);
 }
 
-void tst_CpuInfo::aCopyHasTheSameCounts()
+void TestCpuInfo::aCopyHasTheSameCounts()
 {
     QVERIFY(writeFile(infoFile(),
                       currentForm("<processorCount>2</processorCount>"
                                   "<coresPerProcessor>8</coresPerProcessor>"
                                   "<hyperThreading>on</hyperThreading>")));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QVERIFY(QFile::remove(infoFile()));
     const CpuInfo copy(info);
@@ -594,7 +594,7 @@ void tst_CpuInfo::aCopyHasTheSameCounts()
     QCOMPARE(entriesOf(folder()), QStringList());
 }
 
-void tst_CpuInfo::anAssignmentCopiesTheCounts()
+void TestCpuInfo::anAssignmentCopiesTheCounts()
 {
     QVERIFY(writeFile(infoFile(),
                       currentForm("<processorCount>2</processorCount>"
@@ -610,6 +610,6 @@ void tst_CpuInfo::anAssignmentCopiesTheCounts()
     QCOMPARE(countsOf(other), (Counts{2, 16, 8, true}));
 }
 
-QTEST_GUILESS_MAIN(tst_CpuInfo)
+QTEST_GUILESS_MAIN(TestCpuInfo)
 
 #include "tst_cpuinfo.moc"

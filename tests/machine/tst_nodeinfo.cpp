@@ -37,7 +37,7 @@ bool liesBefore(const void *left, const void *right)
 
 Q_DECLARE_METATYPE(NodeInfo)
 
-class tst_NodeInfo : public QObject
+class TestNodeInfo : public QObject
 {
     Q_OBJECT
 
@@ -53,7 +53,7 @@ private Q_SLOTS:
     void theNameIsPrintedAsItStands();
 };
 
-void tst_NodeInfo::aNodeIsEmptyByDefault()
+void TestNodeInfo::aNodeIsEmptyByDefault()
 {
     const NodeInfo node;
     QVERIFY(node.name.isNull());
@@ -65,7 +65,7 @@ void tst_NodeInfo::aNodeIsEmptyByDefault()
     QCOMPARE(node.toString(), QStringLiteral(":0:0:0"));
 }
 
-void tst_NodeInfo::theMembersLieInOrder()
+void TestNodeInfo::theMembersLieInOrder()
 {
     const NodeInfo node;
     QVERIFY(liesBefore(&node.name, &node.cores));
@@ -75,7 +75,7 @@ void tst_NodeInfo::theMembersLieInOrder()
     QVERIFY(liesBefore(&node.isHeadNode, &node.isComputeNode));
 }
 
-void tst_NodeInfo::copyingCopiesAllMembers()
+void TestNodeInfo::copyingCopiesAllMembers()
 {
     NodeInfo original = node();
     original.isHeadNode = true;
@@ -94,7 +94,7 @@ void tst_NodeInfo::copyingCopiesAllMembers()
     QCOMPARE(copy.name, QStringLiteral("cn1"));
 }
 
-void tst_NodeInfo::nodesAreEqualWhenAllMembersAre_data()
+void TestNodeInfo::nodesAreEqualWhenAllMembersAre_data()
 {
     QTest::addColumn<NodeInfo>("other");
     QTest::addColumn<bool>("equal");
@@ -117,7 +117,7 @@ void tst_NodeInfo::nodesAreEqualWhenAllMembersAre_data()
     row("compute node", false, [](NodeInfo &other) { other.isComputeNode = false; });
 }
 
-void tst_NodeInfo::nodesAreEqualWhenAllMembersAre()
+void TestNodeInfo::nodesAreEqualWhenAllMembersAre()
 {
     QFETCH(NodeInfo, other);
     QFETCH(bool, equal);
@@ -126,7 +126,7 @@ void tst_NodeInfo::nodesAreEqualWhenAllMembersAre()
     QVERIFY(other == other);
 }
 
-void tst_NodeInfo::toStringPrintsFourMembers_data()
+void TestNodeInfo::toStringPrintsFourMembers_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("cores");
@@ -153,7 +153,7 @@ void tst_NodeInfo::toStringPrintsFourMembers_data()
     row("infinite", 1, 1, std::numeric_limits<double>::infinity(), "infinite:1:1:inf");
 }
 
-void tst_NodeInfo::toStringPrintsFourMembers()
+void TestNodeInfo::toStringPrintsFourMembers()
 {
     NodeInfo node;
     QFETCH(QString, name);
@@ -167,7 +167,7 @@ void tst_NodeInfo::toStringPrintsFourMembers()
     QTEST(node.toString(), "text");
 }
 
-void tst_NodeInfo::toStringPrintsNoRoles()
+void TestNodeInfo::toStringPrintsNoRoles()
 {
     NodeInfo other = node();
     other.isHeadNode = true;
@@ -175,7 +175,7 @@ void tst_NodeInfo::toStringPrintsNoRoles()
     QCOMPARE(other.toString(), node().toString());
 }
 
-void tst_NodeInfo::theNameIsPrintedAsItStands()
+void TestNodeInfo::theNameIsPrintedAsItStands()
 {
     NodeInfo other = node();
     for (const QString &name : {QStringLiteral("%1%2%3%4"), QStringLiteral(" a:b "),
@@ -186,6 +186,6 @@ void tst_NodeInfo::theNameIsPrintedAsItStands()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_NodeInfo)
+QTEST_GUILESS_MAIN(TestNodeInfo)
 
 #include "tst_nodeinfo.moc"

@@ -1,4 +1,4 @@
-#include "TestLog.h"
+#include "TemporaryLog.h"
 
 #include <Utility/Formats/NodeLines_p.h>
 
@@ -29,7 +29,7 @@ QStringList nodesIn(const QStringList &lines)
 
 } // namespace
 
-class tst_NodeLines : public QObject
+class TestNodeLines : public QObject
 {
     Q_OBJECT
 
@@ -49,19 +49,19 @@ private Q_SLOTS:
     void aNodeMayBeListedTwice();
 };
 
-void tst_NodeLines::noLinesGiveNoNodes()
+void TestNodeLines::noLinesGiveNoNodes()
 {
     QVERIFY(parseNodeLines(QStringList()).isEmpty());
 }
 
-void tst_NodeLines::nodesKeepTheirOrder()
+void TestNodeLines::nodesKeepTheirOrder()
 {
     QCOMPARE(nodesIn(texts({"b:1:1:1:ComputeNodes\r\n", "c:2:1:1:HeadNodes\r\n",
                             "a:3:1:1:ComputeNodes\r\n"})),
              texts({"b:1:1:1:C", "c:2:1:1:H", "a:3:1:1:C"}));
 }
 
-void tst_NodeLines::aLineIsRead_data()
+void TestNodeLines::aLineIsRead_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("node");
@@ -101,14 +101,14 @@ void tst_NodeLines::aLineIsRead_data()
         "e:16:2:64:C");
 }
 
-void tst_NodeLines::aLineIsRead()
+void TestNodeLines::aLineIsRead()
 {
     QFETCH(QString, line);
     QFETCH(QString, node);
     QCOMPARE(nodesIn({line}), QStringList{node});
 }
 
-void tst_NodeLines::aLineIsSkipped_data()
+void TestNodeLines::aLineIsSkipped_data()
 {
     QTest::addColumn<QString>("line");
 
@@ -130,7 +130,7 @@ void tst_NodeLines::aLineIsSkipped_data()
     row("command line", "C:\\Work>\"C:\\Tools\\NodeLinermation.exe\" -q -cluster");
 }
 
-void tst_NodeLines::aLineIsSkipped()
+void TestNodeLines::aLineIsSkipped()
 {
     QFETCH(QString, line);
     QCOMPARE(nodesIn({QStringLiteral("a:1:1:1:HeadNodes"), line,
@@ -138,7 +138,7 @@ void tst_NodeLines::aLineIsSkipped()
              texts({"a:1:1:1:H", "b:2:1:1:C"}));
 }
 
-void tst_NodeLines::anErrorEndsTheReading_data()
+void TestNodeLines::anErrorEndsTheReading_data()
 {
     QTest::addColumn<QString>("line");
 
@@ -152,7 +152,7 @@ void tst_NodeLines::anErrorEndsTheReading_data()
     row("Error:1:1:1:ComputeNodes");
 }
 
-void tst_NodeLines::anErrorEndsTheReading()
+void TestNodeLines::anErrorEndsTheReading()
 {
     QFETCH(QString, line);
     const QString before = QStringLiteral("a:1:1:1:HeadNodes,ComputeNodes");
@@ -162,7 +162,7 @@ void tst_NodeLines::anErrorEndsTheReading()
     QCOMPARE(nodesIn({line, before, after}), QStringList());
 }
 
-void tst_NodeLines::otherWordsAreNoError_data()
+void TestNodeLines::otherWordsAreNoError_data()
 {
     QTest::addColumn<QString>("line");
 
@@ -174,13 +174,13 @@ void tst_NodeLines::otherWordsAreNoError_data()
     row("Errors: 0");
 }
 
-void tst_NodeLines::otherWordsAreNoError()
+void TestNodeLines::otherWordsAreNoError()
 {
     QFETCH(QString, line);
     QCOMPARE(nodesIn({line, QStringLiteral("a:1:1:1:HeadNodes")}), texts({"a:1:1:1:H"}));
 }
 
-void tst_NodeLines::theQuantityIsRead_data()
+void TestNodeLines::theQuantityIsRead_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<double>("quantity");
@@ -200,7 +200,7 @@ void tst_NodeLines::theQuantityIsRead_data()
     QTest::newRow("another word for it") << QStringLiteral("infinity") << 0.0;
 }
 
-void tst_NodeLines::theQuantityIsRead()
+void TestNodeLines::theQuantityIsRead()
 {
     QFETCH(QString, text);
     QFETCH(double, quantity);
@@ -209,12 +209,12 @@ void tst_NodeLines::theQuantityIsRead()
     QVERIFY(nodes.first().quantity == quantity);
 }
 
-void tst_NodeLines::aNodeMayBeListedTwice()
+void TestNodeLines::aNodeMayBeListedTwice()
 {
     QCOMPARE(nodesIn(texts({"a:1:1:1:HeadNodes", "a:1:1:1:HeadNodes"})),
              texts({"a:1:1:1:H", "a:1:1:1:H"}));
 }
 
-QTEST_GUILESS_MAIN(tst_NodeLines)
+QTEST_GUILESS_MAIN(TestNodeLines)
 
 #include "tst_nodelines.moc"

@@ -239,7 +239,7 @@ private:
 
 } // namespace
 
-class tst_ProcessorRecords : public QObject
+class TestProcessorRecords : public QObject
 {
     Q_OBJECT
 
@@ -290,7 +290,7 @@ private Q_SLOTS:
     void thisMachineHasAProcessorAndACore();
 };
 
-void tst_ProcessorRecords::theRecordsHaveTheSizesOfTheSystem()
+void TestProcessorRecords::theRecordsHaveTheSizesOfTheSystem()
 {
     // Otherwise the test would show nothing.
     QCOMPARE(core(NoSmt).size(), 48);
@@ -301,7 +301,7 @@ void tst_ProcessorRecords::theRecordsHaveTheSizesOfTheSystem()
     QCOMPARE(fixedRecord(Core).size(), 32);
 }
 
-void tst_ProcessorRecords::extendedRecordsAreCounted_data()
+void TestProcessorRecords::extendedRecordsAreCounted_data()
 {
     QTest::addColumn<QByteArray>("records");
     QTest::addColumn<ProcessorCounts>("expected");
@@ -360,14 +360,14 @@ void tst_ProcessorRecords::extendedRecordsAreCounted_data()
         << header(Package, 0) + good << countsWithoutSmt(0, 0);
 }
 
-void tst_ProcessorRecords::extendedRecordsAreCounted()
+void TestProcessorRecords::extendedRecordsAreCounted()
 {
     QFETCH(QByteArray, records);
     QFETCH(ProcessorCounts, expected);
     QCOMPARE(countExtendedRecords(records), expected);
 }
 
-void tst_ProcessorRecords::extendedRecordsMayEndAnywhere()
+void TestProcessorRecords::extendedRecordsMayEndAnywhere()
 {
     const QList<QByteArray> all{
         package({{0, 1}, {1, 1}}), core(Smt), cache(), core(NoSmt), groups(), package(), core(Smt)};
@@ -392,7 +392,7 @@ void tst_ProcessorRecords::extendedRecordsMayEndAnywhere()
     }
 }
 
-void tst_ProcessorRecords::theBytesBehindAnExtendedRecordAreNotRead()
+void TestProcessorRecords::theBytesBehindAnExtendedRecordAreNotRead()
 {
     const QByteArray records = package() + core(Smt) + core(NoSmt);
     // The bytes go on behind what is given.
@@ -401,7 +401,7 @@ void tst_ProcessorRecords::theBytesBehindAnExtendedRecordAreNotRead()
              counts(1, 1, Smt));
 }
 
-void tst_ProcessorRecords::fixedRecordsAreCounted_data()
+void TestProcessorRecords::fixedRecordsAreCounted_data()
 {
     QTest::addColumn<QByteArray>("records");
     QTest::addColumn<ProcessorCounts>("expected");
@@ -417,14 +417,14 @@ void tst_ProcessorRecords::fixedRecordsAreCounted_data()
     QTest::newRow("no package") << fixedRecord(Core) << countsWithoutSmt(0, 1);
 }
 
-void tst_ProcessorRecords::fixedRecordsAreCounted()
+void TestProcessorRecords::fixedRecordsAreCounted()
 {
     QFETCH(QByteArray, records);
     QFETCH(ProcessorCounts, expected);
     QCOMPARE(countFixedRecords(records), expected);
 }
 
-void tst_ProcessorRecords::thePartOfALastFixedRecordCounts()
+void TestProcessorRecords::thePartOfALastFixedRecordCounts()
 {
     const QByteArray whole = fixedRecord(Package) + fixedRecord(Core);
     const QByteArray last = fixedRecord(Core);
@@ -436,7 +436,7 @@ void tst_ProcessorRecords::thePartOfALastFixedRecordCounts()
     }
 }
 
-void tst_ProcessorRecords::theExtendedCallIsAskedAlone()
+void TestProcessorRecords::theExtendedCallIsAskedAlone()
 {
     FakeCall extended(package() + times(2, core(Smt)));
     FakeCall older(fixedRecord(Package) + fixedRecord(Core));
@@ -455,7 +455,7 @@ void tst_ProcessorRecords::theExtendedCallIsAskedAlone()
     QCOMPARE(older.lengths, QList<qint64>());
 }
 
-void tst_ProcessorRecords::theOlderCallIsAskedWhereThereIsNoOther()
+void TestProcessorRecords::theOlderCallIsAskedWhereThereIsNoOther()
 {
     FakeCall older(fixedRecord(Package) + times(3, fixedRecord(Core, 1)));
     const ProcessorQuery read = queryRecords(RecordsCall(), older.call());
@@ -464,12 +464,12 @@ void tst_ProcessorRecords::theOlderCallIsAskedWhereThereIsNoOther()
     QCOMPARE(read.messages, QStringList{QStringLiteral("Using GetLogicalProcessorInformation")});
 }
 
-void tst_ProcessorRecords::theLengthIsAskedForFirst_data()
+void TestProcessorRecords::theLengthIsAskedForFirst_data()
 {
     addCalls();
 }
 
-void tst_ProcessorRecords::theLengthIsAskedForFirst()
+void TestProcessorRecords::theLengthIsAskedForFirst()
 {
     QFETCH(bool, isExtended);
     const QByteArray records = isExtended ? package() + core(NoSmt) : fixedRecord(Core);
@@ -478,7 +478,7 @@ void tst_ProcessorRecords::theLengthIsAskedForFirst()
     QCOMPARE(fake.lengths, (QList<qint64>{-1, records.size()}));
 }
 
-void tst_ProcessorRecords::aFailedCallIsNamedWithItsError_data()
+void TestProcessorRecords::aFailedCallIsNamedWithItsError_data()
 {
     QTest::addColumn<bool>("isExtended");
     QTest::addColumn<quint32>("error");
@@ -494,7 +494,7 @@ void tst_ProcessorRecords::aFailedCallIsNamedWithItsError_data()
     row(false, 0, "GetLogicalProcessorInformation failed, error = 0");
 }
 
-void tst_ProcessorRecords::aFailedCallIsNamedWithItsError()
+void TestProcessorRecords::aFailedCallIsNamedWithItsError()
 {
     QFETCH(bool, isExtended);
     QFETCH(quint32, error);
@@ -507,13 +507,13 @@ void tst_ProcessorRecords::aFailedCallIsNamedWithItsError()
     QCOMPARE(failed.messages, messagesOf(isExtended, {message}));
 }
 
-void tst_ProcessorRecords::onlyWhatTheCallHasWrittenCounts_data()
+void TestProcessorRecords::onlyWhatTheCallHasWrittenCounts_data()
 {
     addCalls();
 }
 
 // The rest of the buffer is zeros, which would be cores to the older call.
-void tst_ProcessorRecords::onlyWhatTheCallHasWrittenCounts()
+void TestProcessorRecords::onlyWhatTheCallHasWrittenCounts()
 {
     QFETCH(bool, isExtended);
     const QByteArray records
@@ -526,12 +526,12 @@ void tst_ProcessorRecords::onlyWhatTheCallHasWrittenCounts()
     QCOMPARE(fake.lengths, (QList<qint64>{-1, records.size() + 320}));
 }
 
-void tst_ProcessorRecords::aCallWithoutRecordsCountsNothing_data()
+void TestProcessorRecords::aCallWithoutRecordsCountsNothing_data()
 {
     addCalls();
 }
 
-void tst_ProcessorRecords::aCallWithoutRecordsCountsNothing()
+void TestProcessorRecords::aCallWithoutRecordsCountsNothing()
 {
     QFETCH(bool, isExtended);
     FakeCall fake{QByteArray()};
@@ -542,7 +542,7 @@ void tst_ProcessorRecords::aCallWithoutRecordsCountsNothing()
     QCOMPARE(fake.lengths, (QList<qint64>{-1, 0}));
 }
 
-void tst_ProcessorRecords::moreThanABufferCanHoldIsAFailure()
+void TestProcessorRecords::moreThanABufferCanHoldIsAFailure()
 {
     FakeCall fake(package());
     fake.announced = 0x80000000U;
@@ -553,7 +553,7 @@ void tst_ProcessorRecords::moreThanABufferCanHoldIsAFailure()
     QCOMPARE(fake.lengths, QList<qint64>{-1});
 }
 
-void tst_ProcessorRecords::sysfsCoresOfOnePackage()
+void TestProcessorRecords::sysfsCoresOfOnePackage()
 {
     SysfsTree tree;
     tree.setOnline("0-3");
@@ -562,14 +562,14 @@ void tst_ProcessorRecords::sysfsCoresOfOnePackage()
     QCOMPARE(tree.count(), counts(1, 4, NoSmt));
 }
 
-void tst_ProcessorRecords::sysfsThreadsOfACoreAreOneCore_data()
+void TestProcessorRecords::sysfsThreadsOfACoreAreOneCore_data()
 {
     QTest::addColumn<bool>("neighbours");
     QTest::newRow("the threads of a core are neighbours") << true;
     QTest::newRow("the second threads follow all the first ones") << false;
 }
 
-void tst_ProcessorRecords::sysfsThreadsOfACoreAreOneCore()
+void TestProcessorRecords::sysfsThreadsOfACoreAreOneCore()
 {
     QFETCH(bool, neighbours);
     SysfsTree tree;
@@ -579,7 +579,7 @@ void tst_ProcessorRecords::sysfsThreadsOfACoreAreOneCore()
     QCOMPARE(tree.count(), counts(1, 4, Smt));
 }
 
-void tst_ProcessorRecords::sysfsCoreNumbersRepeatInEveryPackage()
+void TestProcessorRecords::sysfsCoreNumbersRepeatInEveryPackage()
 {
     SysfsTree tree;
     tree.setOnline("0-3");
@@ -588,7 +588,7 @@ void tst_ProcessorRecords::sysfsCoreNumbersRepeatInEveryPackage()
     QCOMPARE(tree.count(), counts(2, 4, NoSmt));
 }
 
-void tst_ProcessorRecords::sysfsCoreNumbersRepeatInEveryDie()
+void TestProcessorRecords::sysfsCoreNumbersRepeatInEveryDie()
 {
     SysfsTree tree;
     tree.setOnline("0-7");
@@ -597,7 +597,7 @@ void tst_ProcessorRecords::sysfsCoreNumbersRepeatInEveryDie()
     QCOMPARE(tree.count(), counts(1, 4, Smt));
 }
 
-void tst_ProcessorRecords::sysfsCoreNumbersMayHaveGaps()
+void TestProcessorRecords::sysfsCoreNumbersMayHaveGaps()
 {
     SysfsTree tree;
     tree.setOnline("0-2");
@@ -611,7 +611,7 @@ void tst_ProcessorRecords::sysfsCoreNumbersMayHaveGaps()
     QCOMPARE(dies.count(), counts(2, 2, NoSmt));
 }
 
-void tst_ProcessorRecords::sysfsOfflineProcessorsDoNotCount()
+void TestProcessorRecords::sysfsOfflineProcessorsDoNotCount()
 {
     SysfsTree tree;
     tree.setOnline("0,2-3,5");
@@ -623,7 +623,7 @@ void tst_ProcessorRecords::sysfsOfflineProcessorsDoNotCount()
     QCOMPARE(tree.count(), counts(1, 4, NoSmt));
 }
 
-void tst_ProcessorRecords::sysfsWithItsThreadsOfflineACoreHasNoSmt()
+void TestProcessorRecords::sysfsWithItsThreadsOfflineACoreHasNoSmt()
 {
     SysfsTree tree;
     tree.setOnline("0,2");
@@ -632,7 +632,7 @@ void tst_ProcessorRecords::sysfsWithItsThreadsOfflineACoreHasNoSmt()
     QCOMPARE(tree.count(), counts(1, 2, NoSmt));
 }
 
-void tst_ProcessorRecords::sysfsTheLastCoreDecidesOnSmt()
+void TestProcessorRecords::sysfsTheLastCoreDecidesOnSmt()
 {
     SysfsTree efficiencyLast;
     efficiencyLast.setOnline("0-5");
@@ -645,14 +645,14 @@ void tst_ProcessorRecords::sysfsTheLastCoreDecidesOnSmt()
     QCOMPARE(efficiencyFirst.count(), counts(1, 4, Smt));
 }
 
-void tst_ProcessorRecords::sysfsWithoutTopologyEveryProcessorIsACore()
+void TestProcessorRecords::sysfsWithoutTopologyEveryProcessorIsACore()
 {
     SysfsTree tree;
     tree.setOnline("0-3");
     QCOMPARE(tree.count(), counts(1, 4, NoSmt));
 }
 
-void tst_ProcessorRecords::sysfsUnknownNumbersAreNoNumbers()
+void TestProcessorRecords::sysfsUnknownNumbersAreNoNumbers()
 {
     SysfsTree tree;
     tree.setOnline("0-3");
@@ -661,7 +661,7 @@ void tst_ProcessorRecords::sysfsUnknownNumbersAreNoNumbers()
     QCOMPARE(tree.count(), counts(1, 4, NoSmt));
 }
 
-void tst_ProcessorRecords::sysfsUnknownCoresOfKnownPackages()
+void TestProcessorRecords::sysfsUnknownCoresOfKnownPackages()
 {
     SysfsTree tree;
     tree.setOnline("0-3");
@@ -670,7 +670,7 @@ void tst_ProcessorRecords::sysfsUnknownCoresOfKnownPackages()
     QCOMPARE(tree.count(), counts(2, 4, NoSmt));
 }
 
-void tst_ProcessorRecords::sysfsThatSaysNothingHasNoPackages_data()
+void TestProcessorRecords::sysfsThatSaysNothingHasNoPackages_data()
 {
     QTest::addColumn<QByteArray>("online");
     QTest::newRow("no list") << QByteArray();
@@ -684,7 +684,7 @@ void tst_ProcessorRecords::sysfsThatSaysNothingHasNoPackages_data()
     QTest::newRow("beyond all numbers") << QByteArray("99999999999999999999");
 }
 
-void tst_ProcessorRecords::sysfsThatSaysNothingHasNoPackages()
+void TestProcessorRecords::sysfsThatSaysNothingHasNoPackages()
 {
     QFETCH(QByteArray, online);
     SysfsTree tree;
@@ -695,7 +695,7 @@ void tst_ProcessorRecords::sysfsThatSaysNothingHasNoPackages()
     QCOMPARE(countSysfs(QStringLiteral("no such folder")), countsWithoutSmt(0, 0));
 }
 
-void tst_ProcessorRecords::sysfsListsOfAnyKindAreSafe_data()
+void TestProcessorRecords::sysfsListsOfAnyKindAreSafe_data()
 {
     QTest::addColumn<QByteArray>("online");
     QTest::addColumn<int>("cores");
@@ -705,7 +705,7 @@ void tst_ProcessorRecords::sysfsListsOfAnyKindAreSafe_data()
     QTest::newRow("more numbers than there are processors") << QByteArray("0-2147483647") << 65536;
 }
 
-void tst_ProcessorRecords::sysfsListsOfAnyKindAreSafe()
+void TestProcessorRecords::sysfsListsOfAnyKindAreSafe()
 {
     QFETCH(QByteArray, online);
     QFETCH(int, cores);
@@ -714,7 +714,7 @@ void tst_ProcessorRecords::sysfsListsOfAnyKindAreSafe()
     QCOMPARE(tree.count(), counts(1, cores, NoSmt));
 }
 
-void tst_ProcessorRecords::cpuinfoIsCounted_data()
+void TestProcessorRecords::cpuinfoIsCounted_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<ProcessorCounts>("expected");
@@ -731,7 +731,7 @@ void tst_ProcessorRecords::cpuinfoIsCounted_data()
         << QStringLiteral("arm-32-bit.txt") << counts(1, 2, NoSmt);
 }
 
-void tst_ProcessorRecords::cpuinfoIsCounted()
+void TestProcessorRecords::cpuinfoIsCounted()
 {
     QFETCH(QString, file);
     QFETCH(ProcessorCounts, expected);
@@ -740,7 +740,7 @@ void tst_ProcessorRecords::cpuinfoIsCounted()
     QCOMPARE(countCpuinfo(QString::fromLatin1(text)), expected);
 }
 
-void tst_ProcessorRecords::cpuinfoThatSaysNothingHasNoPackages_data()
+void TestProcessorRecords::cpuinfoThatSaysNothingHasNoPackages_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("empty") << QString();
@@ -749,13 +749,13 @@ void tst_ProcessorRecords::cpuinfoThatSaysNothingHasNoPackages_data()
     QTest::newRow("no lines at all") << QStringLiteral(":::::");
 }
 
-void tst_ProcessorRecords::cpuinfoThatSaysNothingHasNoPackages()
+void TestProcessorRecords::cpuinfoThatSaysNothingHasNoPackages()
 {
     QFETCH(QString, text);
     QCOMPARE(countCpuinfo(text), countsWithoutSmt(0, 0));
 }
 
-void tst_ProcessorRecords::thisMachineHasAProcessorAndACore()
+void TestProcessorRecords::thisMachineHasAProcessorAndACore()
 {
     const ProcessorQuery query = Vorn::Util::Platform::queryProcessors();
     QVERIFY(query.ok);
@@ -764,6 +764,6 @@ void tst_ProcessorRecords::thisMachineHasAProcessorAndACore()
     QCOMPARE(query.messages, QStringList());
 }
 
-QTEST_GUILESS_MAIN(tst_ProcessorRecords)
+QTEST_GUILESS_MAIN(TestProcessorRecords)
 
 #include "tst_processorrecords.moc"

@@ -34,7 +34,7 @@ ProcessorTime time(quint64 busy, quint64 total)
 
 } // namespace
 
-class tst_ProcText : public QObject
+class TestProcText : public QObject
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ private Q_SLOTS:
     void theMemoryIsReadInBytes();
 };
 
-void tst_ProcText::theProcessorTimeIsReadFromTheFirstLine_data()
+void TestProcText::theProcessorTimeIsReadFromTheFirstLine_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<quint64>("busy");
@@ -79,7 +79,7 @@ void tst_ProcText::theProcessorTimeIsReadFromTheFirstLine_data()
     QTest::newRow("a blank first") << " " + Stat << quint64(0) << quint64(0);
 }
 
-void tst_ProcText::theProcessorTimeIsReadFromTheFirstLine()
+void TestProcText::theProcessorTimeIsReadFromTheFirstLine()
 {
     QFETCH(QByteArray, text);
     QFETCH(quint64, busy);
@@ -89,21 +89,21 @@ void tst_ProcText::theProcessorTimeIsReadFromTheFirstLine()
     QCOMPARE(read.total, total);
 }
 
-void tst_ProcText::waitingForDisksIsIdle()
+void TestProcText::waitingForDisksIsIdle()
 {
     const ProcessorTime read = readProcessorTime("cpu  0 0 0 5 7 0 0 0 0 0\n");
     QCOMPARE(read.busy, quint64(0));
     QCOMPARE(read.total, quint64(12));
 }
 
-void tst_ProcText::guestsAreNotCountedTwice()
+void TestProcText::guestsAreNotCountedTwice()
 {
     const ProcessorTime read = readProcessorTime("cpu  9 9 1 1 0 0 0 0 9 9\n");
     QCOMPARE(read.busy, quint64(19));
     QCOMPARE(read.total, quint64(20));
 }
 
-void tst_ProcText::theLoadIsTheBusyShare_data()
+void TestProcText::theLoadIsTheBusyShare_data()
 {
     QTest::addColumn<quint64>("busyBefore");
     QTest::addColumn<quint64>("totalBefore");
@@ -130,7 +130,7 @@ void tst_ProcText::theLoadIsTheBusyShare_data()
         Q_UINT64_C(3) << 51, 50);
 }
 
-void tst_ProcText::theLoadIsTheBusyShare()
+void TestProcText::theLoadIsTheBusyShare()
 {
     QFETCH(quint64, busyBefore);
     QFETCH(quint64, totalBefore);
@@ -141,14 +141,14 @@ void tst_ProcText::theLoadIsTheBusyShare()
              static_cast<long>(load));
 }
 
-void tst_ProcText::theLoadOfTwoRecordedTexts()
+void TestProcText::theLoadOfTwoRecordedTexts()
 {
     const ProcessorTime before = readProcessorTime("cpu  100 10 50 800 20 1 2 3 40 0\n");
     const ProcessorTime after = readProcessorTime("cpu  130 10 60 850 25 1 4 6 50 0\n");
     QCOMPARE(loadBetween(before, after), 45L); // 45 of 100
 }
 
-void tst_ProcText::theLoadIsThatSinceTheSampleBefore_data()
+void TestProcText::theLoadIsThatSinceTheSampleBefore_data()
 {
     QTest::addColumn<QList<QByteArray>>("samples");
     QTest::addColumn<QList<long>>("loads");
@@ -182,7 +182,7 @@ void tst_ProcText::theLoadIsThatSinceTheSampleBefore_data()
         << Loads{50, -1, 50};
 }
 
-void tst_ProcText::theLoadIsThatSinceTheSampleBefore()
+void TestProcText::theLoadIsThatSinceTheSampleBefore()
 {
     QFETCH(QList<QByteArray>, samples);
     QFETCH(QList<long>, loads);
@@ -193,7 +193,7 @@ void tst_ProcText::theLoadIsThatSinceTheSampleBefore()
     QCOMPARE(measured, loads);
 }
 
-void tst_ProcText::theMemoryIsReadInBytes_data()
+void TestProcText::theMemoryIsReadInBytes_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("key");
@@ -236,7 +236,7 @@ void tst_ProcText::theMemoryIsReadInBytes_data()
         << QByteArray("MemAvailable: 99999999999999999999999 kB\n") << available << Q_INT64_C(-1);
 }
 
-void tst_ProcText::theMemoryIsReadInBytes()
+void TestProcText::theMemoryIsReadInBytes()
 {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, key);
@@ -244,6 +244,6 @@ void tst_ProcText::theMemoryIsReadInBytes()
     QCOMPARE(readMemoryBytes(text.constData(), key.constData()), bytes);
 }
 
-QTEST_GUILESS_MAIN(tst_ProcText)
+QTEST_GUILESS_MAIN(TestProcText)
 
 #include "tst_proctext.moc"

@@ -116,7 +116,7 @@ QString readServerProgram()
 
 } // namespace
 
-class tst_Registry : public QObject
+class TestRegistry : public QObject
 {
     Q_OBJECT
 
@@ -179,65 +179,65 @@ private:
     QTemporaryDir settings_;
 };
 
-void tst_Registry::initTestCase()
+void TestRegistry::initTestCase()
 {
     QVERIFY(settings_.isValid());
     QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, settings_.path());
 }
 
-void tst_Registry::init()
+void TestRegistry::init()
 {
     QVERIFY(writeSetting(productKey(), installationDirectory(), QStringLiteral("product")));
 }
 
-void tst_Registry::cleanup()
+void TestRegistry::cleanup()
 {
     for (const char *application : {"VORN", "VORN24.0", "Other"})
         QVERIFY(removeSettings(maker() + QLatin1Char('\\') + QString::fromLatin1(application)));
     qunsetenv("AllUsersProfile");
 }
 
-void tst_Registry::cleanupTestCase()
+void TestRegistry::cleanupTestCase()
 {
     if (onWindows())
         QVERIFY(removeSettings(maker()));
 }
 
-SystemOutcome tst_Registry::runCalls(const QStringList &calls) const
+SystemOutcome TestRegistry::runCalls(const QStringList &calls) const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_DIRS"), settings_.path());
     return runSystemCalls(helperProgram(), QStringLiteral("system"), calls, environment);
 }
 
-void tst_Registry::noNameDoesNothing()
+void TestRegistry::noNameDoesNothing()
 {
     ValueBuffer out;
     Registry::readRegistryValue(nullptr, out.data(), nullptr);
     QVERIFY(out.isUntouched());
 }
 
-void tst_Registry::noBufferDoesNothing()
+void TestRegistry::noBufferDoesNothing()
 {
     Registry::readRegistryValue(L"InstallationDirectory", nullptr, nullptr);
     Registry::readRegistryValue(nullptr, nullptr, nullptr);
 }
 
-void tst_Registry::theBufferIsEmptiedFirst()
+void TestRegistry::theBufferIsEmptiedFirst()
 {
     QCOMPARE(read(QStringLiteral("Missing")), QString());
     QCOMPARE(read(installationDirectory(), QStringLiteral("SOFTWARE\\Vantorel\\Missing\\1.0")),
              QString());
 }
 
-void tst_Registry::withoutAKeyPathTheProductsKeyIsRead()
+void TestRegistry::withoutAKeyPathTheProductsKeyIsRead()
 {
     QVERIFY(writeSetting(productKey(), QStringLiteral("AnalyzeDirectory"), QStringLiteral("D:/a")));
     QCOMPARE(read(installationDirectory()), QStringLiteral("product"));
     QCOMPARE(read(QStringLiteral("AnalyzeDirectory")), QStringLiteral("D:/a"));
 }
 
-void tst_Registry::theLastPartIsJoinedWithoutASeparator_data()
+void TestRegistry::theLastPartIsJoinedWithoutASeparator_data()
 {
     QTest::addColumn<QString>("keyPath");
 
@@ -247,7 +247,7 @@ void tst_Registry::theLastPartIsJoinedWithoutASeparator_data()
     QTest::newRow("at the end") << QStringLiteral("SOFTWARE\\Vantorel\\VORN24.0\\");
 }
 
-void tst_Registry::theLastPartIsJoinedWithoutASeparator()
+void TestRegistry::theLastPartIsJoinedWithoutASeparator()
 {
     QFETCH(QString, keyPath);
 
@@ -256,7 +256,7 @@ void tst_Registry::theLastPartIsJoinedWithoutASeparator()
     QCOMPARE(read(installationDirectory(), keyPath), QStringLiteral("joined"));
 }
 
-void tst_Registry::aKeyPathWithoutASeparatorIsTheWholeKey()
+void TestRegistry::aKeyPathWithoutASeparatorIsTheWholeKey()
 {
     const SystemOutcome outcome
         = runCalls({QStringLiteral("readRegistryValue=InstallationDirectory|VORNMissing")});
@@ -266,12 +266,12 @@ void tst_Registry::aKeyPathWithoutASeparatorIsTheWholeKey()
              qPrintable(outcome.printed.first()));
 }
 
-void tst_Registry::anEmptyKeyPathIsNotTheProductsKey()
+void TestRegistry::anEmptyKeyPathIsNotTheProductsKey()
 {
     QCOMPARE(read(installationDirectory(), QStringLiteral("")), QString());
 }
 
-void tst_Registry::theGreatestReleaseIsRead_data()
+void TestRegistry::theGreatestReleaseIsRead_data()
 {
     QTest::addColumn<QStringList>("releases");
     QTest::addColumn<QString>("expected");
@@ -284,7 +284,7 @@ void tst_Registry::theGreatestReleaseIsRead_data()
     QTest::newRow("of its own") << list("23.9 24.3 25.8 124.7") << QStringLiteral("24.3");
 }
 
-void tst_Registry::theGreatestReleaseIsRead()
+void TestRegistry::theGreatestReleaseIsRead()
 {
     QFETCH(QStringList, releases);
     QFETCH(QString, expected);
@@ -297,14 +297,14 @@ void tst_Registry::theGreatestReleaseIsRead()
              expected);
 }
 
-void tst_Registry::withoutAReleaseTheKeyOfThatNameIsRead()
+void TestRegistry::withoutAReleaseTheKeyOfThatNameIsRead()
 {
     const QString key = QStringLiteral("SOFTWARE\\Vantorel\\Other\\24.x");
     QVERIFY(writeSetting(key, QStringLiteral("Name"), QStringLiteral("by its name")));
     QCOMPARE(read(QStringLiteral("Name"), key), QStringLiteral("by its name"));
 }
 
-void tst_Registry::namesThatAreNoReleaseAreNeverRead()
+void TestRegistry::namesThatAreNoReleaseAreNeverRead()
 {
     const QString key = QStringLiteral("SOFTWARE\\Vantorel\\Other\\");
     for (const char *name : {"24.", "24.1a", "24", "24.a", "24.3.1", "24.99999999999"})
@@ -316,7 +316,7 @@ void tst_Registry::namesThatAreNoReleaseAreNeverRead()
     QCOMPARE(read(QStringLiteral("Name"), key + QStringLiteral("24.x")), QStringLiteral("24.0"));
 }
 
-void tst_Registry::aValueIsReadAsItStands_data()
+void TestRegistry::aValueIsReadAsItStands_data()
 {
     QTest::addColumn<QString>("value");
 
@@ -328,7 +328,7 @@ void tst_Registry::aValueIsReadAsItStands_data()
                                                   "e \xE6\x97\xA5 \xF0\x9F\x94\xA9");
 }
 
-void tst_Registry::aValueIsReadAsItStands()
+void TestRegistry::aValueIsReadAsItStands()
 {
     QFETCH(QString, value);
 
@@ -336,7 +336,7 @@ void tst_Registry::aValueIsReadAsItStands()
     QCOMPARE(read(installationDirectory()), value);
 }
 
-void tst_Registry::aNameNeverReachesIntoASubkey_data()
+void TestRegistry::aNameNeverReachesIntoASubkey_data()
 {
     QTest::addColumn<QString>("name");
 
@@ -346,7 +346,7 @@ void tst_Registry::aNameNeverReachesIntoASubkey_data()
     QTest::newRow("nothing but the subkey") << QStringLiteral("sub");
 }
 
-void tst_Registry::aNameNeverReachesIntoASubkey()
+void TestRegistry::aNameNeverReachesIntoASubkey()
 {
     QFETCH(QString, name);
 
@@ -359,7 +359,7 @@ void tst_Registry::aNameNeverReachesIntoASubkey()
 }
 
 // A list of texts is how a null gets into the registry.
-void tst_Registry::aValueEndsAtItsFirstNull()
+void TestRegistry::aValueEndsAtItsFirstNull()
 {
     const QStringList texts{QStringLiteral("before"), QStringLiteral("after")};
     QVERIFY(writeSetting(productKey(), installationDirectory(),
@@ -368,7 +368,7 @@ void tst_Registry::aValueEndsAtItsFirstNull()
 }
 
 // A list of texts is one text after the other with a null between them, or one line of a file.
-void tst_Registry::theTypeOfAValueIsNotChecked()
+void TestRegistry::theTypeOfAValueIsNotChecked()
 {
     QVERIFY(writeSetting(productKey(), installationDirectory(),
                          QStringList{QStringLiteral("one"), QStringLiteral("two")}));
@@ -376,7 +376,7 @@ void tst_Registry::theTypeOfAValueIsNotChecked()
              onWindows() ? QStringLiteral("one") : QStringLiteral("one, two"));
 }
 
-void tst_Registry::aValueThatDoesNotFitIsNotThere_data()
+void TestRegistry::aValueThatDoesNotFitIsNotThere_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<bool>("isThere");
@@ -387,7 +387,7 @@ void tst_Registry::aValueThatDoesNotFitIsNotThere_data()
     QTest::newRow("much more") << 5000 << false;
 }
 
-void tst_Registry::aValueThatDoesNotFitIsPrinted()
+void TestRegistry::aValueThatDoesNotFitIsPrinted()
 {
     QVERIFY(writeSetting(productKey(), installationDirectory(), QString(1024, QLatin1Char('x'))));
     const SystemOutcome outcome
@@ -398,7 +398,7 @@ void tst_Registry::aValueThatDoesNotFitIsPrinted()
              qPrintable(outcome.printed.first()));
 }
 
-void tst_Registry::aKeyPathThatDoesNotFitIsPrintedAsNotOpened()
+void TestRegistry::aKeyPathThatDoesNotFitIsPrintedAsNotOpened()
 {
     const QString longest(511, QLatin1Char('k'));
     const SystemOutcome outcome = runCalls({QStringLiteral("readRegistryValue=Name|") + longest,
@@ -414,7 +414,7 @@ void tst_Registry::aKeyPathThatDoesNotFitIsPrintedAsNotOpened()
     QVERIFY2(outcome.printed.last().startsWith(expected), qPrintable(outcome.printed.last()));
 }
 
-void tst_Registry::aValueThatDoesNotFitIsNotThere()
+void TestRegistry::aValueThatDoesNotFitIsNotThere()
 {
     QFETCH(int, size);
     QFETCH(bool, isThere);
@@ -424,7 +424,7 @@ void tst_Registry::aValueThatDoesNotFitIsNotThere()
     QCOMPARE(read(installationDirectory()), isThere ? value : QString());
 }
 
-void tst_Registry::aKeyPathDoesNotLeadAroundTheSettings_data()
+void TestRegistry::aKeyPathDoesNotLeadAroundTheSettings_data()
 {
     QTest::addColumn<QString>("keyPath");
 
@@ -435,7 +435,7 @@ void tst_Registry::aKeyPathDoesNotLeadAroundTheSettings_data()
     QTest::newRow("a part too few") << QStringLiteral("SOFTWARE\\\\Around\\24.0");
 }
 
-void tst_Registry::aKeyPathDoesNotLeadAroundTheSettings()
+void TestRegistry::aKeyPathDoesNotLeadAroundTheSettings()
 {
     QFETCH(QString, keyPath);
 
@@ -454,7 +454,7 @@ void tst_Registry::aKeyPathDoesNotLeadAroundTheSettings()
     QCOMPARE(outcome.printed.size(), 1);
 }
 
-void tst_Registry::everyFolderOfTheSettingsIsSearched()
+void TestRegistry::everyFolderOfTheSettingsIsSearched()
 {
     if (onWindows())
         QSKIP("The registry is one store; only settings files lie in several folders.");
@@ -469,7 +469,7 @@ void tst_Registry::everyFolderOfTheSettingsIsSearched()
 }
 
 // 2 is the code of what cannot be found on either system. The message is the system's own.
-void tst_Registry::aMissingKeyIsPrinted()
+void TestRegistry::aMissingKeyIsPrinted()
 {
     QVERIFY(removeSettings(maker() + QStringLiteral("\\VORN")));
     const SystemOutcome outcome
@@ -485,7 +485,7 @@ void tst_Registry::aMissingKeyIsPrinted()
     QVERIFY(outcome.printed.first().size() > missing.size());
 }
 
-void tst_Registry::aMissingReleaseIsPrintedUnderItsOwnName()
+void TestRegistry::aMissingReleaseIsPrintedUnderItsOwnName()
 {
     QVERIFY(writeSetting(QStringLiteral("SOFTWARE\\Vantorel\\Other\\23.0"), QStringLiteral("Name"),
                          QStringLiteral("other")));
@@ -498,7 +498,7 @@ void tst_Registry::aMissingReleaseIsPrintedUnderItsOwnName()
              qPrintable(outcome.printed.first()));
 }
 
-void tst_Registry::aMissingValueIsPrinted()
+void TestRegistry::aMissingValueIsPrinted()
 {
     const SystemOutcome outcome = runCalls({QStringLiteral("readRegistryValue=Missing")});
     QCOMPARE(outcome.results, QStringList{QString()});
@@ -508,7 +508,7 @@ void tst_Registry::aMissingValueIsPrinted()
     QVERIFY(outcome.printed.first().size() > missing.size());
 }
 
-void tst_Registry::aValueThatIsReadPrintsNothing()
+void TestRegistry::aValueThatIsReadPrintsNothing()
 {
     QVERIFY(writeSetting(productKey(), QStringLiteral("Empty"), QStringLiteral("")));
     const SystemOutcome outcome
@@ -518,7 +518,7 @@ void tst_Registry::aValueThatIsReadPrintsNothing()
     QCOMPARE(outcome.printed, QStringList());
 }
 
-void tst_Registry::linesArePrintedAfterWideText()
+void TestRegistry::linesArePrintedAfterWideText()
 {
     const SystemOutcome outcome
         = runCalls({QStringLiteral("printWide=wide"), QStringLiteral("readRegistryValue=Missing"),
@@ -529,7 +529,7 @@ void tst_Registry::linesArePrintedAfterWideText()
     QCOMPARE(outcome.printed.at(2), QStringLiteral("wide again"));
 }
 
-void tst_Registry::theInstallationFolderIsRead()
+void TestRegistry::theInstallationFolderIsRead()
 {
     ValueBuffer wide;
     QVERIFY(Registry::readProductInstallationFolder(wide.data(), nullptr));
@@ -539,7 +539,7 @@ void tst_Registry::theInstallationFolderIsRead()
     QCOMPARE(narrow.text(), QStringLiteral("product"));
 }
 
-void tst_Registry::theInstallationFolderOfAnotherKeyIsRead()
+void TestRegistry::theInstallationFolderOfAnotherKeyIsRead()
 {
     QVERIFY(writeSetting(QStringLiteral("SOFTWARE\\Vantorel\\Other\\24.7"), installationDirectory(),
                          QStringLiteral("other")));
@@ -552,7 +552,7 @@ void tst_Registry::theInstallationFolderOfAnotherKeyIsRead()
     QCOMPARE(narrow.text(), QStringLiteral("other"));
 }
 
-void tst_Registry::aMissingInstallationFolderIsFalseAndEmpty()
+void TestRegistry::aMissingInstallationFolderIsFalseAndEmpty()
 {
     const wchar_t *key = L"SOFTWARE\\Vantorel\\Missing\\24.0";
     ValueBuffer wide;
@@ -563,7 +563,7 @@ void tst_Registry::aMissingInstallationFolderIsFalseAndEmpty()
     QCOMPARE(narrow.text(), QString());
 }
 
-void tst_Registry::anEmptyInstallationFolderIsFalse()
+void TestRegistry::anEmptyInstallationFolderIsFalse()
 {
     QVERIFY(writeSetting(productKey(), installationDirectory(), QStringLiteral("")));
     ValueBuffer wide;
@@ -574,7 +574,7 @@ void tst_Registry::anEmptyInstallationFolderIsFalse()
     QCOMPARE(narrow.text(), QString());
 }
 
-void tst_Registry::theNarrowInstallationFolderIsLatin1()
+void TestRegistry::theNarrowInstallationFolderIsLatin1()
 {
     const QString folder = QString::fromUtf8("C:\\Gr\xC3\xB6\xC3\x9F"
                                              "e \xE2\x82\xAC");
@@ -587,7 +587,7 @@ void tst_Registry::theNarrowInstallationFolderIsLatin1()
     QVERIFY(narrow.isIntact());
 }
 
-void tst_Registry::aNarrowInstallationFolderThatDoesNotFitIsFalse()
+void TestRegistry::aNarrowInstallationFolderThatDoesNotFitIsFalse()
 {
     const QString longest(NarrowSize - 1, QLatin1Char('x'));
     QVERIFY(writeSetting(productKey(), installationDirectory(), longest));
@@ -605,13 +605,13 @@ void tst_Registry::aNarrowInstallationFolderThatDoesNotFitIsFalse()
     QVERIFY(Registry::readProductInstallationFolder(wide.data(), nullptr));
 }
 
-void tst_Registry::noBufferForTheInstallationFolderIsFalse()
+void TestRegistry::noBufferForTheInstallationFolderIsFalse()
 {
     QVERIFY(!Registry::readProductInstallationFolder(static_cast<wchar_t *>(nullptr), nullptr));
     QVERIFY(!Registry::readProductInstallationFolder(static_cast<char *>(nullptr), nullptr));
 }
 
-void tst_Registry::theTranslatorsLieBelowTheDataOfAllUsers()
+void TestRegistry::theTranslatorsLieBelowTheDataOfAllUsers()
 {
     const QString base = QDir::toNativeSeparators(QStringLiteral("/Pro gram/Data"));
     qputenv("AllUsersProfile", base.toLatin1());
@@ -622,7 +622,7 @@ void tst_Registry::theTranslatorsLieBelowTheDataOfAllUsers()
                          base));
 }
 
-void tst_Registry::withoutTheVariableTheFoldersBeginWithASeparator()
+void TestRegistry::withoutTheVariableTheFoldersBeginWithASeparator()
 {
     qunsetenv("AllUsersProfile");
     QCOMPARE(readTranslatorsFolder(), translators({}, QString()));
@@ -632,7 +632,7 @@ void tst_Registry::withoutTheVariableTheFoldersBeginWithASeparator()
                          QString()));
 }
 
-void tst_Registry::theServerProgramHasNativeSeparators()
+void TestRegistry::theServerProgramHasNativeSeparators()
 {
     const QString base = QStringLiteral("C:/Data");
     qputenv("AllUsersProfile", base.toLatin1());
@@ -642,7 +642,7 @@ void tst_Registry::theServerProgramHasNativeSeparators()
                  {QStringLiteral("VORN_HLXServer"), QStringLiteral("VORN_HLXServer.exe")}, base)));
 }
 
-void tst_Registry::aFolderThatDoesNotFitIsEmpty_data()
+void TestRegistry::aFolderThatDoesNotFitIsEmpty_data()
 {
     QTest::addColumn<int>("baseSize");
 
@@ -659,7 +659,7 @@ void tst_Registry::aFolderThatDoesNotFitIsEmpty_data()
     QTest::newRow("the variable is much too long") << 3000;
 }
 
-void tst_Registry::aFolderThatDoesNotFitIsEmpty()
+void TestRegistry::aFolderThatDoesNotFitIsEmpty()
 {
     QFETCH(int, baseSize);
 
@@ -676,13 +676,13 @@ void tst_Registry::aFolderThatDoesNotFitIsEmpty()
              fitting({QStringLiteral("VORN_HLXServer"), QStringLiteral("VORN_HLXServer.exe")}));
 }
 
-void tst_Registry::noBufferForAFolderDoesNothing()
+void TestRegistry::noBufferForAFolderDoesNothing()
 {
     Registry::readOrlithTranslatorsFolder(nullptr);
     Registry::readOrlith_HLXServerFolder(nullptr);
     Registry::getOrlith_HLXServer_exe(nullptr);
 }
 
-QTEST_GUILESS_MAIN(tst_Registry)
+QTEST_GUILESS_MAIN(TestRegistry)
 
 #include "tst_registry.moc"

@@ -13,7 +13,7 @@ QStringList words(const char *text)
 
 } // namespace
 
-class tst_RegistryKey : public QObject
+class TestRegistryKey : public QObject
 {
     Q_OBJECT
 
@@ -25,7 +25,7 @@ private Q_SLOTS:
     void keyPath();
 };
 
-void tst_RegistryKey::greatestRelease_data()
+void TestRegistryKey::greatestRelease_data()
 {
     QTest::addColumn<QString>("release");
     QTest::addColumn<QStringList>("names");
@@ -72,7 +72,7 @@ void tst_RegistryKey::greatestRelease_data()
                                   << QStringList{QString::fromUtf8("24.\xD9\xA5")} << QString();
 }
 
-void tst_RegistryKey::greatestRelease()
+void TestRegistryKey::greatestRelease()
 {
     QFETCH(QString, release);
     QFETCH(QStringList, names);
@@ -81,14 +81,14 @@ void tst_RegistryKey::greatestRelease()
     QCOMPARE(Vorn::Util::Formats::greatestRelease(release, names), expected);
 }
 
-void tst_RegistryKey::withoutAMatchTheReleaseIsNull()
+void TestRegistryKey::withoutAMatchTheReleaseIsNull()
 {
     QVERIFY(Vorn::Util::Formats::greatestRelease(QStringLiteral("24.x"), {}).isNull());
     QVERIFY(
         Vorn::Util::Formats::greatestRelease(QStringLiteral("24.x"), words("24. 23.1")).isNull());
 }
 
-void tst_RegistryKey::keyPath_data()
+void TestRegistryKey::keyPath_data()
 {
     QTest::addColumn<QString>("keyPath");
     QTest::addColumn<QString>("expected");
@@ -122,7 +122,7 @@ void tst_RegistryKey::keyPath_data()
     row("23.x", "\\23.x", {QString()});
 }
 
-void tst_RegistryKey::keyPath()
+void TestRegistryKey::keyPath()
 {
     QFETCH(QString, keyPath);
     QFETCH(QString, expected);
@@ -137,6 +137,6 @@ void tst_RegistryKey::keyPath()
     QCOMPARE(asks, asked);
 }
 
-QTEST_GUILESS_MAIN(tst_RegistryKey)
+QTEST_GUILESS_MAIN(TestRegistryKey)
 
 #include "tst_registrykey.moc"

@@ -16,7 +16,7 @@ using namespace Vorn::Util::Formats;
 
 using Texts = QMap<QString, QString>;
 
-class tst_SettingsText : public QObject
+class TestSettingsText : public QObject
 {
     Q_OBJECT
 
@@ -46,18 +46,18 @@ private:
     std::unique_ptr<TestFolder> folder_;
 };
 
-void tst_SettingsText::init()
+void TestSettingsText::init()
 {
     folder_ = std::make_unique<TestFolder>();
     QVERIFY(folder_->isValid());
 }
 
-void tst_SettingsText::cleanup()
+void TestSettingsText::cleanup()
 {
     folder_.reset();
 }
 
-Texts tst_SettingsText::readByQt(const QByteArray &content) const
+Texts TestSettingsText::readByQt(const QByteArray &content) const
 {
     // A name that no object has seen: Qt keeps what it has read from a file.
     static int number = 0;
@@ -72,7 +72,7 @@ Texts tst_SettingsText::readByQt(const QByteArray &content) const
     return texts;
 }
 
-void tst_SettingsText::aValueIsOneText_data()
+void TestSettingsText::aValueIsOneText_data()
 {
     QTest::addColumn<QByteArray>("written");
     QTest::addColumn<QString>("text");
@@ -92,7 +92,7 @@ void tst_SettingsText::aValueIsOneText_data()
     row("@Size(1 2)", "@Size(1 2)");
 }
 
-void tst_SettingsText::aValueIsOneText()
+void TestSettingsText::aValueIsOneText()
 {
     QFETCH(QByteArray, written);
     QFETCH(QString, text);
@@ -102,7 +102,7 @@ void tst_SettingsText::aValueIsOneText()
                     {QStringLiteral("24.0/Next"), QStringLiteral("x")}}));
 }
 
-void tst_SettingsText::aValueIsReadAsByQt_data()
+void TestSettingsText::aValueIsReadAsByQt_data()
 {
     QTest::addColumn<QByteArray>("written");
     QTest::addColumn<QString>("text");
@@ -143,7 +143,7 @@ void tst_SettingsText::aValueIsReadAsByQt_data()
     row("@String(", "@String(");
 }
 
-void tst_SettingsText::aValueIsReadAsByQt()
+void TestSettingsText::aValueIsReadAsByQt()
 {
     QFETCH(QByteArray, written);
     QFETCH(QString, text);
@@ -157,7 +157,7 @@ void tst_SettingsText::aValueIsReadAsByQt()
 }
 
 // Qt reads the bytes of a name as Latin-1, whatever the codec.
-void tst_SettingsText::namesAreReadAsUtf8()
+void TestSettingsText::namesAreReadAsUtf8()
 {
     const QByteArray content = "[Gr\xC3\xB6\xC3\x9F"
                                "e]\nN\xC3\xA4me=x\n";
@@ -167,7 +167,7 @@ void tst_SettingsText::namesAreReadAsUtf8()
     QCOMPARE(readByQt(content), (Texts{{QString::fromLatin1(key), QStringLiteral("x")}}));
 }
 
-void tst_SettingsText::theFormIsThatOfQt_data()
+void TestSettingsText::theFormIsThatOfQt_data()
 {
     QTest::addColumn<QByteArray>("content");
 
@@ -192,14 +192,14 @@ void tst_SettingsText::theFormIsThatOfQt_data()
     row("\xEF\xBB\xBF[24.0]\nName=a\n");
 }
 
-void tst_SettingsText::theFormIsThatOfQt()
+void TestSettingsText::theFormIsThatOfQt()
 {
     QFETCH(QByteArray, content);
 
     QCOMPARE(settingsTexts(content), readByQt(content));
 }
 
-void tst_SettingsText::whatQtWritesIsRead_data()
+void TestSettingsText::whatQtWritesIsRead_data()
 {
     QTest::addColumn<QString>("text");
 
@@ -220,7 +220,7 @@ void tst_SettingsText::whatQtWritesIsRead_data()
                                                           "a\x7f");
 }
 
-void tst_SettingsText::whatQtWritesIsRead()
+void TestSettingsText::whatQtWritesIsRead()
 {
     QFETCH(QString, text);
 
@@ -241,12 +241,12 @@ void tst_SettingsText::whatQtWritesIsRead()
     }
 }
 
-void tst_SettingsText::whatIsWrittenIsRead_data()
+void TestSettingsText::whatIsWrittenIsRead_data()
 {
     whatQtWritesIsRead_data();
 }
 
-void tst_SettingsText::whatIsWrittenIsRead()
+void TestSettingsText::whatIsWrittenIsRead()
 {
     QFETCH(QString, text);
 
@@ -259,7 +259,7 @@ void tst_SettingsText::whatIsWrittenIsRead()
                         [](char c) { return c == '\n' || (c >= ' ' && c < 127); }));
 }
 
-void tst_SettingsText::onlyTheValueIsChanged_data()
+void TestSettingsText::onlyTheValueIsChanged_data()
 {
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QByteArray>("after");
@@ -281,7 +281,7 @@ void tst_SettingsText::onlyTheValueIsChanged_data()
     row("several lines", "[24.0]\nName=\"a\nb\"\nOther=b\n", "[24.0]\nName=new\nOther=b\n");
 }
 
-void tst_SettingsText::onlyTheValueIsChanged()
+void TestSettingsText::onlyTheValueIsChanged()
 {
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);
@@ -292,7 +292,7 @@ void tst_SettingsText::onlyTheValueIsChanged()
 }
 
 // Linear in the length of the text, whatever it holds.
-void tst_SettingsText::aLongTextIsReadInTime()
+void TestSettingsText::aLongTextIsReadInTime()
 {
     for (const char *part :
          {"a=b\n", "[a]\n", ";\n", "\\\n", "\"", "\\x1", "a=\\\"", ",", "%U", "["}) {
@@ -306,6 +306,6 @@ void tst_SettingsText::aLongTextIsReadInTime()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_SettingsText)
+QTEST_GUILESS_MAIN(TestSettingsText)
 
 #include "tst_settingstext.moc"

@@ -38,7 +38,7 @@ QString helperFolder()
 } // namespace
 
 // What the class keeps is worked out in a fresh process for each state.
-class tst_System : public QObject
+class TestSystem : public QObject
 {
     Q_OBJECT
 
@@ -109,7 +109,7 @@ private:
     int functions_ = 0;
 };
 
-SystemOutcome tst_System::run(const QStringList &calls,
+SystemOutcome TestSystem::run(const QStringList &calls,
                               const QMap<QString, QString> &variables) const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -122,7 +122,7 @@ SystemOutcome tst_System::run(const QStringList &calls,
     return runSystemCalls(helperProgram(), QStringLiteral("system"), calls, environment);
 }
 
-void tst_System::initTestCase()
+void TestSystem::initTestCase()
 {
     QVERIFY(folder_.isValid());
     QVERIFY(settings_.isValid());
@@ -130,7 +130,7 @@ void tst_System::initTestCase()
     start_ = QDir::currentPath();
 }
 
-void tst_System::init()
+void TestSystem::init()
 {
     const QString name = folder_.filePath(QString::number(++functions_));
     QVERIFY(QDir().mkdir(name));
@@ -138,7 +138,7 @@ void tst_System::init()
     here_ = QDir::currentPath();
 }
 
-void tst_System::cleanup()
+void TestSystem::cleanup()
 {
     QVERIFY(removeSettings(QStringLiteral("SOFTWARE\\Vantorel\\VORN")));
     if (onWindows())
@@ -146,7 +146,7 @@ void tst_System::cleanup()
     QVERIFY(QDir::setCurrent(start_));
 }
 
-void tst_System::allUsersDataPath()
+void TestSystem::allUsersDataPath()
 {
     const SystemOutcome outcome
         = run({QStringLiteral("getAllUsersDataPath"), QStringLiteral("getAllUsersDataPath")});
@@ -158,7 +158,7 @@ void tst_System::allUsersDataPath()
     QCOMPARE(outcome.messages, QStringList());
 }
 
-void tst_System::programDataPath()
+void TestSystem::programDataPath()
 {
     const QString path = run({QStringLiteral("getProgramDataPath=Any Name")}).results.value(0);
     QString root = qEnvironmentVariable("ProgramData");
@@ -171,7 +171,7 @@ void tst_System::programDataPath()
     QCOMPARE(path, native(root + QStringLiteral("/Vantorel/Any Name")));
 }
 
-void tst_System::programDataPathIsKeptForEveryPartOfIt()
+void TestSystem::programDataPathIsKeptForEveryPartOfIt()
 {
     const QStringList results
         = run({QStringLiteral("getProgramDataPath=VORN 2024"),
@@ -184,7 +184,7 @@ void tst_System::programDataPathIsKeptForEveryPartOfIt()
         QCOMPARE(result, results.first());
 }
 
-void tst_System::programDataPathOfAnotherNameReplacesTheOneKept()
+void TestSystem::programDataPathOfAnotherNameReplacesTheOneKept()
 {
     const QStringList results = run({QStringLiteral("getProgramDataPath=VORN 2024"),
                                      QStringLiteral("getProgramDataPath=vorn"),
@@ -203,7 +203,7 @@ void tst_System::programDataPathOfAnotherNameReplacesTheOneKept()
                           root + QStringLiteral("VORN 2024")}));
 }
 
-void tst_System::programDataPathIsNotCreated()
+void TestSystem::programDataPathIsNotCreated()
 {
     const QString path
         = run({QStringLiteral("getProgramDataPath=tst_system never made")}).results.value(0);
@@ -211,7 +211,7 @@ void tst_System::programDataPathIsNotCreated()
     QVERIFY(!QFileInfo::exists(path));
 }
 
-void tst_System::userDataPath()
+void TestSystem::userDataPath()
 {
     const QString root = onWindows() ? QDir::homePath() + QStringLiteral("/AppData/Local")
                                      : path(QStringLiteral("data home"));
@@ -226,7 +226,7 @@ void tst_System::userDataPath()
     }
 }
 
-void tst_System::userDataPathIsKeptAndNotCreated()
+void TestSystem::userDataPathIsKeptAndNotCreated()
 {
     const QStringList results = run({QStringLiteral("getUserDataPath"),
                                      QStringLiteral("setVariable=XDG_DATA_HOME=/other"),
@@ -237,7 +237,7 @@ void tst_System::userDataPathIsKeptAndNotCreated()
     QVERIFY(!QFileInfo::exists(path(QStringLiteral("data home"))));
 }
 
-void tst_System::publicDocumentsLieInTheFolderOfTheVariable()
+void TestSystem::publicDocumentsLieInTheFolderOfTheVariable()
 {
     const QString expected = withProductFolder(path(QStringLiteral("public/Documents")));
     const SystemOutcome outcome = run({QStringLiteral("getPublicDocumentsDirPath")});
@@ -246,7 +246,7 @@ void tst_System::publicDocumentsLieInTheFolderOfTheVariable()
     QVERIFY(QFileInfo(expected).isDir());
 }
 
-void tst_System::publicDocumentsAreCreatedByTheFirstCallOnly()
+void TestSystem::publicDocumentsAreCreatedByTheFirstCallOnly()
 {
     const QString expected = withProductFolder(path(QStringLiteral("public/Documents")));
     const QStringList results = run({QStringLiteral("getPublicDocumentsDirPath"),
@@ -258,7 +258,7 @@ void tst_System::publicDocumentsAreCreatedByTheFirstCallOnly()
     QVERIFY(!QFileInfo::exists(expected));
 }
 
-void tst_System::publicDocumentsThatCannotBeCreatedAreTold()
+void TestSystem::publicDocumentsThatCannotBeCreatedAreTold()
 {
     QVERIFY(writeFile(path(QStringLiteral("public")), QByteArray()));
     const QString expected = withProductFolder(path(QStringLiteral("public/Documents")));
@@ -269,7 +269,7 @@ void tst_System::publicDocumentsThatCannotBeCreatedAreTold()
              QStringList{debugMessage("Serious: Unable to create the folder: ", expected)});
 }
 
-void tst_System::tutorialsLieInThePublicDocuments()
+void TestSystem::tutorialsLieInThePublicDocuments()
 {
     const QString documents = withProductFolder(path(QStringLiteral("public/Documents")));
     const QString expected = native(documents + QStringLiteral("/Tutorials"));
@@ -279,7 +279,7 @@ void tst_System::tutorialsLieInThePublicDocuments()
     QVERIFY(QFileInfo(expected).isDir());
 }
 
-void tst_System::tutorialsAreCreatedByTheFirstCallOnly()
+void TestSystem::tutorialsAreCreatedByTheFirstCallOnly()
 {
     const QString expected = withProductFolder(path(QStringLiteral("public/Documents")))
         + native(QStringLiteral("/Tutorials"));
@@ -291,7 +291,7 @@ void tst_System::tutorialsAreCreatedByTheFirstCallOnly()
     QVERIFY(!QFileInfo::exists(expected));
 }
 
-void tst_System::tutorialsThatCannotBeCreatedAreTold()
+void TestSystem::tutorialsThatCannotBeCreatedAreTold()
 {
     const QString documents = withProductFolder(path(QStringLiteral("public/Documents")));
     const QString expected = native(documents + QStringLiteral("/Tutorials"));
@@ -304,7 +304,7 @@ void tst_System::tutorialsThatCannotBeCreatedAreTold()
              QStringList{debugMessage("Serious: Unable to create the folder: ", expected)});
 }
 
-void tst_System::temporaryFolderIsTheSystems()
+void TestSystem::temporaryFolderIsTheSystems()
 {
     const QString folder = path(QStringLiteral("temporary files"));
     QVERIFY(QDir().mkdir(folder));
@@ -316,7 +316,7 @@ void tst_System::temporaryFolderIsTheSystems()
     QCOMPARE(run({QStringLiteral("getTempDirPath")}).results, QStringList{QDir::tempPath()});
 }
 
-void tst_System::temporaryFolderIsKept()
+void TestSystem::temporaryFolderIsKept()
 {
     QStringList calls{QStringLiteral("getTempDirPath")};
     for (const char *name : {"TMPDIR", "TEMP", "TMP"})
@@ -325,7 +325,7 @@ void tst_System::temporaryFolderIsKept()
     QCOMPARE(run(calls).results, (QStringList{QDir::tempPath(), QDir::tempPath()}));
 }
 
-void tst_System::temporaryFolderIsNeverOutsideAscii()
+void TestSystem::temporaryFolderIsNeverOutsideAscii()
 {
     const QString folder = path(QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
                                                   "e"));
@@ -344,7 +344,7 @@ void tst_System::temporaryFolderIsNeverOutsideAscii()
     QCOMPARE(results.at(3), results.at(0));
 }
 
-void tst_System::temporaryFileNameHasTheSuffix_data()
+void TestSystem::temporaryFileNameHasTheSuffix_data()
 {
     QTest::addColumn<QString>("fileName");
     QTest::addColumn<QString>("suffix");
@@ -364,7 +364,7 @@ void tst_System::temporaryFileNameHasTheSuffix_data()
     row("", ".");
 }
 
-void tst_System::temporaryFileNameHasTheSuffix()
+void TestSystem::temporaryFileNameHasTheSuffix()
 {
     QFETCH(QString, fileName);
     QFETCH(QString, suffix);
@@ -378,7 +378,7 @@ void tst_System::temporaryFileNameHasTheSuffix()
     QVERIFY2(!name.chopped(suffix.size()).endsWith(QLatin1Char('.')), qPrintable(name));
 }
 
-void tst_System::temporaryFileNamesDiffer()
+void TestSystem::temporaryFileNamesDiffer()
 {
     QSet<QString> names;
     for (int count = 0; count < 100; ++count)
@@ -386,7 +386,7 @@ void tst_System::temporaryFileNamesDiffer()
     QCOMPARE(names.size(), 100);
 }
 
-void tst_System::temporaryFileIsNotCreated()
+void TestSystem::temporaryFileIsNotCreated()
 {
     const QString name = System::getTempFileName(QStringLiteral("results.xyz"));
     QVERIFY(!name.isEmpty());
@@ -394,12 +394,12 @@ void tst_System::temporaryFileIsNotCreated()
         QVERIFY(!QFileInfo::exists(QDir(folder).filePath(name)));
 }
 
-void tst_System::workingFolderIsTheCurrentFolderAtFirst()
+void TestSystem::workingFolderIsTheCurrentFolderAtFirst()
 {
     QCOMPARE(run({QStringLiteral("getWorkingDirPath")}).results, QStringList{here_});
 }
 
-void tst_System::workingFolderIsStoredAsGiven_data()
+void TestSystem::workingFolderIsStoredAsGiven_data()
 {
     QTest::addColumn<QString>("path");
 
@@ -409,7 +409,7 @@ void tst_System::workingFolderIsStoredAsGiven_data()
     QTest::newRow("separators") << QStringLiteral("/no\\such//folder/");
 }
 
-void tst_System::workingFolderIsStoredAsGiven()
+void TestSystem::workingFolderIsStoredAsGiven()
 {
     QFETCH(QString, path);
 
@@ -417,7 +417,7 @@ void tst_System::workingFolderIsStoredAsGiven()
     QCOMPARE(System::getWorkingDirPath(), path);
 }
 
-void tst_System::workingFolderOfAFileIsItsFolder()
+void TestSystem::workingFolderOfAFileIsItsFolder()
 {
     const QString file = path(QStringLiteral("a file.dat"));
     QVERIFY(writeFile(file, QByteArray()));
@@ -428,7 +428,7 @@ void tst_System::workingFolderOfAFileIsItsFolder()
     QCOMPARE(System::getWorkingDirPath(), here_);
 }
 
-void tst_System::workingFolderOfARelativeFileIsAbsolute()
+void TestSystem::workingFolderOfARelativeFileIsAbsolute()
 {
     QVERIFY(writeFile(path(QStringLiteral("a file.dat")), QByteArray()));
     QTest::ignoreMessage(QtDebugMsg,
@@ -437,7 +437,7 @@ void tst_System::workingFolderOfARelativeFileIsAbsolute()
     QCOMPARE(System::getWorkingDirPath(), here_);
 }
 
-void tst_System::workingFolderOfAFileInALinkedFolderIsTheLink()
+void TestSystem::workingFolderOfAFileInALinkedFolderIsTheLink()
 {
     if (onWindows())
         QSKIP("A link to a folder is a file here.");
@@ -453,7 +453,7 @@ void tst_System::workingFolderOfAFileInALinkedFolderIsTheLink()
     QCOMPARE(System::getWorkingDirPath(), link);
 }
 
-void tst_System::settingTheWorkingFolderKeepsTheCurrentOne()
+void TestSystem::settingTheWorkingFolderKeepsTheCurrentOne()
 {
     System::setWorkingDirPath(QDir::rootPath());
     QCOMPARE(QDir::currentPath(), here_);
@@ -463,7 +463,7 @@ void tst_System::settingTheWorkingFolderKeepsTheCurrentOne()
     QCOMPARE(System::getWorkingDirPath(), here_);
 }
 
-void tst_System::analysisFolderIsReadUntilItIsThere()
+void TestSystem::analysisFolderIsReadUntilItIsThere()
 {
     const QString name = QStringLiteral("AnalyzeDirectory");
     QCOMPARE(System::getAnalyzeDirPath(), QString());
@@ -473,7 +473,7 @@ void tst_System::analysisFolderIsReadUntilItIsThere()
     QCOMPARE(System::getAnalyzeDirPath(), native(QStringLiteral("D:/analysis/1/")));
 }
 
-void tst_System::installationFolderOfTheSettings_data()
+void TestSystem::installationFolderOfTheSettings_data()
 {
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("expected");
@@ -485,7 +485,7 @@ void tst_System::installationFolderOfTheSettings_data()
     QTest::newRow("with two") << folder + QStringLiteral("//") << folder + QStringLiteral("/");
 }
 
-void tst_System::installationFolderOfTheSettings()
+void TestSystem::installationFolderOfTheSettings()
 {
     QFETCH(QString, value);
     QFETCH(QString, expected);
@@ -499,7 +499,7 @@ void tst_System::installationFolderOfTheSettings()
     }
 }
 
-void tst_System::installationFolderOfTheVariable()
+void TestSystem::installationFolderOfTheVariable()
 {
     const SystemOutcome outcome = run({QStringLiteral("getProgramFilesPathFromRegistry=false")},
                                       {{QStringLiteral("TAVELINE2024DIR"),
@@ -511,7 +511,7 @@ void tst_System::installationFolderOfTheVariable()
     QCOMPARE(outcome.printed.size(), 1); // that there is no setting
 }
 
-void tst_System::installationFolderOfTheVariableOnlyWhenWanted()
+void TestSystem::installationFolderOfTheVariableOnlyWhenWanted()
 {
     const QMap<QString, QString> variables{
         {QStringLiteral("TAVELINE2024DIR"), QStringLiteral("D:/variable")}};
@@ -527,7 +527,7 @@ void tst_System::installationFolderOfTheVariableOnlyWhenWanted()
                           native(QStringLiteral("D:/variable"))}));
 }
 
-void tst_System::installationFolderOfTheSettingsGoesFirst()
+void TestSystem::installationFolderOfTheSettingsGoesFirst()
 {
     QVERIFY(writeSetting(productKey(), QStringLiteral("InstallationDirectory"),
                          QStringLiteral("D:/setting")));
@@ -537,7 +537,7 @@ void tst_System::installationFolderOfTheSettingsGoesFirst()
              QStringList{native(QStringLiteral("D:/setting"))});
 }
 
-void tst_System::installationFolderIsKept()
+void TestSystem::installationFolderIsKept()
 {
     QCOMPARE(run({QStringLiteral("setVariable=TAVELINE2024DIR=D:/first"),
                   QStringLiteral("getProgramFilesPathFromRegistry=false"),
@@ -547,14 +547,14 @@ void tst_System::installationFolderIsKept()
              (QStringList{native(QStringLiteral("D:/first")), native(QStringLiteral("D:/first"))}));
 }
 
-void tst_System::programFolderIsThatOfTheRunningProgram()
+void TestSystem::programFolderIsThatOfTheRunningProgram()
 {
     const SystemOutcome outcome
         = run({QStringLiteral("getCurrentExePath"), QStringLiteral("getCurrentExePath")});
     QCOMPARE(outcome.results, (QStringList{helperFolder(), helperFolder()}));
 }
 
-void tst_System::programFolderIsThatOfTheMainProgram()
+void TestSystem::programFolderIsThatOfTheMainProgram()
 {
     const QString program = path(QFileInfo(helperProgram()).fileName());
     QVERIFY(QFile::copy(helperProgram(), program));
@@ -565,7 +565,7 @@ void tst_System::programFolderIsThatOfTheMainProgram()
         QStringList{native(QFileInfo(here_).canonicalFilePath())});
 }
 
-void tst_System::programFolderWithoutAnApplication()
+void TestSystem::programFolderWithoutAnApplication()
 {
     const SystemOutcome outcome
         = runSystemCalls(helperProgram(), QStringLiteral("system-without-application"),
@@ -573,7 +573,7 @@ void tst_System::programFolderWithoutAnApplication()
     QCOMPARE(outcome.results, QStringList{helperFolder()});
 }
 
-void tst_System::programFolderAskedForFirstIsTheInstallationFolder()
+void TestSystem::programFolderAskedForFirstIsTheInstallationFolder()
 {
     QVERIFY(writeSetting(productKey(), QStringLiteral("InstallationDirectory"),
                          QStringLiteral("D:/setting")));
@@ -591,7 +591,7 @@ void tst_System::programFolderAskedForFirstIsTheInstallationFolder()
     QCOMPARE(outcome.printed, QStringList());
 }
 
-void tst_System::installationFolderAskedForFirstIsTheProgramFolder()
+void TestSystem::installationFolderAskedForFirstIsTheProgramFolder()
 {
     QVERIFY(writeSetting(productKey(), QStringLiteral("InstallationDirectory"),
                          QStringLiteral("/the/setting/")));
@@ -602,7 +602,7 @@ void tst_System::installationFolderAskedForFirstIsTheProgramFolder()
              (QStringList{folder, folder}));
 }
 
-void tst_System::makePathCreatesAllMissingFolders_data()
+void TestSystem::makePathCreatesAllMissingFolders_data()
 {
     QTest::addColumn<QString>("missing"); // below a folder that exists
 
@@ -615,7 +615,7 @@ void tst_System::makePathCreatesAllMissingFolders_data()
     QTest::newRow("blanks and points") << QStringLiteral("/a b/c.d");
 }
 
-void tst_System::makePathCreatesAllMissingFolders()
+void TestSystem::makePathCreatesAllMissingFolders()
 {
     QFETCH(QString, missing);
 
@@ -627,7 +627,7 @@ void tst_System::makePathCreatesAllMissingFolders()
     QCOMPARE(QDir::currentPath(), here_);
 }
 
-void tst_System::makePathOfAnExistingFolder()
+void TestSystem::makePathOfAnExistingFolder()
 {
     QVERIFY(System::makePath(here_));
     QVERIFY(System::makePath(QDir::rootPath()));
@@ -636,7 +636,7 @@ void tst_System::makePathOfAnExistingFolder()
     QVERIFY(QDir().isEmpty());
 }
 
-void tst_System::makePathWithoutAnExistingPart()
+void TestSystem::makePathWithoutAnExistingPart()
 {
     QVERIFY(!System::makePath(QStringLiteral("a")));
     QVERIFY(!System::makePath(QStringLiteral("a/b/c")));
@@ -645,7 +645,7 @@ void tst_System::makePathWithoutAnExistingPart()
 }
 
 // Each part is looked for from the last one made: of a relative path only one part can be.
-void tst_System::makePathOfARelativePath()
+void TestSystem::makePathOfARelativePath()
 {
     QVERIFY(QDir().mkdir(QStringLiteral("there")));
     QVERIFY(System::makePath(QStringLiteral("there")));
@@ -657,7 +657,7 @@ void tst_System::makePathOfARelativePath()
     QVERIFY(!QDir(path(QStringLiteral("b/c"))).exists());
 }
 
-void tst_System::makePathThroughAFile()
+void TestSystem::makePathThroughAFile()
 {
     QVERIFY(writeFile(path(QStringLiteral("file")), QByteArray()));
     QVERIFY(!System::makePath(path(QStringLiteral("file"))));
@@ -665,6 +665,6 @@ void tst_System::makePathThroughAFile()
     QVERIFY(QFileInfo(path(QStringLiteral("file"))).isFile());
 }
 
-QTEST_GUILESS_MAIN(tst_System)
+QTEST_GUILESS_MAIN(TestSystem)
 
 #include "tst_system.moc"

@@ -40,7 +40,7 @@ QString registryValue(const wchar_t *name)
 
 } // namespace
 
-class tst_SystemLocale : public QObject
+class TestSystemLocale : public QObject
 {
     Q_OBJECT
 
@@ -68,20 +68,20 @@ private:
     QTemporaryDir settings_;
 };
 
-void tst_SystemLocale::initTestCase()
+void TestSystemLocale::initTestCase()
 {
     QVERIFY(settings_.isValid());
     QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, settings_.path());
 }
 
-void tst_SystemLocale::cleanup()
+void TestSystemLocale::cleanup()
 {
     QVERIFY(removeSettings(QStringLiteral("SOFTWARE\\Vantorel\\VORN")));
     if (onWindows())
         QVERIFY(removeSettings(QStringLiteral("SOFTWARE\\Vantorel")));
 }
 
-void tst_SystemLocale::languagesOffered()
+void TestSystemLocale::languagesOffered()
 {
     QStringList expected;
     for (const char *name :
@@ -90,14 +90,14 @@ void tst_SystemLocale::languagesOffered()
     QCOMPARE(System::validLocales(), expected);
 }
 
-void tst_SystemLocale::everyCallGivesANewList()
+void TestSystemLocale::everyCallGivesANewList()
 {
     QStringList first = System::validLocales();
     first.clear();
     QCOMPARE(System::validLocales().size(), 9);
 }
 
-void tst_SystemLocale::withoutASettingItIsTheDefault()
+void TestSystemLocale::withoutASettingItIsTheDefault()
 {
     QCOMPARE(System::getLocale(), QStringLiteral("en-US"));
     QCOMPARE(System::getLocaleID(), 1033);
@@ -108,7 +108,7 @@ void tst_SystemLocale::withoutASettingItIsTheDefault()
     QVERIFY(!storedValue(localeName()).isValid());
 }
 
-void tst_SystemLocale::theSettingIsReadAsItStands_data()
+void TestSystemLocale::theSettingIsReadAsItStands_data()
 {
     QTest::addColumn<QVariant>("stored");
     QTest::addColumn<QString>("locale");
@@ -157,7 +157,7 @@ void tst_SystemLocale::theSettingIsReadAsItStands_data()
                           << 1033;
 }
 
-void tst_SystemLocale::theSettingIsReadAsItStands()
+void TestSystemLocale::theSettingIsReadAsItStands()
 {
     QFETCH(QVariant, stored);
     QFETCH(QString, locale);
@@ -168,7 +168,7 @@ void tst_SystemLocale::theSettingIsReadAsItStands()
     QCOMPARE(System::getLocaleID(), id);
 }
 
-void tst_SystemLocale::everyLanguageOfferedCanBeSet()
+void TestSystemLocale::everyLanguageOfferedCanBeSet()
 {
     QList<int> ids;
     const QStringList names = System::validLocales();
@@ -180,7 +180,7 @@ void tst_SystemLocale::everyLanguageOfferedCanBeSet()
     QCOMPARE(ids, (QList<int>{1033, 2052, 1028, 1031, 1036, 1041, 1040, 1042, 1049}));
 }
 
-void tst_SystemLocale::theSettingIsReadAnewByEveryCall()
+void TestSystemLocale::theSettingIsReadAnewByEveryCall()
 {
     System::setLocale(QStringLiteral("fr-FR"));
     QCOMPARE(System::getLocale(), QStringLiteral("fr-FR"));
@@ -190,7 +190,7 @@ void tst_SystemLocale::theSettingIsReadAnewByEveryCall()
     QCOMPARE(System::getLocale(), QStringLiteral("en-US"));
 }
 
-void tst_SystemLocale::onlyTheProductsReleaseIsRead()
+void TestSystemLocale::onlyTheProductsReleaseIsRead()
 {
     for (const char *key : {"SOFTWARE\\Vantorel\\VORN", "SOFTWARE\\Vantorel\\VORN\\24.1",
                             "SOFTWARE\\Vantorel\\VORN\\24.0\\Sub"}) {
@@ -201,14 +201,14 @@ void tst_SystemLocale::onlyTheProductsReleaseIsRead()
     QCOMPARE(System::getLocale(), QStringLiteral("fr-FR"));
 }
 
-void tst_SystemLocale::whatIsSetIsStoredForTheRelease()
+void TestSystemLocale::whatIsSetIsStoredForTheRelease()
 {
     System::setLocale(QStringLiteral("ko-KR"));
     QCOMPARE(storedValue(localeName()), QVariant(QStringLiteral("ko-KR")));
     QCOMPARE(openSettings(productKey())->allKeys(), QStringList{localeName()});
 }
 
-void tst_SystemLocale::whatIsSetIsTheRegistrysValue()
+void TestSystemLocale::whatIsSetIsTheRegistrysValue()
 {
     System::setLocale(QStringLiteral("ja-JP"));
     QCOMPARE(registryValue(L"Locale"), QStringLiteral("ja-JP"));
@@ -216,7 +216,7 @@ void tst_SystemLocale::whatIsSetIsTheRegistrysValue()
     QCOMPARE(registryValue(L"InstallationDirectory"), QStringLiteral("D:\\VORN\\"));
 }
 
-void tst_SystemLocale::anyTextCanBeSet_data()
+void TestSystemLocale::anyTextCanBeSet_data()
 {
     QTest::addColumn<QString>("locale");
 
@@ -227,7 +227,7 @@ void tst_SystemLocale::anyTextCanBeSet_data()
         QTest::newRow(locale) << QString::fromUtf8(locale);
 }
 
-void tst_SystemLocale::anyTextCanBeSet()
+void TestSystemLocale::anyTextCanBeSet()
 {
     QFETCH(QString, locale);
 
@@ -239,7 +239,7 @@ void tst_SystemLocale::anyTextCanBeSet()
     QVERIFY(storedValue(localeName()).isValid());
 }
 
-void tst_SystemLocale::aTextIsWrittenUnderAnyName()
+void TestSystemLocale::aTextIsWrittenUnderAnyName()
 {
     System::writeToRegistry(QStringLiteral("A Name"), QStringLiteral("C:\\a b"));
     System::writeToRegistry(QStringLiteral("Number"), QStringLiteral("007"));
@@ -251,7 +251,7 @@ void tst_SystemLocale::aTextIsWrittenUnderAnyName()
     QCOMPARE(System::getLocaleID(), 1040);
 }
 
-void tst_SystemLocale::otherValuesStay()
+void TestSystemLocale::otherValuesStay()
 {
     const QString other = QStringLiteral("SOFTWARE\\Vantorel\\VORN\\23.0");
     QVERIFY(writeSetting(other, localeName(), QStringLiteral("de-DE")));
@@ -261,7 +261,7 @@ void tst_SystemLocale::otherValuesStay()
     QCOMPARE(storedValue(QStringLiteral("Other")).toInt(), 5);
 }
 
-void tst_SystemLocale::aStoreThatCannotBeWrittenIsSilent()
+void TestSystemLocale::aStoreThatCannotBeWrittenIsSilent()
 {
     if (onWindows())
         QSKIP("The registry cannot be made unwritable for a user who may write it.");
@@ -279,6 +279,6 @@ void tst_SystemLocale::aStoreThatCannotBeWrittenIsSilent()
     QCOMPARE(contentOf(file), QByteArray("no folder"));
 }
 
-QTEST_GUILESS_MAIN(tst_SystemLocale)
+QTEST_GUILESS_MAIN(TestSystemLocale)
 
 #include "tst_systemlocale.moc"

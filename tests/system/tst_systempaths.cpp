@@ -20,7 +20,7 @@ QString withOtherLetterCase(const QString &text)
 
 } // namespace
 
-class tst_SystemPaths : public QObject
+class TestSystemPaths : public QObject
 {
     Q_OBJECT
 
@@ -43,7 +43,7 @@ private Q_SLOTS:
     void otherNamesAreNotTheLocalHost();
 };
 
-void tst_SystemPaths::kindOfAPath_data()
+void TestSystemPaths::kindOfAPath_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<bool>("isWsl");
@@ -71,7 +71,7 @@ void tst_SystemPaths::kindOfAPath_data()
     row("", false);
 }
 
-void tst_SystemPaths::kindOfAPath()
+void TestSystemPaths::kindOfAPath()
 {
     QFETCH(QString, path);
     QFETCH(bool, isWsl);
@@ -80,7 +80,7 @@ void tst_SystemPaths::kindOfAPath()
     QCOMPARE(System::isWindowsPath(path), !isWsl);
 }
 
-void tst_SystemPaths::windowsFormOfAPath_data()
+void TestSystemPaths::windowsFormOfAPath_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("expected");
@@ -124,7 +124,7 @@ void tst_SystemPaths::windowsFormOfAPath_data()
     unchanged("");
 }
 
-void tst_SystemPaths::windowsFormOfAPath()
+void TestSystemPaths::windowsFormOfAPath()
 {
     QFETCH(QString, path);
     QFETCH(QString, expected);
@@ -132,7 +132,7 @@ void tst_SystemPaths::windowsFormOfAPath()
     QCOMPARE(System::toWindowsPath(path), expected);
 }
 
-void tst_SystemPaths::wslFormOfAPath_data()
+void TestSystemPaths::wslFormOfAPath_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("expected");
@@ -176,7 +176,7 @@ void tst_SystemPaths::wslFormOfAPath_data()
     unchanged("");
 }
 
-void tst_SystemPaths::wslFormOfAPath()
+void TestSystemPaths::wslFormOfAPath()
 {
     QFETCH(QString, path);
     QFETCH(QString, expected);
@@ -184,7 +184,7 @@ void tst_SystemPaths::wslFormOfAPath()
     QCOMPARE(System::toWslPath(path), expected);
 }
 
-void tst_SystemPaths::theFormsAreNoExactInverses()
+void TestSystemPaths::theFormsAreNoExactInverses()
 {
     const QString path = QStringLiteral("/mnt/d/work/case1");
     QCOMPARE(System::toWslPath(System::toWindowsPath(path)), path);
@@ -194,7 +194,7 @@ void tst_SystemPaths::theFormsAreNoExactInverses()
              QStringLiteral("D:\\work"));
 }
 
-void tst_SystemPaths::universalPathOfAnyOtherPathIsThePath_data()
+void TestSystemPaths::universalPathOfAnyOtherPathIsThePath_data()
 {
     QTest::addColumn<QString>("path");
 
@@ -204,14 +204,14 @@ void tst_SystemPaths::universalPathOfAnyOtherPathIsThePath_data()
     QTest::newRow("longer than any path") << QString(5000, QLatin1Char('x'));
 }
 
-void tst_SystemPaths::universalPathOfAnyOtherPathIsThePath()
+void TestSystemPaths::universalPathOfAnyOtherPathIsThePath()
 {
     QFETCH(QString, path);
 
     QCOMPARE(System::getUniversalPath(path), path);
 }
 
-void tst_SystemPaths::universalPathOnASubstitutedDriveIsTheFolder_data()
+void TestSystemPaths::universalPathOnASubstitutedDriveIsTheFolder_data()
 {
     QTest::addColumn<QString>("tail");
 
@@ -223,7 +223,7 @@ void tst_SystemPaths::universalPathOnASubstitutedDriveIsTheFolder_data()
     QTest::newRow("longer than 256") << QStringLiteral("\\") + QString(300, QLatin1Char('x'));
 }
 
-void tst_SystemPaths::universalPathOnASubstitutedDriveIsTheFolder()
+void TestSystemPaths::universalPathOnASubstitutedDriveIsTheFolder()
 {
     QFETCH(QString, tail);
 
@@ -242,14 +242,14 @@ void tst_SystemPaths::universalPathOnASubstitutedDriveIsTheFolder()
     QCOMPARE(System::getUniversalPath(drive + tail), drive + tail);
 }
 
-void tst_SystemPaths::namesOfTheLocalHost()
+void TestSystemPaths::namesOfTheLocalHost()
 {
     QVERIFY(System::isLocalHost(QStringLiteral("localhost")));
     QVERIFY(System::isLocalHost(QStringLiteral("MyComputer")));
     QVERIFY(System::isLocalHost(System::getHostName()));
 }
 
-void tst_SystemPaths::otherNamesAreNotTheLocalHost_data()
+void TestSystemPaths::otherNamesAreNotTheLocalHost_data()
 {
     QTest::addColumn<QString>("host");
 
@@ -263,7 +263,7 @@ void tst_SystemPaths::otherNamesAreNotTheLocalHost_data()
     QTest::newRow("own name in other letter case") << withOtherLetterCase(own);
 }
 
-void tst_SystemPaths::otherNamesAreNotTheLocalHost()
+void TestSystemPaths::otherNamesAreNotTheLocalHost()
 {
     QFETCH(QString, host);
 
@@ -272,6 +272,6 @@ void tst_SystemPaths::otherNamesAreNotTheLocalHost()
     QVERIFY(!System::isLocalHost(host));
 }
 
-QTEST_GUILESS_MAIN(tst_SystemPaths)
+QTEST_GUILESS_MAIN(TestSystemPaths)
 
 #include "tst_systempaths.moc"

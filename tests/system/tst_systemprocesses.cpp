@@ -88,7 +88,7 @@ QString sorted(QStringList names)
 } // namespace
 
 // Only programs with names of their own are looked for and ended.
-class tst_SystemProcesses : public QObject
+class TestSystemProcesses : public QObject
 {
     Q_OBJECT
 
@@ -133,7 +133,7 @@ private:
     QString name_; // of a program that only it has
 };
 
-void tst_SystemProcesses::init()
+void TestSystemProcesses::init()
 {
     const QString id = QUuid::createUuid().toString(QUuid::Id128);
     here_ = QDir(folder_.path()).canonicalPath() + QStringLiteral("/Folder ") + id;
@@ -142,7 +142,7 @@ void tst_SystemProcesses::init()
     name_ = QStringLiteral("vornTest") + id + QStringLiteral(".exe");
 }
 
-void tst_SystemProcesses::theIdIsFoundByTheNameInUpperCase()
+void TestSystemProcesses::theIdIsFoundByTheNameInUpperCase()
 {
     Child child(path(name_));
     QCOMPARE(System::getPID({name_.toUpper()}), child.id());
@@ -151,7 +151,7 @@ void tst_SystemProcesses::theIdIsFoundByTheNameInUpperCase()
     QTRY_COMPARE(System::getPID({name_.toUpper()}), 0L);
 }
 
-void tst_SystemProcesses::theIdIsNotFoundByTheNameInOtherLetterCase()
+void TestSystemProcesses::theIdIsNotFoundByTheNameInOtherLetterCase()
 {
     const Child child(path(name_));
     QCOMPARE(System::getPID({name_}), 0L);
@@ -159,7 +159,7 @@ void tst_SystemProcesses::theIdIsNotFoundByTheNameInOtherLetterCase()
     QCOMPARE(System::getPID({name_, name_.toUpper()}), child.id());
 }
 
-void tst_SystemProcesses::theIdIsNotFoundByAPartOfTheName()
+void TestSystemProcesses::theIdIsNotFoundByAPartOfTheName()
 {
     const Child child(path(name_));
     const QString name = name_.toUpper();
@@ -169,7 +169,7 @@ void tst_SystemProcesses::theIdIsNotFoundByAPartOfTheName()
     QCOMPARE(System::getPID({QDir::toNativeSeparators(path(name_)).toUpper()}), 0L);
 }
 
-void tst_SystemProcesses::theIdIsThatOfTheFirstProcess()
+void TestSystemProcesses::theIdIsThatOfTheFirstProcess()
 {
     const QString other = QStringLiteral("other") + name_;
     Child first(path(name_));
@@ -184,14 +184,14 @@ void tst_SystemProcesses::theIdIsThatOfTheFirstProcess()
     QCOMPARE(killed.first(), id == first.id() ? name_ : other);
 }
 
-void tst_SystemProcesses::theIdOfWhatDoesNotRunIsZero()
+void TestSystemProcesses::theIdOfWhatDoesNotRunIsZero()
 {
     QCOMPARE(System::getPID({}), 0L);
     QCOMPARE(System::getPID({QString()}), 0L);
     QCOMPARE(System::getPID({name_.toUpper()}), 0L);
 }
 
-void tst_SystemProcesses::aRunningProgramIsFoundByItsExactName()
+void TestSystemProcesses::aRunningProgramIsFoundByItsExactName()
 {
     QVERIFY(!System::isProcessRunning(name_));
     Child child(path(name_));
@@ -207,7 +207,7 @@ void tst_SystemProcesses::aRunningProgramIsFoundByItsExactName()
     QTRY_VERIFY(!System::isProcessRunning(name_));
 }
 
-void tst_SystemProcesses::aRunningProgramIsFoundWhenItsFileIsGone()
+void TestSystemProcesses::aRunningProgramIsFoundWhenItsFileIsGone()
 {
     if (onWindows())
         QSKIP("The file of a running program cannot be removed here.");
@@ -220,7 +220,7 @@ void tst_SystemProcesses::aRunningProgramIsFoundWhenItsFileIsGone()
 }
 
 // Kept for compatibility: see docs/compatibility.md.
-void tst_SystemProcesses::theSnapshotOfProcessesStaysOpen()
+void TestSystemProcesses::theSnapshotOfProcessesStaysOpen()
 {
     if (!onWindows())
         QSKIP("There is no snapshot on this system.");
@@ -232,7 +232,7 @@ void tst_SystemProcesses::theSnapshotOfProcessesStaysOpen()
     QVERIFY(openHandles() >= before + Calls);
 }
 
-void tst_SystemProcesses::theNamesEndTheirProcessesInAnyLetterCase()
+void TestSystemProcesses::theNamesEndTheirProcessesInAnyLetterCase()
 {
     for (const QString &name : {name_, name_.toUpper(), name_.toLower()}) {
         Child child(path(name_));
@@ -244,7 +244,7 @@ void tst_SystemProcesses::theNamesEndTheirProcessesInAnyLetterCase()
     QTRY_COMPARE(System::killProcesses(QString(), {name_}), QStringList());
 }
 
-void tst_SystemProcesses::withoutAFilterProcessesInAllFoldersEnd()
+void TestSystemProcesses::withoutAFilterProcessesInAllFoldersEnd()
 {
     QVERIFY(QDir(here_).mkdir(QStringLiteral("sub")));
     Child first(path(name_));
@@ -256,7 +256,7 @@ void tst_SystemProcesses::withoutAFilterProcessesInAllFoldersEnd()
     QVERIFY(third.isKilled());
 }
 
-void tst_SystemProcesses::theFilterIsFoundInAnyLetterCase_data()
+void TestSystemProcesses::theFilterIsFoundInAnyLetterCase_data()
 {
     QTest::addColumn<int>("letterCase"); // -1 lower, 1 upper
     QTest::addColumn<int>("start");      // of the part of the path that is the filter
@@ -268,7 +268,7 @@ void tst_SystemProcesses::theFilterIsFoundInAnyLetterCase_data()
     QTest::newRow("part upper") << 1 << 5;
 }
 
-void tst_SystemProcesses::theFilterIsFoundInAnyLetterCase()
+void TestSystemProcesses::theFilterIsFoundInAnyLetterCase()
 {
     QFETCH(int, letterCase);
     QFETCH(int, start);
@@ -285,7 +285,7 @@ void tst_SystemProcesses::theFilterIsFoundInAnyLetterCase()
     QVERIFY(other.end());
 }
 
-void tst_SystemProcesses::aFilterThatIsNotInThePathLeavesTheProcessAlone()
+void TestSystemProcesses::aFilterThatIsNotInThePathLeavesTheProcessAlone()
 {
     Child child(path(name_));
     for (const QString &filter : {QStringLiteral("no such folder"), here_ + QStringLiteral("/sub"),
@@ -294,7 +294,7 @@ void tst_SystemProcesses::aFilterThatIsNotInThePathLeavesTheProcessAlone()
     QVERIFY(child.end());
 }
 
-void tst_SystemProcesses::otherProcessesAreLeftAlone()
+void TestSystemProcesses::otherProcessesAreLeftAlone()
 {
     const QString other = QStringLiteral("other") + name_;
     Child first(path(name_));
@@ -304,7 +304,7 @@ void tst_SystemProcesses::otherProcessesAreLeftAlone()
     QVERIFY(second.end());
 }
 
-void tst_SystemProcesses::namesOfEndedProcessesAreInTheSystemsOrder()
+void TestSystemProcesses::namesOfEndedProcessesAreInTheSystemsOrder()
 {
     const QString other = QStringLiteral("Other") + name_;
     Child first(path(name_));
@@ -320,7 +320,7 @@ void tst_SystemProcesses::namesOfEndedProcessesAreInTheSystemsOrder()
     QVERIFY(third.isKilled());
 }
 
-void tst_SystemProcesses::nothingIsEndedWithoutAMatch_data()
+void TestSystemProcesses::nothingIsEndedWithoutAMatch_data()
 {
     QTest::addColumn<QString>("name"); // %1 the program's without its last part
 
@@ -331,7 +331,7 @@ void tst_SystemProcesses::nothingIsEndedWithoutAMatch_data()
     QTest::newRow("empty") << QString();
 }
 
-void tst_SystemProcesses::nothingIsEndedWithoutAMatch()
+void TestSystemProcesses::nothingIsEndedWithoutAMatch()
 {
     QFETCH(QString, name);
 
@@ -343,7 +343,7 @@ void tst_SystemProcesses::nothingIsEndedWithoutAMatch()
     QVERIFY(child.end());
 }
 
-void tst_SystemProcesses::aKilledProcessHasTheExitCodeOne()
+void TestSystemProcesses::aKilledProcessHasTheExitCodeOne()
 {
     Child child(path(name_));
     QCOMPARE(System::killProcesses(QString(), {name_}), QStringList{name_});
@@ -354,7 +354,7 @@ void tst_SystemProcesses::aKilledProcessHasTheExitCodeOne()
         QCOMPARE(child.exitCode(), 1);
 }
 
-void tst_SystemProcesses::aStartedProgramGetsItsArguments()
+void TestSystemProcesses::aStartedProgramGetsItsArguments()
 {
     const QString source = path(QStringLiteral("a source  with blanks, 100% & more.txt"));
     const QString target = path(QStringLiteral("the target.txt"));
@@ -365,7 +365,7 @@ void tst_SystemProcesses::aStartedProgramGetsItsArguments()
 
 // The program's input ends when the test closes it, which it does after the end of the process
 // between them; where the input is not handed on, it ends at once.
-void tst_SystemProcesses::aStartedProgramOutlivesTheOneThatStartedIt()
+void TestSystemProcesses::aStartedProgramOutlivesTheOneThatStartedIt()
 {
     const QString ended = path(QStringLiteral("ended"));
     QProcess process;
@@ -377,7 +377,7 @@ void tst_SystemProcesses::aStartedProgramOutlivesTheOneThatStartedIt()
     QTRY_VERIFY(QFile::exists(ended));
 }
 
-void tst_SystemProcesses::aProgramThatCannotBeStartedIsFalse_data()
+void TestSystemProcesses::aProgramThatCannotBeStartedIsFalse_data()
 {
     QTest::addColumn<QString>("program");
 
@@ -388,7 +388,7 @@ void tst_SystemProcesses::aProgramThatCannotBeStartedIsFalse_data()
     QTest::newRow("empty") << QString();
 }
 
-void tst_SystemProcesses::aProgramThatCannotBeStartedIsFalse()
+void TestSystemProcesses::aProgramThatCannotBeStartedIsFalse()
 {
     QFETCH(QString, program);
 
@@ -396,7 +396,7 @@ void tst_SystemProcesses::aProgramThatCannotBeStartedIsFalse()
     QVERIFY(!System::startProcess(program, {QStringLiteral("exit"), QStringLiteral("0")}));
 }
 
-void tst_SystemProcesses::aVariableIsReadAsLatin1_data()
+void TestSystemProcesses::aVariableIsReadAsLatin1_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QByteArray>("value");
@@ -413,7 +413,7 @@ void tst_SystemProcesses::aVariableIsReadAsLatin1_data()
     QTest::newRow("long") << QByteArray("VORN_TEST") << QByteArray(5000, 'x');
 }
 
-void tst_SystemProcesses::aVariableIsReadAsLatin1()
+void TestSystemProcesses::aVariableIsReadAsLatin1()
 {
     QFETCH(QByteArray, name);
     QFETCH(QByteArray, value);
@@ -424,7 +424,7 @@ void tst_SystemProcesses::aVariableIsReadAsLatin1()
     QCOMPARE(read, QString::fromLatin1(value));
 }
 
-void tst_SystemProcesses::aVariableThatIsNotSetIsEmpty()
+void TestSystemProcesses::aVariableThatIsNotSetIsEmpty()
 {
     const QString name = QStringLiteral("VORN_TEST_NOT_SET");
     QCOMPARE(System::getEnv(name), QString());
@@ -438,7 +438,7 @@ void tst_SystemProcesses::aVariableThatIsNotSetIsEmpty()
     QVERIFY(System::getEnv(QStringLiteral("VORN=TEST")).isEmpty());
 }
 
-void tst_SystemProcesses::theHostNameIsTheMachines()
+void TestSystemProcesses::theHostNameIsTheMachines()
 {
     const QString name = System::getHostName();
     QVERIFY(!name.isEmpty());
@@ -446,7 +446,7 @@ void tst_SystemProcesses::theHostNameIsTheMachines()
     QCOMPARE(System::getHostName(), name);
 }
 
-void tst_SystemProcesses::theUserNameIsTheOwners()
+void TestSystemProcesses::theUserNameIsTheOwners()
 {
     const QString name = System::getUserName();
     QVERIFY(!name.isEmpty());
@@ -454,6 +454,6 @@ void tst_SystemProcesses::theUserNameIsTheOwners()
     QCOMPARE(name, onWindows() ? qEnvironmentVariable("USERNAME") : QFileInfo(here_).owner());
 }
 
-QTEST_GUILESS_MAIN(tst_SystemProcesses)
+QTEST_GUILESS_MAIN(TestSystemProcesses)
 
 #include "tst_systemprocesses.moc"

@@ -12,7 +12,7 @@
 
 using namespace Vorn::Util;
 
-class tst_SystemThreads : public QObject
+class TestSystemThreads : public QObject
 {
     Q_OBJECT
 
@@ -23,7 +23,7 @@ private Q_SLOTS:
 };
 
 // The first function of the program: nothing has asked for the name before.
-void tst_SystemThreads::theHostNameMayBeAskedForFirstOnManyThreads()
+void TestSystemThreads::theHostNameMayBeAskedForFirstOnManyThreads()
 {
     std::atomic_int same{0};
     onAllThreads([&] {
@@ -36,7 +36,7 @@ void tst_SystemThreads::theHostNameMayBeAskedForFirstOnManyThreads()
 
 // All but startProcess(), which calls Qt and nothing else. Qt allocates memory in the forked
 // process, where a sanitizer's allocator can wait for ever.
-void tst_SystemThreads::theOtherFunctionsMayBeCalledOnManyThreads()
+void TestSystemThreads::theOtherFunctionsMayBeCalledOnManyThreads()
 {
     qputenv("TST_SYSTEMTHREADS", "value");
     const QString user = System::getUserName();
@@ -52,7 +52,7 @@ void tst_SystemThreads::theOtherFunctionsMayBeCalledOnManyThreads()
     QCOMPARE(right.load(), ThreadCount);
 }
 
-void tst_SystemThreads::theSettingsMayBeReadOnManyThreads()
+void TestSystemThreads::theSettingsMayBeReadOnManyThreads()
 {
     std::atomic_int empty{0};
     onAllThreads([&] {
@@ -64,6 +64,6 @@ void tst_SystemThreads::theSettingsMayBeReadOnManyThreads()
     QCOMPARE(empty.load(), ThreadCount);
 }
 
-QTEST_GUILESS_MAIN(tst_SystemThreads)
+QTEST_GUILESS_MAIN(TestSystemThreads)
 
 #include "tst_systemthreads.moc"

@@ -4,7 +4,7 @@
 #include <Utility/AsyncTaskProcessor.h>
 #include <Utility/System.h>
 
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "TestTask.h"
 
 #include <QtCore/QCoreApplication>
@@ -59,7 +59,7 @@ inline QStringList finishedLines(qint64 atLeast, qint64 atMost)
 /// A processor with a log, and a journal of its signals.
 struct Queue
 {
-    TestLog log;
+    TemporaryLog log;
     QStringList journal;
     AsyncTaskProcessor processor;
 

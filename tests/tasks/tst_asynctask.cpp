@@ -5,7 +5,7 @@
 
 #include "HelperProgram.h"
 #include "RunProgram.h"
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "TestTask.h"
 
 #include <QtTest/QtTest>
@@ -28,7 +28,7 @@ void passTime(int milliseconds)
 
 } // namespace
 
-class tst_AsyncTask : public QObject
+class TestAsyncTask : public QObject
 {
     Q_OBJECT
 
@@ -72,7 +72,7 @@ private Q_SLOTS:
     void theExampleEndsSafelyHoweverTheProgramEnds();
 };
 
-void tst_AsyncTask::aNewTaskHasItsNameAndTheDefaults()
+void TestAsyncTask::aNewTaskHasItsNameAndTheDefaults()
 {
     const TestTask task(QStringLiteral("Mesh %1 größer"), idle());
     QCOMPARE(task.name(), QStringLiteral("Mesh %1 größer"));
@@ -83,7 +83,7 @@ void tst_AsyncTask::aNewTaskHasItsNameAndTheDefaults()
     QVERIFY(!task.parent());
 }
 
-void tst_AsyncTask::aNewTaskBelongsToTheParentGiven()
+void TestAsyncTask::aNewTaskBelongsToTheParentGiven()
 {
     auto parent = std::make_unique<QObject>();
     const QPointer<AsyncTask> task = new TestTask(QStringLiteral("A"), idle(), parent.get());
@@ -92,7 +92,7 @@ void tst_AsyncTask::aNewTaskBelongsToTheParentGiven()
     QVERIFY(!task);
 }
 
-void tst_AsyncTask::ignoreErrorIsKept()
+void TestAsyncTask::ignoreErrorIsKept()
 {
     TestTask task(QStringLiteral("A"), idle());
     task.setIgnoreError(true);
@@ -102,7 +102,7 @@ void tst_AsyncTask::ignoreErrorIsKept()
     QVERIFY(!task.ignoreError());
 }
 
-void tst_AsyncTask::startExecutesTheTaskBeforeItReturns()
+void TestAsyncTask::startExecutesTheTaskBeforeItReturns()
 {
     int executions = 0;
     TestTask task(QStringLiteral("A"), [&executions](TestTask &) { ++executions; });
@@ -111,7 +111,7 @@ void tst_AsyncTask::startExecutesTheTaskBeforeItReturns()
     QCOMPARE(executions, 1);
 }
 
-void tst_AsyncTask::startItselfEmitsNothing()
+void TestAsyncTask::startItselfEmitsNothing()
 {
     TestTask task(QStringLiteral("A"), idle());
     const QSignalSpy finished(&task, &AsyncTask::finished);
@@ -121,7 +121,7 @@ void tst_AsyncTask::startItselfEmitsNothing()
     QCOMPARE(progress.count(), 0);
 }
 
-void tst_AsyncTask::setFinishedEmitsFinishedOnce()
+void TestAsyncTask::setFinishedEmitsFinishedOnce()
 {
     TestTask task(QStringLiteral("A"), succeed());
     const QSignalSpy finished(&task, &AsyncTask::finished);
@@ -130,7 +130,7 @@ void tst_AsyncTask::setFinishedEmitsFinishedOnce()
     QVERIFY(task.isOk());
 }
 
-void tst_AsyncTask::aTaskMayFinishInALaterTurnOfTheEventLoop()
+void TestAsyncTask::aTaskMayFinishInALaterTurnOfTheEventLoop()
 {
     TestTask task(QStringLiteral("A"), later(fail()));
     const QSignalSpy finished(&task, &AsyncTask::finished);
@@ -140,7 +140,7 @@ void tst_AsyncTask::aTaskMayFinishInALaterTurnOfTheEventLoop()
     QVERIFY(!task.isOk());
 }
 
-void tst_AsyncTask::aTaskThatNeverCallsSetFinishedNeverEmitsFinished()
+void TestAsyncTask::aTaskThatNeverCallsSetFinishedNeverEmitsFinished()
 {
     TestTask task(QStringLiteral("A"), idle());
     const QSignalSpy finished(&task, &AsyncTask::finished);
@@ -153,7 +153,7 @@ void tst_AsyncTask::aTaskThatNeverCallsSetFinishedNeverEmitsFinished()
     QVERIFY(task.isOk());
 }
 
-void tst_AsyncTask::progressCarriesTheText()
+void TestAsyncTask::progressCarriesTheText()
 {
     TestTask task(QStringLiteral("A"), [](TestTask &self) {
         Q_EMIT self.progress(QStringLiteral("half"));
@@ -167,7 +167,7 @@ void tst_AsyncTask::progressCarriesTheText()
     QCOMPARE(progress.at(1).at(0).toString(), QString());
 }
 
-void tst_AsyncTask::elapsedTimeIsZeroUntilTheTaskHasFinished()
+void TestAsyncTask::elapsedTimeIsZeroUntilTheTaskHasFinished()
 {
     qint64 whileRunning = -1;
     TestTask task(QStringLiteral("A"), [&whileRunning](TestTask &self) {
@@ -180,7 +180,7 @@ void tst_AsyncTask::elapsedTimeIsZeroUntilTheTaskHasFinished()
     QVERIFY2(task.elapsedTime() >= 5, qPrintable(QString::number(task.elapsedTime())));
 }
 
-void tst_AsyncTask::elapsedTimeIsTakenBeforeFinishedIsEmitted()
+void TestAsyncTask::elapsedTimeIsTakenBeforeFinishedIsEmitted()
 {
     TestTask task(QStringLiteral("A"), [](TestTask &self) {
         passTime(5);
@@ -193,7 +193,7 @@ void tst_AsyncTask::elapsedTimeIsTakenBeforeFinishedIsEmitted()
     QCOMPARE(task.elapsedTime(), inSlot);
 }
 
-void tst_AsyncTask::elapsedTimeRunsFromStartNotFromTheConstruction()
+void TestAsyncTask::elapsedTimeRunsFromStartNotFromTheConstruction()
 {
     TestTask task(QStringLiteral("A"), succeed());
     passTime(50);
@@ -204,7 +204,7 @@ void tst_AsyncTask::elapsedTimeRunsFromStartNotFromTheConstruction()
     QVERIFY2(task.elapsedTime() <= atMost, qPrintable(QString::number(task.elapsedTime())));
 }
 
-void tst_AsyncTask::elapsedTimeStandsStillAfterTheEnd()
+void TestAsyncTask::elapsedTimeStandsStillAfterTheEnd()
 {
     TestTask task(QStringLiteral("A"), succeed());
     task.start();
@@ -213,7 +213,7 @@ void tst_AsyncTask::elapsedTimeStandsStillAfterTheEnd()
     QCOMPARE(task.elapsedTime(), atTheEnd);
 }
 
-void tst_AsyncTask::aTaskThatEndsWithoutAStartTookNoTime()
+void TestAsyncTask::aTaskThatEndsWithoutAStartTookNoTime()
 {
     TestTask task(QStringLiteral("A"), idle());
     const QSignalSpy finished(&task, &AsyncTask::finished);
@@ -222,7 +222,7 @@ void tst_AsyncTask::aTaskThatEndsWithoutAStartTookNoTime()
     QCOMPARE(task.elapsedTime(), qint64(0));
 }
 
-void tst_AsyncTask::setErrorNotesTheFailure()
+void TestAsyncTask::setErrorNotesTheFailure()
 {
     TestTask task(QStringLiteral("A"), idle());
     task.setError(QStringLiteral("No mesh"));
@@ -231,7 +231,7 @@ void tst_AsyncTask::setErrorNotesTheFailure()
     QVERIFY(!task.ignoreError());
 }
 
-void tst_AsyncTask::setErrorWithAnEmptyTextIsAFailureToo()
+void TestAsyncTask::setErrorWithAnEmptyTextIsAFailureToo()
 {
     TestTask task(QStringLiteral("A"), idle());
     task.setError(QString());
@@ -239,7 +239,7 @@ void tst_AsyncTask::setErrorWithAnEmptyTextIsAFailureToo()
     QVERIFY(task.error().isEmpty());
 }
 
-void tst_AsyncTask::theLastErrorTextStays()
+void TestAsyncTask::theLastErrorTextStays()
 {
     TestTask task(QStringLiteral("A"), idle());
     task.setError(QStringLiteral("first"));
@@ -248,7 +248,7 @@ void tst_AsyncTask::theLastErrorTextStays()
     QCOMPARE(task.error(), QStringLiteral("second"));
 }
 
-void tst_AsyncTask::setErrorEmitsNothingAndDoesNotFinishTheTask()
+void TestAsyncTask::setErrorEmitsNothingAndDoesNotFinishTheTask()
 {
     TestTask task(QStringLiteral("A"), [](TestTask &self) { self.setError(QStringLiteral("x")); });
     const QSignalSpy finished(&task, &AsyncTask::finished);
@@ -260,7 +260,7 @@ void tst_AsyncTask::setErrorEmitsNothingAndDoesNotFinishTheTask()
     QCOMPARE(task.elapsedTime(), qint64(0));
 }
 
-void tst_AsyncTask::resetErrorMakesTheTaskOkAgain()
+void TestAsyncTask::resetErrorMakesTheTaskOkAgain()
 {
     TestTask task(QStringLiteral("A"), idle());
     const QSignalSpy finished(&task, &AsyncTask::finished);
@@ -271,7 +271,7 @@ void tst_AsyncTask::resetErrorMakesTheTaskOkAgain()
     QCOMPARE(finished.count(), 0);
 }
 
-void tst_AsyncTask::finishingLeavesTheErrorAsItIs()
+void TestAsyncTask::finishingLeavesTheErrorAsItIs()
 {
     TestTask task(QStringLiteral("A"), fail(QStringLiteral("No mesh")));
     task.start();
@@ -279,9 +279,9 @@ void tst_AsyncTask::finishingLeavesTheErrorAsItIs()
     QCOMPARE(task.error(), QStringLiteral("No mesh"));
 }
 
-void tst_AsyncTask::logWritesALineToTheLog()
+void TestAsyncTask::logWritesALineToTheLog()
 {
-    TestLog log;
+    TemporaryLog log;
     TestTask task(QStringLiteral("A"), idle());
     task.setLog(log);
     task.log(QStringLiteral("100 %1 elements"));
@@ -289,17 +289,17 @@ void tst_AsyncTask::logWritesALineToTheLog()
     QCOMPARE(log.lines(), texts({"100 %1 elements", "done"}));
 }
 
-void tst_AsyncTask::logWithoutALogDoesNothing()
+void TestAsyncTask::logWithoutALogDoesNothing()
 {
     TestTask task(QStringLiteral("A"), idle());
     task.log(QStringLiteral("nowhere"));
     QVERIFY(task.isOk());
 }
 
-void tst_AsyncTask::theLogCanBeReplacedAndTakenAway()
+void TestAsyncTask::theLogCanBeReplacedAndTakenAway()
 {
-    TestLog first;
-    TestLog second;
+    TemporaryLog first;
+    TemporaryLog second;
     TestTask task(QStringLiteral("A"), idle());
     task.setLog(first);
     task.log(QStringLiteral("one"));
@@ -311,9 +311,9 @@ void tst_AsyncTask::theLogCanBeReplacedAndTakenAway()
     QCOMPARE(second.lines(), texts({"two"}));
 }
 
-void tst_AsyncTask::logSkipsTheSizeCheck()
+void TestAsyncTask::logSkipsTheSizeCheck()
 {
-    TestLog log;
+    TemporaryLog log;
     {
         QFile file(log.fileName());
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Append));
@@ -326,9 +326,9 @@ void tst_AsyncTask::logSkipsTheSizeCheck()
     QVERIFY(QFileInfo(log.fileName()).size() > Log::MaxLogSize);
 }
 
-void tst_AsyncTask::theLogIsNotOwned()
+void TestAsyncTask::theLogIsNotOwned()
 {
-    TestLog log;
+    TemporaryLog log;
     {
         TestTask task(QStringLiteral("A"), idle());
         task.setLog(log);
@@ -337,7 +337,7 @@ void tst_AsyncTask::theLogIsNotOwned()
     QCOMPARE(log.lines(), texts({"still there"}));
 }
 
-void tst_AsyncTask::aTaskMayBeDeletedInsideItsFinishedSignal()
+void TestAsyncTask::aTaskMayBeDeletedInsideItsFinishedSignal()
 {
     const QPointer<AsyncTask> task = new TestTask(QStringLiteral("A"), succeed());
     connect(task, &AsyncTask::finished, this, [&task] { delete task; });
@@ -345,7 +345,7 @@ void tst_AsyncTask::aTaskMayBeDeletedInsideItsFinishedSignal()
     QVERIFY(!task);
 }
 
-void tst_AsyncTask::aTaskIsDestroyedThroughItsBase()
+void TestAsyncTask::aTaskIsDestroyedThroughItsBase()
 {
     const auto held = std::make_shared<int>(0);
     auto *task = new TestTask(QStringLiteral("A"), [held](TestTask &) {});
@@ -354,7 +354,7 @@ void tst_AsyncTask::aTaskIsDestroyedThroughItsBase()
     QCOMPARE(held.use_count(), 1L);
 }
 
-void tst_AsyncTask::theExampleIsTheOneTestedHere()
+void TestAsyncTask::theExampleIsTheOneTestedHere()
 {
     // The class in a file, without the marks of a comment and the line breaks.
     const auto exampleIn = [](const QString &name) {
@@ -371,7 +371,7 @@ void tst_AsyncTask::theExampleIsTheOneTestedHere()
     QCOMPARE(exampleIn(QStringLiteral("../Utility/AsyncTask.h")), tested);
 }
 
-void tst_AsyncTask::theExampleEndsSafelyHoweverTheProgramEnds_data()
+void TestAsyncTask::theExampleEndsSafelyHoweverTheProgramEnds_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QStringList>("arguments");
@@ -383,12 +383,12 @@ void tst_AsyncTask::theExampleEndsSafelyHoweverTheProgramEnds_data()
         << QStringLiteral("no-such-program") << QStringList() << false;
 }
 
-void tst_AsyncTask::theExampleEndsSafelyHoweverTheProgramEnds()
+void TestAsyncTask::theExampleEndsSafelyHoweverTheProgramEnds()
 {
     QFETCH(QString, program);
     QFETCH(QStringList, arguments);
     QFETCH(bool, succeeds);
-    TestLog log;
+    TemporaryLog log;
     AsyncTaskProcessor processor;
     processor.setLog(log);
     processor.setExitEventLoopWhenDone(true);
@@ -407,6 +407,6 @@ void tst_AsyncTask::theExampleEndsSafelyHoweverTheProgramEnds()
         QCOMPARE(end, QStringLiteral("Task finished with errors in TIME: error = Exit code 3"));
 }
 
-QTEST_GUILESS_MAIN(tst_AsyncTask)
+QTEST_GUILESS_MAIN(TestAsyncTask)
 
 #include "tst_asynctask.moc"

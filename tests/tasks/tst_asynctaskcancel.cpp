@@ -4,7 +4,7 @@
 
 #include <QtTest/QtTest>
 
-class tst_AsyncTaskCancel : public QObject
+class TestAsyncTaskCancel : public QObject
 {
     Q_OBJECT
 
@@ -23,7 +23,7 @@ private Q_SLOTS:
     void aMonitorThatIsTakenAwayIsNotAsked();
 };
 
-void tst_AsyncTaskCancel::aCancelWithoutACleanUpTaskIsLoggedAndTheQueueGoesOn()
+void TestAsyncTaskCancel::aCancelWithoutACleanUpTaskIsLoggedAndTheQueueGoesOn()
 {
     Queue queue;
     TestMonitor monitor({true});
@@ -40,7 +40,7 @@ void tst_AsyncTaskCancel::aCancelWithoutACleanUpTaskIsLoggedAndTheQueueGoesOn()
                "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::aCancelSkipsToTheCleanUpTask()
+void TestAsyncTaskCancel::aCancelSkipsToTheCleanUpTask()
 {
     Queue queue;
     TestMonitor monitor({true});
@@ -59,7 +59,7 @@ void tst_AsyncTaskCancel::aCancelSkipsToTheCleanUpTask()
                "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::aCancelWithACleanUpTaskOutsideTheQueueDeletesTheWholeQueue()
+void TestAsyncTaskCancel::aCancelWithACleanUpTaskOutsideTheQueueDeletesTheWholeQueue()
 {
     Queue queue;
     TestMonitor monitor({true});
@@ -76,7 +76,7 @@ void tst_AsyncTaskCancel::aCancelWithACleanUpTaskOutsideTheQueueDeletesTheWholeQ
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::aCancelAfterTheSecondTaskSkipsToItsCleanUpTask()
+void TestAsyncTaskCancel::aCancelAfterTheSecondTaskSkipsToItsCleanUpTask()
 {
     Queue queue;
     TestMonitor monitor({false, true});
@@ -98,7 +98,7 @@ void tst_AsyncTaskCancel::aCancelAfterTheSecondTaskSkipsToItsCleanUpTask()
                "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::theMonitorIsAskedAfterEveryTask()
+void TestAsyncTaskCancel::theMonitorIsAskedAfterEveryTask()
 {
     Queue queue;
     queue.processor.setExitOnError(false);
@@ -114,7 +114,7 @@ void tst_AsyncTaskCancel::theMonitorIsAskedAfterEveryTask()
     QCOMPARE(asked, texts({"finished A", "finished B", "finished C", "finished D"}));
 }
 
-void tst_AsyncTaskCancel::theMonitorIsAskedAfterTheResultIsLoggedWhileTheTaskIsThere()
+void TestAsyncTaskCancel::theMonitorIsAskedAfterTheResultIsLoggedWhileTheTaskIsThere()
 {
     Queue queue;
     TestMonitor monitor({false});
@@ -134,7 +134,7 @@ void tst_AsyncTaskCancel::theMonitorIsAskedAfterTheResultIsLoggedWhileTheTaskIsT
     QCOMPARE(lastLine, QStringLiteral("Task finished with errors in TIME: error = broken"));
 }
 
-void tst_AsyncTaskCancel::aMonitorThatChangesItsMindIsObeyedOnce()
+void TestAsyncTaskCancel::aMonitorThatChangesItsMindIsObeyedOnce()
 {
     Queue queue;
     TestMonitor monitor({true, false, true});
@@ -154,7 +154,7 @@ void tst_AsyncTaskCancel::aMonitorThatChangesItsMindIsObeyedOnce()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::afterACancelAnErrorDoesNotStopTheQueue()
+void TestAsyncTaskCancel::afterACancelAnErrorDoesNotStopTheQueue()
 {
     Queue queue;
     TestMonitor monitor({true});
@@ -173,7 +173,7 @@ void tst_AsyncTaskCancel::afterACancelAnErrorDoesNotStopTheQueue()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::afterAnErrorStopACancelIsNotLogged()
+void TestAsyncTaskCancel::afterAnErrorStopACancelIsNotLogged()
 {
     Queue queue;
     TestMonitor monitor({false, true});
@@ -193,7 +193,7 @@ void tst_AsyncTaskCancel::afterAnErrorStopACancelIsNotLogged()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::afterAnErrorThatDidNotStopACancelCounts()
+void TestAsyncTaskCancel::afterAnErrorThatDidNotStopACancelCounts()
 {
     Queue queue;
     queue.processor.setExitOnError(false);
@@ -211,7 +211,7 @@ void tst_AsyncTaskCancel::afterAnErrorThatDidNotStopACancelCounts()
                "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::anErrorAndACancelTogetherAreAnErrorStop()
+void TestAsyncTaskCancel::anErrorAndACancelTogetherAreAnErrorStop()
 {
     Queue queue;
     TestMonitor monitor({true});
@@ -227,7 +227,7 @@ void tst_AsyncTaskCancel::anErrorAndACancelTogetherAreAnErrorStop()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskCancel::aMonitorThatIsTakenAwayIsNotAsked()
+void TestAsyncTaskCancel::aMonitorThatIsTakenAwayIsNotAsked()
 {
     Queue queue;
     TestMonitor monitor({true});
@@ -241,6 +241,6 @@ void tst_AsyncTaskCancel::aMonitorThatIsTakenAwayIsNotAsked()
                     "Finished processing tasks in TIME"}));
 }
 
-QTEST_GUILESS_MAIN(tst_AsyncTaskCancel)
+QTEST_GUILESS_MAIN(TestAsyncTaskCancel)
 
 #include "tst_asynctaskcancel.moc"

@@ -4,7 +4,7 @@
 
 #include <QtTest/QtTest>
 
-class tst_AsyncTaskFailure : public QObject
+class TestAsyncTaskFailure : public QObject
 {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ private Q_SLOTS:
     void cleanUpTasksThatAreGoneLeaveNoObjectBehind();
 };
 
-void tst_AsyncTaskFailure::anErrorWithoutACleanUpTaskDropsTheQueue()
+void TestAsyncTaskFailure::anErrorWithoutACleanUpTaskDropsTheQueue()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -59,7 +59,7 @@ void tst_AsyncTaskFailure::anErrorWithoutACleanUpTaskDropsTheQueue()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::droppedTasksLiveOnAsChildren()
+void TestAsyncTaskFailure::droppedTasksLiveOnAsChildren()
 {
     QPointer<TestTask> b;
     QPointer<TestTask> c;
@@ -83,7 +83,7 @@ void tst_AsyncTaskFailure::droppedTasksLiveOnAsChildren()
     QVERIFY(!c);
 }
 
-void tst_AsyncTaskFailure::anErrorSkipsToTheCleanUpTask()
+void TestAsyncTaskFailure::anErrorSkipsToTheCleanUpTask()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -100,7 +100,7 @@ void tst_AsyncTaskFailure::anErrorSkipsToTheCleanUpTask()
                "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::skippedTasksAreDeletedBeforeTheCleanUpTaskStarts()
+void TestAsyncTaskFailure::skippedTasksAreDeletedBeforeTheCleanUpTaskStarts()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", [&queue](TestTask &task) {
@@ -125,7 +125,7 @@ void tst_AsyncTaskFailure::skippedTasksAreDeletedBeforeTheCleanUpTaskStarts()
                     "finished C"}));
 }
 
-void tst_AsyncTaskFailure::aCleanUpTaskThatIsNextDeletesNothing()
+void TestAsyncTaskFailure::aCleanUpTaskThatIsNextDeletesNothing()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -138,7 +138,7 @@ void tst_AsyncTaskFailure::aCleanUpTaskThatIsNextDeletesNothing()
                "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::tasksAfterTheCleanUpTaskRun()
+void TestAsyncTaskFailure::tasksAfterTheCleanUpTaskRun()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -151,7 +151,7 @@ void tst_AsyncTaskFailure::tasksAfterTheCleanUpTaskRun()
         texts({"started A", "finished A", "started C", "finished C", "started D", "finished D"}));
 }
 
-void tst_AsyncTaskFailure::aFailureOfTheLastTaskIsLoggedAndCounts()
+void TestAsyncTaskFailure::aFailureOfTheLastTaskIsLoggedAndCounts()
 {
     Queue queue;
     queue.add("A");
@@ -164,7 +164,7 @@ void tst_AsyncTaskFailure::aFailureOfTheLastTaskIsLoggedAndCounts()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::anIgnoredErrorIsLoggedAndTheQueueGoesOn()
+void TestAsyncTaskFailure::anIgnoredErrorIsLoggedAndTheQueueGoesOn()
 {
     Queue queue;
     queue.add("A", fail())->setIgnoreError(true);
@@ -177,7 +177,7 @@ void tst_AsyncTaskFailure::anIgnoredErrorIsLoggedAndTheQueueGoesOn()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::anIgnoredErrorDoesNotSkipToTheCleanUpTask()
+void TestAsyncTaskFailure::anIgnoredErrorDoesNotSkipToTheCleanUpTask()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -190,7 +190,7 @@ void tst_AsyncTaskFailure::anIgnoredErrorDoesNotSkipToTheCleanUpTask()
         texts({"started A", "finished A", "started B", "finished B", "started C", "finished C"}));
 }
 
-void tst_AsyncTaskFailure::anIgnoredErrorDoesNotHideAnotherOne()
+void TestAsyncTaskFailure::anIgnoredErrorDoesNotHideAnotherOne()
 {
     Queue queue;
     queue.add("A", fail())->setIgnoreError(true);
@@ -201,7 +201,7 @@ void tst_AsyncTaskFailure::anIgnoredErrorDoesNotHideAnotherOne()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
 }
 
-void tst_AsyncTaskFailure::anErrorIgnoredInTheFinishedSignalDoesNotCount()
+void TestAsyncTaskFailure::anErrorIgnoredInTheFinishedSignalDoesNotCount()
 {
     Queue queue;
     queue.add("A", fail());
@@ -216,7 +216,7 @@ void tst_AsyncTaskFailure::anErrorIgnoredInTheFinishedSignalDoesNotCount()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::withExitOnErrorOffEveryTaskRuns()
+void TestAsyncTaskFailure::withExitOnErrorOffEveryTaskRuns()
 {
     Queue queue;
     queue.processor.setExitOnError(false);
@@ -232,7 +232,7 @@ void tst_AsyncTaskFailure::withExitOnErrorOffEveryTaskRuns()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::aCleanUpTaskThatFailsStopsNothing()
+void TestAsyncTaskFailure::aCleanUpTaskThatFailsStopsNothing()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -253,7 +253,7 @@ void tst_AsyncTaskFailure::aCleanUpTaskThatFailsStopsNothing()
                "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::aCleanUpTaskOutsideTheQueueDeletesTheWholeQueue()
+void TestAsyncTaskFailure::aCleanUpTaskOutsideTheQueueDeletesTheWholeQueue()
 {
     Queue queue;
     TestTask outside(QStringLiteral("outside"), idle());
@@ -272,7 +272,7 @@ void tst_AsyncTaskFailure::aCleanUpTaskOutsideTheQueueDeletesTheWholeQueue()
                     "Skipping to clean-up task: outside", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::aTaskThatIsItsOwnCleanUpTaskDeletesTheWholeQueue()
+void TestAsyncTaskFailure::aTaskThatIsItsOwnCleanUpTaskDeletesTheWholeQueue()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -286,7 +286,7 @@ void tst_AsyncTaskFailure::aTaskThatIsItsOwnCleanUpTaskDeletesTheWholeQueue()
                     "Skipping to clean-up task: A", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::theCleanUpTaskCanBeReplaced()
+void TestAsyncTaskFailure::theCleanUpTaskCanBeReplaced()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -301,7 +301,7 @@ void tst_AsyncTaskFailure::theCleanUpTaskCanBeReplaced()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started D", "finished D"}));
 }
 
-void tst_AsyncTaskFailure::aReplacedCleanUpTaskThatIsGoneDoesNotCount()
+void TestAsyncTaskFailure::aReplacedCleanUpTaskThatIsGoneDoesNotCount()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -315,7 +315,7 @@ void tst_AsyncTaskFailure::aReplacedCleanUpTaskThatIsGoneDoesNotCount()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started D", "finished D"}));
 }
 
-void tst_AsyncTaskFailure::theCleanUpTaskCanBeTakenAway()
+void TestAsyncTaskFailure::theCleanUpTaskCanBeTakenAway()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -330,7 +330,7 @@ void tst_AsyncTaskFailure::theCleanUpTaskCanBeTakenAway()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::theCleanUpTaskOfAnotherTaskDoesNotCount()
+void TestAsyncTaskFailure::theCleanUpTaskOfAnotherTaskDoesNotCount()
 {
     Queue queue;
     queue.add("A", fail());
@@ -340,7 +340,7 @@ void tst_AsyncTaskFailure::theCleanUpTaskOfAnotherTaskDoesNotCount()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
-void tst_AsyncTaskFailure::oneTaskMayCleanUpForSeveral()
+void TestAsyncTaskFailure::oneTaskMayCleanUpForSeveral()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A");
@@ -355,7 +355,7 @@ void tst_AsyncTaskFailure::oneTaskMayCleanUpForSeveral()
         texts({"started A", "finished A", "started B", "finished B", "started D", "finished D"}));
 }
 
-void tst_AsyncTaskFailure::aCleanUpTaskThatIsGoneDeletesTheWholeQueue_data()
+void TestAsyncTaskFailure::aCleanUpTaskThatIsGoneDeletesTheWholeQueue_data()
 {
     QTest::addColumn<bool>("canceled");
     QTest::addColumn<bool>("deletedByTheCaller");
@@ -365,7 +365,7 @@ void tst_AsyncTaskFailure::aCleanUpTaskThatIsGoneDeletesTheWholeQueue_data()
     QTest::newRow("cancel, clean-up task deleted") << true << true;
 }
 
-void tst_AsyncTaskFailure::aCleanUpTaskThatIsGoneDeletesTheWholeQueue()
+void TestAsyncTaskFailure::aCleanUpTaskThatIsGoneDeletesTheWholeQueue()
 {
     QFETCH(bool, canceled);
     QFETCH(bool, deletedByTheCaller);
@@ -394,7 +394,7 @@ void tst_AsyncTaskFailure::aCleanUpTaskThatIsGoneDeletesTheWholeQueue()
     QCOMPARE(queue.lines().mid(queue.lines().size() - end.size()), end);
 }
 
-void tst_AsyncTaskFailure::aCleanUpTaskDeletedInTheQueueDeletesTheTasksAfterIt()
+void TestAsyncTaskFailure::aCleanUpTaskDeletedInTheQueueDeletesTheTasksAfterIt()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -407,7 +407,7 @@ void tst_AsyncTaskFailure::aCleanUpTaskDeletedInTheQueueDeletesTheTasksAfterIt()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
-void tst_AsyncTaskFailure::aTaskAtTheAddressOfACleanUpTaskIsNotItsSuccessor()
+void TestAsyncTaskFailure::aTaskAtTheAddressOfACleanUpTaskIsNotItsSuccessor()
 {
     Queue queue;
     auto *gone = new SameAddressTask(QStringLiteral("gone"), succeed());
@@ -425,7 +425,7 @@ void tst_AsyncTaskFailure::aTaskAtTheAddressOfACleanUpTaskIsNotItsSuccessor()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
-void tst_AsyncTaskFailure::aTaskAtTheAddressOfAFinishedTaskDoesNotHaveItsCleanUpTask()
+void TestAsyncTaskFailure::aTaskAtTheAddressOfAFinishedTaskDoesNotHaveItsCleanUpTask()
 {
     Queue queue;
     auto *a = new SameAddressTask(QStringLiteral("A"), succeed());
@@ -451,7 +451,7 @@ void tst_AsyncTaskFailure::aTaskAtTheAddressOfAFinishedTaskDoesNotHaveItsCleanUp
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskFailure::aTaskAtTheAddressOfATaskThatWasNeverAddedDoesNotHaveItsCleanUpTask()
+void TestAsyncTaskFailure::aTaskAtTheAddressOfATaskThatWasNeverAddedDoesNotHaveItsCleanUpTask()
 {
     Queue queue;
     auto *never = new SameAddressTask(QStringLiteral("never"), succeed());
@@ -466,7 +466,7 @@ void tst_AsyncTaskFailure::aTaskAtTheAddressOfATaskThatWasNeverAddedDoesNotHaveI
     QVERIFY(b); // dropped, not deleted
 }
 
-void tst_AsyncTaskFailure::theCleanUpTaskMayBeNamedBeforeTheTasksAreAdded()
+void TestAsyncTaskFailure::theCleanUpTaskMayBeNamedBeforeTheTasksAreAdded()
 {
     Queue queue;
     auto *a = new TestTask(QStringLiteral("A"), fail());
@@ -479,7 +479,7 @@ void tst_AsyncTaskFailure::theCleanUpTaskMayBeNamedBeforeTheTasksAreAdded()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started C", "finished C"}));
 }
 
-void tst_AsyncTaskFailure::cleanUpTasksThatAreGoneLeaveNoObjectBehind()
+void TestAsyncTaskFailure::cleanUpTasksThatAreGoneLeaveNoObjectBehind()
 {
     AsyncTaskProcessor processor;
     TestTask task(QStringLiteral("A"), idle());
@@ -490,6 +490,6 @@ void tst_AsyncTaskFailure::cleanUpTasksThatAreGoneLeaveNoObjectBehind()
     QCOMPARE(processor.children(), QObjectList());
 }
 
-QTEST_GUILESS_MAIN(tst_AsyncTaskFailure)
+QTEST_GUILESS_MAIN(TestAsyncTaskFailure)
 
 #include "tst_asynctaskfailure.moc"

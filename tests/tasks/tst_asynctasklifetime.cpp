@@ -25,7 +25,7 @@ public:
     }
 };
 
-class tst_AsyncTaskLifetime : public QObject
+class TestAsyncTaskLifetime : public QObject
 {
     Q_OBJECT
 
@@ -74,7 +74,7 @@ private Q_SLOTS:
     void deletingAWaitingTaskTakesNoLongerBecauseOthersWait();
 };
 
-void tst_AsyncTaskLifetime::aWaitingTaskThatIsDeletedLeavesTheQueue()
+void TestAsyncTaskLifetime::aWaitingTaskThatIsDeletedLeavesTheQueue()
 {
     Queue queue;
     queue.add("A");
@@ -85,7 +85,7 @@ void tst_AsyncTaskLifetime::aWaitingTaskThatIsDeletedLeavesTheQueue()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started C", "finished C"}));
 }
 
-void tst_AsyncTaskLifetime::theRunEndsWhenAllWaitingTasksAreDeletedBeforeTheStart()
+void TestAsyncTaskLifetime::theRunEndsWhenAllWaitingTasksAreDeletedBeforeTheStart()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A");
@@ -96,7 +96,7 @@ void tst_AsyncTaskLifetime::theRunEndsWhenAllWaitingTasksAreDeletedBeforeTheStar
     QCOMPARE(queue.lines(), texts({"Start processing tasks", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskLifetime::startLaterDoesNothingWhenAllWaitingTasksAreDeleted()
+void TestAsyncTaskLifetime::startLaterDoesNothingWhenAllWaitingTasksAreDeleted()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A");
@@ -106,7 +106,7 @@ void tst_AsyncTaskLifetime::startLaterDoesNothingWhenAllWaitingTasksAreDeleted()
     QCOMPARE(queue.lines(), QStringList());
 }
 
-void tst_AsyncTaskLifetime::theRunEndsAtOnceWhenASlotDeletesTheLastWaitingTask()
+void TestAsyncTaskLifetime::theRunEndsAtOnceWhenASlotDeletesTheLastWaitingTask()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", idle());
@@ -118,7 +118,7 @@ void tst_AsyncTaskLifetime::theRunEndsAtOnceWhenASlotDeletesTheLastWaitingTask()
     QCOMPARE(queue.lines().last(), QStringLiteral("Finished processing tasks in TIME"));
 }
 
-void tst_AsyncTaskLifetime::theRunEndsWhenTheLastWaitingTaskIsDeletedBetweenTwoTasks()
+void TestAsyncTaskLifetime::theRunEndsWhenTheLastWaitingTaskIsDeletedBetweenTwoTasks()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A");
@@ -141,7 +141,7 @@ void tst_AsyncTaskLifetime::theRunEndsWhenTheLastWaitingTaskIsDeletedBetweenTwoT
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskLifetime::aWaitingTaskThatGetsAnotherParentIsRun()
+void TestAsyncTaskLifetime::aWaitingTaskThatGetsAnotherParentIsRun()
 {
     Queue queue;
     QObject other;
@@ -158,7 +158,7 @@ void tst_AsyncTaskLifetime::aWaitingTaskThatGetsAnotherParentIsRun()
         texts({"started A", "finished A", "started B", "finished B", "started C", "finished C"}));
 }
 
-void tst_AsyncTaskLifetime::aWaitingTaskThatAnotherParentDeletesLeavesTheQueue()
+void TestAsyncTaskLifetime::aWaitingTaskThatAnotherParentDeletesLeavesTheQueue()
 {
     Queue queue;
     auto other = std::make_unique<QObject>();
@@ -169,7 +169,7 @@ void tst_AsyncTaskLifetime::aWaitingTaskThatAnotherParentDeletesLeavesTheQueue()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
-void tst_AsyncTaskLifetime::aWaitingTaskWithAnotherParentIsAddedOnce()
+void TestAsyncTaskLifetime::aWaitingTaskWithAnotherParentIsAddedOnce()
 {
     Queue queue;
     QObject other;
@@ -180,7 +180,7 @@ void tst_AsyncTaskLifetime::aWaitingTaskWithAnotherParentIsAddedOnce()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
-void tst_AsyncTaskLifetime::aRunningTaskThatIsDeletedCountsAsFailed()
+void TestAsyncTaskLifetime::aRunningTaskThatIsDeletedCountsAsFailed()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", idle());
@@ -199,7 +199,7 @@ void tst_AsyncTaskLifetime::aRunningTaskThatIsDeletedCountsAsFailed()
         texts({"Start processing tasks", "Starting task: A", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskLifetime::aRunningTaskThatIsDeletedIsCleanedUp()
+void TestAsyncTaskLifetime::aRunningTaskThatIsDeletedIsCleanedUp()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", idle());
@@ -216,7 +216,7 @@ void tst_AsyncTaskLifetime::aRunningTaskThatIsDeletedIsCleanedUp()
                "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskLifetime::theLastTaskDeletedWhileRunningEndsTheRun()
+void TestAsyncTaskLifetime::theLastTaskDeletedWhileRunningEndsTheRun()
 {
     Queue queue;
     queue.processor.setExitOnError(false);
@@ -230,7 +230,7 @@ void tst_AsyncTaskLifetime::theLastTaskDeletedWhileRunningEndsTheRun()
         texts({"Start processing tasks", "Starting task: A", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskLifetime::aTaskDeletedInTheStartedSignalCountsAsFailed()
+void TestAsyncTaskLifetime::aTaskDeletedInTheStartedSignalCountsAsFailed()
 {
     Queue queue;
     queue.processor.setExitOnError(false);
@@ -246,7 +246,7 @@ void tst_AsyncTaskLifetime::aTaskDeletedInTheStartedSignalCountsAsFailed()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskLifetime::aTaskDeletedInTheFinishedSignalCountsAsItEnded_data()
+void TestAsyncTaskLifetime::aTaskDeletedInTheFinishedSignalCountsAsItEnded_data()
 {
     QTest::addColumn<bool>("fails");
     QTest::addColumn<QString>("line");
@@ -256,7 +256,7 @@ void tst_AsyncTaskLifetime::aTaskDeletedInTheFinishedSignalCountsAsItEnded_data(
                             << QStringLiteral("Task finished with errors in TIME: error = broken");
 }
 
-void tst_AsyncTaskLifetime::aTaskDeletedInTheFinishedSignalCountsAsItEnded()
+void TestAsyncTaskLifetime::aTaskDeletedInTheFinishedSignalCountsAsItEnded()
 {
     QFETCH(bool, fails);
     QFETCH(QString, line);
@@ -275,12 +275,12 @@ void tst_AsyncTaskLifetime::aTaskDeletedInTheFinishedSignalCountsAsItEnded()
                   QStringLiteral("Finished processing tasks in TIME")}));
 }
 
-void tst_AsyncTaskLifetime::aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded_data()
+void TestAsyncTaskLifetime::aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded_data()
 {
     aTaskDeletedInTheFinishedSignalCountsAsItEnded_data();
 }
 
-void tst_AsyncTaskLifetime::aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded()
+void TestAsyncTaskLifetime::aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded()
 {
     QFETCH(bool, fails);
     QFETCH(QString, line);
@@ -319,7 +319,7 @@ void tst_AsyncTaskLifetime::aTaskDeletedByAnotherProcessorsSlotCountsAsItEnded()
                           "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskLifetime::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain_data()
+void TestAsyncTaskLifetime::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain_data()
 {
     QTest::addColumn<bool>("amongOthers");
 
@@ -327,7 +327,7 @@ void tst_AsyncTaskLifetime::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain_d
     QTest::newRow("among others") << true;
 }
 
-void tst_AsyncTaskLifetime::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain()
+void TestAsyncTaskLifetime::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain()
 {
     QFETCH(bool, amongOthers);
 
@@ -362,7 +362,7 @@ void tst_AsyncTaskLifetime::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain()
     QCOMPARE(other.lines(), lines + texts({"Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskLifetime::aTaskAddedTwiceRunsOnce()
+void TestAsyncTaskLifetime::aTaskAddedTwiceRunsOnce()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", [&queue](TestTask &task) {
@@ -377,7 +377,7 @@ void tst_AsyncTaskLifetime::aTaskAddedTwiceRunsOnce()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
 }
 
-void tst_AsyncTaskLifetime::aTaskThatFinishesAgainInItsFinishedSignalCountsOnce()
+void TestAsyncTaskLifetime::aTaskThatFinishesAgainInItsFinishedSignalCountsOnce()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A");
@@ -401,7 +401,7 @@ void tst_AsyncTaskLifetime::aTaskThatFinishesAgainInItsFinishedSignalCountsOnce(
         texts({"started A", "finished A", "started B", "finished B", "started C", "finished C"}));
 }
 
-void tst_AsyncTaskLifetime::aTaskBornAsAChildIsAddedOnce()
+void TestAsyncTaskLifetime::aTaskBornAsAChildIsAddedOnce()
 {
     Queue queue;
     auto *a = new TestTask(QStringLiteral("A"), succeed(), &queue.processor);
@@ -412,7 +412,7 @@ void tst_AsyncTaskLifetime::aTaskBornAsAChildIsAddedOnce()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
-void tst_AsyncTaskLifetime::aMonitorMayDeleteTheProcessor()
+void TestAsyncTaskLifetime::aMonitorMayDeleteTheProcessor()
 {
     struct Monitor : AsyncTaskMonitor
     {
@@ -423,7 +423,7 @@ void tst_AsyncTaskLifetime::aMonitorMayDeleteTheProcessor()
         }
         QPointer<AsyncTaskProcessor> processor;
     };
-    TestLog log;
+    TemporaryLog log;
     Monitor monitor;
     monitor.processor = new AsyncTaskProcessor;
     monitor.processor->setLog(log);
@@ -436,7 +436,7 @@ void tst_AsyncTaskLifetime::aMonitorMayDeleteTheProcessor()
     QVERIFY(!a);
 }
 
-void tst_AsyncTaskLifetime::aTasksDestructorMayDeleteTheProcessor_data()
+void TestAsyncTaskLifetime::aTasksDestructorMayDeleteTheProcessor_data()
 {
     QTest::addColumn<QString>("task");
     QTest::newRow("of the finished task") << QStringLiteral("finished");
@@ -444,7 +444,7 @@ void tst_AsyncTaskLifetime::aTasksDestructorMayDeleteTheProcessor_data()
     QTest::newRow("of a task that is skipped after a deletion") << QStringLiteral("deletion");
 }
 
-void tst_AsyncTaskLifetime::aTasksDestructorMayDeleteTheProcessor()
+void TestAsyncTaskLifetime::aTasksDestructorMayDeleteTheProcessor()
 {
     QFETCH(QString, task);
 
@@ -474,7 +474,7 @@ void tst_AsyncTaskLifetime::aTasksDestructorMayDeleteTheProcessor()
     QVERIFY(!last);
 }
 
-void tst_AsyncTaskLifetime::aRunningTaskThatGetsAnotherParentRunsOn()
+void TestAsyncTaskLifetime::aRunningTaskThatGetsAnotherParentRunsOn()
 {
     Queue queue;
     QObject other;
@@ -495,7 +495,7 @@ void tst_AsyncTaskLifetime::aRunningTaskThatGetsAnotherParentRunsOn()
              texts({"started A", "progress A half", "finished A", "started B", "finished B"}));
 }
 
-void tst_AsyncTaskLifetime::aProcessorMayBeDeletedInItsOwnSignals_data()
+void TestAsyncTaskLifetime::aProcessorMayBeDeletedInItsOwnSignals_data()
 {
     QTest::addColumn<QString>("signal");
     QTest::addColumn<bool>("atOnce");
@@ -505,11 +505,11 @@ void tst_AsyncTaskLifetime::aProcessorMayBeDeletedInItsOwnSignals_data()
     }
 }
 
-void tst_AsyncTaskLifetime::aProcessorMayBeDeletedInItsOwnSignals()
+void TestAsyncTaskLifetime::aProcessorMayBeDeletedInItsOwnSignals()
 {
     QFETCH(QString, signal);
     QFETCH(bool, atOnce);
-    TestLog log;
+    TemporaryLog log;
     TestMonitor monitor({true});
     const QPointer<AsyncTaskProcessor> processor = new AsyncTaskProcessor;
     processor->setLog(log);
@@ -543,7 +543,7 @@ void tst_AsyncTaskLifetime::aProcessorMayBeDeletedInItsOwnSignals()
     QCOMPARE(log.lines(), texts({"Start processing tasks", "Starting task: A"}));
 }
 
-void tst_AsyncTaskLifetime::aMethodCalledByATaskMayDeleteTheProcessor()
+void TestAsyncTaskLifetime::aMethodCalledByATaskMayDeleteTheProcessor()
 {
     Worker worker;
     const QPointer<AsyncTaskProcessor> processor = new AsyncTaskProcessor;
@@ -556,7 +556,7 @@ void tst_AsyncTaskLifetime::aMethodCalledByATaskMayDeleteTheProcessor()
     QVERIFY(!task);
 }
 
-void tst_AsyncTaskLifetime::aTaskAndItsProcessorMayBeDeletedInTheFinishedSignal()
+void TestAsyncTaskLifetime::aTaskAndItsProcessorMayBeDeletedInTheFinishedSignal()
 {
     const QPointer<AsyncTaskProcessor> processor = new AsyncTaskProcessor;
     const QPointer<TestTask> a = new TestTask(QStringLiteral("A"), succeed());
@@ -573,14 +573,14 @@ void tst_AsyncTaskLifetime::aTaskAndItsProcessorMayBeDeletedInTheFinishedSignal(
     QVERIFY(!b);
 }
 
-void tst_AsyncTaskLifetime::aTaskSeesItsParentUntilItIsGone_data()
+void TestAsyncTaskLifetime::aTaskSeesItsParentUntilItIsGone_data()
 {
     QTest::addColumn<bool>("skipped");
     QTest::newRow("the finished task") << false;
     QTest::newRow("a skipped task") << true;
 }
 
-void tst_AsyncTaskLifetime::aTaskSeesItsParentUntilItIsGone()
+void TestAsyncTaskLifetime::aTaskSeesItsParentUntilItIsGone()
 {
     QFETCH(bool, skipped);
     struct Child : TestTask
@@ -600,14 +600,14 @@ void tst_AsyncTaskLifetime::aTaskSeesItsParentUntilItIsGone()
     QCOMPARE(parentAtTheEnd, static_cast<QObject *>(&queue.processor));
 }
 
-void tst_AsyncTaskLifetime::aTaskThatFinishesInItsDestructorIsDeletedOnce_data()
+void TestAsyncTaskLifetime::aTaskThatFinishesInItsDestructorIsDeletedOnce_data()
 {
     QTest::addColumn<bool>("skipped");
     QTest::newRow("the finished task") << false;
     QTest::newRow("a skipped task") << true;
 }
 
-void tst_AsyncTaskLifetime::aTaskThatFinishesInItsDestructorIsDeletedOnce()
+void TestAsyncTaskLifetime::aTaskThatFinishesInItsDestructorIsDeletedOnce()
 {
     QFETCH(bool, skipped);
     struct Finisher : TestTask
@@ -636,14 +636,14 @@ void tst_AsyncTaskLifetime::aTaskThatFinishesInItsDestructorIsDeletedOnce()
     QCOMPARE(queue.journal, journal + texts({"started C", "finished C"}));
 }
 
-void tst_AsyncTaskLifetime::aSlotOfTheProcessorsDestroyedSignalMayDeleteTasks_data()
+void TestAsyncTaskLifetime::aSlotOfTheProcessorsDestroyedSignalMayDeleteTasks_data()
 {
     QTest::addColumn<QString>("task");
     for (const char *task : {"waiting", "running", "dropped", "clean-up", "with another parent"})
         QTest::newRow(task) << QString::fromLatin1(task);
 }
 
-void tst_AsyncTaskLifetime::aSlotOfTheProcessorsDestroyedSignalMayDeleteTasks()
+void TestAsyncTaskLifetime::aSlotOfTheProcessorsDestroyedSignalMayDeleteTasks()
 {
     QFETCH(QString, task);
     QObject other;
@@ -673,7 +673,7 @@ void tst_AsyncTaskLifetime::aSlotOfTheProcessorsDestroyedSignalMayDeleteTasks()
     QVERIFY(!victim);
 }
 
-void tst_AsyncTaskLifetime::aTaskMayFinishInTheProcessorsDestroyedSignal()
+void TestAsyncTaskLifetime::aTaskMayFinishInTheProcessorsDestroyedSignal()
 {
     auto processor = std::make_unique<AsyncTaskProcessor>();
     const QPointer<TestTask> a = new TestTask(QStringLiteral("A"), idle());
@@ -688,7 +688,7 @@ void tst_AsyncTaskLifetime::aTaskMayFinishInTheProcessorsDestroyedSignal()
     QVERIFY(!a);
 }
 
-void tst_AsyncTaskLifetime::aDroppedTaskMayBeAddedAgain()
+void TestAsyncTaskLifetime::aDroppedTaskMayBeAddedAgain()
 {
     Queue queue;
     queue.add("A", fail());
@@ -702,7 +702,7 @@ void tst_AsyncTaskLifetime::aDroppedTaskMayBeAddedAgain()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
 }
 
-void tst_AsyncTaskLifetime::theNextTaskDoesNotStartInAnEventLoopOfASlot()
+void TestAsyncTaskLifetime::theNextTaskDoesNotStartInAnEventLoopOfASlot()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", fail());
@@ -718,7 +718,7 @@ void tst_AsyncTaskLifetime::theNextTaskDoesNotStartInAnEventLoopOfASlot()
 }
 
 // The slot deletes the finished task, so that no task runs when its event loop starts the next one.
-void tst_AsyncTaskLifetime::aRunEndsWithTheTaskThatStartedInAnEventLoopOfASlot()
+void TestAsyncTaskLifetime::aRunEndsWithTheTaskThatStartedInAnEventLoopOfASlot()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A");
@@ -739,7 +739,7 @@ void tst_AsyncTaskLifetime::aRunEndsWithTheTaskThatStartedInAnEventLoopOfASlot()
     QCOMPARE(queue.lines().last(), QStringLiteral("Finished processing tasks in TIME"));
 }
 
-void tst_AsyncTaskLifetime::aTaskThatOutlivesItsProcessorIsNotStarted()
+void TestAsyncTaskLifetime::aTaskThatOutlivesItsProcessorIsNotStarted()
 {
     bool ran = false;
     QObject other;
@@ -756,7 +756,7 @@ void tst_AsyncTaskLifetime::aTaskThatOutlivesItsProcessorIsNotStarted()
 }
 
 // The slot deletes the finished task, so that no task runs when the event loop starts the next one.
-void tst_AsyncTaskLifetime::aSkippedTaskIsNotStartedInAnEventLoopOfItsDestructor()
+void TestAsyncTaskLifetime::aSkippedTaskIsNotStartedInAnEventLoopOfItsDestructor()
 {
     struct Starter : TestTask
     {
@@ -782,7 +782,7 @@ void tst_AsyncTaskLifetime::aSkippedTaskIsNotStartedInAnEventLoopOfItsDestructor
 
 // Compared with tasks that are only children of an object: a search of the queue for each deleted
 // task would take many times longer.
-void tst_AsyncTaskLifetime::deletingAWaitingTaskTakesNoLongerBecauseOthersWait()
+void TestAsyncTaskLifetime::deletingAWaitingTaskTakesNoLongerBecauseOthersWait()
 {
     constexpr int Count = 16000;
     const auto nanosecondsToDelete = [](const std::function<void(AsyncTask *)> &add) {
@@ -811,6 +811,6 @@ void tst_AsyncTaskLifetime::deletingAWaitingTaskTakesNoLongerBecauseOthersWait()
              qPrintable(QStringLiteral("%1 ns and %2 ns").arg(waiting).arg(children)));
 }
 
-QTEST_GUILESS_MAIN(tst_AsyncTaskLifetime)
+QTEST_GUILESS_MAIN(TestAsyncTaskLifetime)
 
 #include "tst_asynctasklifetime.moc"

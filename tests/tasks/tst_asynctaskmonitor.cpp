@@ -35,7 +35,7 @@ private:
 
 } // namespace
 
-class tst_AsyncTaskMonitor : public QObject
+class TestAsyncTaskMonitor : public QObject
 {
     Q_OBJECT
 
@@ -46,7 +46,7 @@ private Q_SLOTS:
     void assigningThroughTheInterfaceDoesNothing();
 };
 
-void tst_AsyncTaskMonitor::theDerivedMonitorAnswersThroughTheInterface()
+void TestAsyncTaskMonitor::theDerivedMonitorAnswersThroughTheInterface()
 {
     CancelButton button;
     AsyncTaskMonitor &monitor = button;
@@ -55,7 +55,7 @@ void tst_AsyncTaskMonitor::theDerivedMonitorAnswersThroughTheInterface()
     QVERIFY(monitor.isCanceled());
 }
 
-void tst_AsyncTaskMonitor::aMonitorIsDestroyedThroughTheInterface()
+void TestAsyncTaskMonitor::aMonitorIsDestroyedThroughTheInterface()
 {
     bool destroyed = false;
     std::unique_ptr<AsyncTaskMonitor> monitor = std::make_unique<CancelButton>(&destroyed);
@@ -63,7 +63,7 @@ void tst_AsyncTaskMonitor::aMonitorIsDestroyedThroughTheInterface()
     QVERIFY(destroyed);
 }
 
-void tst_AsyncTaskMonitor::copyingCopiesOnlyWhatTheDerivedMonitorHolds()
+void TestAsyncTaskMonitor::copyingCopiesOnlyWhatTheDerivedMonitorHolds()
 {
     CancelButton pressed;
     pressed.pressed = true;
@@ -77,7 +77,7 @@ void tst_AsyncTaskMonitor::copyingCopiesOnlyWhatTheDerivedMonitorHolds()
     QVERIFY(pressed.isCanceled());
 }
 
-void tst_AsyncTaskMonitor::assigningThroughTheInterfaceDoesNothing()
+void TestAsyncTaskMonitor::assigningThroughTheInterfaceDoesNothing()
 {
     CancelButton pressed;
     pressed.pressed = true;
@@ -87,6 +87,6 @@ void tst_AsyncTaskMonitor::assigningThroughTheInterfaceDoesNothing()
     QVERIFY(!monitor.isCanceled());
 }
 
-QTEST_GUILESS_MAIN(tst_AsyncTaskMonitor)
+QTEST_GUILESS_MAIN(TestAsyncTaskMonitor)
 
 #include "tst_asynctaskmonitor.moc"

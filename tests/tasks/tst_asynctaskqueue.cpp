@@ -12,7 +12,7 @@
 using Vorn::Util::Log;
 using Vorn::Util::System;
 
-class tst_AsyncTaskQueue : public QObject
+class TestAsyncTaskQueue : public QObject
 {
     Q_OBJECT
 
@@ -53,7 +53,7 @@ private Q_SLOTS:
     void stringBasedConnectionsFindTheSignals();
 };
 
-void tst_AsyncTaskQueue::aNewProcessorIsOkAndFinishedAndExitsOnError()
+void TestAsyncTaskQueue::aNewProcessorIsOkAndFinishedAndExitsOnError()
 {
     const AsyncTaskProcessor processor;
     QVERIFY(processor.isOk());
@@ -63,7 +63,7 @@ void tst_AsyncTaskQueue::aNewProcessorIsOkAndFinishedAndExitsOnError()
     QVERIFY(!processor.parent());
 }
 
-void tst_AsyncTaskQueue::theParentGivenOwnsTheProcessor()
+void TestAsyncTaskQueue::theParentGivenOwnsTheProcessor()
 {
     auto parent = std::make_unique<QObject>();
     const QPointer<AsyncTaskProcessor> processor = new AsyncTaskProcessor(parent.get());
@@ -72,7 +72,7 @@ void tst_AsyncTaskQueue::theParentGivenOwnsTheProcessor()
     QVERIFY(!processor);
 }
 
-void tst_AsyncTaskQueue::theSettingsAreKept()
+void TestAsyncTaskQueue::theSettingsAreKept()
 {
     AsyncTaskProcessor processor;
     processor.setExitOnError(false);
@@ -87,7 +87,7 @@ void tst_AsyncTaskQueue::theSettingsAreKept()
     QVERIFY(!processor.exitEventLoopWhenDone());
 }
 
-void tst_AsyncTaskQueue::addTaskTakesOwnership()
+void TestAsyncTaskQueue::addTaskTakesOwnership()
 {
     QObject formerParent;
     AsyncTaskProcessor processor;
@@ -96,7 +96,7 @@ void tst_AsyncTaskQueue::addTaskTakesOwnership()
     QCOMPARE(task->parent(), &processor);
 }
 
-void tst_AsyncTaskQueue::addTaskIgnoresNull()
+void TestAsyncTaskQueue::addTaskIgnoresNull()
 {
     Queue queue;
     queue.processor.addTask(nullptr);
@@ -107,14 +107,14 @@ void tst_AsyncTaskQueue::addTaskIgnoresNull()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
-void tst_AsyncTaskQueue::aTaskGetsTheLogThatTheProcessorHasWhenItIsAdded()
+void TestAsyncTaskQueue::aTaskGetsTheLogThatTheProcessorHasWhenItIsAdded()
 {
     const auto speak = [](TestTask &task) {
         task.log(QStringLiteral("I am ") + task.name());
         task.setFinished();
     };
-    TestLog first;
-    TestLog second;
+    TemporaryLog first;
+    TemporaryLog second;
     AsyncTaskProcessor processor;
     processor.setExitEventLoopWhenDone(true);
     processor.addTask(new TestTask(QStringLiteral("A"), speak));
@@ -132,7 +132,7 @@ void tst_AsyncTaskQueue::aTaskGetsTheLogThatTheProcessorHasWhenItIsAdded()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskQueue::isFinishedTellsWhetherATaskWaits()
+void TestAsyncTaskQueue::isFinishedTellsWhetherATaskWaits()
 {
     Queue queue;
     QVERIFY(queue.processor.isFinished());
@@ -150,7 +150,7 @@ void tst_AsyncTaskQueue::isFinishedTellsWhetherATaskWaits()
     QVERIFY(queue.processor.isFinished());
 }
 
-void tst_AsyncTaskQueue::isFinishedIsTrueDuringTheLastTask()
+void TestAsyncTaskQueue::isFinishedIsTrueDuringTheLastTask()
 {
     Queue queue;
     const QPointer<TestTask> task = queue.add("A", idle());
@@ -162,7 +162,7 @@ void tst_AsyncTaskQueue::isFinishedIsTrueDuringTheLastTask()
     QVERIFY(queue.processor.isFinished());
 }
 
-void tst_AsyncTaskQueue::destroyingTheProcessorDestroysTheWaitingTasks()
+void TestAsyncTaskQueue::destroyingTheProcessorDestroysTheWaitingTasks()
 {
     auto processor = std::make_unique<AsyncTaskProcessor>();
     const QPointer<AsyncTask> first = new TestTask(QStringLiteral("A"), succeed());
@@ -175,9 +175,9 @@ void tst_AsyncTaskQueue::destroyingTheProcessorDestroysTheWaitingTasks()
     QVERIFY(!second);
 }
 
-void tst_AsyncTaskQueue::destroyingTheProcessorDestroysTheRunningTask()
+void TestAsyncTaskQueue::destroyingTheProcessorDestroysTheRunningTask()
 {
-    TestLog log;
+    TemporaryLog log;
     auto processor = std::make_unique<AsyncTaskProcessor>();
     processor->setLog(log);
     bool finished = false;
@@ -193,7 +193,7 @@ void tst_AsyncTaskQueue::destroyingTheProcessorDestroysTheRunningTask()
     QCOMPARE(log.lines(), texts({"Start processing tasks", "Starting task: A"}));
 }
 
-void tst_AsyncTaskQueue::aRunThatSucceedsLogsEachStep()
+void TestAsyncTaskQueue::aRunThatSucceedsLogsEachStep()
 {
     Queue queue;
     queue.add("A");
@@ -207,7 +207,7 @@ void tst_AsyncTaskQueue::aRunThatSucceedsLogsEachStep()
                "Starting task: B", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskQueue::tasksRunInTheOrderAdded()
+void TestAsyncTaskQueue::tasksRunInTheOrderAdded()
 {
     Queue queue;
     queue.add("A", later(succeed()));
@@ -220,7 +220,7 @@ void tst_AsyncTaskQueue::tasksRunInTheOrderAdded()
                     "started D", "finished D"}));
 }
 
-void tst_AsyncTaskQueue::finishedIsEmittedBeforeTheResultIsTakenAndLogged()
+void TestAsyncTaskQueue::finishedIsEmittedBeforeTheResultIsTakenAndLogged()
 {
     Queue queue;
     const QPointer<TestTask> task = queue.add("A", fail(QStringLiteral("No mesh")));
@@ -240,7 +240,7 @@ void tst_AsyncTaskQueue::finishedIsEmittedBeforeTheResultIsTakenAndLogged()
     QCOMPARE(linesWhenFinished, texts({"Start processing tasks", "Starting task: A"}));
 }
 
-void tst_AsyncTaskQueue::aFinishedTaskIsDeletedBeforeSetFinishedReturns()
+void TestAsyncTaskQueue::aFinishedTaskIsDeletedBeforeSetFinishedReturns()
 {
     Queue queue;
     const auto finishAndLook = [&queue](TestTask &task) {
@@ -258,7 +258,7 @@ void tst_AsyncTaskQueue::aFinishedTaskIsDeletedBeforeSetFinishedReturns()
         texts({"started A", "finished A", "A is gone", "started B", "finished B", "B is gone"}));
 }
 
-void tst_AsyncTaskQueue::theNextTaskNeverStartsInsideTheFinishedEmission()
+void TestAsyncTaskQueue::theNextTaskNeverStartsInsideTheFinishedEmission()
 {
     Queue queue;
     int depth = 0;
@@ -277,7 +277,7 @@ void tst_AsyncTaskQueue::theNextTaskNeverStartsInsideTheFinishedEmission()
     QCOMPARE(queue.journal.size(), 10);
 }
 
-void tst_AsyncTaskQueue::theNextStartIsPostedWhenTheTaskBeforeHasFinished()
+void TestAsyncTaskQueue::theNextStartIsPostedWhenTheTaskBeforeHasFinished()
 {
     Queue queue;
     queue.add("A");
@@ -297,7 +297,7 @@ void tst_AsyncTaskQueue::theNextStartIsPostedWhenTheTaskBeforeHasFinished()
                     "posted by B", "started C", "finished C", "posted by C"}));
 }
 
-void tst_AsyncTaskQueue::theStackDoesNotGrowWithTheQueue()
+void TestAsyncTaskQueue::theStackDoesNotGrowWithTheQueue()
 {
     Queue queue;
     const int count = 2000;
@@ -313,7 +313,7 @@ void tst_AsyncTaskQueue::theStackDoesNotGrowWithTheQueue()
     QCOMPARE(queue.lines().size(), 2 * count + 2);
 }
 
-void tst_AsyncTaskQueue::progressIsPassedOnWithTheRunningTaskAndNotLogged()
+void TestAsyncTaskQueue::progressIsPassedOnWithTheRunningTaskAndNotLogged()
 {
     Queue queue;
     const auto report = [](TestTask &task) {
@@ -333,7 +333,7 @@ void tst_AsyncTaskQueue::progressIsPassedOnWithTheRunningTaskAndNotLogged()
                "Starting task: B", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskQueue::namesAndErrorsAreWrittenAsTheyStand()
+void TestAsyncTaskQueue::namesAndErrorsAreWrittenAsTheyStand()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("%1 %2 A", fail(QStringLiteral("%1 and %2 größer")));
@@ -346,7 +346,7 @@ void tst_AsyncTaskQueue::namesAndErrorsAreWrittenAsTheyStand()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskQueue::theTimeOfATaskIsThatOfTheTask()
+void TestAsyncTaskQueue::theTimeOfATaskIsThatOfTheTask()
 {
     Queue queue;
     queue.processor.setExitOnError(false);
@@ -371,7 +371,7 @@ void tst_AsyncTaskQueue::theTimeOfATaskIsThatOfTheTask()
                  .arg(System::getElapsedTimeString(times.at(1))));
 }
 
-void tst_AsyncTaskQueue::theTimeOfTheRunBeginsWithStartLater()
+void TestAsyncTaskQueue::theTimeOfTheRunBeginsWithStartLater()
 {
     Queue queue;
     queue.add("A");
@@ -391,7 +391,7 @@ void tst_AsyncTaskQueue::theTimeOfTheRunBeginsWithStartLater()
     QVERIFY2(finishedLines(atLeast - 1, atMost).contains(line), qPrintable(line));
 }
 
-void tst_AsyncTaskQueue::theProcessorWritesWithoutTheSizeCheck()
+void TestAsyncTaskQueue::theProcessorWritesWithoutTheSizeCheck()
 {
     Queue queue;
     {
@@ -405,7 +405,7 @@ void tst_AsyncTaskQueue::theProcessorWritesWithoutTheSizeCheck()
     QVERIFY(QFileInfo(queue.log.fileName()).size() > Log::MaxLogSize);
 }
 
-void tst_AsyncTaskQueue::aRunWithoutALogWritesNothingAndWorks()
+void TestAsyncTaskQueue::aRunWithoutALogWritesNothingAndWorks()
 {
     Queue queue;
     queue.processor.setLog(nullptr);
@@ -419,10 +419,10 @@ void tst_AsyncTaskQueue::aRunWithoutALogWritesNothingAndWorks()
     QCOMPARE(queue.lines(), QStringList());
 }
 
-void tst_AsyncTaskQueue::aLogSetDuringTheRunGetsTheProcessorsLines()
+void TestAsyncTaskQueue::aLogSetDuringTheRunGetsTheProcessorsLines()
 {
     Queue queue;
-    TestLog second;
+    TemporaryLog second;
     queue.add("A", [&](TestTask &task) {
         queue.processor.setLog(second);
         task.log(QStringLiteral("I am A"));
@@ -434,7 +434,7 @@ void tst_AsyncTaskQueue::aLogSetDuringTheRunGetsTheProcessorsLines()
              texts({"Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskQueue::aTaskAddedDuringTheRunIsRunToo()
+void TestAsyncTaskQueue::aTaskAddedDuringTheRunIsRunToo()
 {
     Queue queue;
     queue.add("A");
@@ -452,7 +452,7 @@ void tst_AsyncTaskQueue::aTaskAddedDuringTheRunIsRunToo()
                "Starting task: B", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskQueue::theEventLoopRunsOnWhenItIsNotToBeEnded()
+void TestAsyncTaskQueue::theEventLoopRunsOnWhenItIsNotToBeEnded()
 {
     Queue queue;
     queue.processor.setExitEventLoopWhenDone(false);
@@ -463,7 +463,7 @@ void tst_AsyncTaskQueue::theEventLoopRunsOnWhenItIsNotToBeEnded()
     QCOMPARE(queue.lines().last(), QStringLiteral("Finished processing tasks in TIME"));
 }
 
-void tst_AsyncTaskQueue::theEventLoopIsToBeEndedWhenThisIsSetDuringTheRun()
+void TestAsyncTaskQueue::theEventLoopIsToBeEndedWhenThisIsSetDuringTheRun()
 {
     Queue queue;
     queue.processor.setExitEventLoopWhenDone(false);
@@ -474,7 +474,7 @@ void tst_AsyncTaskQueue::theEventLoopIsToBeEndedWhenThisIsSetDuringTheRun()
     QCOMPARE(queue.run(), 0);
 }
 
-void tst_AsyncTaskQueue::stringBasedConnectionsFindTheSignals()
+void TestAsyncTaskQueue::stringBasedConnectionsFindTheSignals()
 {
     qRegisterMetaType<Vorn::Util::AsyncTask *>("Vorn::Util::AsyncTask*");
     Queue queue;
@@ -502,7 +502,7 @@ void tst_AsyncTaskQueue::stringBasedConnectionsFindTheSignals()
     QCOMPARE(progress.at(0).at(1).toString(), QStringLiteral("half"));
 }
 
-void tst_AsyncTaskQueue::addingTasksTakesLinearTimeWithEitherParent()
+void TestAsyncTaskQueue::addingTasksTakesLinearTimeWithEitherParent()
 {
     const int count = 50000;
     const auto nanosecondsToAdd = [](bool bornAsChildren) {
@@ -520,6 +520,6 @@ void tst_AsyncTaskQueue::addingTasksTakesLinearTimeWithEitherParent()
              qPrintable(QStringLiteral("%1 ns and %2 ns").arg(asChildren).arg(withoutParent)));
 }
 
-QTEST_GUILESS_MAIN(tst_AsyncTaskQueue)
+QTEST_GUILESS_MAIN(TestAsyncTaskQueue)
 
 #include "tst_asynctaskqueue.moc"

@@ -14,7 +14,7 @@ bool callSlot(AsyncTaskProcessor &processor, const char *name)
 
 } // namespace
 
-class tst_AsyncTaskStart : public QObject
+class TestAsyncTaskStart : public QObject
 {
     Q_OBJECT
 
@@ -46,7 +46,7 @@ private Q_SLOTS:
     void theProgressSlotEmitsProgressOfTheRunningTask();
 };
 
-void tst_AsyncTaskStart::startLaterOnAnEmptyQueueDoesNothing()
+void TestAsyncTaskStart::startLaterOnAnEmptyQueueDoesNothing()
 {
     Queue queue;
     queue.processor.startLater();
@@ -56,7 +56,7 @@ void tst_AsyncTaskStart::startLaterOnAnEmptyQueueDoesNothing()
     QVERIFY(queue.processor.isOk());
 }
 
-void tst_AsyncTaskStart::startLaterLogsTheStartAtOnceAndStartsNothing()
+void TestAsyncTaskStart::startLaterLogsTheStartAtOnceAndStartsNothing()
 {
     Queue queue;
     const QPointer<TestTask> task = queue.add("A");
@@ -66,7 +66,7 @@ void tst_AsyncTaskStart::startLaterLogsTheStartAtOnceAndStartsNothing()
     QVERIFY(task);
 }
 
-void tst_AsyncTaskStart::theFirstTaskStartsWithAQueuedCall()
+void TestAsyncTaskStart::theFirstTaskStartsWithAQueuedCall()
 {
     Queue queue;
     queue.add("A");
@@ -75,9 +75,9 @@ void tst_AsyncTaskStart::theFirstTaskStartsWithAQueuedCall()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
 }
 
-void tst_AsyncTaskStart::aProcessorDestroyedBeforeTheFirstTaskStartsNothing()
+void TestAsyncTaskStart::aProcessorDestroyedBeforeTheFirstTaskStartsNothing()
 {
-    TestLog log;
+    TemporaryLog log;
     bool ran = false;
     {
         AsyncTaskProcessor processor;
@@ -90,7 +90,7 @@ void tst_AsyncTaskStart::aProcessorDestroyedBeforeTheFirstTaskStartsNothing()
     QCOMPARE(log.lines(), texts({"Start processing tasks"}));
 }
 
-void tst_AsyncTaskStart::theStartIsLoggedBeforeStartedIsEmittedAndTheTaskRuns()
+void TestAsyncTaskStart::theStartIsLoggedBeforeStartedIsEmittedAndTheTaskRuns()
 {
     Queue queue;
     QStringList linesWhenStarted;
@@ -105,14 +105,14 @@ void tst_AsyncTaskStart::theStartIsLoggedBeforeStartedIsEmittedAndTheTaskRuns()
     QCOMPARE(queue.journal, texts({"started A", "running A", "finished A"}));
 }
 
-void tst_AsyncTaskStart::aSecondStartBeforeTheRunStartsNoTaskTwice_data()
+void TestAsyncTaskStart::aSecondStartBeforeTheRunStartsNoTaskTwice_data()
 {
     QTest::addColumn<bool>("atOnce");
     QTest::newRow("tasks that finish inside execute()") << true;
     QTest::newRow("tasks that finish later") << false;
 }
 
-void tst_AsyncTaskStart::aSecondStartBeforeTheRunStartsNoTaskTwice()
+void TestAsyncTaskStart::aSecondStartBeforeTheRunStartsNoTaskTwice()
 {
     QFETCH(bool, atOnce);
     const TestTask::Work work = atOnce ? succeed() : later(succeed());
@@ -135,7 +135,7 @@ void tst_AsyncTaskStart::aSecondStartBeforeTheRunStartsNoTaskTwice()
                "Starting task: C", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskStart::aSecondStartDuringATaskDoesNotStartTheNextOne()
+void TestAsyncTaskStart::aSecondStartDuringATaskDoesNotStartTheNextOne()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", idle());
@@ -155,7 +155,7 @@ void tst_AsyncTaskStart::aSecondStartDuringATaskDoesNotStartTheNextOne()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskStart::aSecondStartRestartsTheTimeOfTheRun()
+void TestAsyncTaskStart::aSecondStartRestartsTheTimeOfTheRun()
 {
     Queue queue;
     queue.add("A");
@@ -173,7 +173,7 @@ void tst_AsyncTaskStart::aSecondStartRestartsTheTimeOfTheRun()
     QVERIFY2(finishedLines(0, atMost).contains(line), qPrintable(line));
 }
 
-void tst_AsyncTaskStart::aStartStillPendingAfterTheRunStartsATaskAddedSince()
+void TestAsyncTaskStart::aStartStillPendingAfterTheRunStartsATaskAddedSince()
 {
     Queue queue;
     queue.processor.setExitEventLoopWhenDone(false);
@@ -192,7 +192,7 @@ void tst_AsyncTaskStart::aStartStillPendingAfterTheRunStartsATaskAddedSince()
                "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskStart::aTaskAddedAfterTheRunWaitsForTheNextStart()
+void TestAsyncTaskStart::aTaskAddedAfterTheRunWaitsForTheNextStart()
 {
     Queue queue;
     queue.add("A");
@@ -205,7 +205,7 @@ void tst_AsyncTaskStart::aTaskAddedAfterTheRunWaitsForTheNextStart()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
 }
 
-void tst_AsyncTaskStart::aProcessorStartedAgainRunsWhatWasAddedSince()
+void TestAsyncTaskStart::aProcessorStartedAgainRunsWhatWasAddedSince()
 {
     Queue queue;
     queue.add("A", fail());
@@ -222,7 +222,7 @@ void tst_AsyncTaskStart::aProcessorStartedAgainRunsWhatWasAddedSince()
                "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskStart::theStartSlotStartsTheFirstTask()
+void TestAsyncTaskStart::theStartSlotStartsTheFirstTask()
 {
     Queue queue;
     queue.add("A");
@@ -236,7 +236,7 @@ void tst_AsyncTaskStart::theStartSlotStartsTheFirstTask()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskStart::theStartSlotDoesNothingWhileATaskRuns()
+void TestAsyncTaskStart::theStartSlotDoesNothingWhileATaskRuns()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", idle());
@@ -250,7 +250,7 @@ void tst_AsyncTaskStart::theStartSlotDoesNothingWhileATaskRuns()
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
 }
 
-void tst_AsyncTaskStart::theStartSlotDoesNothingWithAnEmptyQueue()
+void TestAsyncTaskStart::theStartSlotDoesNothingWithAnEmptyQueue()
 {
     Queue queue;
     QVERIFY(callSlot(queue.processor, "startTaskFromQueue"));
@@ -259,7 +259,7 @@ void tst_AsyncTaskStart::theStartSlotDoesNothingWithAnEmptyQueue()
     QCOMPARE(queue.lines(), QStringList());
 }
 
-void tst_AsyncTaskStart::theFinishedSlotEndsTheRunningTask()
+void TestAsyncTaskStart::theFinishedSlotEndsTheRunningTask()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A", idle());
@@ -277,7 +277,7 @@ void tst_AsyncTaskStart::theFinishedSlotEndsTheRunningTask()
                "Starting task: B", "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskStart::theFinishedSlotDoesNothingWithoutARunningTask()
+void TestAsyncTaskStart::theFinishedSlotDoesNothingWithoutARunningTask()
 {
     Queue queue;
     const QPointer<TestTask> a = queue.add("A");
@@ -289,14 +289,14 @@ void tst_AsyncTaskStart::theFinishedSlotDoesNothingWithoutARunningTask()
     QCOMPARE(queue.lines(), QStringList());
 }
 
-void tst_AsyncTaskStart::theFinishedSlotDoesNothingWhileTheEndIsHandled_data()
+void TestAsyncTaskStart::theFinishedSlotDoesNothingWhileTheEndIsHandled_data()
 {
     QTest::addColumn<bool>("taskIsGone");
     QTest::newRow("the task is there") << false;
     QTest::newRow("a slot has deleted the task") << true;
 }
 
-void tst_AsyncTaskStart::theFinishedSlotDoesNothingWhileTheEndIsHandled()
+void TestAsyncTaskStart::theFinishedSlotDoesNothingWhileTheEndIsHandled()
 {
     QFETCH(bool, taskIsGone);
     Queue queue;
@@ -313,7 +313,7 @@ void tst_AsyncTaskStart::theFinishedSlotDoesNothingWhileTheEndIsHandled()
                     "Finished processing tasks in TIME"}));
 }
 
-void tst_AsyncTaskStart::theProgressSlotEmitsProgressOfTheRunningTask()
+void TestAsyncTaskStart::theProgressSlotEmitsProgressOfTheRunningTask()
 {
     Queue queue;
     queue.add("A", idle());
@@ -329,6 +329,6 @@ void tst_AsyncTaskStart::theProgressSlotEmitsProgressOfTheRunningTask()
     QCOMPARE(queue.journal, texts({"progress nothing early", "started A", "progress A half"}));
 }
 
-QTEST_GUILESS_MAIN(tst_AsyncTaskStart)
+QTEST_GUILESS_MAIN(TestAsyncTaskStart)
 
 #include "tst_asynctaskstart.moc"

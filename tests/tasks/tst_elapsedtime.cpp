@@ -6,7 +6,7 @@
 
 using Vorn::Util::System;
 
-class tst_ElapsedTime : public QObject
+class TestElapsedTime : public QObject
 {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ void addColumns()
 
 } // namespace
 
-void tst_ElapsedTime::aDurationIsWrittenInTheFormOfItsGreatestUnit_data()
+void TestElapsedTime::aDurationIsWrittenInTheFormOfItsGreatestUnit_data()
 {
     addColumns();
     // below a second
@@ -74,12 +74,12 @@ void tst_ElapsedTime::aDurationIsWrittenInTheFormOfItsGreatestUnit_data()
     addRow(std::numeric_limits<qint64>::max(), "2562047788015:12:55.80");
 }
 
-void tst_ElapsedTime::aDurationIsWrittenInTheFormOfItsGreatestUnit()
+void TestElapsedTime::aDurationIsWrittenInTheFormOfItsGreatestUnit()
 {
     compare();
 }
 
-void tst_ElapsedTime::theLastMillisecondDigitIsDroppedNotRounded_data()
+void TestElapsedTime::theLastMillisecondDigitIsDroppedNotRounded_data()
 {
     addColumns();
     addRow(9, "0.00 sec");
@@ -92,12 +92,12 @@ void tst_ElapsedTime::theLastMillisecondDigitIsDroppedNotRounded_data()
     addRow(3600009, "1:00:00.00");
 }
 
-void tst_ElapsedTime::theLastMillisecondDigitIsDroppedNotRounded()
+void TestElapsedTime::theLastMillisecondDigitIsDroppedNotRounded()
 {
     compare();
 }
 
-void tst_ElapsedTime::aNegativeDurationIsWrittenAsNegativeHundredths_data()
+void TestElapsedTime::aNegativeDurationIsWrittenAsNegativeHundredths_data()
 {
     addColumns();
     addRow(-1, "0.00 sec");
@@ -112,11 +112,11 @@ void tst_ElapsedTime::aNegativeDurationIsWrittenAsNegativeHundredths_data()
     addRow(std::numeric_limits<qint64>::min(), "0.-80 sec");
 }
 
-void tst_ElapsedTime::aNegativeDurationIsWrittenAsNegativeHundredths()
+void TestElapsedTime::aNegativeDurationIsWrittenAsNegativeHundredths()
 {
     compare();
 }
 
-QTEST_GUILESS_MAIN(tst_ElapsedTime)
+QTEST_GUILESS_MAIN(TestElapsedTime)
 
 #include "tst_elapsedtime.moc"

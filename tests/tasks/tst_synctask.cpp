@@ -2,7 +2,7 @@
 
 #include <Utility/AsyncTaskProcessor.h>
 
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "TestTask.h"
 
 #include <QtTest/QtTest>
@@ -59,7 +59,7 @@ using Vorn::Util::AsyncTask;
 using Vorn::Util::AsyncTaskProcessor;
 using Vorn::Util::SyncTask;
 
-class tst_SyncTask : public QObject
+class TestSyncTask : public QObject
 {
     Q_OBJECT
 
@@ -94,7 +94,7 @@ private Q_SLOTS:
     void theMethodMayDeleteTheProcessor();
 };
 
-void tst_SyncTask::theNameIsTheClassNameAndTheMethod_data()
+void TestSyncTask::theNameIsTheClassNameAndTheMethod_data()
 {
     QTest::addColumn<QString>("method");
     QTest::addColumn<QString>("name");
@@ -107,7 +107,7 @@ void tst_SyncTask::theNameIsTheClassNameAndTheMethod_data()
         << QStringLiteral("κλήση") << QStringLiteral("app::Worker::κλήση");
 }
 
-void tst_SyncTask::theNameIsTheClassNameAndTheMethod()
+void TestSyncTask::theNameIsTheClassNameAndTheMethod()
 {
     QFETCH(QString, method);
     QFETCH(QString, name);
@@ -119,7 +119,7 @@ void tst_SyncTask::theNameIsTheClassNameAndTheMethod()
     QCOMPARE(worker.calls, 0);
 }
 
-void tst_SyncTask::theNameHasTheClassOfTheObjectItself()
+void TestSyncTask::theNameHasTheClassOfTheObjectItself()
 {
     app::SpecialWorker worker;
     QObject *receiver = &worker;
@@ -127,7 +127,7 @@ void tst_SyncTask::theNameHasTheClassOfTheObjectItself()
     QCOMPARE(task.name(), QStringLiteral("app::SpecialWorker::update"));
 }
 
-void tst_SyncTask::theTaskBelongsToTheParentGiven()
+void TestSyncTask::theTaskBelongsToTheParentGiven()
 {
     app::Worker worker;
     QObject parent;
@@ -135,7 +135,7 @@ void tst_SyncTask::theTaskBelongsToTheParentGiven()
     QCOMPARE(task->parent(), &parent);
 }
 
-void tst_SyncTask::theReceiverIsNotOwned()
+void TestSyncTask::theReceiverIsNotOwned()
 {
     app::Worker worker;
     {
@@ -146,7 +146,7 @@ void tst_SyncTask::theReceiverIsNotOwned()
     QCOMPARE(worker.calls, 1);
 }
 
-void tst_SyncTask::aSlotRunsInsideExecute()
+void TestSyncTask::aSlotRunsInsideExecute()
 {
     app::Worker worker;
     SyncTask task(&worker, QStringLiteral("update"), nullptr);
@@ -156,7 +156,7 @@ void tst_SyncTask::aSlotRunsInsideExecute()
     QVERIFY(task.isOk());
 }
 
-void tst_SyncTask::finishedIsEmittedOnceAfterTheMethodHasReturned()
+void TestSyncTask::finishedIsEmittedOnceAfterTheMethodHasReturned()
 {
     app::Worker worker;
     SyncTask task(&worker, QStringLiteral("update"), nullptr);
@@ -168,7 +168,7 @@ void tst_SyncTask::finishedIsEmittedOnceAfterTheMethodHasReturned()
     QCOMPARE(finished.count(), 1);
 }
 
-void tst_SyncTask::elapsedTimeCoversTheCall()
+void TestSyncTask::elapsedTimeCoversTheCall()
 {
     app::Worker worker;
     worker.work = [] {
@@ -182,7 +182,7 @@ void tst_SyncTask::elapsedTimeCoversTheCall()
     QVERIFY2(task.elapsedTime() >= 5, qPrintable(QString::number(task.elapsedTime())));
 }
 
-void tst_SyncTask::everyKindOfMethodWithoutArgumentsIsCalled_data()
+void TestSyncTask::everyKindOfMethodWithoutArgumentsIsCalled_data()
 {
     QTest::addColumn<QString>("method");
     QTest::addColumn<int>("calls");
@@ -192,7 +192,7 @@ void tst_SyncTask::everyKindOfMethodWithoutArgumentsIsCalled_data()
     QTest::newRow("default argument") << QStringLiteral("refine") << 7;
 }
 
-void tst_SyncTask::everyKindOfMethodWithoutArgumentsIsCalled()
+void TestSyncTask::everyKindOfMethodWithoutArgumentsIsCalled()
 {
     QFETCH(QString, method);
     app::SpecialWorker worker; // which inherits them all
@@ -204,7 +204,7 @@ void tst_SyncTask::everyKindOfMethodWithoutArgumentsIsCalled()
     QVERIFY(task.isOk());
 }
 
-void tst_SyncTask::aSignalOfTheReceiverIsEmitted()
+void TestSyncTask::aSignalOfTheReceiverIsEmitted()
 {
     app::Worker worker;
     const QSignalSpy changed(&worker, &app::Worker::changed);
@@ -214,7 +214,7 @@ void tst_SyncTask::aSignalOfTheReceiverIsEmitted()
     QVERIFY(task.isOk());
 }
 
-void tst_SyncTask::theMethodIsCalledDirectlyAlsoForAReceiverOfAnotherThread()
+void TestSyncTask::theMethodIsCalledDirectlyAlsoForAReceiverOfAnotherThread()
 {
     QThread neverStarted;
     app::Worker worker;
@@ -228,7 +228,7 @@ void tst_SyncTask::theMethodIsCalledDirectlyAlsoForAReceiverOfAnotherThread()
     QCOMPARE(finished.count(), 1);
 }
 
-void tst_SyncTask::whatTheMethodReturnsDoesNotMatter_data()
+void TestSyncTask::whatTheMethodReturnsDoesNotMatter_data()
 {
     QTest::addColumn<QString>("method");
     QTest::newRow("false") << QStringLiteral("failAsBool");
@@ -236,7 +236,7 @@ void tst_SyncTask::whatTheMethodReturnsDoesNotMatter_data()
     QTest::newRow("an error text") << QStringLiteral("failAsText");
 }
 
-void tst_SyncTask::whatTheMethodReturnsDoesNotMatter()
+void TestSyncTask::whatTheMethodReturnsDoesNotMatter()
 {
     QFETCH(QString, method);
     app::Worker worker;
@@ -249,7 +249,7 @@ void tst_SyncTask::whatTheMethodReturnsDoesNotMatter()
     QCOMPARE(task.error(), QString());
 }
 
-void tst_SyncTask::theStateInWhichTheMethodLeavesTheTaskIsKept()
+void TestSyncTask::theStateInWhichTheMethodLeavesTheTaskIsKept()
 {
     struct OpenTask : SyncTask
     {
@@ -266,7 +266,7 @@ void tst_SyncTask::theStateInWhichTheMethodLeavesTheTaskIsKept()
     QCOMPARE(task.error(), QStringLiteral("the work went wrong"));
 }
 
-void tst_SyncTask::eachStartCallsTheMethodOnce()
+void TestSyncTask::eachStartCallsTheMethodOnce()
 {
     app::Worker worker;
     SyncTask first(&worker, QStringLiteral("update"), nullptr);
@@ -276,7 +276,7 @@ void tst_SyncTask::eachStartCallsTheMethodOnce()
     QCOMPARE(worker.calls, 2);
 }
 
-void tst_SyncTask::aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes_data()
+void TestSyncTask::aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes_data()
 {
     QTest::addColumn<QString>("method");
     QTest::newRow("parentheses") << QStringLiteral("update()");
@@ -290,7 +290,7 @@ void tst_SyncTask::aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes_dat
     QTest::newRow("percent and digit") << QStringLiteral("%1");
 }
 
-void tst_SyncTask::aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes()
+void TestSyncTask::aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes()
 {
     QFETCH(QString, method);
     app::Worker worker;
@@ -308,7 +308,7 @@ void tst_SyncTask::aMethodThatCannotBeCalledIsAnErrorAndTheTaskNeverFinishes()
     QCOMPARE(worker.calls, 0);
 }
 
-void tst_SyncTask::aReceiverThatIsGoneHasNoMethodToCall()
+void TestSyncTask::aReceiverThatIsGoneHasNoMethodToCall()
 {
     auto worker = std::make_unique<app::Worker>();
     SyncTask task(worker.get(), QStringLiteral("update"), nullptr);
@@ -319,7 +319,7 @@ void tst_SyncTask::aReceiverThatIsGoneHasNoMethodToCall()
     QCOMPARE(finished.count(), 0);
 }
 
-void tst_SyncTask::aTaskWithoutAReceiverHasNoMethodToCall()
+void TestSyncTask::aTaskWithoutAReceiverHasNoMethodToCall()
 {
     SyncTask task(nullptr, QStringLiteral("update"), nullptr);
     const QSignalSpy finished(&task, &AsyncTask::finished);
@@ -328,9 +328,9 @@ void tst_SyncTask::aTaskWithoutAReceiverHasNoMethodToCall()
     QCOMPARE(finished.count(), 0);
 }
 
-void tst_SyncTask::aProcessorWaitsForEverForATaskThatCannotCallItsMethod()
+void TestSyncTask::aProcessorWaitsForEverForATaskThatCannotCallItsMethod()
 {
-    TestLog log;
+    TemporaryLog log;
     app::Worker worker;
     AsyncTaskProcessor processor;
     processor.setLog(log);
@@ -351,9 +351,9 @@ void tst_SyncTask::aProcessorWaitsForEverForATaskThatCannotCallItsMethod()
              texts({"Start processing tasks", "Starting task: app::Worker::update()"}));
 }
 
-void tst_SyncTask::aQueueOfSyncTasksRunsInOrder()
+void TestSyncTask::aQueueOfSyncTasksRunsInOrder()
 {
-    TestLog log;
+    TemporaryLog log;
     app::Worker worker;
     app::SpecialWorker special;
     QStringList calls;
@@ -376,7 +376,7 @@ void tst_SyncTask::aQueueOfSyncTasksRunsInOrder()
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
 }
 
-void tst_SyncTask::theMethodMayDeleteTheReceiver()
+void TestSyncTask::theMethodMayDeleteTheReceiver()
 {
     const QPointer<app::Worker> worker = new app::Worker;
     worker->work = [&worker] { delete worker; };
@@ -388,7 +388,7 @@ void tst_SyncTask::theMethodMayDeleteTheReceiver()
     QCOMPARE(finished.count(), 1);
 }
 
-void tst_SyncTask::theMethodMayDeleteTheTask()
+void TestSyncTask::theMethodMayDeleteTheTask()
 {
     app::Worker worker;
     const QPointer<AsyncTask> task = new SyncTask(&worker, QStringLiteral("update"), nullptr);
@@ -399,9 +399,9 @@ void tst_SyncTask::theMethodMayDeleteTheTask()
     QCOMPARE(finished.count(), 0);
 }
 
-void tst_SyncTask::theMethodMayDeleteTheProcessor()
+void TestSyncTask::theMethodMayDeleteTheProcessor()
 {
-    TestLog log;
+    TemporaryLog log;
     app::Worker worker;
     const QPointer<AsyncTaskProcessor> processor = new AsyncTaskProcessor;
     processor->setLog(log);
@@ -419,6 +419,6 @@ void tst_SyncTask::theMethodMayDeleteTheProcessor()
     QCOMPARE(log.lines(), texts({"Start processing tasks", "Starting task: app::Worker::update"}));
 }
 
-QTEST_GUILESS_MAIN(tst_SyncTask)
+QTEST_GUILESS_MAIN(TestSyncTask)
 
 #include "tst_synctask.moc"

@@ -90,7 +90,7 @@ int valueIn(QLibrary &module, const char *name)
 
 } // namespace
 
-class tst_Enum : public QObject
+class TestEnum : public QObject
 {
     Q_OBJECT
 
@@ -134,13 +134,13 @@ private Q_SLOTS:
     void theRegistriesLiveUntilTheProcessEnds();
 };
 
-void tst_Enum::invalidIsMinusOne()
+void TestEnum::invalidIsMinusOne()
 {
     const int *address = &Member::Invalid;
     QCOMPARE(*address, -1);
 }
 
-void tst_Enum::invalidIsAConstantExpression()
+void TestEnum::invalidIsAConstantExpression()
 {
     static_assert(Member::Invalid == -1);
     const auto isInvalid = [](int id) {
@@ -155,7 +155,7 @@ void tst_Enum::invalidIsAConstantExpression()
     QVERIFY(!isInvalid(Red.id()));
 }
 
-void tst_Enum::aDefaultMemberIsInvalidAndOfNoType()
+void TestEnum::aDefaultMemberIsInvalidAndOfNoType()
 {
     const Member member;
     QVERIFY(!member.isValid());
@@ -163,7 +163,7 @@ void tst_Enum::aDefaultMemberIsInvalidAndOfNoType()
     QVERIFY(member == Member(QString(), -1));
 }
 
-void tst_Enum::idsFollowTheOrderOfRegistration()
+void TestEnum::idsFollowTheOrderOfRegistration()
 {
     QCOMPARE(Red.id(), 0);
     QCOMPARE(Green.id(), 1);
@@ -172,7 +172,7 @@ void tst_Enum::idsFollowTheOrderOfRegistration()
     QVERIFY(Red.isValid() && Green.isValid() && Blue.isValid());
 }
 
-void tst_Enum::valuesAreIdsUnlessGiven()
+void TestEnum::valuesAreIdsUnlessGiven()
 {
     QCOMPARE(Red.toValue(), 0);
     QCOMPARE(Green.toValue(), 1);
@@ -185,7 +185,7 @@ void tst_Enum::valuesAreIdsUnlessGiven()
     QCOMPARE(given.toString(), QStringLiteral("first"));
 }
 
-void tst_Enum::anAutomaticValueAfterAGivenOneIsStillTheId()
+void TestEnum::anAutomaticValueAfterAGivenOneIsStillTheId()
 {
     const QString type = QStringLiteral("Mixed");
     const Member a(type, "A");
@@ -198,7 +198,7 @@ void tst_Enum::anAutomaticValueAfterAGivenOneIsStillTheId()
     QCOMPARE(c.id(), 2);
 }
 
-void tst_Enum::aGivenValueMayBeAnyNumber_data()
+void TestEnum::aGivenValueMayBeAnyNumber_data()
 {
     QTest::addColumn<int>("value");
 
@@ -207,7 +207,7 @@ void tst_Enum::aGivenValueMayBeAnyNumber_data()
         QTest::newRow(QByteArray::number(value).constData()) << value;
 }
 
-void tst_Enum::aGivenValueMayBeAnyNumber()
+void TestEnum::aGivenValueMayBeAnyNumber()
 {
     QFETCH(int, value);
     const QString type = QStringLiteral("Any%1").arg(value);
@@ -218,7 +218,7 @@ void tst_Enum::aGivenValueMayBeAnyNumber()
     QVERIFY(member != other);
 }
 
-void tst_Enum::aMemberOfValueMinusOneIsValid()
+void TestEnum::aMemberOfValueMinusOneIsValid()
 {
     const QString type = QStringLiteral("Negative");
     const Member none(type, "none", -1);
@@ -228,7 +228,7 @@ void tst_Enum::aMemberOfValueMinusOneIsValid()
     QCOMPARE(Enum::fromValue(type, -1).toString(), QStringLiteral("none"));
 }
 
-void tst_Enum::aMemberByIdRegistersNothing()
+void TestEnum::aMemberByIdRegistersNothing()
 {
     const Member member(QStringLiteral("Nowhere"), 3);
     QCOMPARE(member.id(), 3);
@@ -237,7 +237,7 @@ void tst_Enum::aMemberByIdRegistersNothing()
     QVERIFY(named(QStringLiteral("Nowhere"), "x") == Member());
 }
 
-void tst_Enum::aMemberByIdIsTheOneInThatPlace()
+void TestEnum::aMemberByIdIsTheOneInThatPlace()
 {
     const Member member(colour(), 1);
     QVERIFY(member == Green);
@@ -246,7 +246,7 @@ void tst_Enum::aMemberByIdIsTheOneInThatPlace()
     QCOMPARE(Enum::count(colour()), 3);
 }
 
-void tst_Enum::anIdIsNotChecked()
+void TestEnum::anIdIsNotChecked()
 {
     QCOMPARE(Member(colour(), 99).id(), 99);
     QVERIFY(Member(colour(), 99).isValid());
@@ -254,7 +254,7 @@ void tst_Enum::anIdIsNotChecked()
     QVERIFY(Member(colour(), -2).isValid());
 }
 
-void tst_Enum::copyingCopiesTypeAndId()
+void TestEnum::copyingCopiesTypeAndId()
 {
     const Member copy(Green);
     QVERIFY(copy == Green);
@@ -269,7 +269,7 @@ void tst_Enum::copyingCopiesTypeAndId()
     QVERIFY(assigned == Member());
 }
 
-void tst_Enum::copyingRegistersNothing()
+void TestEnum::copyingRegistersNothing()
 {
     const Member copy(Green);
     Member assigned;
@@ -278,13 +278,13 @@ void tst_Enum::copyingRegistersNothing()
     QCOMPARE(Enum::count(colour()), 3);
 }
 
-void tst_Enum::anUnknownTypeHasNoMembers()
+void TestEnum::anUnknownTypeHasNoMembers()
 {
     QCOMPARE(Enum::count(QStringLiteral("Unknown")), 0);
     QCOMPARE(Enum::count(QString()), 0);
 }
 
-void tst_Enum::lookingUpDoesNotMakeATypeKnown()
+void TestEnum::lookingUpDoesNotMakeATypeKnown()
 {
     const QString type = QStringLiteral("LookedUp");
     for (int time = 0; time < 2; ++time) {
@@ -295,7 +295,7 @@ void tst_Enum::lookingUpDoesNotMakeATypeKnown()
     }
 }
 
-void tst_Enum::namesAreFoundExactly_data()
+void TestEnum::namesAreFoundExactly_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("id");
@@ -313,7 +313,7 @@ void tst_Enum::namesAreFoundExactly_data()
     QTest::newRow("null") << QString() << -1;
 }
 
-void tst_Enum::namesAreFoundExactly()
+void TestEnum::namesAreFoundExactly()
 {
     QFETCH(QString, name);
     QFETCH(int, id);
@@ -323,20 +323,20 @@ void tst_Enum::namesAreFoundExactly()
     QCOMPARE(member.toString(), id >= 0 ? name : QString());
 }
 
-void tst_Enum::aNameThatIsNotThereKeepsTheType()
+void TestEnum::aNameThatIsNotThereKeepsTheType()
 {
     QVERIFY(named(colour(), "green") == Member(colour(), -1));
     QVERIFY(named(colour(), "green") != Member());
 }
 
-void tst_Enum::aNameOfAnUnknownTypeHasNoType()
+void TestEnum::aNameOfAnUnknownTypeHasNoType()
 {
     QVERIFY(named(QStringLiteral("Shape"), "Red") == Member());
     QVERIFY(named(QStringLiteral("Shape"), "Red") != Member(QStringLiteral("Shape"), -1));
     QVERIFY(!named(QStringLiteral("Shape"), "Red").isValid());
 }
 
-void tst_Enum::valuesAreFound()
+void TestEnum::valuesAreFound()
 {
     QCOMPARE(Enum::fromValue(colour(), 0).toString(), QStringLiteral("Red"));
     QCOMPARE(Enum::fromValue(colour(), 2).toString(), QStringLiteral("Blue"));
@@ -349,20 +349,20 @@ void tst_Enum::valuesAreFound()
     QVERIFY(Enum::fromValue(type, 0) == zero);
 }
 
-void tst_Enum::aValueThatIsNotThereKeepsTheType()
+void TestEnum::aValueThatIsNotThereKeepsTheType()
 {
     QVERIFY(Enum::fromValue(colour(), 3) == Member(colour(), -1));
     QVERIFY(Enum::fromValue(colour(), -1) == Member(colour(), -1));
     QVERIFY(Enum::fromValue(colour(), 3) != Member());
 }
 
-void tst_Enum::aValueOfAnUnknownTypeHasNoType()
+void TestEnum::aValueOfAnUnknownTypeHasNoType()
 {
     QVERIFY(Enum::fromValue(QStringLiteral("Shape"), 0) == Member());
     QVERIFY(Enum::fromValue(QStringLiteral("Shape"), 0) != Member(QStringLiteral("Shape"), -1));
 }
 
-void tst_Enum::anInvalidMemberHasNoNameAndNoValue()
+void TestEnum::anInvalidMemberHasNoNameAndNoValue()
 {
     for (const Member &member : {Member(), Member(colour(), -1), named(colour(), "green"),
                                  named(QStringLiteral("Shape"), "x")}) {
@@ -372,7 +372,7 @@ void tst_Enum::anInvalidMemberHasNoNameAndNoValue()
     }
 }
 
-void tst_Enum::theSameNameMakesAnotherMember()
+void TestEnum::theSameNameMakesAnotherMember()
 {
     const QString type = QStringLiteral("Repeated");
     const Member red(type, "Red");
@@ -388,7 +388,7 @@ void tst_Enum::theSameNameMakesAnotherMember()
     QVERIFY(Enum::fromValue(type, 3) == again);
 }
 
-void tst_Enum::theSameValueMakesAnotherMember()
+void TestEnum::theSameValueMakesAnotherMember()
 {
     const QString type = QStringLiteral("Aliases");
     const Member first(type, "first", 5);
@@ -400,7 +400,7 @@ void tst_Enum::theSameValueMakesAnotherMember()
     QVERIFY(named(type, "second") == second);
 }
 
-void tst_Enum::typesAreKeptApart()
+void TestEnum::typesAreKeptApart()
 {
     const QString type = QStringLiteral("Light");
     const Member red(type, "Red", 50);
@@ -413,13 +413,13 @@ void tst_Enum::typesAreKeptApart()
     QCOMPARE(Enum::count(type), 1);
 }
 
-void tst_Enum::typeNamesAreCaseSensitive()
+void TestEnum::typeNamesAreCaseSensitive()
 {
     QCOMPARE(Enum::count(QStringLiteral("colour")), 0);
     QVERIFY(named(QStringLiteral("colour"), "Red") == Member());
 }
 
-void tst_Enum::emptyNamesAreNames()
+void TestEnum::emptyNamesAreNames()
 {
     const QString type = QStringLiteral("Blanks");
     const Member empty(type, "");
@@ -434,7 +434,7 @@ void tst_Enum::emptyNamesAreNames()
     QVERIFY(named(QString(), "y") == Member());
 }
 
-void tst_Enum::namesMayBeAnyText()
+void TestEnum::namesMayBeAnyText()
 {
     const QString type = QString::fromUtf8("Gr\xC3\xB6\xC3\x9F"
                                            "e");
@@ -444,7 +444,7 @@ void tst_Enum::namesMayBeAnyText()
     QVERIFY(named(type, "\xE2\x82\xAC %1") == member);
 }
 
-void tst_Enum::membersAreEqualWhenTypeAndIdAre()
+void TestEnum::membersAreEqualWhenTypeAndIdAre()
 {
     QVERIFY(Red == Red);
     QVERIFY(!(Red != Red));
@@ -456,7 +456,7 @@ void tst_Enum::membersAreEqualWhenTypeAndIdAre()
     QVERIFY(Member() == named(QStringLiteral("Shape"), "x"));
 }
 
-void tst_Enum::manyMembersAreRegistered()
+void TestEnum::manyMembersAreRegistered()
 {
     const QString type = QStringLiteral("Many");
     constexpr int Count = 2000;
@@ -473,7 +473,7 @@ void tst_Enum::manyMembersAreRegistered()
     QVERIFY(!Enum::fromValue(type, 1).isValid());
 }
 
-void tst_Enum::allModulesShareTheRegistries()
+void TestEnum::allModulesShareTheRegistries()
 {
     QCOMPARE(OfProgram.id(), 0);
     QCOMPARE(Enum::count(shared()), 1);
@@ -504,7 +504,7 @@ void tst_Enum::allModulesShareTheRegistries()
     QCOMPARE(Enum::fromValue(shared(), 300).toString(), QStringLiteral("second.explicit"));
 }
 
-void tst_Enum::theRegistriesLiveUntilTheProcessEnds()
+void TestEnum::theRegistriesLiveUntilTheProcessEnds()
 {
     QProcess helper;
     helper.start(QStringLiteral(HELPER_PROGRAM), {QStringLiteral("enum-at-exit")});
@@ -514,6 +514,6 @@ void tst_Enum::theRegistriesLiveUntilTheProcessEnds()
     QCOMPARE(helper.exitCode(), 0);
 }
 
-QTEST_GUILESS_MAIN(tst_Enum)
+QTEST_GUILESS_MAIN(TestEnum)
 
 #include "tst_enum.moc"

@@ -21,7 +21,7 @@ public:
 
 } // namespace
 
-class tst_EnumThreads : public QObject
+class TestEnumThreads : public QObject
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private Q_SLOTS:
 };
 
 // The first function of the program: nothing has used the registries before.
-void tst_EnumThreads::theFirstUseMayBeOnManyThreads()
+void TestEnumThreads::theFirstUseMayBeOnManyThreads()
 {
     const QString type = QStringLiteral("Colour");
     std::atomic_int found{0};
@@ -43,7 +43,7 @@ void tst_EnumThreads::theFirstUseMayBeOnManyThreads()
     QCOMPARE(found.load(), 0);
 }
 
-void tst_EnumThreads::membersAreLookedUpOnManyThreads()
+void TestEnumThreads::membersAreLookedUpOnManyThreads()
 {
     constexpr int Count = 100;
     const QString type = QStringLiteral("Number");
@@ -62,6 +62,6 @@ void tst_EnumThreads::membersAreLookedUpOnManyThreads()
     QCOMPARE(Enum::count(type), Count);
 }
 
-QTEST_GUILESS_MAIN(tst_EnumThreads)
+QTEST_GUILESS_MAIN(TestEnumThreads)
 
 #include "tst_enumthreads.moc"

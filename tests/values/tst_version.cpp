@@ -63,7 +63,7 @@ QString numbersRead(const QString &content)
 
 Q_DECLARE_METATYPE(Version)
 
-class tst_Version : public QObject
+class TestVersion : public QObject
 {
     Q_OBJECT
 
@@ -110,7 +110,7 @@ private Q_SLOTS:
     void thisBuildIsFromNoNamedBranch();
 };
 
-void tst_Version::theFieldsLieInOrder()
+void TestVersion::theFieldsLieInOrder()
 {
     const Version version(24, 1, 75, 3);
     Fields fields{};
@@ -119,14 +119,14 @@ void tst_Version::theFieldsLieInOrder()
     QCOMPARE(fields, (Fields{24, 1, 75, 3}));
 }
 
-void tst_Version::aVersionIsZeroAndInvalidByDefault()
+void TestVersion::aVersionIsZeroAndInvalidByDefault()
 {
     const Version version;
     QCOMPARE(fieldsOf(version), (Fields{0, 0, 0, 0}));
     QVERIFY(!version.isValid());
 }
 
-void tst_Version::missingArgumentsAreZero()
+void TestVersion::missingArgumentsAreZero()
 {
     QCOMPARE(fieldsOf(Version(24)), (Fields{24, 0, 0, 0}));
     QCOMPARE(fieldsOf(Version(24, 1)), (Fields{24, 1, 0, 0}));
@@ -134,7 +134,7 @@ void tst_Version::missingArgumentsAreZero()
     QCOMPARE(fieldsOf(Version(0)), (Fields{0, 0, 0, 0}));
 }
 
-void tst_Version::eachArgumentIsItsField()
+void TestVersion::eachArgumentIsItsField()
 {
     const Version version(24, -1, Highest, Lowest);
     QCOMPARE(version.major(), 24);
@@ -143,7 +143,7 @@ void tst_Version::eachArgumentIsItsField()
     QCOMPARE(version.developmentStage(), Lowest);
 }
 
-void tst_Version::copyingCopiesAllFields()
+void TestVersion::copyingCopiesAllFields()
 {
     const Version version(24, 1, 75, 3);
     const Version copy(version);
@@ -153,7 +153,7 @@ void tst_Version::copyingCopiesAllFields()
     QCOMPARE(fieldsOf(assigned), (Fields{24, 1, 75, 3}));
 }
 
-void tst_Version::setVersionSetsAllFields()
+void TestVersion::setVersionSetsAllFields()
 {
     Version version(1, 2, 3, 4);
     version.setVersion(24, 1, 75, 3);
@@ -162,14 +162,14 @@ void tst_Version::setVersionSetsAllFields()
     QCOMPARE(fieldsOf(version), (Fields{0, 0, 0, 0}));
 }
 
-void tst_Version::setDevelopmentStageSetsTheStageOnly()
+void TestVersion::setDevelopmentStageSetsTheStageOnly()
 {
     Version version(24, 1, 75, 3);
     version.setDevelopmentStage(7);
     QCOMPARE(fieldsOf(version), (Fields{24, 1, 75, 7}));
 }
 
-void tst_Version::aVersionIsValidWhenItsMajorNumberIsNotZero_data()
+void TestVersion::aVersionIsValidWhenItsMajorNumberIsNotZero_data()
 {
     QTest::addColumn<Version>("version");
     QTest::addColumn<bool>("valid");
@@ -181,20 +181,20 @@ void tst_Version::aVersionIsValidWhenItsMajorNumberIsNotZero_data()
     QTest::newRow("none") << Version() << false;
 }
 
-void tst_Version::aVersionIsValidWhenItsMajorNumberIsNotZero()
+void TestVersion::aVersionIsValidWhenItsMajorNumberIsNotZero()
 {
     QFETCH(Version, version);
     QTEST(version.isValid(), "valid");
 }
 
-void tst_Version::theConstantsAreThoseOfThisBuild()
+void TestVersion::theConstantsAreThoseOfThisBuild()
 {
     QCOMPARE(fieldsOf(Version::Current), (Fields{24, 0, 75, 0}));
     QCOMPARE(fieldsOf(Version::CurrentRelease), (Fields{24, 0, 1, 0}));
     QCOMPARE(Version::Public, QStringLiteral("2024"));
 }
 
-void tst_Version::theConstantsHaveAddresses()
+void TestVersion::theConstantsHaveAddresses()
 {
     const std::array<const int *, 5> constants{&Version::Major, &Version::Minor, &Version::Patch,
                                                &Version::Hotfix, &Version::DevStage};
@@ -204,7 +204,7 @@ void tst_Version::theConstantsHaveAddresses()
     QCOMPARE(values, (std::array<int, 5>{24, 0, 75, 1, 0}));
 }
 
-void tst_Version::threePartsAreRead_data()
+void TestVersion::threePartsAreRead_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("numbers");
@@ -239,7 +239,7 @@ void tst_Version::threePartsAreRead_data()
     row("2 4.1.75", "0.1.75");
 }
 
-void tst_Version::threePartsAreRead()
+void TestVersion::threePartsAreRead()
 {
     QFETCH(QString, text);
     QTEST(Version(text).toString(), "numbers");
@@ -249,7 +249,7 @@ void tst_Version::threePartsAreRead()
     QTEST(version.toString(), "numbers");
 }
 
-void tst_Version::anotherNumberOfPartsChangesNothing_data()
+void TestVersion::anotherNumberOfPartsChangesNothing_data()
 {
     QTest::addColumn<QString>("text");
 
@@ -259,7 +259,7 @@ void tst_Version::anotherNumberOfPartsChangesNothing_data()
     QTest::newRow("null") << QString();
 }
 
-void tst_Version::anotherNumberOfPartsChangesNothing()
+void TestVersion::anotherNumberOfPartsChangesNothing()
 {
     QFETCH(QString, text);
     Version version(24, 0, 75, 3);
@@ -267,7 +267,7 @@ void tst_Version::anotherNumberOfPartsChangesNothing()
     QCOMPARE(fieldsOf(version), (Fields{24, 0, 75, 3}));
 }
 
-void tst_Version::aConvertedTextOfAnotherNumberOfPartsIsZero()
+void TestVersion::aConvertedTextOfAnotherNumberOfPartsIsZero()
 {
     for (const char *text : {"24.0", "", "24", "24.0.75.1"}) {
         const Version version(QString::fromLatin1(text));
@@ -276,7 +276,7 @@ void tst_Version::aConvertedTextOfAnotherNumberOfPartsIsZero()
     }
 }
 
-void tst_Version::readingATextResetsTheStage()
+void TestVersion::readingATextResetsTheStage()
 {
     Version version(1, 2, 3, 4);
     version.fromString(QStringLiteral("24.0.75"));
@@ -284,7 +284,7 @@ void tst_Version::readingATextResetsTheStage()
     QVERIFY(version.isValid());
 }
 
-void tst_Version::toStringPrintsThreeNumbers_data()
+void TestVersion::toStringPrintsThreeNumbers_data()
 {
     QTest::addColumn<Version>("version");
     QTest::addColumn<QString>("text");
@@ -297,13 +297,13 @@ void tst_Version::toStringPrintsThreeNumbers_data()
         << Version(1000, Highest, Lowest) << QStringLiteral("1000.2147483647.-2147483648");
 }
 
-void tst_Version::toStringPrintsThreeNumbers()
+void TestVersion::toStringPrintsThreeNumbers()
 {
     QFETCH(Version, version);
     QTEST(version.toString(), "text");
 }
 
-void tst_Version::toPublicNamesFourOldMajors_data()
+void TestVersion::toPublicNamesFourOldMajors_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<QString>("name");
@@ -323,20 +323,20 @@ void tst_Version::toPublicNamesFourOldMajors_data()
     row(-9, "-9");
 }
 
-void tst_Version::toPublicNamesFourOldMajors()
+void TestVersion::toPublicNamesFourOldMajors()
 {
     QFETCH(int, number);
     QTEST(Version(number).toPublic(), "name");
     QTEST(Version(number, 9, 10, 11).toPublic(), "name");
 }
 
-void tst_Version::thePublicNameOfThisBuildIsSeparate()
+void TestVersion::thePublicNameOfThisBuildIsSeparate()
 {
     QCOMPARE(Version::Current.toPublic(), QStringLiteral("24"));
     QCOMPARE(Version::Public, QStringLiteral("2024"));
 }
 
-void tst_Version::theElementHoldsThreeNumbersInOrder()
+void TestVersion::theElementHoldsThreeNumbersInOrder()
 {
     QDomDocument document;
     const QDomElement version = Version(24, -1, 75, 3).toElement(document);
@@ -357,14 +357,14 @@ void tst_Version::theElementHoldsThreeNumbersInOrder()
                           QStringLiteral("patch=75")}));
 }
 
-void tst_Version::theElementIsNotAttached()
+void TestVersion::theElementIsNotAttached()
 {
     QDomDocument document;
     QVERIFY(Version::Current.toElement(document).parentNode().isNull());
     QVERIFY(!document.hasChildNodes());
 }
 
-void tst_Version::theElementIsReadBackWithoutTheStage()
+void TestVersion::theElementIsReadBackWithoutTheStage()
 {
     QDomDocument document;
     for (const Version &written : {Version(24, 0, 75, 3), Version(23, 1, 0, 3), Version(0, 0, 0, 3),
@@ -376,7 +376,7 @@ void tst_Version::theElementIsReadBackWithoutTheStage()
     }
 }
 
-void tst_Version::anElementIsRead_data()
+void TestVersion::anElementIsRead_data()
 {
     QTest::addColumn<QString>("content");
     QTest::addColumn<QString>("numbers");
@@ -414,20 +414,20 @@ void tst_Version::anElementIsRead_data()
     row("nothing", "", "0.0.0");
 }
 
-void tst_Version::anElementIsRead()
+void TestVersion::anElementIsRead()
 {
     QFETCH(QString, content);
     QTEST(numbersRead(content), "numbers");
 }
 
-void tst_Version::aNullElementIsZero()
+void TestVersion::aNullElementIsZero()
 {
     Version version(24, 1, 75, 3);
     version.fromElement(QDomElement());
     QCOMPARE(fieldsOf(version), (Fields{0, 0, 0, 3}));
 }
 
-void tst_Version::anElementOfAnotherNameIsReadToo()
+void TestVersion::anElementOfAnotherNameIsReadToo()
 {
     QDomDocument document;
     document.setContent(QStringLiteral("<release><major>24</major><patch>75</patch></release>"));
@@ -436,7 +436,7 @@ void tst_Version::anElementOfAnotherNameIsReadToo()
     QCOMPARE(version.toString(), QStringLiteral("24.0.75"));
 }
 
-void tst_Version::readingAnElementKeepsTheStage()
+void TestVersion::readingAnElementKeepsTheStage()
 {
     QDomDocument document;
     Version version(1, 2, 3, 4);
@@ -444,7 +444,7 @@ void tst_Version::readingAnElementKeepsTheStage()
     QCOMPARE(fieldsOf(version), (Fields{24, 0, 5, 4}));
 }
 
-void tst_Version::versionsAreOrdered_data()
+void TestVersion::versionsAreOrdered_data()
 {
     QTest::addColumn<Version>("left");
     QTest::addColumn<Version>("right");
@@ -471,7 +471,7 @@ void tst_Version::versionsAreOrdered_data()
         << Version(24, 0, 74, 9) << Version(24, 0, 75, 0) << -1;
 }
 
-void tst_Version::versionsAreOrdered()
+void TestVersion::versionsAreOrdered()
 {
     QFETCH(Version, left);
     QFETCH(Version, right);
@@ -492,7 +492,7 @@ void tst_Version::versionsAreOrdered()
     QCOMPARE(right >= left, order <= 0);
 }
 
-void tst_Version::noComparisonLooksAtTheStage()
+void TestVersion::noComparisonLooksAtTheStage()
 {
     const Version earlier(24, 0, 75, 0);
     const Version later(24, 0, 75, 1);
@@ -504,11 +504,11 @@ void tst_Version::noComparisonLooksAtTheStage()
     QVERIFY(!(later > earlier));
 }
 
-void tst_Version::thisBuildIsFromNoNamedBranch()
+void TestVersion::thisBuildIsFromNoNamedBranch()
 {
     QVERIFY(Version::Branch().isEmpty());
 }
 
-QTEST_GUILESS_MAIN(tst_Version)
+QTEST_GUILESS_MAIN(TestVersion)
 
 #include "tst_version.moc"

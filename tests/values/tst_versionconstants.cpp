@@ -34,7 +34,7 @@ const EarlyReader earlyReader;
 
 } // namespace
 
-class tst_VersionConstants : public QObject
+class TestVersionConstants : public QObject
 {
     Q_OBJECT
 
@@ -45,18 +45,18 @@ private Q_SLOTS:
     void theBranchIsTheRestOfTheReference();
 };
 
-void tst_VersionConstants::theConstantsAreConstantInitialised()
+void TestVersionConstants::theConstantsAreConstantInitialised()
 {
     QVERIFY(holds(earlyReader.current, Version::Major, Version::Minor, Version::Patch));
     QVERIFY(holds(earlyReader.release, Version::Major, Version::Minor, Version::Hotfix));
 }
 
-void tst_VersionConstants::theBranchIsThatOfTheBuildsReference()
+void TestVersionConstants::theBranchIsThatOfTheBuildsReference()
 {
     QCOMPARE(Version::Branch(), Formats::branchName(QStringLiteral(BRANCH_REFERENCE)));
 }
 
-void tst_VersionConstants::theBranchIsTheRestOfTheReference_data()
+void TestVersionConstants::theBranchIsTheRestOfTheReference_data()
 {
     QTest::addColumn<QString>("reference");
     QTest::addColumn<QString>("branch");
@@ -77,12 +77,12 @@ void tst_VersionConstants::theBranchIsTheRestOfTheReference_data()
     row("no reference", "", "");
 }
 
-void tst_VersionConstants::theBranchIsTheRestOfTheReference()
+void TestVersionConstants::theBranchIsTheRestOfTheReference()
 {
     QFETCH(QString, reference);
     QTEST(Formats::branchName(reference), "branch");
 }
 
-QTEST_GUILESS_MAIN(tst_VersionConstants)
+QTEST_GUILESS_MAIN(TestVersionConstants)
 
 #include "tst_versionconstants.moc"

@@ -114,7 +114,7 @@ struct Layout
 
 } // namespace
 
-class tst_VersionInProgram : public QObject
+class TestVersionInProgram : public QObject
 {
     Q_OBJECT
 
@@ -145,7 +145,7 @@ private Q_SLOTS:
     void randomPlacesStayWithinTheFile();
 };
 
-void tst_VersionInProgram::versionOfAProgram()
+void TestVersionInProgram::versionOfAProgram()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);
@@ -155,7 +155,7 @@ void tst_VersionInProgram::versionOfAProgram()
     QCOMPARE(versionTextIn(program + QByteArray(1000, 'x')), version);
 }
 
-void tst_VersionInProgram::aProgramWithoutAVersionHasNone_data()
+void TestVersionInProgram::aProgramWithoutAVersionHasNone_data()
 {
     QTest::addColumn<QByteArray>("program");
 
@@ -172,7 +172,7 @@ void tst_VersionInProgram::aProgramWithoutAVersionHasNone_data()
     QTest::newRow("signature alone") << QByteArray("\xbd\x04\xef\xfe") + QByteArray(48, '\1');
 }
 
-void tst_VersionInProgram::aProgramWithoutAVersionHasNone()
+void TestVersionInProgram::aProgramWithoutAVersionHasNone()
 {
     QFETCH(QByteArray, program);
 
@@ -180,7 +180,7 @@ void tst_VersionInProgram::aProgramWithoutAVersionHasNone()
     QCOMPARE(versionTextIn(program), none());
 }
 
-void tst_VersionInProgram::anyVersionIsRead_data()
+void TestVersionInProgram::anyVersionIsRead_data()
 {
     QTest::addColumn<quint32>("high");
     QTest::addColumn<quint32>("low");
@@ -194,7 +194,7 @@ void tst_VersionInProgram::anyVersionIsRead_data()
                           << QStringLiteral("32768.32767.32767.32768");
 }
 
-void tst_VersionInProgram::anyVersionIsRead()
+void TestVersionInProgram::anyVersionIsRead()
 {
     QFETCH(quint32, high);
     QFETCH(quint32, low);
@@ -206,7 +206,7 @@ void tst_VersionInProgram::anyVersionIsRead()
     QCOMPARE(versionTextIn(program), expected);
 }
 
-void tst_VersionInProgram::aTruncatedProgramHasItsVersionOrNone()
+void TestVersionInProgram::aTruncatedProgramHasItsVersionOrNone()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);
@@ -219,7 +219,7 @@ void tst_VersionInProgram::aTruncatedProgramHasItsVersionOrNone()
     }
 }
 
-void tst_VersionInProgram::aChangedByteLeavesAVersionOfTheFile()
+void TestVersionInProgram::aChangedByteLeavesAVersionOfTheFile()
 {
     QFETCH(QByteArray, program);
 
@@ -239,7 +239,7 @@ void tst_VersionInProgram::aChangedByteLeavesAVersionOfTheFile()
     }
 }
 
-void tst_VersionInProgram::damagedProgramsHaveNone_data()
+void TestVersionInProgram::damagedProgramsHaveNone_data()
 {
     QTest::addColumn<QByteArray>("program");
 
@@ -297,14 +297,14 @@ void tst_VersionInProgram::damagedProgramsHaveNone_data()
     QTest::newRow("more sections than fit") << sections;
 }
 
-void tst_VersionInProgram::damagedProgramsHaveNone()
+void TestVersionInProgram::damagedProgramsHaveNone()
 {
     QFETCH(QByteArray, program);
 
     QCOMPARE(versionTextIn(program), none());
 }
 
-void tst_VersionInProgram::theResourcesMayBeTheLastDirectory()
+void TestVersionInProgram::theResourcesMayBeTheLastDirectory()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);
@@ -315,7 +315,7 @@ void tst_VersionInProgram::theResourcesMayBeTheLastDirectory()
 }
 
 // Not even when its size goes around the end of the memory.
-void tst_VersionInProgram::aSectionThatBeginsBehindTheResourcesDoesNotHoldThem()
+void TestVersionInProgram::aSectionThatBeginsBehindTheResourcesDoesNotHoldThem()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);
@@ -328,7 +328,7 @@ void tst_VersionInProgram::aSectionThatBeginsBehindTheResourcesDoesNotHoldThem()
 }
 
 // Not that of a name in front of it.
-void tst_VersionInProgram::theVersionOfTheFirstNameCounts()
+void TestVersionInProgram::theVersionOfTheFirstNameCounts()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);
@@ -370,7 +370,7 @@ void tst_VersionInProgram::theVersionOfTheFirstNameCounts()
 }
 
 // Only the directories need to lie with the other resources.
-void tst_VersionInProgram::theBlockMayLieInAnotherSection()
+void TestVersionInProgram::theBlockMayLieInAnotherSection()
 {
     QByteArray program = recorded("version64.dll");
     const Layout layout(program);
@@ -393,7 +393,7 @@ void tst_VersionInProgram::theBlockMayLieInAnotherSection()
 }
 
 // A size that the file does not have does no harm.
-void tst_VersionInProgram::whatLiesBehindTheSectionIsFollowedWithinTheFile()
+void TestVersionInProgram::whatLiesBehindTheSectionIsFollowedWithinTheFile()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);
@@ -407,7 +407,7 @@ void tst_VersionInProgram::whatLiesBehindTheSectionIsFollowedWithinTheFile()
     QCOMPARE(versionTextIn(program), version);
 }
 
-void tst_VersionInProgram::randomBytesHaveNone()
+void TestVersionInProgram::randomBytesHaveNone()
 {
     QRandomGenerator random(2024);
     for (int run = 0; run < 2000; ++run) {
@@ -425,7 +425,7 @@ void tst_VersionInProgram::randomBytesHaveNone()
 }
 
 // The tables of a program with numbers at random in them.
-void tst_VersionInProgram::randomPlacesStayWithinTheFile()
+void TestVersionInProgram::randomPlacesStayWithinTheFile()
 {
     QFETCH(QByteArray, program);
 
@@ -446,6 +446,6 @@ void tst_VersionInProgram::randomPlacesStayWithinTheFile()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_VersionInProgram)
+QTEST_GUILESS_MAIN(TestVersionInProgram)
 
 #include "tst_versioninprogram.moc"

@@ -2,7 +2,7 @@
 
 #include "TestFiles.h"
 #include "TestFolder.h"
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "Fifo.h"
 #include "OrdinaryUser.h"
 #include "ProcessState.h"
@@ -121,7 +121,7 @@ void TestSpecialFiles::aPipeInThePlaceOfTheInformationFileIsNotWaitedFor()
 {
     Fifo pipe(path("SystemInfo.xml"));
     QVERIFY(pipe.isMade());
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder_->path());
     QVERIFY(!pipe.wasRead());
     QCOMPARE(info.processorCount(), 1);
@@ -181,7 +181,7 @@ void TestSpecialFiles::aHugeInformationFileCannotBeRead()
 {
     QFile file(path("SystemInfo.xml"));
     QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(HugeSize));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder_->path());
     QCOMPARE(info.processorCount(), 1);
     QCOMPARE(log.lines(),
@@ -226,7 +226,7 @@ void TestSpecialFiles::nothingIsWrittenThroughALinkToNothing()
     const TestFolder whole;
     const CpuInfo system(nullptr, whole.path());
     QVERIFY(QFile::link(path("target"), path("SystemInfo.xml")));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder_->path());
     QCOMPARE(info.processorCount(), system.processorCount());
     QCOMPARE(info.coreCount(), system.coreCount());
@@ -262,7 +262,7 @@ void TestSpecialFiles::nothingIsWrittenThroughALinkThatIsPutThereMeanwhile()
     const QString refused = QStringLiteral("Cannot save CPU information to SystemInfo.xml");
     bool wasRefused = false; // because the link was there
     for (int round = 0; round < LeastRounds || (!wasRefused && !deadline.hasExpired()); ++round) {
-        TestLog log;
+        TemporaryLog log;
         const CpuInfo info(log, folder_->path());
         wasRefused = wasRefused || log.lines().contains(refused);
         QVERIFY(contentOf(path("target")) == content);

@@ -26,7 +26,7 @@ QString unicodeName()
 
 } // namespace
 
-class tst_UnicodeFileFallbacks : public QObject
+class TestUnicodeFileFakePlatform : public QObject
 {
     Q_OBJECT
 
@@ -61,7 +61,7 @@ private:
     QString start_;
 };
 
-void tst_UnicodeFileFallbacks::init()
+void TestUnicodeFileFakePlatform::init()
 {
     fakePlatform() = FakePlatform();
     folder_ = std::make_unique<QTemporaryDir>(start_ + QStringLiteral("/files-XXXXXX"));
@@ -69,14 +69,14 @@ void tst_UnicodeFileFallbacks::init()
     QVERIFY(writeFile(own(), Content));
 }
 
-void tst_UnicodeFileFallbacks::cleanup()
+void TestUnicodeFileFakePlatform::cleanup()
 {
     fakePlatform() = FakePlatform();
     QVERIFY(QDir::setCurrent(start_));
     folder_.reset();
 }
 
-void tst_UnicodeFileFallbacks::theNamePartOfTheSystemsNameIsTaken_data()
+void TestUnicodeFileFakePlatform::theNamePartOfTheSystemsNameIsTaken_data()
 {
     QTest::addColumn<QString>("given");
     QTest::addColumn<QString>("name");
@@ -87,7 +87,7 @@ void tst_UnicodeFileFallbacks::theNamePartOfTheSystemsNameIsTaken_data()
     QTest::newRow("a whole path") << QStringLiteral("/tmp/a/s1ko.") << QStringLiteral("s1ko.dat");
 }
 
-void tst_UnicodeFileFallbacks::theNamePartOfTheSystemsNameIsTaken()
+void TestUnicodeFileFakePlatform::theNamePartOfTheSystemsNameIsTaken()
 {
     QFETCH(QString, given);
     QFETCH(QString, name);
@@ -101,7 +101,7 @@ void tst_UnicodeFileFallbacks::theNamePartOfTheSystemsNameIsTaken()
     QCOMPARE(contentOf(own()), Content);
 }
 
-void tst_UnicodeFileFallbacks::theNameIsAskedForInThePlainFolder()
+void TestUnicodeFileFakePlatform::theNameIsAskedForInThePlainFolder()
 {
     QString current;
     fakePlatform().uniqueFileName = [&current] {
@@ -114,7 +114,7 @@ void tst_UnicodeFileFallbacks::theNameIsAskedForInThePlainFolder()
     QCOMPARE(QDir::currentPath(), start_);
 }
 
-void tst_UnicodeFileFallbacks::aPlainNameNeedsNoOther()
+void TestUnicodeFileFakePlatform::aPlainNameNeedsNoOther()
 {
     bool asked = false;
     fakePlatform().uniqueFileName = [&asked] {
@@ -126,7 +126,7 @@ void tst_UnicodeFileFallbacks::aPlainNameNeedsNoOther()
     QCOMPARE(file.asciiName(), QStringLiteral("beam.dat"));
 }
 
-void tst_UnicodeFileFallbacks::withoutAUniqueNameTheFileStays()
+void TestUnicodeFileFakePlatform::withoutAUniqueNameTheFileStays()
 {
     fakePlatform().uniqueFileName = [] { return QString(); };
     {
@@ -144,7 +144,7 @@ void tst_UnicodeFileFallbacks::withoutAUniqueNameTheFileStays()
     QCOMPARE(contentOf(own()), Content);
 }
 
-void tst_UnicodeFileFallbacks::whenTheCurrentFolderIsGoneTheFileStays()
+void TestUnicodeFileFakePlatform::whenTheCurrentFolderIsGoneTheFileStays()
 {
     const QString before = folder_->filePath(QStringLiteral("before %1"));
     QVERIFY(QDir().mkpath(before));
@@ -163,7 +163,7 @@ void tst_UnicodeFileFallbacks::whenTheCurrentFolderIsGoneTheFileStays()
     QCOMPARE(contentOf(own()), Content);
 }
 
-void tst_UnicodeFileFallbacks::setOtherFileSystem(
+void TestUnicodeFileFakePlatform::setOtherFileSystem(
     const std::function<bool(const QString &source, const QString &target)> &canMove)
 {
     fakePlatform().uniqueFileName = [] { return QStringLiteral("/s1ko."); };
@@ -176,7 +176,7 @@ void tst_UnicodeFileFallbacks::setOtherFileSystem(
           };
 }
 
-void tst_UnicodeFileFallbacks::toAnotherFileSystemTheFileIsCopied()
+void TestUnicodeFileFakePlatform::toAnotherFileSystemTheFileIsCopied()
 {
     setOtherFileSystem([](const QString &, const QString &) { return true; });
     {
@@ -191,7 +191,7 @@ void tst_UnicodeFileFallbacks::toAnotherFileSystemTheFileIsCopied()
 }
 
 // A process can be killed between any two calls.
-void tst_UnicodeFileFallbacks::aRealNameLeadsToTheFileAtEveryMoment()
+void TestUnicodeFileFakePlatform::aRealNameLeadsToTheFileAtEveryMoment()
 {
     int calls = 0;
     int without = 0;
@@ -218,7 +218,7 @@ void tst_UnicodeFileFallbacks::aRealNameLeadsToTheFileAtEveryMoment()
     QCOMPARE(without, 0);
 }
 
-void tst_UnicodeFileFallbacks::aFileThatCannotBeRemovedStaysTheOnlyOne()
+void TestUnicodeFileFakePlatform::aFileThatCannotBeRemovedStaysTheOnlyOne()
 {
     setOtherFileSystem([](const QString &, const QString &) { return true; });
     fakePlatform().removeFile
@@ -232,7 +232,7 @@ void tst_UnicodeFileFallbacks::aFileThatCannotBeRemovedStaysTheOnlyOne()
     QCOMPARE(contentOf(own()), Content);
 }
 
-void tst_UnicodeFileFallbacks::anObstacleIsKeptWhenTheFileCannotBeRemoved()
+void TestUnicodeFileFakePlatform::anObstacleIsKeptWhenTheFileCannotBeRemoved()
 {
     setOtherFileSystem([](const QString &, const QString &) { return true; });
     fakePlatform().mayReplaceFile = [this](const QString &path) { return path != own(); };
@@ -245,7 +245,7 @@ void tst_UnicodeFileFallbacks::anObstacleIsKeptWhenTheFileCannotBeRemoved()
     QCOMPARE(contentOf(plain()), QByteArray("obstacle"));
 }
 
-void tst_UnicodeFileFallbacks::aCopyThatCannotBeMovedIsRemoved()
+void TestUnicodeFileFakePlatform::aCopyThatCannotBeMovedIsRemoved()
 {
     setOtherFileSystem([](const QString &, const QString &) { return false; });
     {
@@ -258,6 +258,6 @@ void tst_UnicodeFileFallbacks::aCopyThatCannotBeMovedIsRemoved()
     QCOMPARE(contentOf(own()), Content);
 }
 
-QTEST_GUILESS_MAIN(tst_UnicodeFileFallbacks)
+QTEST_GUILESS_MAIN(TestUnicodeFileFakePlatform)
 
-#include "tst_unicodefilefallbacks.moc"
+#include "tst_unicodefilefakeplatform.moc"

@@ -1,7 +1,7 @@
 // Commands on a system whose interpreter cannot be started.
 
 #include "FakePlatform.h"
-#include "TestLog.h"
+#include "TemporaryLog.h"
 
 #include <Utility/Command.h>
 
@@ -11,7 +11,7 @@
 
 using namespace Vorn::Util;
 
-class tst_CommandFallbacks : public QObject
+class TestCommandFakePlatform : public QObject
 {
     Q_OBJECT
 
@@ -34,7 +34,7 @@ private:
     QStringList asked_;
 };
 
-void tst_CommandFallbacks::initTestCase()
+void TestCommandFakePlatform::initTestCase()
 {
     QVERIFY(folder_.isValid());
     start_ = QDir::currentPath();
@@ -50,41 +50,41 @@ void tst_CommandFallbacks::initTestCase()
 }
 
 // No call leaves its script behind.
-void tst_CommandFallbacks::cleanup()
+void TestCommandFakePlatform::cleanup()
 {
     QVERIFY(QDir().isEmpty());
     asked_.clear();
 }
 
-void tst_CommandFallbacks::cleanupTestCase()
+void TestCommandFakePlatform::cleanupTestCase()
 {
     QVERIFY(QDir::setCurrent(start_));
 }
 
-void tst_CommandFallbacks::runReturnsNothing()
+void TestCommandFakePlatform::runReturnsNothing()
 {
     QCOMPARE(Command().run(QStringLiteral("command"), 100, false), QString());
 }
 
 // Nothing can be read, which counts as a line without text.
-void tst_CommandFallbacks::runLReturnsOneEmptyLine()
+void TestCommandFakePlatform::runLReturnsOneEmptyLine()
 {
     QCOMPARE(Command().runL(QStringLiteral("command"), 100, false), QStringList{QString()});
 }
 
-void tst_CommandFallbacks::runQReturnsZero()
+void TestCommandFakePlatform::runQReturnsZero()
 {
     QCOMPARE(Command().runQ(QStringLiteral("command")), 0);
 }
 
-void tst_CommandFallbacks::runNoWaitReturnsZero()
+void TestCommandFakePlatform::runNoWaitReturnsZero()
 {
     QCOMPARE(Command().runNoWait(QStringLiteral("command"), false, QString()), 0);
 }
 
-void tst_CommandFallbacks::theCallIsLoggedByItsDisplayedName()
+void TestCommandFakePlatform::theCallIsLoggedByItsDisplayedName()
 {
-    TestLog log;
+    TemporaryLog log;
     Command(log).run(QStringLiteral("command"), 100, true);
     Command(log).runL(QStringLiteral("command"), 100, true);
     QCOMPARE(log.lines(),
@@ -92,14 +92,14 @@ void tst_CommandFallbacks::theCallIsLoggedByItsDisplayedName()
                     " output:", "Command:interpreter /C <work.bat>", " output:"}));
 }
 
-void tst_CommandFallbacks::runNoWaitIsLoggedByItsDisplayedName()
+void TestCommandFakePlatform::runNoWaitIsLoggedByItsDisplayedName()
 {
-    TestLog log;
+    TemporaryLog log;
     Command(log).runNoWait(QStringLiteral("command %1 text"), true, QString());
     QCOMPARE(log.lines(), texts({"Command:interpreter /C <command %1 text>"}));
 }
 
-void tst_CommandFallbacks::theInterpreterGetsTheFileOrTheText()
+void TestCommandFakePlatform::theInterpreterGetsTheFileOrTheText()
 {
     Command command;
     command.run(QStringLiteral("command"), 100, false);
@@ -109,6 +109,6 @@ void tst_CommandFallbacks::theInterpreterGetsTheFileOrTheText()
     QCOMPARE(asked_, texts({"work.bat", "work.bat", "work.bat", "command"}));
 }
 
-QTEST_GUILESS_MAIN(tst_CommandFallbacks)
+QTEST_GUILESS_MAIN(TestCommandFakePlatform)
 
-#include "tst_commandfallbacks.moc"
+#include "tst_commandfakeplatform.moc"

@@ -2,7 +2,7 @@
 
 #include "FakePlatform.h"
 #include "TestFiles.h"
-#include "TestLog.h"
+#include "TemporaryLog.h"
 #include "TestMessages.h"
 
 #include <Utility/CpuInfo.h>
@@ -43,7 +43,7 @@ Formats::ProcessorQuery failure(const QStringList &messages)
 
 } // namespace
 
-class tst_CpuInfoFallbacks : public QObject
+class TestCpuInfoFakePlatform : public QObject
 {
     Q_OBJECT
 
@@ -108,7 +108,7 @@ private:
     int queries_ = 0;
 };
 
-void tst_CpuInfoFallbacks::init()
+void TestCpuInfoFakePlatform::init()
 {
     folder_ = std::make_unique<QTemporaryDir>();
     QVERIFY(folder_->isValid());
@@ -116,13 +116,13 @@ void tst_CpuInfoFallbacks::init()
     queries_ = 0;
 }
 
-void tst_CpuInfoFallbacks::cleanup()
+void TestCpuInfoFakePlatform::cleanup()
 {
     fakePlatform() = FakePlatform();
     folder_.reset();
 }
 
-void tst_CpuInfoFallbacks::theAnswerIsTakenAndSaved_data()
+void TestCpuInfoFakePlatform::theAnswerIsTakenAndSaved_data()
 {
     QTest::addColumn<bool>("smt");
     QTest::addColumn<QByteArray>("threading");
@@ -130,12 +130,12 @@ void tst_CpuInfoFallbacks::theAnswerIsTakenAndSaved_data()
     QTest::newRow("off") << false << QByteArray("off");
 }
 
-void tst_CpuInfoFallbacks::theAnswerIsTakenAndSaved()
+void TestCpuInfoFakePlatform::theAnswerIsTakenAndSaved()
 {
     QFETCH(bool, smt);
     QFETCH(QByteArray, threading);
     give(answer(2, 16, smt));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.processorCount(), 2);
     QCOMPARE(info.coreCount(), 16);
@@ -146,10 +146,10 @@ void tst_CpuInfoFallbacks::theAnswerIsTakenAndSaved()
     QCOMPARE(queries_, 1);
 }
 
-void tst_CpuInfoFallbacks::coresPerProcessorAreRoundedDown()
+void TestCpuInfoFakePlatform::coresPerProcessorAreRoundedDown()
 {
     give(answer(2, 7, false));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.coreCount(), 7);
     QCOMPARE(info.coresPerProcessor(), 3);
@@ -157,10 +157,10 @@ void tst_CpuInfoFallbacks::coresPerProcessorAreRoundedDown()
     QCOMPARE(CpuInfo(log, folder()).coreCount(), 6); // the file cannot tell of the seventh
 }
 
-void tst_CpuInfoFallbacks::withoutPackagesTheDivisorIsOne()
+void TestCpuInfoFakePlatform::withoutPackagesTheDivisorIsOne()
 {
     give(answer(0, 6, true));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.processorCount(), 0);
     QCOMPARE(info.coreCount(), 6);
@@ -170,7 +170,7 @@ void tst_CpuInfoFallbacks::withoutPackagesTheDivisorIsOne()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void tst_CpuInfoFallbacks::anAnswerWithoutSmtLeavesHyperThreadingOff()
+void TestCpuInfoFakePlatform::anAnswerWithoutSmtLeavesHyperThreadingOff()
 {
     give(answer(1, 4, std::nullopt));
     const CpuInfo info(nullptr, folder());
@@ -179,10 +179,10 @@ void tst_CpuInfoFallbacks::anAnswerWithoutSmtLeavesHyperThreadingOff()
     QCOMPARE(saved(), fileOf("1", "4", "off"));
 }
 
-void tst_CpuInfoFallbacks::theFileSparesTheSecondQuery()
+void TestCpuInfoFakePlatform::theFileSparesTheSecondQuery()
 {
     give(answer(2, 16, true));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo first(log, folder());
     give(answer(1, 1, false));
     const CpuInfo second(log, folder());
@@ -193,23 +193,23 @@ void tst_CpuInfoFallbacks::theFileSparesTheSecondQuery()
     QCOMPARE(log.lines(), QStringList{Reading});
 }
 
-void tst_CpuInfoFallbacks::aBadFileSparesTheQueryToo()
+void TestCpuInfoFakePlatform::aBadFileSparesTheQueryToo()
 {
     QVERIFY(writeFile(infoFile(), "<a>"));
     give(answer(2, 16, true));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(queries_, 0);
     QCOMPARE(info.coreCount(), 1);
 }
 
-void tst_CpuInfoFallbacks::theOlderFormSparesTheQueryToo()
+void TestCpuInfoFakePlatform::theOlderFormSparesTheQueryToo()
 {
     QVERIFY(writeFile(infoFile(),
                       "<a><Info><GetNumberOfProcessors value=\"1\"/>"
                       "<GetProcessorCoreCount value=\"4\"/></Info></a>"));
     give(answer(2, 16, true));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(queries_, 0);
     QCOMPARE(info.coreCount(), 4);
@@ -218,7 +218,7 @@ void tst_CpuInfoFallbacks::theOlderFormSparesTheQueryToo()
 }
 
 // Another process has made the file meanwhile, and still has it open.
-void tst_CpuInfoFallbacks::theLastWriterWins()
+void TestCpuInfoFakePlatform::theLastWriterWins()
 {
     QFile other(infoFile());
     fakePlatform().queryProcessors = [&other] {
@@ -227,7 +227,7 @@ void tst_CpuInfoFallbacks::theLastWriterWins()
         other.flush();
         return answer(2, 16, true);
     };
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QVERIFY(other.isOpen());
     QCOMPARE(info.coreCount(), 16);
@@ -235,21 +235,21 @@ void tst_CpuInfoFallbacks::theLastWriterWins()
     QCOMPARE(log.lines(), QStringList());
 }
 
-void tst_CpuInfoFallbacks::aFileThatMayNotBeWrittenIsReported()
+void TestCpuInfoFakePlatform::aFileThatMayNotBeWrittenIsReported()
 {
     give(answer(2, 16, true));
     fakePlatform().openWithoutLink = [](QFile &) { return false; };
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.coreCount(), 16);
     QCOMPARE(log.lines(), QStringList{CannotSave});
     QVERIFY(!QFile::exists(infoFile()));
 }
 
-void tst_CpuInfoFallbacks::aFailedQuerySavesTheDefaults()
+void TestCpuInfoFakePlatform::aFailedQuerySavesTheDefaults()
 {
     give(failure({}));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.processorCount(), 1);
     QCOMPARE(info.coreCount(), 1);
@@ -259,28 +259,28 @@ void tst_CpuInfoFallbacks::aFailedQuerySavesTheDefaults()
     QCOMPARE(saved(), fileOf("1", "1", "off"));
 }
 
-void tst_CpuInfoFallbacks::theMessagesOfTheQueryComeFirst()
+void TestCpuInfoFakePlatform::theMessagesOfTheQueryComeFirst()
 {
     const QStringList messages = texts({"Using GetLogicalProcessorInformation",
                                         "GetLogicalProcessorInformation failed, error = 122"});
     give(failure(messages));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(log.lines(), messages + QStringList{CouldNotGet});
 }
 
-void tst_CpuInfoFallbacks::theMessagesOfASuccessfulQueryAreWritten()
+void TestCpuInfoFakePlatform::theMessagesOfASuccessfulQueryAreWritten()
 {
     Formats::ProcessorQuery query = answer(1, 4, std::nullopt);
     query.messages = texts({"Using GetLogicalProcessorInformation"});
     give(query);
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.coreCount(), 4);
     QCOMPARE(log.lines(), query.messages);
 }
 
-void tst_CpuInfoFallbacks::theMessagesGoToTheDebugChannelWithoutALog()
+void TestCpuInfoFakePlatform::theMessagesGoToTheDebugChannelWithoutALog()
 {
     const QStringList messages = texts({"GetLogicalProcessorInformationEx failed, error = 5"});
     give(failure(messages));
@@ -289,21 +289,21 @@ void tst_CpuInfoFallbacks::theMessagesGoToTheDebugChannelWithoutALog()
     QCOMPARE(channel.lines(), messages + QStringList{CouldNotGet});
 }
 
-void tst_CpuInfoFallbacks::aFailedQueryAndAFailedSaveAreBothReported()
+void TestCpuInfoFakePlatform::aFailedQueryAndAFailedSaveAreBothReported()
 {
     give(failure({}));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder() + QStringLiteral("/missing"));
     QCOMPARE(log.lines(), (QStringList{CouldNotGet, CannotSave}));
     QCOMPARE(info.coreCount(), 1);
 }
 
-void tst_CpuInfoFallbacks::askingAgainReplacesTheCountsOfTheFile()
+void TestCpuInfoFakePlatform::askingAgainReplacesTheCountsOfTheFile()
 {
     const QByteArray content = fileOf("3", "5", "");
     QVERIFY(writeFile(infoFile(), content));
     give(answer(2, 16, true));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(queries_, 1);
     QCOMPARE(info.processorCount(), 2);
@@ -313,13 +313,13 @@ void tst_CpuInfoFallbacks::askingAgainReplacesTheCountsOfTheFile()
     QCOMPARE(contentOf(infoFile()), content);
 }
 
-void tst_CpuInfoFallbacks::askingAgainInVainKeepsTheCountsOfTheFile()
+void TestCpuInfoFakePlatform::askingAgainInVainKeepsTheCountsOfTheFile()
 {
     const QByteArray content = fileOf("3", "5", "");
     QVERIFY(writeFile(infoFile(), content));
     const QString message = QStringLiteral("GetLogicalProcessorInformationEx failed, error = 5");
     give(failure({message}));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.processorCount(), 3);
     QCOMPARE(info.coreCount(), 15);
@@ -328,16 +328,16 @@ void tst_CpuInfoFallbacks::askingAgainInVainKeepsTheCountsOfTheFile()
     QCOMPARE(contentOf(infoFile()), content);
 }
 
-void tst_CpuInfoFallbacks::askingAgainWithoutSmtLeavesHyperThreadingOff()
+void TestCpuInfoFakePlatform::askingAgainWithoutSmtLeavesHyperThreadingOff()
 {
     QVERIFY(writeFile(infoFile(), fileOf("3", "5", "")));
     give(answer(1, 4, std::nullopt));
-    TestLog log;
+    TemporaryLog log;
     const CpuInfo info(log, folder());
     QCOMPARE(info.coreCount(), 4);
     QCOMPARE(info.isHyperThreadingOn(), false);
 }
 
-QTEST_GUILESS_MAIN(tst_CpuInfoFallbacks)
+QTEST_GUILESS_MAIN(TestCpuInfoFakePlatform)
 
-#include "tst_cpuinfofallbacks.moc"
+#include "tst_cpuinfofakeplatform.moc"

@@ -27,7 +27,7 @@ QByteArray tooLargeLog()
 
 } // namespace
 
-class TestLogFallbacks : public QObject
+class TestLogFakePlatform : public QObject
 {
     Q_OBJECT
 
@@ -49,7 +49,7 @@ private:
 };
 
 // A system that can do everything but the replacement itself.
-void TestLogFallbacks::init()
+void TestLogFakePlatform::init()
 {
     QVERIFY(writeFile(fileName_, tooLargeLog()));
     attempts_ = 0;
@@ -62,7 +62,7 @@ void TestLogFallbacks::init()
     };
 }
 
-void TestLogFallbacks::theRestFollowsTheTruncationOffset()
+void TestLogFakePlatform::theRestFollowsTheTruncationOffset()
 {
     QString name;
     qint64 position = 0;
@@ -80,7 +80,7 @@ void TestLogFallbacks::theRestFollowsTheTruncationOffset()
     QCOMPARE(temporaryFolder, QDir::tempPath());
 }
 
-void TestLogFallbacks::aLogThatMayNotBeReplacedIsNotRead()
+void TestLogFakePlatform::aLogThatMayNotBeReplacedIsNotRead()
 {
     QString asked;
     fakePlatform().mayReplaceFile = [&asked](const QString &name) {
@@ -92,7 +92,7 @@ void TestLogFallbacks::aLogThatMayNotBeReplacedIsNotRead()
     QCOMPARE(attempts_, 0);
 }
 
-void TestLogFallbacks::withoutARightToMakeTemporaryFilesTheLogIsNotRead()
+void TestLogFakePlatform::withoutARightToMakeTemporaryFilesTheLogIsNotRead()
 {
     QString asked;
     fakePlatform().mayCreateFileIn = [&asked](const QString &folder) {
@@ -104,7 +104,7 @@ void TestLogFallbacks::withoutARightToMakeTemporaryFilesTheLogIsNotRead()
     QCOMPARE(attempts_, 0);
 }
 
-void TestLogFallbacks::withoutSpaceTheLogIsNotRead_data()
+void TestLogFakePlatform::withoutSpaceTheLogIsNotRead_data()
 {
     QTest::addColumn<qint64>("forTemporaryFiles");
     QTest::addColumn<qint64>("besideTheLog");
@@ -117,7 +117,7 @@ void TestLogFallbacks::withoutSpaceTheLogIsNotRead_data()
     QTest::newRow("perhaps enough") << least << least << 1;
 }
 
-void TestLogFallbacks::withoutSpaceTheLogIsNotRead()
+void TestLogFakePlatform::withoutSpaceTheLogIsNotRead()
 {
     QFETCH(qint64, forTemporaryFiles);
     QFETCH(qint64, besideTheLog);
@@ -129,7 +129,7 @@ void TestLogFallbacks::withoutSpaceTheLogIsNotRead()
     QCOMPARE(attempts_, attempts);
 }
 
-void TestLogFallbacks::eachAppendTriesAgain()
+void TestLogFakePlatform::eachAppendTriesAgain()
 {
     Log log(fileName_, Log::NoFileTimeStamp);
     log.setTimeStamp(Log::NoTimeStamp);
@@ -143,7 +143,7 @@ void TestLogFallbacks::eachAppendTriesAgain()
 }
 
 // As a handler of Qt's messages may do. The log is closed just then, so that nothing is written.
-void TestLogFallbacks::theLogCanBeWrittenDuringItsTruncation()
+void TestLogFakePlatform::theLogCanBeWrittenDuringItsTruncation()
 {
     Log log(fileName_, Log::NoFileTimeStamp);
     log.setTimeStamp(Log::NoTimeStamp);
@@ -168,6 +168,6 @@ void TestLogFallbacks::theLogCanBeWrittenDuringItsTruncation()
     QCOMPARE(contentOf(fileName_), tooLargeLog() + " after" + lineEnd);
 }
 
-QTEST_GUILESS_MAIN(TestLogFallbacks)
+QTEST_GUILESS_MAIN(TestLogFakePlatform)
 
-#include "tst_logfallbacks.moc"
+#include "tst_logfakeplatform.moc"

@@ -10,10 +10,10 @@
 #include <initializer_list>
 
 /// An open log in a folder of its own, whose lines carry no time.
-class TestLog
+class TemporaryLog
 {
 public:
-    TestLog()
+    TemporaryLog()
         : log_(folder_.filePath(QStringLiteral("run.log")), Vorn::Util::Log::NoFileTimeStamp)
     {
         log_.setTimeStamp(Vorn::Util::Log::NoTimeStamp);

@@ -128,7 +128,7 @@ SystemOutcome run(const QStringList &steps)
 
 } // namespace
 
-class tst_SystemFallbacks : public QObject
+class TestSystemFoldersFakePlatform : public QObject
 {
     Q_OBJECT
 
@@ -168,14 +168,14 @@ private:
     int functions_ = 0;
 };
 
-void tst_SystemFallbacks::init()
+void TestSystemFoldersFakePlatform::init()
 {
     here_ = folder_.filePath(QString::number(++functions_));
     QVERIFY(QDir().mkdir(here_));
     fakePlatform() = FakePlatform();
 }
 
-void tst_SystemFallbacks::programDataLiesInTheCommonFolder()
+void TestSystemFoldersFakePlatform::programDataLiesInTheCommonFolder()
 {
     const SystemOutcome outcome
         = run({answer("commonApplicationDataFolder", native(QStringLiteral("/common data"))),
@@ -187,7 +187,7 @@ void tst_SystemFallbacks::programDataLiesInTheCommonFolder()
     QVERIFY(!QFileInfo::exists(QStringLiteral("/common data")));
 }
 
-void tst_SystemFallbacks::withoutACommonFolderProgramDataLiesBelowTheRoot()
+void TestSystemFoldersFakePlatform::withoutACommonFolderProgramDataLiesBelowTheRoot()
 {
     const QString root = QDir::rootPath() + QStringLiteral("ProgramData");
     QCOMPARE(
@@ -197,7 +197,7 @@ void tst_SystemFallbacks::withoutACommonFolderProgramDataLiesBelowTheRoot()
         (QStringList{withProductFolder(root), native(root + QStringLiteral("/Vantorel/Other"))}));
 }
 
-void tst_SystemFallbacks::allUsersDataLieInThePublicDocuments()
+void TestSystemFoldersFakePlatform::allUsersDataLieInThePublicDocuments()
 {
     QCOMPARE(run({answer("publicDocumentsRoot", here_ + QLatin1Char('/')),
                   QStringLiteral("getAllUsersDataPath"),
@@ -208,7 +208,7 @@ void tst_SystemFallbacks::allUsersDataLieInThePublicDocuments()
     QVERIFY(QDir(here_).isEmpty());
 }
 
-void tst_SystemFallbacks::userDataLieBelowTheirRoot()
+void TestSystemFoldersFakePlatform::userDataLieBelowTheirRoot()
 {
     QCOMPARE(
         run({answer("userDataRoot", here_ + QLatin1Char('/')), QStringLiteral("getUserDataPath"),
@@ -218,7 +218,7 @@ void tst_SystemFallbacks::userDataLieBelowTheirRoot()
     QVERIFY(QDir(here_).isEmpty());
 }
 
-void tst_SystemFallbacks::withoutTheVariablePublicDocumentsLieInTheDoubledFolder()
+void TestSystemFoldersFakePlatform::withoutTheVariablePublicDocumentsLieInTheDoubledFolder()
 {
     const QString expected = withProductFolder(withProductFolder(here_));
     const SystemOutcome outcome = run({answer("commonApplicationDataFolder", native(here_)),
@@ -229,7 +229,7 @@ void tst_SystemFallbacks::withoutTheVariablePublicDocumentsLieInTheDoubledFolder
     QVERIFY(QFileInfo(expected).isDir());
 }
 
-void tst_SystemFallbacks::anEmptyVariableIsNone()
+void TestSystemFoldersFakePlatform::anEmptyVariableIsNone()
 {
     QCOMPARE(
         run({answer("commonApplicationDataFolder", native(here_)),
@@ -238,7 +238,7 @@ void tst_SystemFallbacks::anEmptyVariableIsNone()
         QStringList{withProductFolder(withProductFolder(here_))});
 }
 
-void tst_SystemFallbacks::tutorialsWithoutTheVariable()
+void TestSystemFoldersFakePlatform::tutorialsWithoutTheVariable()
 {
     const QString expected
         = native(withProductFolder(withProductFolder(here_)) + QStringLiteral("/Tutorials"));
@@ -249,7 +249,7 @@ void tst_SystemFallbacks::tutorialsWithoutTheVariable()
     QVERIFY(QFileInfo(expected).isDir());
 }
 
-void tst_SystemFallbacks::ruleAndTemplateFoldersAreCreatedByEveryCall()
+void TestSystemFoldersFakePlatform::ruleAndTemplateFoldersAreCreatedByEveryCall()
 {
     const QString rule = native(withProductFolder(here_) + QStringLiteral("/Rule"));
     const QString templates = native(withProductFolder(here_) + QStringLiteral("/Template"));
@@ -263,7 +263,7 @@ void tst_SystemFallbacks::ruleAndTemplateFoldersAreCreatedByEveryCall()
     QVERIFY(QFileInfo(templates).isDir());
 }
 
-void tst_SystemFallbacks::ruleAndTemplateFoldersThatCannotBeCreatedAreEmpty()
+void TestSystemFoldersFakePlatform::ruleAndTemplateFoldersThatCannotBeCreatedAreEmpty()
 {
     const QString file = here_ + QStringLiteral("/file");
     QVERIFY(writeFile(file, QByteArray()));
@@ -274,12 +274,12 @@ void tst_SystemFallbacks::ruleAndTemplateFoldersThatCannotBeCreatedAreEmpty()
     QCOMPARE(outcome.messages, QStringList());
 }
 
-void tst_SystemFallbacks::withoutAUniqueNameThereIsNoTemporaryFileName()
+void TestSystemFoldersFakePlatform::withoutAUniqueNameThereIsNoTemporaryFileName()
 {
     QCOMPARE(run({QStringLiteral("getTempFileName=results.xyz")}).results, QStringList{QString()});
 }
 
-void tst_SystemFallbacks::temporaryFileName_data()
+void TestSystemFoldersFakePlatform::temporaryFileName_data()
 {
     QTest::addColumn<QString>("uniqueName");
     QTest::addColumn<QString>("expected"); // for "results.tar.xyz"
@@ -302,7 +302,7 @@ void tst_SystemFallbacks::temporaryFileName_data()
     row("/tmp/s1ko", "tmp/s1ko.xyz");
 }
 
-void tst_SystemFallbacks::temporaryFileName()
+void TestSystemFoldersFakePlatform::temporaryFileName()
 {
     QFETCH(QString, uniqueName);
     QFETCH(QString, expected);
@@ -315,7 +315,7 @@ void tst_SystemFallbacks::temporaryFileName()
              (QStringList{expected, withoutSuffix}));
 }
 
-void tst_SystemFallbacks::programFolderIsThatOfTheProgramFile()
+void TestSystemFoldersFakePlatform::programFolderIsThatOfTheProgramFile()
 {
     const QString folder = native(QFileInfo(here_).absoluteFilePath());
     const SystemOutcome outcome
@@ -328,7 +328,7 @@ void tst_SystemFallbacks::programFolderIsThatOfTheProgramFile()
     QCOMPARE(outcome.results, (QStringList{folder, folder, folder}));
 }
 
-void tst_SystemFallbacks::programFolderIsThatOfTheMainProgramFirst()
+void TestSystemFoldersFakePlatform::programFolderIsThatOfTheMainProgramFirst()
 {
     const QFileInfo original(QCoreApplication::applicationFilePath());
     const QString program = here_ + QLatin1Char('/') + original.fileName();
@@ -341,7 +341,7 @@ void tst_SystemFallbacks::programFolderIsThatOfTheMainProgramFirst()
              QStringList{native(QFileInfo(here_).canonicalFilePath())});
 }
 
-void tst_SystemFallbacks::aFolderIsNoMainProgram()
+void TestSystemFoldersFakePlatform::aFolderIsNoMainProgram()
 {
     const QFileInfo original(QCoreApplication::applicationFilePath());
     const QString program = here_ + QLatin1Char('/') + original.fileName();
@@ -355,7 +355,7 @@ void tst_SystemFallbacks::aFolderIsNoMainProgram()
              QStringList{native(other)});
 }
 
-void tst_SystemFallbacks::withoutAProgramFileTheSettingCounts_data()
+void TestSystemFoldersFakePlatform::withoutAProgramFileTheSettingCounts_data()
 {
     QTest::addColumn<QString>("setting");
     QTest::addColumn<QString>("programFolder");
@@ -372,7 +372,7 @@ void tst_SystemFallbacks::withoutAProgramFileTheSettingCounts_data()
 }
 
 // A separator at its end is taken off by both functions, one each.
-void tst_SystemFallbacks::withoutAProgramFileTheSettingCounts()
+void TestSystemFoldersFakePlatform::withoutAProgramFileTheSettingCounts()
 {
     QFETCH(QString, setting);
     QFETCH(QString, programFolder);
@@ -387,7 +387,7 @@ void tst_SystemFallbacks::withoutAProgramFileTheSettingCounts()
              QStringList{native(installationFolder)});
 }
 
-void tst_SystemFallbacks::withoutAProgramFileTheVariableDoesNotCount()
+void TestSystemFoldersFakePlatform::withoutAProgramFileTheVariableDoesNotCount()
 {
     QCOMPARE(run({answer("variable", "TAVELINE2024DIR", QStringLiteral("/variable")),
                   QStringLiteral("getCurrentExePath"),
@@ -398,7 +398,7 @@ void tst_SystemFallbacks::withoutAProgramFileTheVariableDoesNotCount()
                           native(QStringLiteral("/variable"))}));
 }
 
-void tst_SystemFallbacks::whatIsNotFoundIsLookedForAgain()
+void TestSystemFoldersFakePlatform::whatIsNotFoundIsLookedForAgain()
 {
     const QString folder = native(QStringLiteral("/found"));
     const SystemOutcome outcome
@@ -411,7 +411,7 @@ void tst_SystemFallbacks::whatIsNotFoundIsLookedForAgain()
     QCOMPARE(outcome.printed.size(), 2);
 }
 
-void tst_SystemFallbacks::aKeyThatCannotBeOpenedIsPrinted()
+void TestSystemFoldersFakePlatform::aKeyThatCannotBeOpenedIsPrinted()
 {
     const QString denied
         = settingsFailure(SettingsValue::NoKey, 5, QStringLiteral("Access is denied.\n"));
@@ -426,7 +426,7 @@ void tst_SystemFallbacks::aKeyThatCannotBeOpenedIsPrinted()
             QStringLiteral("RegOpenKeyEx: SOFTWARE\\Vantorel\\VORN\\24.x: 5: Access is denied.")}));
 }
 
-void tst_SystemFallbacks::aValueThatCannotBeReadIsPrinted()
+void TestSystemFoldersFakePlatform::aValueThatCannotBeReadIsPrinted()
 {
     const SystemOutcome outcome = run(
         {settingsFailure(SettingsValue::NoValue, 234, QStringLiteral("Success.\n")),
@@ -438,7 +438,7 @@ void tst_SystemFallbacks::aValueThatCannotBeReadIsPrinted()
     QCOMPARE(outcome.printed, (QStringList{line, line, line}));
 }
 
-void tst_SystemFallbacks::printedTextsAreNotExpanded()
+void TestSystemFoldersFakePlatform::printedTextsAreNotExpanded()
 {
     QCOMPARE(run({settingsFailure(SettingsValue::NoKey, 2, QStringLiteral("%1 %2 %s\n")),
                   QStringLiteral("readRegistryValue=Name|%3%d%2\\key")})
@@ -450,7 +450,7 @@ void tst_SystemFallbacks::printedTextsAreNotExpanded()
              QStringList{QStringLiteral("RegQueryValueEx: 2 %1 %2 %s")});
 }
 
-void tst_SystemFallbacks::theKeyAndTheNameAreHandedOn()
+void TestSystemFoldersFakePlatform::theKeyAndTheNameAreHandedOn()
 {
     QStringList asked;
     fakePlatform().settingsSubkeys = [&asked](const QString &key) {
@@ -474,8 +474,8 @@ int main(int argc, char *argv[])
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.value(0) == childBehaviour())
         return runAsChild(arguments.mid(1));
-    tst_SystemFallbacks test;
+    TestSystemFoldersFakePlatform test;
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "tst_systemfallbacks.moc"
+#include "tst_systemfoldersfakeplatform.moc"

@@ -128,7 +128,7 @@ SystemOutcome run(const QStringList &steps)
 
 } // namespace
 
-class tst_SystemFallbacks2 : public QObject
+class TestSystemFakePlatform : public QObject
 {
     Q_OBJECT
 
@@ -183,7 +183,7 @@ private:
     int hostNamesAskedFor_ = 0;
 };
 
-void tst_SystemFallbacks2::initTestCase()
+void TestSystemFakePlatform::initTestCase()
 {
     QVERIFY(folder_.isValid());
     fakePlatform().userDataRoot = [this] { return folder_.path() + QLatin1Char('/'); };
@@ -195,18 +195,18 @@ void tst_SystemFallbacks2::initTestCase()
     QCOMPARE(System::getHostName(), QStringLiteral("LOCALHOST"));
 }
 
-void tst_SystemFallbacks2::init()
+void TestSystemFakePlatform::init()
 {
     fakePlatform() = FakePlatform();
     QFile::remove(flagsFile());
 }
 
-QString tst_SystemFallbacks2::flagsFile() const
+QString TestSystemFakePlatform::flagsFile() const
 {
     return folder_.filePath(QStringLiteral("Vantorel/VORN 2024/Flags/VORN_flags.txt"));
 }
 
-void tst_SystemFallbacks2::theSystemDriveIsNeverAskedFor_data()
+void TestSystemFakePlatform::theSystemDriveIsNeverAskedFor_data()
 {
     QTest::addColumn<QString>("path");
 
@@ -214,7 +214,7 @@ void tst_SystemFallbacks2::theSystemDriveIsNeverAskedFor_data()
         QTest::newRow(path) << QString::fromLatin1(path);
 }
 
-void tst_SystemFallbacks2::theSystemDriveIsNeverAskedFor()
+void TestSystemFakePlatform::theSystemDriveIsNeverAskedFor()
 {
     QFETCH(QString, path);
 
@@ -233,7 +233,7 @@ void tst_SystemFallbacks2::theSystemDriveIsNeverAskedFor()
     QCOMPARE(asked, 1);
 }
 
-void tst_SystemFallbacks2::aMappedDriveGivesItsUniversalName()
+void TestSystemFakePlatform::aMappedDriveGivesItsUniversalName()
 {
     bool isDriveAskedFor = false;
     fakePlatform().universalName
@@ -246,7 +246,7 @@ void tst_SystemFallbacks2::aMappedDriveGivesItsUniversalName()
     QVERIFY(!isDriveAskedFor);
 }
 
-void tst_SystemFallbacks2::theUniversalNameIsAskedForInNativeForm()
+void TestSystemFakePlatform::theUniversalNameIsAskedForInNativeForm()
 {
     QStringList asked;
     fakePlatform().universalName = [&asked](const QString &path) {
@@ -258,7 +258,7 @@ void tst_SystemFallbacks2::theUniversalNameIsAskedForInNativeForm()
     QCOMPARE(asked, QStringList{QDir::toNativeSeparators(path)});
 }
 
-void tst_SystemFallbacks2::theDriveIsAskedForWithoutAUniversalName_data()
+void TestSystemFakePlatform::theDriveIsAskedForWithoutAUniversalName_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("drive");
@@ -272,7 +272,7 @@ void tst_SystemFallbacks2::theDriveIsAskedForWithoutAUniversalName_data()
     QTest::newRow("empty") << QString() << QString();
 }
 
-void tst_SystemFallbacks2::theDriveIsAskedForWithoutAUniversalName()
+void TestSystemFakePlatform::theDriveIsAskedForWithoutAUniversalName()
 {
     QFETCH(QString, path);
     QFETCH(QString, drive);
@@ -286,7 +286,7 @@ void tst_SystemFallbacks2::theDriveIsAskedForWithoutAUniversalName()
     QCOMPARE(asked, QStringList{drive});
 }
 
-void tst_SystemFallbacks2::theTargetOfADrive_data()
+void TestSystemFakePlatform::theTargetOfADrive_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("target");
@@ -319,7 +319,7 @@ void tst_SystemFallbacks2::theTargetOfADrive_data()
         "X:\\a");
 }
 
-void tst_SystemFallbacks2::theTargetOfADrive()
+void TestSystemFakePlatform::theTargetOfADrive()
 {
     QFETCH(QString, path);
     QFETCH(QString, target);
@@ -329,14 +329,14 @@ void tst_SystemFallbacks2::theTargetOfADrive()
     QCOMPARE(System::getUniversalPath(path), expected);
 }
 
-void tst_SystemFallbacks2::theHostNameIsAskedForOnce()
+void TestSystemFakePlatform::theHostNameIsAskedForOnce()
 {
     fakePlatform().hostName = [] { return QStringLiteral("other"); };
     QCOMPARE(System::getHostName(), QStringLiteral("LOCALHOST"));
     QCOMPARE(hostNamesAskedFor_, 1);
 }
 
-void tst_SystemFallbacks2::aHostNameThatFailsIsAskedForElsewhere()
+void TestSystemFakePlatform::aHostNameThatFailsIsAskedForElsewhere()
 {
     const QString name = QHostInfo::localHostName();
     QVERIFY(!name.isEmpty());
@@ -350,7 +350,7 @@ void tst_SystemFallbacks2::aHostNameThatFailsIsAskedForElsewhere()
              (QStringList{QStringLiteral("first"), QStringLiteral("first")}));
 }
 
-void tst_SystemFallbacks2::theLocalHostHasTheMachinesName()
+void TestSystemFakePlatform::theLocalHostHasTheMachinesName()
 {
     QVERIFY(System::isLocalHost(QStringLiteral("LOCALHOST")));
     QVERIFY(System::isLocalHost(QStringLiteral("localhost")));
@@ -360,7 +360,7 @@ void tst_SystemFallbacks2::theLocalHostHasTheMachinesName()
     QCOMPARE(hostNamesAskedFor_, 1);
 }
 
-void tst_SystemFallbacks2::aUserNameThatFailsIsTold()
+void TestSystemFakePlatform::aUserNameThatFailsIsTold()
 {
     const TestMessages messages;
     QCOMPARE(System::getUserName(), QString());
@@ -370,7 +370,7 @@ void tst_SystemFallbacks2::aUserNameThatFailsIsTold()
     QCOMPARE(messages.lines().size(), 1);
 }
 
-void tst_SystemFallbacks2::theSearchForAnIdEndsWithTheFirstFound()
+void TestSystemFakePlatform::theSearchForAnIdEndsWithTheFirstFound()
 {
     const Processes processes({{4, QStringLiteral("other.exe"), QString()},
                                {8, QStringLiteral("VORN.exe"), QString()},
@@ -389,7 +389,7 @@ void tst_SystemFallbacks2::theSearchForAnIdEndsWithTheFirstFound()
     QCOMPARE(processes.terminated(), QStringList());
 }
 
-void tst_SystemFallbacks2::aProcessWithoutANameIsUnknown()
+void TestSystemFakePlatform::aProcessWithoutANameIsUnknown()
 {
     const Processes processes({{4, QStringLiteral("<unknown>"), QStringLiteral("C:\\a\\b.exe")}});
     QCOMPARE(System::getPID({QStringLiteral("<UNKNOWN>")}), 4L);
@@ -399,7 +399,7 @@ void tst_SystemFallbacks2::aProcessWithoutANameIsUnknown()
              QStringList{QStringLiteral("<unknown>")});
 }
 
-void tst_SystemFallbacks2::theExitCodeOfAnEndedProcessIsOne()
+void TestSystemFakePlatform::theExitCodeOfAnEndedProcessIsOne()
 {
     const Processes processes({{4, QStringLiteral("VORN.exe"), QString()},
                                {8, QStringLiteral("other.exe"), QString()},
@@ -411,7 +411,7 @@ void tst_SystemFallbacks2::theExitCodeOfAnEndedProcessIsOne()
     QCOMPARE(processes.visited(), 3);
 }
 
-void tst_SystemFallbacks2::aProcessThatCannotBeEndedIsNotInTheList()
+void TestSystemFakePlatform::aProcessThatCannotBeEndedIsNotInTheList()
 {
     const QString name = QStringLiteral("VORN.exe");
     const Processes processes({{4, name, QString(), false},
@@ -421,7 +421,7 @@ void tst_SystemFallbacks2::aProcessThatCannotBeEndedIsNotInTheList()
     QCOMPARE(processes.terminated().size(), 3);
 }
 
-void tst_SystemFallbacks2::withoutAPathTheFilterIsLookedForInTheName()
+void TestSystemFakePlatform::withoutAPathTheFilterIsLookedForInTheName()
 {
     const QString name = QStringLiteral("VORN.exe");
     const Processes processes({{4, name, QString()}});
@@ -432,7 +432,7 @@ void tst_SystemFallbacks2::withoutAPathTheFilterIsLookedForInTheName()
     QCOMPARE(processes.terminated().size(), 2);
 }
 
-void tst_SystemFallbacks2::theFilterIsFoundAnywhereInThePath_data()
+void TestSystemFakePlatform::theFilterIsFoundAnywhereInThePath_data()
 {
     QTest::addColumn<QString>("filter");
     QTest::addColumn<bool>("isEnded");
@@ -455,7 +455,7 @@ void tst_SystemFallbacks2::theFilterIsFoundAnywhereInThePath_data()
     row("VORN2024", false);
 }
 
-void tst_SystemFallbacks2::theFilterIsFoundAnywhereInThePath()
+void TestSystemFakePlatform::theFilterIsFoundAnywhereInThePath()
 {
     QFETCH(QString, filter);
     QFETCH(bool, isEnded);
@@ -467,7 +467,7 @@ void tst_SystemFallbacks2::theFilterIsFoundAnywhereInThePath()
     QCOMPARE(processes.terminated().size(), isEnded ? 1 : 0);
 }
 
-void tst_SystemFallbacks2::theRunningProgramIsAskedForAsItIsWritten()
+void TestSystemFakePlatform::theRunningProgramIsAskedForAsItIsWritten()
 {
     QStringList asked;
     fakePlatform().isProgramRunning = [&asked](const QString &name) {
@@ -481,7 +481,7 @@ void tst_SystemFallbacks2::theRunningProgramIsAskedForAsItIsWritten()
              (QStringList{QStringLiteral("VORN.exe"), QStringLiteral("vorn.exe"), QString()}));
 }
 
-void tst_SystemFallbacks2::aSettingThatCannotBeReadIsTheDefault()
+void TestSystemFakePlatform::aSettingThatCannotBeReadIsTheDefault()
 {
     QStringList asked;
     fakePlatform().readSettingsText = [&asked](const QString &keyPath, const QString &name) {
@@ -493,7 +493,7 @@ void tst_SystemFallbacks2::aSettingThatCannotBeReadIsTheDefault()
     QCOMPARE(System::getLocaleID(), 1033);
 }
 
-void tst_SystemFallbacks2::aTextIsWrittenToTheProductsKey()
+void TestSystemFakePlatform::aTextIsWrittenToTheProductsKey()
 {
     QStringList written;
     fakePlatform().writeSettingsText
@@ -507,7 +507,7 @@ void tst_SystemFallbacks2::aTextIsWrittenToTheProductsKey()
                           productKey(), QStringLiteral("A Name"), QStringLiteral("a text")}));
 }
 
-void tst_SystemFallbacks2::theFolderIsSharedUnderItsName_data()
+void TestSystemFakePlatform::theFolderIsSharedUnderItsName_data()
 {
     QTest::addColumn<bool>("result");
 
@@ -515,7 +515,7 @@ void tst_SystemFallbacks2::theFolderIsSharedUnderItsName_data()
     QTest::newRow("refused") << false;
 }
 
-void tst_SystemFallbacks2::theFolderIsSharedUnderItsName()
+void TestSystemFakePlatform::theFolderIsSharedUnderItsName()
 {
     QFETCH(bool, result);
 
@@ -534,7 +534,7 @@ void tst_SystemFallbacks2::theFolderIsSharedUnderItsName()
     QCOMPARE(asked, (QStringList{QStringLiteral("A Name"), path, path}));
 }
 
-void tst_SystemFallbacks2::aFolderThatCannotBeReadHasNothingToRemove()
+void TestSystemFakePlatform::aFolderThatCannotBeReadHasNothingToRemove()
 {
     const QTemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("file"));
@@ -546,7 +546,7 @@ void tst_SystemFallbacks2::aFolderThatCannotBeReadHasNothingToRemove()
     QVERIFY(!QFileInfo::exists(folder.path()));
 }
 
-void tst_SystemFallbacks2::aRemovalThatCannotBeFinishedIsFalse()
+void TestSystemFakePlatform::aRemovalThatCannotBeFinishedIsFalse()
 {
     fakePlatform().openFolderTree = [](const QString &) { return std::make_unique<TrapTree>(); };
     const QTemporaryDir folder;
@@ -554,7 +554,7 @@ void tst_SystemFallbacks2::aRemovalThatCannotBeFinishedIsFalse()
     fakePlatform().openFolderTree = FakePlatform().openFolderTree;
 }
 
-void tst_SystemFallbacks2::theFlagsLieInTheUsersData()
+void TestSystemFakePlatform::theFlagsLieInTheUsersData()
 {
     const QString path = System::getFlagsDirPath();
     QCOMPARE(
@@ -563,7 +563,7 @@ void tst_SystemFallbacks2::theFlagsLieInTheUsersData()
     QVERIFY(QFileInfo(path).isDir());
 }
 
-void tst_SystemFallbacks2::aFlagIsTheFirstWordOfALine_data()
+void TestSystemFakePlatform::aFlagIsTheFirstWordOfALine_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("flag");
@@ -611,7 +611,7 @@ void tst_SystemFallbacks2::aFlagIsTheFirstWordOfALine_data()
     row("", "DebugMode", false);
 }
 
-void tst_SystemFallbacks2::aFlagIsTheFirstWordOfALine()
+void TestSystemFakePlatform::aFlagIsTheFirstWordOfALine()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, flag);
@@ -621,7 +621,7 @@ void tst_SystemFallbacks2::aFlagIsTheFirstWordOfALine()
     QCOMPARE(System::isFlagSet(flag), isSet);
 }
 
-void tst_SystemFallbacks2::flagsAreReadAnewByEveryCall()
+void TestSystemFakePlatform::flagsAreReadAnewByEveryCall()
 {
     const QString flag = QStringLiteral("DebugMode");
     QVERIFY(!System::isFlagSet(flag));
@@ -633,7 +633,7 @@ void tst_SystemFallbacks2::flagsAreReadAnewByEveryCall()
     QVERIFY(!System::isFlagSet(flag));
 }
 
-void tst_SystemFallbacks2::aFlagsFileOfMoreThanAMebibyteSetsNoFlag()
+void TestSystemFakePlatform::aFlagsFileOfMoreThanAMebibyteSetsNoFlag()
 {
     const QByteArray flag = "DebugMode\n";
     const QByteArray longest = flag + QByteArray(1024 * 1024 - flag.size(), ' ');
@@ -644,7 +644,7 @@ void tst_SystemFallbacks2::aFlagsFileOfMoreThanAMebibyteSetsNoFlag()
     QVERIFY(QFile::remove(flagsFile()));
 }
 
-void tst_SystemFallbacks2::withoutAFlagsFileNoFlagIsSet()
+void TestSystemFakePlatform::withoutAFlagsFileNoFlagIsSet()
 {
     QVERIFY(!System::isFlagSet(QStringLiteral("DebugMode")));
     QVERIFY(!System::isFlagSet(QString()));
@@ -654,7 +654,7 @@ void tst_SystemFallbacks2::withoutAFlagsFileNoFlagIsSet()
     QVERIFY(QDir().rmdir(flagsFile()));
 }
 
-void tst_SystemFallbacks2::theFlagsFolderIsKept()
+void TestSystemFakePlatform::theFlagsFolderIsKept()
 {
     const QTemporaryDir root;
     const QString flags
@@ -667,7 +667,7 @@ void tst_SystemFallbacks2::theFlagsFolderIsKept()
     QVERIFY(!QFileInfo::exists(flags));
 }
 
-void tst_SystemFallbacks2::aFlagsFolderThatCannotBeMadeIsTriedAgain()
+void TestSystemFakePlatform::aFlagsFolderThatCannotBeMadeIsTriedAgain()
 {
     const QTemporaryDir root;
     const QString obstacle = root.filePath(QStringLiteral("Vantorel"));
@@ -689,8 +689,8 @@ int main(int argc, char *argv[])
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.value(0) == childBehaviour())
         return runAsChild(arguments.mid(1));
-    tst_SystemFallbacks2 test;
+    TestSystemFakePlatform test;
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "tst_systemfallbacks2.moc"
+#include "tst_systemfakeplatform.moc"

@@ -33,7 +33,7 @@ private:
 
 } // namespace
 
-class tst_CpuCounterFallbacks : public QObject
+class TestCpuCounterFakePlatform : public QObject
 {
     Q_OBJECT
 
@@ -48,7 +48,7 @@ private Q_SLOTS:
     void anAssignmentToItselfIsHarmless();
 };
 
-void tst_CpuCounterFallbacks::withoutASourceTheValueIsMinusOne()
+void TestCpuCounterFakePlatform::withoutASourceTheValueIsMinusOne()
 {
     fakePlatform().openCounter = [](const QString &) { return nullptr; };
     CpuCounter counter(CpuCounter::CpuPercent);
@@ -56,7 +56,7 @@ void tst_CpuCounterFallbacks::withoutASourceTheValueIsMinusOne()
     QCOMPARE(counter.getValue(), -1L);
 }
 
-void tst_CpuCounterFallbacks::thePathIsGivenAsItIs()
+void TestCpuCounterFakePlatform::thePathIsGivenAsItIs()
 {
     QStringList paths;
     fakePlatform().openCounter = [&paths](const QString &path) {
@@ -70,7 +70,7 @@ void tst_CpuCounterFallbacks::thePathIsGivenAsItIs()
     QCOMPARE(paths, given); // once each
 }
 
-void tst_CpuCounterFallbacks::everyCallTakesASample()
+void TestCpuCounterFakePlatform::everyCallTakesASample()
 {
     int alive = 0;
     const long largest = std::numeric_limits<long>::max();
@@ -81,7 +81,7 @@ void tst_CpuCounterFallbacks::everyCallTakesASample()
     QCOMPARE(counter.getValue(), largest - 1);
 }
 
-void tst_CpuCounterFallbacks::theSourceLivesAsLongAsTheCounter()
+void TestCpuCounterFakePlatform::theSourceLivesAsLongAsTheCounter()
 {
     int alive = 0;
     fakePlatform().openCounter
@@ -97,7 +97,7 @@ void tst_CpuCounterFallbacks::theSourceLivesAsLongAsTheCounter()
     QCOMPARE(alive, 0);
 }
 
-void tst_CpuCounterFallbacks::anAssignmentEndsTheSourceBefore()
+void TestCpuCounterFakePlatform::anAssignmentEndsTheSourceBefore()
 {
     int alive = 0;
     long first = 1;
@@ -110,7 +110,7 @@ void tst_CpuCounterFallbacks::anAssignmentEndsTheSourceBefore()
     QCOMPARE(counter.getValue(), 100L);
 }
 
-void tst_CpuCounterFallbacks::anAssignmentToItselfIsHarmless()
+void TestCpuCounterFakePlatform::anAssignmentToItselfIsHarmless()
 {
     int alive = 0;
     fakePlatform().openCounter
@@ -122,6 +122,6 @@ void tst_CpuCounterFallbacks::anAssignmentToItselfIsHarmless()
     QCOMPARE(counter.getValue(), 7L);
 }
 
-QTEST_GUILESS_MAIN(tst_CpuCounterFallbacks)
+QTEST_GUILESS_MAIN(TestCpuCounterFakePlatform)
 
-#include "tst_cpucounterfallbacks.moc"
+#include "tst_cpucounterfakeplatform.moc"

@@ -1,52 +1,16 @@
 #pragma once
 
+#include "FileTree.h"
 #include "Noise.h"
-#include "TestFiles.h"
 
 #include <Utility/SevenZip.h>
 
 #include <QtCore/QByteArray>
 #include <QtCore/QDir>
-#include <QtCore/QDirIterator>
 #include <QtCore/QFileInfo>
-#include <QtCore/QMap>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtTest/QtTest>
-
-/// The files below a folder: relative names, with "/", and contents.
-using Tree = QMap<QString, QByteArray>;
-
-inline bool writeTree(const QString &folder, const Tree &tree)
-{
-    for (auto file = tree.begin(); file != tree.end(); ++file) {
-        const QString path = folder + QLatin1Char('/') + file.key();
-        if (!QDir().mkpath(QFileInfo(path).path()) || !writeFile(path, file.value()))
-            return false;
-    }
-    return true;
-}
-
-inline Tree readTree(const QString &folder)
-{
-    Tree tree;
-    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System,
-                       QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString file = files.next();
-        tree.insert(QDir(folder).relativeFilePath(file), contentOf(file));
-    }
-    return tree;
-}
-
-/// In bytes, without the names.
-inline qint64 sizeOf(const Tree &tree)
-{
-    qint64 sum = 0;
-    for (const QByteArray &bytes : tree)
-        sum += bytes.size();
-    return sum;
-}
 
 /// Files that a careless archiver or caller may change: empty, binary, of any line ends.
 inline Tree mixedTree()

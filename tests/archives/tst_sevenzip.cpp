@@ -1,5 +1,6 @@
 #include <Utility/SevenZip.h>
 
+#include "TestFiles.h"
 #include "TestFolder.h"
 
 #include <QtCore/QDir>
@@ -49,13 +50,6 @@ public:
     using SevenZip::toType;
     using SevenZip::typeArg;
 };
-
-void writeFile(const QString &name, const QByteArray &bytes)
-{
-    QFile file(name);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), static_cast<qint64>(bytes.size()));
-}
 
 } // namespace
 
@@ -424,8 +418,8 @@ void TestSevenZip::whatHasNoTextFailsAnAssertionOrFallsBack()
 void TestSevenZip::theSizeOfAFileIsItsBytes()
 {
     const TestFolder folder;
-    writeFile(folder.filePath(QStringLiteral("ten")), "0123456789");
-    writeFile(folder.filePath(QStringLiteral("empty")), QByteArray());
+    QVERIFY(writeFile(folder.filePath(QStringLiteral("ten")), "0123456789"));
+    QVERIFY(writeFile(folder.filePath(QStringLiteral("empty")), QByteArray()));
     QCOMPARE(Archive::fileSize(folder.filePath(QStringLiteral("ten"))), Q_INT64_C(10));
     QCOMPARE(Archive::fileSize(folder.filePath(QStringLiteral("empty"))), Q_INT64_C(0));
 }
@@ -442,8 +436,8 @@ void TestSevenZip::theSizesAreSummedAndMissingFilesCount0()
     const QString ten = folder.filePath(QStringLiteral("ten"));
     const QString three = folder.filePath(QStringLiteral("three"));
     const QString missing = folder.filePath(QStringLiteral("missing"));
-    writeFile(ten, "0123456789");
-    writeFile(three, "012");
+    QVERIFY(writeFile(ten, "0123456789"));
+    QVERIFY(writeFile(three, "012"));
     QCOMPARE(Archive::fileSizes({missing, ten}), Q_INT64_C(10));
     QCOMPARE(Archive::fileSizes({ten, missing, three, three}), Q_INT64_C(16));
 }

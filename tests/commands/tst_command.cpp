@@ -1,6 +1,6 @@
 #include "HelperProgram.h"
-#include "TestFiles.h"
 #include "TemporaryLog.h"
+#include "TestFiles.h"
 #include "TestSystem.h"
 
 #include <Utility/Command.h>

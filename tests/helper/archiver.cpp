@@ -2,8 +2,9 @@
 // the file that tells how the program was called; FakeArchiver.h writes the one and reads the
 // other.
 
-#include "TestSystem.h"
 #include "BinaryStreams.h"
+#include "TestFiles.h"
+#include "TestSystem.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QCoreApplication>
@@ -105,10 +106,9 @@ void waitFor(const QString &fileName)
         QThread::msleep(2);
 }
 
-void writeFile(const QString &fileName, const QByteArray &bytes)
+void writeFileOrLeave(const QString &fileName, const QByteArray &bytes)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+    if (!writeFile(fileName, bytes))
         leave(NoScript);
 }
 
@@ -118,7 +118,7 @@ void unpackFile(const QString &name, const QByteArray &bytes)
     const QString option = QStringLiteral("-o");
     for (const QString &argument : QCoreApplication::arguments()) {
         if (argument.startsWith(option))
-            writeFile(QDir(argument.mid(option.size())).filePath(name), bytes);
+            writeFileOrLeave(QDir(argument.mid(option.size())).filePath(name), bytes);
     }
 }
 
@@ -136,7 +136,7 @@ void run(const QJsonObject &step)
     else if (action == QLatin1String("flood"))
         flood(bytes, number);
     else if (action == QLatin1String("writeFile"))
-        writeFile(name, bytes);
+        writeFileOrLeave(name, bytes);
     else if (action == QLatin1String("unpackFile"))
         unpackFile(name, bytes);
     else if (action == QLatin1String("waitFor"))

@@ -138,8 +138,7 @@ void TestLogFakePlatform::eachAppendTriesAgain()
     log.append(QStringLiteral("one"));
     log.append(QStringLiteral("two"));
     QCOMPARE(attempts_, 3);
-    const QByteArray lineEnd = onWindows() ? "\r\n" : "\n";
-    QCOMPARE(contentOf(fileName_), tooLargeLog() + " one" + lineEnd + " two" + lineEnd);
+    QCOMPARE(contentOf(fileName_), tooLargeLog() + " one" + lineEnd() + " two" + lineEnd());
 }
 
 // As a handler of Qt's messages may do. The log is closed just then, so that nothing is written.
@@ -164,8 +163,7 @@ void TestLogFakePlatform::theLogCanBeWrittenDuringItsTruncation()
     }
     QCOMPARE(attempts_, 1);
     QCOMPARE(name, fileName_);
-    const QByteArray lineEnd = onWindows() ? "\r\n" : "\n";
-    QCOMPARE(contentOf(fileName_), tooLargeLog() + " after" + lineEnd);
+    QCOMPARE(contentOf(fileName_), tooLargeLog() + " after" + lineEnd());
 }
 
 QTEST_GUILESS_MAIN(TestLogFakePlatform)

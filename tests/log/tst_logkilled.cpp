@@ -24,11 +24,6 @@ namespace {
 
 constexpr int PieceSize = 255;
 
-QByteArray lineEnd()
-{
-    return onWindows() ? "\r\n" : "\n";
-}
-
 QByteArray lineOf(int number)
 {
     return ' ' + numberedLine(QStringLiteral("line"), number).toUtf8() + lineEnd();

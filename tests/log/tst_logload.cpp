@@ -26,11 +26,6 @@ constexpr int ProgramCount = 2;
 constexpr int LinesPerProgram = 20000 / LOAD_FACTOR;
 constexpr int PieceSize = 255;
 
-QByteArray lineEnd()
-{
-    return onWindows() ? "\r\n" : "\n";
-}
-
 QString nameOf(int writer)
 {
     return QStringLiteral("writer%1").arg(writer);

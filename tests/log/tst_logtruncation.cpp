@@ -82,11 +82,6 @@ QByteArray logOfLines(int lineSize, int size)
     return log;
 }
 
-QByteArray lineEnd()
-{
-    return onWindows() ? "\r\n" : "\n";
-}
-
 // The environment of a child process whose temporary folder is \a folder.
 QProcessEnvironment withTemporaryFolder(const QString &folder)
 {

@@ -1,5 +1,5 @@
-#include "TestFiles.h"
 #include "TemporaryLog.h"
+#include "TestFiles.h"
 #include "TestSystem.h"
 
 #include <Utility/ClusterInfo.h>

@@ -1,8 +1,8 @@
 // What the processor information does with answers that a real system cannot be made to give.
 
 #include "FakePlatform.h"
-#include "TestFiles.h"
 #include "TemporaryLog.h"
+#include "TestFiles.h"
 #include "TestMessages.h"
 
 #include <Utility/CpuInfo.h>

@@ -9,6 +9,11 @@
 #include <QtCore/QFile>
 #include <QtCore/QVector>
 
+#include <array>
+
+/// What names the folder for temporary files on the one system or the other.
+constexpr std::array<const char *, 3> TempVariables{"TMPDIR", "TMP", "TEMP"};
+
 /// The folder of System::getTempDirPath() in this process, for it alone: nobody else's list files
 /// lie there. Make it before the first use of that function, which works the folder out once; the
 /// environment is the same afterwards, so that the tests' other temporary files lie elsewhere.
@@ -25,7 +30,7 @@ public:
             QByteArray before;
         };
         QVector<Variable> variables;
-        for (const char *name : {"TMPDIR", "TMP", "TEMP"}) { // of the one system or the other
+        for (const char *name : TempVariables) {
             variables.append({name, qgetenv(name)});
             qputenv(name, QFile::encodeName(QDir::toNativeSeparators(path_)));
         }
@@ -42,6 +47,7 @@ public:
     bool isUsed() const { return isUsed_; }
 
     QString path() const { return path_; }
+    QString filePath(const QString &name) const { return path_ + QLatin1Char('/') + name; }
 
 private:
     Q_DISABLE_COPY(OwnTempFolder)

@@ -9,7 +9,7 @@
 class TestFolder : public QTemporaryDir
 {
 public:
-    TestFolder() = default;
+    using QTemporaryDir::QTemporaryDir;
     ~TestFolder()
     {
         const bool isGone = QTest::qWaitFor([this] { return QDir(path()).removeRecursively(); });

@@ -2,12 +2,12 @@
 // the whole process is set up first; what fails first is shown in a process of its own, for which
 // this program runs itself again.
 
+#include "../helper/systemcalls.h"
 #include "FakePlatform.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestMessages.h"
 #include "TestSystem.h"
-#include "../helper/systemcalls.h"
 
 #include <Utility/System.h>
 

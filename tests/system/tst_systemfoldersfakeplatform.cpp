@@ -1,11 +1,11 @@
 // What a real system cannot be made to do. Each test function runs this program again as the
 // process whose platform it sets up.
 
+#include "../helper/systemcalls.h"
 #include "FakePlatform.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
-#include "../helper/systemcalls.h"
 
 #include <Utility/Registry.h>
 

@@ -1,10 +1,10 @@
 // An archiver that does not start, hangs, is killed or prints what no archiver prints.
 
 #include "FakeArchiver.h"
+#include "ProcessState.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
 #include "TestMessages.h"
-#include "ProcessState.h"
 
 #include <Utility/SevenZip.h>
 #include <Utility/System.h>

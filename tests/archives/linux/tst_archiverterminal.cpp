@@ -1,8 +1,8 @@
 // The archiver of a program that a user has started on a terminal.
 
+#include "Terminal.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
-#include "Terminal.h"
 
 #include <Utility/SevenZip.h>
 

@@ -1,11 +1,11 @@
 // What long use leaves behind: memory, descriptors, processes and files.
 
 #include "FakeArchiver.h"
+#include "ProcessState.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
 #include "TestMessages.h"
 #include "TestTask.h"
-#include "ProcessState.h"
 
 #include <Utility/AsyncTaskProcessor.h>
 #include <Utility/Command.h>

@@ -1,16 +1,16 @@
 // What is written when the disk is full or the process may open no more files.
 
+#include "DescriptorLimit.h"
 #include "FakeArchiver.h"
+#include "FileSizeLimit.h"
 #include "HelperProgram.h"
 #include "NumberedLines.h"
 #include "OtherFileSystem.h"
 #include "OwnTempFolder.h"
+#include "ProcessState.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
 #include "TestMessages.h"
-#include "DescriptorLimit.h"
-#include "FileSizeLimit.h"
-#include "ProcessState.h"
 
 #include <Utility/Command.h>
 #include <Utility/CpuInfo.h>

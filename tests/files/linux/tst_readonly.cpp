@@ -1,8 +1,8 @@
 // Folders and files that an ordinary user may not write or read.
 
+#include "OrdinaryUser.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
-#include "OrdinaryUser.h"
 
 #include <Utility/Command.h>
 #include <Utility/CpuInfo.h>

@@ -1,8 +1,8 @@
 // Removing a folder tree while its owner changes it, and trees that only this system can hold.
 
+#include "DescriptorLimit.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
-#include "DescriptorLimit.h"
 
 #include <Utility/System.h>
 

@@ -1,11 +1,11 @@
 // Pipes and links in the place of files.
 
-#include "TestFiles.h"
-#include "TestFolder.h"
-#include "TemporaryLog.h"
 #include "Fifo.h"
 #include "OrdinaryUser.h"
 #include "ProcessState.h"
+#include "TemporaryLog.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
 
 #include <Utility/CpuInfo.h>
 #include <Utility/System.h>

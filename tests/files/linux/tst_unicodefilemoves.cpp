@@ -1,10 +1,10 @@
 // A file whose plain folder lies on another file system, and files of other users.
 
+#include "FileSizeLimit.h"
+#include "OrdinaryUser.h"
 #include "OtherFileSystem.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
-#include "FileSizeLimit.h"
-#include "OrdinaryUser.h"
 
 #include <Utility/System.h>
 #include <Utility/UnicodeFile.h>

@@ -1,9 +1,9 @@
 // Whom a truncated log belongs to, who can read it, and what is left when it cannot be truncated.
 
+#include "OrdinaryUser.h"
 #include "OtherFileSystem.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
-#include "OrdinaryUser.h"
 
 #include <Utility/Log.h>
 

@@ -1,7 +1,7 @@
 // Which folder the data of all users go to. Permissions count for an ordinary user only.
 
-#include "TestFolder.h"
 #include "OrdinaryUser.h"
+#include "TestFolder.h"
 
 #include <Utility/Platform/Linux/Folders_p.h>
 #include <Utility/System.h>

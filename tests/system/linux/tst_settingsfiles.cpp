@@ -2,10 +2,10 @@
 // in a fresh process: Qt works the folders out once.
 
 #include "HelperProgram.h"
+#include "OrdinaryUser.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
-#include "OrdinaryUser.h"
 
 #include <Utility/System.h>
 

@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <initializer_list>
 #include <new>
 
 using Vorn::Util::AsyncTask;
@@ -54,6 +55,28 @@ inline QStringList finishedLines(qint64 atLeast, qint64 atMost)
         lines.append(QStringLiteral("Finished processing tasks in ")
                      + Vorn::Util::System::getElapsedTimeString(time));
     return lines;
+}
+
+/// The log of a run: "A" for a task that succeeds, "A: broken" for one that fails with this error,
+/// "-> C" for the skip to a clean-up task and "cancel" for a cancel.
+inline QStringList linesOfRun(std::initializer_list<const char *> steps)
+{
+    QStringList lines{QStringLiteral("Start processing tasks")};
+    for (const QString &step : texts(steps)) {
+        const QString name = step.section(QStringLiteral(": "), 0, 0);
+        const QString error = step.section(QStringLiteral(": "), 1);
+        if (step == QLatin1String("cancel")) {
+            lines += QStringLiteral("Task processing has been canceled");
+        } else if (step.startsWith(QLatin1String("-> "))) {
+            lines += QStringLiteral("Skipping to clean-up task: ") + step.mid(3);
+        } else {
+            lines += QStringLiteral("Starting task: ") + name;
+            lines += error.isEmpty()
+                ? QStringLiteral("Task finished in TIME")
+                : QStringLiteral("Task finished with errors in TIME: error = ") + error;
+        }
+    }
+    return lines << QStringLiteral("Finished processing tasks in TIME");
 }
 
 /// A processor with a log, and a journal of its signals.

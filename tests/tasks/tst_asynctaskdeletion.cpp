@@ -57,7 +57,7 @@ void TestAsyncTaskDeletion::theRunEndsWhenAllWaitingTasksAreDeletedBeforeTheStar
     delete a;
     QVERIFY(queue.processor.isFinished());
     QCOMPARE(exec(), 0);
-    QCOMPARE(queue.lines(), texts({"Start processing tasks", "Finished processing tasks in TIME"}));
+    QCOMPARE(queue.lines(), linesOfRun({}));
 }
 
 void TestAsyncTaskDeletion::startLaterDoesNothingWhenAllWaitingTasksAreDeleted()
@@ -100,9 +100,7 @@ void TestAsyncTaskDeletion::theRunEndsWhenTheLastWaitingTaskIsDeletedBetweenTwoT
     QCOMPARE(queue.run(), 0);
     QVERIFY(aWasGone);
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
-    QCOMPARE(queue.lines(),
-             texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
-                    "Finished processing tasks in TIME"}));
+    QCOMPARE(queue.lines(), linesOfRun({"A"}));
 }
 
 void TestAsyncTaskDeletion::aWaitingTaskThatGetsAnotherParentIsRun()
@@ -311,9 +309,7 @@ void TestAsyncTaskDeletion::aFinishedTaskHandedToAnotherProcessorIsNotRunAgain()
     QCOMPARE(exec(), 0);
     QVERIFY(!a);
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
-    QCOMPARE(queue.lines(),
-             texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
-                    "Finished processing tasks in TIME"}));
+    QCOMPARE(queue.lines(), linesOfRun({"A"}));
     QVERIFY(other.processor.isOk());
     QStringList journal;
     QStringList lines = texts({"Start processing tasks"});

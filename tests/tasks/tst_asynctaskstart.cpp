@@ -271,10 +271,7 @@ void TestAsyncTaskStart::theFinishedSlotEndsTheRunningTask()
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
     QCOMPARE(exec(), 0);
     QCOMPARE(queue.journal, texts({"started A", "finished A", "started B", "finished B"}));
-    QCOMPARE(
-        queue.lines(),
-        texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
-               "Starting task: B", "Task finished in TIME", "Finished processing tasks in TIME"}));
+    QCOMPARE(queue.lines(), linesOfRun({"A", "B"}));
 }
 
 void TestAsyncTaskStart::theFinishedSlotDoesNothingWithoutARunningTask()
@@ -308,9 +305,7 @@ void TestAsyncTaskStart::theFinishedSlotDoesNothingWhileTheEndIsHandled()
     });
     QCOMPARE(queue.run(), 0);
     QCOMPARE(queue.journal, texts({"started A", "finished A"}));
-    QCOMPARE(queue.lines(),
-             texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
-                    "Finished processing tasks in TIME"}));
+    QCOMPARE(queue.lines(), linesOfRun({"A"}));
 }
 
 void TestAsyncTaskStart::theProgressSlotEmitsProgressOfTheRunningTask()

@@ -5,8 +5,8 @@
 #include "ArchiveTree.h"
 #include "OwnTempFolder.h"
 #include "TestFiles.h"
-#include "TestFolder.h"
 #include "TestSystem.h"
+#include "TestWithFolder.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDataStream>
@@ -151,14 +151,13 @@ QByteArray withComment(QByteArray bytes, const QByteArray &comment)
 
 } // namespace
 
-class TestArchiverPrograms : public QObject
+class TestArchiverPrograms : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
+    void init() override;
 
     void typeMethodNamesAndSizesAreTold_data();
     void typeMethodNamesAndSizesAreTold();
@@ -186,15 +185,12 @@ private Q_SLOTS:
     void aHundredThousandEntriesAreListed();
 
 private:
-    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
-
     QString archiveFile() const { return path("archive.bin"); }
 
     // An archive to make in archiveFile().
     std::unique_ptr<SevenZip> newArchive(int type, int method) const;
 
     OwnTempFolder temp_; // of the list files
-    std::unique_ptr<TestFolder> folder_;
     QString currentProgram_;
 };
 
@@ -217,14 +213,8 @@ void TestArchiverPrograms::init()
     if (currentProgram_ != program)
         QVERIFY(putBesideThisProgram(*chosen));
     currentProgram_ = program;
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
+    TestWithFolder::init();
     QVERIFY(QDir().mkpath(path("in")));
-}
-
-void TestArchiverPrograms::cleanup()
-{
-    folder_.reset();
 }
 
 std::unique_ptr<SevenZip> TestArchiverPrograms::newArchive(int type, int method) const

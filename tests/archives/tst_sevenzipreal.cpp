@@ -5,16 +5,14 @@
 #include "Noise.h"
 #include "OwnTempFolder.h"
 #include "TestFiles.h"
-#include "TestFolder.h"
 #include "TestSystem.h"
+#include "TestWithFolder.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QStandardPaths>
 #include <QtTest/QtTest>
-
-#include <memory>
 
 using namespace Vorn::Util;
 
@@ -41,14 +39,14 @@ Tree numberedTree(int count)
 
 } // namespace
 
-class TestSevenZipReal : public QObject
+class TestSevenZipReal : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
+    void init() override;
+    void cleanup() override;
 
     void aRoundTripOfManyFiles_data();
     void aRoundTripOfManyFiles();
@@ -67,13 +65,10 @@ private Q_SLOTS:
     void aFatalErrorDoesNotStay();
 
 private:
-    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
-
     // A round trip of the archive "archive.bin" with absolute names.
     void roundTripBelowIn(SevenZip &archive, const Tree &tree);
 
     OwnTempFolder temp_; // of the list files
-    std::unique_ptr<TestFolder> folder_;
     QString before_;
 };
 
@@ -94,8 +89,7 @@ void TestSevenZipReal::initTestCase()
 void TestSevenZipReal::init()
 {
     before_ = QDir::currentPath();
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
+    TestWithFolder::init();
     QVERIFY(QDir().mkpath(path("in")));
 }
 
@@ -103,7 +97,7 @@ void TestSevenZipReal::cleanup()
 {
     QCOMPARE(QDir::currentPath(), before_);
     QVERIFY2(QDir(temp_.path()).isEmpty(), "A list file was left behind.");
-    folder_.reset();
+    TestWithFolder::cleanup();
 }
 
 void TestSevenZipReal::roundTripBelowIn(SevenZip &archive, const Tree &tree)

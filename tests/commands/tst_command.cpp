@@ -2,6 +2,7 @@
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Command.h>
 #include <Utility/Log.h>
@@ -9,7 +10,6 @@
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 #include <QtCore/QThread>
 #include <QtTest/QtTest>
 
@@ -59,15 +59,11 @@ QString commandLine()
 
 } // namespace
 
-class TestCommand : public QObject
+class TestCommand : public TestInFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
-
     void runReturnsTheOutputAsRead();
     void runLReturnsEachLineWithItsEnd();
     void theLastLineNeedsNoEnd();
@@ -122,30 +118,7 @@ private Q_SLOTS:
     void runNoWaitLogsTheCommand();
     void runNoWaitLogsNothingUnlessAsked();
     void runNoWaitReturnsZeroWhenNothingIsStarted();
-
-private:
-    QTemporaryDir folder_;
-    QString start_;
-    int functions_ = 0;
 };
-
-void TestCommand::initTestCase()
-{
-    QVERIFY(folder_.isValid());
-    start_ = QDir::currentPath();
-}
-
-void TestCommand::init()
-{
-    const QString name = folder_.filePath(QString::number(++functions_));
-    QVERIFY(QDir().mkdir(name));
-    QVERIFY(QDir::setCurrent(name));
-}
-
-void TestCommand::cleanup()
-{
-    QVERIFY(QDir::setCurrent(start_));
-}
 
 void TestCommand::runReturnsTheOutputAsRead()
 {

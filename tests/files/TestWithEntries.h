@@ -32,7 +32,7 @@ protected:
     void init() override
     {
         TestInFolder::init();
-        here_ = QDir(folder()).canonicalPath();
+        here_ = QDir(testFolder()).canonicalPath();
     }
 
     void cleanup() override

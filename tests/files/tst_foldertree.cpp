@@ -1,8 +1,8 @@
 // The walk through a folder tree that the system offers.
 
 #include "TestFiles.h"
-#include "TestFolder.h"
 #include "TestSystem.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Platform/FolderTree.h>
 
@@ -34,13 +34,11 @@ QStringList entriesIn(Platform::FolderTree &tree)
 
 } // namespace
 
-class TestFolderTree : public QObject
+class TestFolderTree : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup() { folder_.reset(); }
 
     void theEntriesHaveTheirKinds();
     void aVisitMayRemoveTheEntry();
@@ -53,18 +51,9 @@ private Q_SLOTS:
     void aFolderThatIsMovedOutOfADeepTreeIsNotLeft();
 
 private:
-    QString path(const char *name) const { return folder_->filePath(QString::fromUtf8(name)); }
     bool makeFolder(const char *name) const { return QDir().mkpath(path(name)); }
     bool makeFile(const char *name) const { return writeFile(path(name), QByteArray()); }
-
-    std::unique_ptr<TestFolder> folder_;
 };
-
-void TestFolderTree::init()
-{
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
-}
 
 void TestFolderTree::theEntriesHaveTheirKinds()
 {

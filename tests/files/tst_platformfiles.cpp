@@ -1,25 +1,20 @@
 // How files are opened, moved, compared and removed.
 
 #include "TestFiles.h"
-#include "TestFolder.h"
 #include "TestSystem.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Platform/Files.h>
 
 #include <QtTest/QtTest>
 
-#include <memory>
-
 using namespace Vorn::Util;
 
-class TestPlatformFiles : public QObject
+class TestPlatformFiles : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void aMissingFileIsMade();
     void anExistingFileIsEmptied();
     void aFileThatIsOpenElsewhereIsEmptied();
@@ -33,27 +28,13 @@ private Q_SLOTS:
     void aFolderIsNotRemoved();
 
 private:
-    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
     static bool write(const QString &fileName, const QByteArray &text)
     {
         QFile file(fileName);
         return Platform::openWithoutLink(file) && file.isTextModeEnabled()
             && file.write(text) == text.size() && file.flush();
     }
-
-    std::unique_ptr<TestFolder> folder_;
 };
-
-void TestPlatformFiles::init()
-{
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
-}
-
-void TestPlatformFiles::cleanup()
-{
-    folder_.reset();
-}
 
 void TestPlatformFiles::aMissingFileIsMade()
 {
@@ -90,7 +71,7 @@ void TestPlatformFiles::aFolderIsNotOpened()
 void TestPlatformFiles::aMissingFolderIsNotMade()
 {
     QVERIFY(!write(path("missing/new"), "text"));
-    QCOMPARE(entriesOf(folder_->path()), QStringList());
+    QCOMPARE(entriesOf(testFolder()), QStringList());
 }
 
 void TestPlatformFiles::onlyAPlainFileIsOpenedToBeRead()
@@ -100,7 +81,7 @@ void TestPlatformFiles::onlyAPlainFileIsOpenedToBeRead()
     QVERIFY(Platform::openPlainFile(plain));
     QCOMPARE(plain.openMode(), QIODevice::ReadOnly);
     QCOMPARE(plain.readAll(), QByteArray("two\nlines"));
-    QFile folder(folder_->path());
+    QFile folder(testFolder());
     QVERIFY(!Platform::openPlainFile(folder));
     QFile missing(path("missing"));
     QVERIFY(!Platform::openPlainFile(missing));
@@ -117,7 +98,7 @@ void TestPlatformFiles::aPathOfTheSystemIsTakenAsItIs()
                                 form + QDir::toNativeSeparators(path("new"))),
              Platform::MoveOutcome::Moved);
     QCOMPARE(contentOf(path("new")), QByteArray("text"));
-    QCOMPARE(entriesOf(folder_->path()), QStringList{QStringLiteral("new")});
+    QCOMPARE(entriesOf(testFolder()), QStringList{QStringLiteral("new")});
 }
 
 void TestPlatformFiles::twoPathsOfAFileAreTheSameFile()
@@ -138,7 +119,7 @@ void TestPlatformFiles::aReadOnlyFileIsRemoved()
     QVERIFY(QFile::setPermissions(path("old"), QFile::ReadOwner));
     QVERIFY(Platform::removeFile(path("old")));
     QVERIFY(!Platform::removeFile(path("old")));
-    QCOMPARE(entriesOf(folder_->path()), QStringList());
+    QCOMPARE(entriesOf(testFolder()), QStringList());
 }
 
 void TestPlatformFiles::aFolderIsNotRemoved()

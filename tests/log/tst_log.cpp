@@ -100,7 +100,7 @@ void TestLog::aNamedLogIsNeitherOpenedNorCreated()
     Log renamed;
     renamed.setName(path(QStringLiteral("third.log")), Log::NoFileTimeStamp);
     log.append(QStringLiteral("not open"));
-    QCOMPARE(entriesOf(folder()), QStringList());
+    QCOMPARE(entriesOf(testFolder()), QStringList());
 }
 
 void TestLog::aNameWithoutTimeStampIsUsedAsGiven_data()
@@ -153,8 +153,8 @@ void TestLog::aTimeStampIsPutIntoTheName()
     QFETCH(QString, name);
     QFETCH(QString, front);
     QFETCH(QString, back);
-    name.replace(QStringLiteral("DIR"), folder());
-    front.replace(QStringLiteral("DIR"), folder());
+    name.replace(QStringLiteral("DIR"), testFolder());
+    front.replace(QStringLiteral("DIR"), testFolder());
     const Log log(name, Log::WithFileTimeStamp);
     QVERIFY2(log.name().startsWith(front), qPrintable(log.name()));
     QVERIFY2(log.name().endsWith(back), qPrintable(log.name()));
@@ -180,7 +180,7 @@ void TestLog::setNameDoesTheSameAsTheConstructor()
     Log log;
     log.setName(fileName_, Log::WithFileTimeStamp);
     QCOMPARE(log.name(), path(QStringLiteral("run_%1.log").arg(log.fileTimeStampString())));
-    QCOMPARE(entriesOf(folder()), QStringList{QStringLiteral("run_2023-01-01-000000.log")});
+    QCOMPARE(entriesOf(testFolder()), QStringList{QStringLiteral("run_2023-01-01-000000.log")});
     QVERIFY(log.open(true));
     QVERIFY(QFile::exists(log.name()));
 }
@@ -236,7 +236,7 @@ void TestLog::openCreatesTheFile()
     QVERIFY(appended.open(true));
     Log emptied(path(QStringLiteral("other.log")), Log::NoFileTimeStamp);
     QVERIFY(emptied.open(false));
-    QCOMPARE(entriesOf(folder()),
+    QCOMPARE(entriesOf(testFolder()),
              (QStringList{QStringLiteral("other.log"), QStringLiteral("run.log")}));
 }
 
@@ -267,7 +267,7 @@ void TestLog::openFailsWhereNoFileCanBe()
     QVERIFY(!log.open(true));
     QVERIFY(!log.open(false));
     log.append(QStringLiteral("nowhere"));
-    QCOMPARE(entriesOf(folder()), QStringList());
+    QCOMPARE(entriesOf(testFolder()), QStringList());
 }
 
 void TestLog::aLogCanBeOpenedAgain()

@@ -97,7 +97,7 @@ void TestLogPruning::aTimeStampedNameLeavesTheTenNewestFiles()
     QCOMPARE(kept.size(), 10);
     const Log log(fileName_, Log::WithFileTimeStamp);
     QStringList expected = others + kept + QStringList{QStringLiteral("run_1999-02-02-000000.log")};
-    QStringList found = entriesOf(folder());
+    QStringList found = entriesOf(testFolder());
     expected.sort();
     found.sort();
     QCOMPARE(found, expected);
@@ -112,7 +112,7 @@ void TestLogPruning::aNameWithoutTimeStampPrunesNothing()
     QVERIFY(writeFile(path(names.first()), QByteArray()));
     Log log(fileName_, Log::NoFileTimeStamp);
     log.setName(fileName_, Log::NoFileTimeStamp);
-    QCOMPARE(entriesOf(folder()), names);
+    QCOMPARE(entriesOf(testFolder()), names);
 }
 
 void TestLogPruning::afterTheStartElevenTimeStampedFilesExist()
@@ -122,9 +122,9 @@ void TestLogPruning::afterTheStartElevenTimeStampedFilesExist()
         names.append(QStringLiteral("run_2023-01-%1-000000.log").arg(day));
     QVERIFY(make(names));
     Log log(fileName_, Log::WithFileTimeStamp);
-    QCOMPARE(entriesOf(folder()), names.mid(5));
+    QCOMPARE(entriesOf(testFolder()), names.mid(5));
     QVERIFY(log.open(true));
-    QCOMPARE(entriesOf(folder()),
+    QCOMPARE(entriesOf(testFolder()),
              names.mid(5)
                  + QStringList{QStringLiteral("run_%1.log").arg(log.fileTimeStampString())});
 }
@@ -132,7 +132,7 @@ void TestLogPruning::afterTheStartElevenTimeStampedFilesExist()
 void TestLogPruning::pruningWorksOnTheFolderOfTheName()
 {
     const QString name = QStringLiteral("run_2023-01-01-000000.log");
-    QVERIFY(QDir(folder()).mkdir(QStringLiteral("deeper")));
+    QVERIFY(QDir(testFolder()).mkdir(QStringLiteral("deeper")));
     QVERIFY(writeFile(path(name), QByteArray()));
     QVERIFY(writeFile(path(QStringLiteral("deeper/") + name), QByteArray()));
     const Log log(path(QStringLiteral("deeper/run.log")), Log::WithFileTimeStamp);
@@ -173,7 +173,7 @@ void TestLogPruning::onlyTimeStampedNamesOfThisCenturyArePruned()
     QFETCH(bool, pruned);
     for (const QByteArray &content : {QByteArray(), QByteArray("x")}) {
         QVERIFY(writeFile(path(name), content));
-        QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+        QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                                   QStringLiteral("log"), 0));
         QCOMPARE(QFile::exists(path(name)), !pruned);
     }
@@ -182,22 +182,23 @@ void TestLogPruning::onlyTimeStampedNamesOfThisCenturyArePruned()
 void TestLogPruning::foldersAreNeverPruned()
 {
     const QString name = QStringLiteral("run_2023-01-01-000000.log");
-    QVERIFY(QDir(folder()).mkdir(name));
+    QVERIFY(QDir(testFolder()).mkdir(name));
     QVERIFY(make({QStringLiteral("run_2023-01-02-000000.log")}));
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                               QStringLiteral("log"), 1));
-    QCOMPARE(entriesOf(folder()), (QStringList{name, QStringLiteral("run_2023-01-02-000000.log")}));
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QCOMPARE(entriesOf(testFolder()),
+             (QStringList{name, QStringLiteral("run_2023-01-02-000000.log")}));
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                               QStringLiteral("log"), 0));
-    QCOMPARE(entriesOf(folder()), QStringList{name});
+    QCOMPARE(entriesOf(testFolder()), QStringList{name});
 }
 
 void TestLogPruning::hiddenFilesArePruned()
 {
     QVERIFY(make({QStringLiteral(".run_2023-01-01-000000.log")}));
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral(".run"),
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral(".run"),
                                               QStringLiteral("log"), 0));
-    QCOMPARE(entriesOf(folder()), QStringList());
+    QCOMPARE(entriesOf(testFolder()), QStringList());
 }
 
 void TestLogPruning::wildcardsInABaseNameMatchThatNameOnly_data()
@@ -272,8 +273,8 @@ void TestLogPruning::wildcardsInABaseNameMatchThatNameOnly()
     QVERIFY(make({base + QStringLiteral("_2022-01-01-000000.log"),
                   base + QStringLiteral("_2023-01-01-000000.log")}));
     QVERIFY(writeFile(path(base + QStringLiteral("_2024-01-01-000000.log")), QByteArray()));
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), base, QStringLiteral("log"), 1));
-    QStringList found = entriesOf(folder());
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), base, QStringLiteral("log"), 1));
+    QStringList found = entriesOf(testFolder());
     QStringList expected = kept + QStringList{base + QStringLiteral("_2023-01-01-000000.log")};
     found.sort();
     expected.sort();
@@ -296,8 +297,8 @@ void TestLogPruning::wildcardsInASuffixMatchThatSuffixOnly()
     QFETCH(QString, suffix);
     const QString other = QStringLiteral("run_2023-01-01-000000.log");
     QVERIFY(make({other, QStringLiteral("run_2023-01-01-000000.") + suffix}));
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"), suffix, 0));
-    QCOMPARE(entriesOf(folder()), QStringList{other});
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"), suffix, 0));
+    QCOMPARE(entriesOf(testFolder()), QStringList{other});
 }
 
 void TestLogPruning::emptyFilesAreDeletedEvenBelowTheCount()
@@ -308,9 +309,9 @@ void TestLogPruning::emptyFilesAreDeletedEvenBelowTheCount()
     QVERIFY(make(names));
     QVERIFY(writeFile(path(names.at(0)), QByteArray()));
     QVERIFY(writeFile(path(names.at(2)), QByteArray()));
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                               QStringLiteral("log"), 10));
-    QCOMPARE(entriesOf(folder()), QStringList{names.at(1)});
+    QCOMPARE(entriesOf(testFolder()), QStringList{names.at(1)});
 }
 
 void TestLogPruning::theOldestByNameGoFirst()
@@ -323,9 +324,9 @@ void TestLogPruning::theOldestByNameGoFirst()
     for (int i = names.size() - 1; i >= 0; --i)
         QVERIFY(make({names.at(i)}));
     for (int left = names.size() - 1; left >= 0; --left) {
-        QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+        QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                                   QStringLiteral("log"), left));
-        QCOMPARE(entriesOf(folder()), names.mid(names.size() - left));
+        QCOMPARE(entriesOf(testFolder()), names.mid(names.size() - left));
     }
 }
 
@@ -350,9 +351,9 @@ void TestLogPruning::moreThanTheCountAreDeleted()
     for (int day = 1; day <= 5; ++day)
         names.append(QStringLiteral("run_2023-01-0%1-000000.log").arg(day));
     QVERIFY(make(names));
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                               QStringLiteral("log"), maxCount));
-    QCOMPARE(entriesOf(folder()), names.mid(5 - left));
+    QCOMPARE(entriesOf(testFolder()), names.mid(5 - left));
 }
 
 void TestLogPruning::pruningAMissingFolderIsFalse()
@@ -367,12 +368,12 @@ void TestLogPruning::pruningAMissingFolderIsFalse()
 
 void TestLogPruning::pruningNothingIsTrue()
 {
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                               QStringLiteral("log"), 10));
     QVERIFY(make({QStringLiteral("run_2023-01-01-000000.log"), QStringLiteral("run_old.log")}));
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                               QStringLiteral("log"), 1));
-    QCOMPARE(entriesOf(folder()).size(), 2);
+    QCOMPARE(entriesOf(testFolder()).size(), 2);
 }
 
 void TestLogPruning::theResultIsThatOfTheLastDeletion_data()
@@ -396,10 +397,10 @@ void TestLogPruning::theResultIsThatOfTheLastDeletion()
     const KeptFile file(path(names.at(kept)));
     if (!file.isKept())
         QSKIP("This account cannot protect a file from being deleted");
-    QCOMPARE(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QCOMPARE(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                                QStringLiteral("log"), 1),
              result);
-    QCOMPARE(entriesOf(folder()), (QStringList{names.at(kept), names.at(3)}));
+    QCOMPARE(entriesOf(testFolder()), (QStringList{names.at(kept), names.at(3)}));
 }
 
 void TestLogPruning::theResultOfDeletingAnEmptyFileIsOverwrittenToo()
@@ -413,13 +414,13 @@ void TestLogPruning::theResultOfDeletingAnEmptyFileIsOverwrittenToo()
     if (!file.isKept())
         QSKIP("This account cannot protect a file from being deleted");
     // Nothing but the empty file is to be deleted.
-    QVERIFY(!Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QVERIFY(!Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                                QStringLiteral("log"), 10));
-    QCOMPARE(entriesOf(folder()), names);
+    QCOMPARE(entriesOf(testFolder()), names);
     // It still counts, and the deletion of the oldest comes after it.
-    QVERIFY(Log::removeOldTimeStampedLogFiles(folder(), QStringLiteral("run"),
+    QVERIFY(Log::removeOldTimeStampedLogFiles(testFolder(), QStringLiteral("run"),
                                               QStringLiteral("log"), 2));
-    QCOMPARE(entriesOf(folder()), names.mid(1));
+    QCOMPARE(entriesOf(testFolder()), names.mid(1));
 }
 
 QTEST_GUILESS_MAIN(TestLogPruning)

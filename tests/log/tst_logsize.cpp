@@ -166,7 +166,7 @@ void TestLogSize::oneByteMoreThanTheLimitIsTruncated()
     QVERIFY(left.startsWith(kept));
     QVERIFY(left.size() - kept.size() < 20);
     QCOMPARE(log.name(), fileName_);
-    QCOMPARE(entriesOf(folder()), QStringList{QStringLiteral("run.log")});
+    QCOMPARE(entriesOf(testFolder()), QStringList{QStringLiteral("run.log")});
 }
 
 void TestLogSize::theSizeIsCheckedBeforeTheLineIsWritten()

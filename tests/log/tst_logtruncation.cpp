@@ -1,6 +1,7 @@
 #include "OtherFileSystem.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Formats/TruncationOffset_p.h>
 #include <Utility/Log.h>
@@ -18,7 +19,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <memory>
 #include <vector>
 
 using namespace Vorn::Util;
@@ -109,12 +109,12 @@ bool runHelper(const QStringList &arguments, const QString &temporaryFolder)
 
 } // namespace
 
-class TestLogTruncation : public QObject
+class TestLogTruncation : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
 
     void theOffsetIsWhereThePiecesSay_data();
     void theOffsetIsWhereThePiecesSay();
@@ -157,18 +157,15 @@ private Q_SLOTS:
 private:
     void addBadTemporaryFolders();
     bool makeBadTemporaryFolder(const QString &kind);
-    QString path(const QString &name) const { return folder_->filePath(name); }
 
-    std::unique_ptr<QTemporaryDir> folder_;
     QString fileName_;
     QString temporary_; // a folder's name for the temporary files of child processes
 };
 
 void TestLogTruncation::init()
 {
-    folder_ = std::make_unique<QTemporaryDir>();
-    QVERIFY(folder_->isValid());
-    QVERIFY(QDir(folder_->path()).mkdir(QStringLiteral("logs")));
+    TestWithFolder::init();
+    QVERIFY(QDir(testFolder()).mkdir(QStringLiteral("logs")));
     fileName_ = path(QStringLiteral("logs/run.log"));
     temporary_ = path(QStringLiteral("temporary"));
 }
@@ -383,7 +380,7 @@ void TestLogTruncation::aMissingLogIsNotCreated()
     truncateLogFile(path(QStringLiteral("missing/run.log")));
     truncateLogFile(QString());
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList());
-    QCOMPARE(entriesOf(folder_->path()), QStringList{QStringLiteral("logs")});
+    QCOMPARE(entriesOf(testFolder()), QStringList{QStringLiteral("logs")});
 }
 
 void TestLogTruncation::whatIsNoFileStaysAsItIs()
@@ -391,7 +388,7 @@ void TestLogTruncation::whatIsNoFileStaysAsItIs()
     QVERIFY(writeFile(fileName_, "x"));
     truncateLogFile(path(QStringLiteral("logs")));
     QCOMPARE(contentOf(fileName_), QByteArray("x"));
-    QCOMPARE(entriesOf(folder_->path()), QStringList{QStringLiteral("logs")});
+    QCOMPARE(entriesOf(testFolder()), QStringList{QStringLiteral("logs")});
 }
 
 // Windows does not replace a file that somebody has open; other systems do.
@@ -427,7 +424,7 @@ void TestLogTruncation::whetherALogMayBeReplacedIsKnownBefore()
 
 void TestLogTruncation::whetherAFileMayBeMadeIsKnownBefore()
 {
-    QVERIFY(Platform::mayCreateFileIn(folder_->path()));
+    QVERIFY(Platform::mayCreateFileIn(testFolder()));
     QVERIFY(!Platform::mayCreateFileIn(path(QStringLiteral("missing"))));
     QVERIFY(!Platform::mayCreateFileIn(QString())); // as Qt tells it of a folder that is missing
     QVERIFY(writeFile(fileName_, "x"));
@@ -455,16 +452,16 @@ void TestLogTruncation::withoutANewFileTheLogIsNotRead()
     QCOMPARE(contentOf(fileName_), QByteArray("a log"));
 
     QVERIFY(log.open(QIODevice::ReadOnly));
-    QVERIFY(Platform::replaceByRest(log, folder_->path(), startOfRest));
+    QVERIFY(Platform::replaceByRest(log, testFolder(), startOfRest));
     QVERIFY(isRead);
     QCOMPARE(contentOf(fileName_), QByteArray("log"));
 }
 
 void TestLogTruncation::theSpaceIsThatOfTheFileSystem()
 {
-    const qint64 space = Platform::availableSpace(folder_->path());
+    const qint64 space = Platform::availableSpace(testFolder());
     QVERIFY(space > 0);
-    const QStorageInfo storage(folder_->path());
+    const QStorageInfo storage(testFolder());
     if (!storage.isValid())
         QSKIP("Qt does not find the file system of the folder, as in a changed root folder.");
     constexpr qint64 Tolerance = 1 << 30; // other programs write, too
@@ -593,7 +590,7 @@ void TestLogTruncation::theOffsetIsTheSameOnAnotherFileSystem_data()
 void TestLogTruncation::theOffsetIsTheSameOnAnotherFileSystem()
 {
     QFETCH(int, permissions);
-    const QString elsewhere = folderOnAnotherFileSystem(folder_->path());
+    const QString elsewhere = folderOnAnotherFileSystem(testFolder());
     if (elsewhere.isEmpty())
         QSKIP("There is no other file system for the temporary files");
     const QTemporaryDir temporary(elsewhere + QStringLiteral("/log-XXXXXX"));
@@ -611,7 +608,7 @@ void TestLogTruncation::theOffsetIsTheSameOnAnotherFileSystem()
 
 void TestLogTruncation::onAnotherFileSystemNothingIsLeftBehind()
 {
-    const QString elsewhere = folderOnAnotherFileSystem(folder_->path());
+    const QString elsewhere = folderOnAnotherFileSystem(testFolder());
     if (elsewhere.isEmpty())
         QSKIP("There is no other file system for the temporary files");
     const QTemporaryDir temporary(elsewhere + QStringLiteral("/log-XXXXXX"));
@@ -647,7 +644,7 @@ void TestLogTruncation::theFileThatALinkLeadsToIsTruncated()
     QFETCH(QString, target);
     QFETCH(bool, isAbsolute);
     QFETCH(bool, isOnAnotherFileSystem);
-    QString folder = folder_->path();
+    QString folder = testFolder();
     if (isOnAnotherFileSystem) {
         folder = folderOnAnotherFileSystem(folder);
         if (folder.isEmpty())
@@ -662,7 +659,7 @@ void TestLogTruncation::theFileThatALinkLeadsToIsTruncated()
     QVERIFY(QFile::link(QStringLiteral("files/real.log"), path(QStringLiteral("link.log"))));
     QVERIFY(QFile::link(isAbsolute ? real : target, fileName_));
     const QString linkTarget = QFileInfo(fileName_).symLinkTarget();
-    const QStringList before = entriesOf(folder_->path());
+    const QStringList before = entriesOf(testFolder());
 
     QVERIFY(runHelper({QStringLiteral("log-append"), fileName_, QStringLiteral("more")},
                       temporary.path()));
@@ -674,7 +671,7 @@ void TestLogTruncation::theFileThatALinkLeadsToIsTruncated()
     QCOMPARE(entriesOf(temporary.path()), QStringList());
     QCOMPARE(entriesOf(path(QStringLiteral("files"))), QStringList{QStringLiteral("real.log")});
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
-    QCOMPARE(entriesOf(folder_->path()), before);
+    QCOMPARE(entriesOf(testFolder()), before);
 }
 
 QTEST_GUILESS_MAIN(TestLogTruncation)

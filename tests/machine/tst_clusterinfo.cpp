@@ -1,16 +1,15 @@
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
+#include "TestWithFolder.h"
 
 #include <Utility/ClusterInfo.h>
 #include <Utility/Log.h>
 
 #include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
 #include <limits>
-#include <memory>
 
 using namespace Vorn::Util;
 
@@ -42,14 +41,14 @@ template <typename Value> Value onThisSystem(const Value &windows, const Value &
 
 } // namespace
 
-class TestClusterInfo : public QObject
+class TestClusterInfo : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
+    void init() override;
+    void cleanup() override;
 
     void nodesAreListedByTheirRoles();
     void nodesKeepTheOrderOfTheTool();
@@ -91,7 +90,7 @@ private Q_SLOTS:
 private:
     QString path(const QString &name) const
     {
-        return QDir::toNativeSeparators(folder_->filePath(name));
+        return QDir::toNativeSeparators(TestWithFolder::path(name));
     }
     QString placeTool(const QString &folder, const QString &name = toolName());
     ClusterInfo clusterOf(std::initializer_list<const char *> lines, Log *log = nullptr);
@@ -101,32 +100,30 @@ private:
     }
     QStringList calls() const;
 
-    QString start_;
+    std::unique_ptr<CurrentFolder> current_;
     QString tool_; // found from the first current folder, which names the drive
-    std::unique_ptr<QTemporaryDir> folder_;
 };
 
 void TestClusterInfo::initTestCase()
 {
-    start_ = QDir::currentPath();
     tool_ = QFileInfo(QStringLiteral(FAKE_CLUSTER_TOOL)).absoluteFilePath();
 }
 
 // Each function has folders of its own: one is current, one holds the tool.
 void TestClusterInfo::init()
 {
-    folder_ = std::make_unique<QTemporaryDir>();
-    QVERIFY(folder_->isValid());
-    QVERIFY(QDir(folder_->path()).mkdir(QStringLiteral("current")));
-    QVERIFY(QDir::setCurrent(path(QStringLiteral("current"))));
+    TestWithFolder::init();
+    QVERIFY(QDir(testFolder()).mkdir(QStringLiteral("current")));
+    current_ = std::make_unique<CurrentFolder>(path(QStringLiteral("current")));
+    QVERIFY(current_->isUsed());
     qputenv("FAKE_NODES", QFile::encodeName(path(QStringLiteral("nodes"))));
     qputenv("FAKE_NODES_RECORD", QFile::encodeName(path(QStringLiteral("record"))));
 }
 
 void TestClusterInfo::cleanup()
 {
-    QVERIFY(QDir::setCurrent(start_));
-    folder_.reset();
+    current_.reset();
+    TestWithFolder::cleanup();
 }
 
 // The folder below that of the test, with the tool in it.
@@ -464,7 +461,7 @@ void TestClusterInfo::theLogOutlivesTheObject()
 void TestClusterInfo::withoutAToolThereAreNoNodes()
 {
     QVERIFY(print("h:8:1:32:HeadNodes,ComputeNodes\n"));
-    QVERIFY(QDir(folder_->path()).mkdir(QStringLiteral("empty")));
+    QVERIFY(QDir(testFolder()).mkdir(QStringLiteral("empty")));
     TemporaryLog log;
     for (const QString &folder : {QStringLiteral("empty"), QStringLiteral("missing")}) {
         const ClusterInfo cluster(log, path(folder));

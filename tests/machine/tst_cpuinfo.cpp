@@ -1,6 +1,7 @@
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestMessages.h"
+#include "TestWithFolder.h"
 
 #include <Utility/CpuInfo.h>
 
@@ -74,14 +75,11 @@ QByteArray olderForm(const QByteArray &children)
 
 Q_DECLARE_METATYPE(Counts)
 
-class TestCpuInfo : public QObject
+class TestCpuInfo : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void withoutAFileTheSystemIsAskedAndTheFileWritten();
     void theWrittenFileIsExactlyThis();
     void theSecondConstructionReadsTheFile();
@@ -117,37 +115,23 @@ private Q_SLOTS:
     void anAssignmentCopiesTheCounts();
 
 private:
-    QString folder() const { return folder_->path(); }
-    QString infoFile() const { return folder() + QStringLiteral("/SystemInfo.xml"); }
-
-    std::unique_ptr<QTemporaryDir> folder_;
+    QString infoFile() const { return testFolder() + QStringLiteral("/SystemInfo.xml"); }
 };
-
-void TestCpuInfo::init()
-{
-    folder_ = std::make_unique<QTemporaryDir>();
-    QVERIFY(folder_->isValid());
-}
-
-void TestCpuInfo::cleanup()
-{
-    folder_.reset();
-}
 
 void TestCpuInfo::withoutAFileTheSystemIsAskedAndTheFileWritten()
 {
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QVERIFY(info.processorCount() >= 1);
     QVERIFY(info.coreCount() >= info.processorCount());
     QCOMPARE(info.coresPerProcessor(), info.coreCount() / info.processorCount());
     QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
+    QCOMPARE(entriesOf(testFolder()), texts({"SystemInfo.xml"}));
 }
 
 void TestCpuInfo::theWrittenFileIsExactlyThis()
 {
-    const CpuInfo info(nullptr, folder());
+    const CpuInfo info(nullptr, testFolder());
     QByteArray expected = "<SystemInformation version=\"24.0\">\n"
                           " <processorCount>"
         + QByteArray::number(info.processorCount())
@@ -167,9 +151,9 @@ void TestCpuInfo::theWrittenFileIsExactlyThis()
 void TestCpuInfo::theSecondConstructionReadsTheFile()
 {
     TemporaryLog log;
-    const CpuInfo first(log, folder());
+    const CpuInfo first(log, testFolder());
     const QByteArray content = contentOf(infoFile());
-    const CpuInfo second(log, folder());
+    const CpuInfo second(log, testFolder());
     QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
     QCOMPARE(second.processorCount(), first.processorCount());
     QCOMPARE(second.coresPerProcessor(), first.coresPerProcessor());
@@ -196,7 +180,7 @@ void TestCpuInfo::theFolderMayEndWithASeparator()
                       currentForm("<processorCount>2</processorCount>"
                                   "<coresPerProcessor>8</coresPerProcessor>"
                                   "<hyperThreading>on</hyperThreading>")));
-    const CpuInfo info(log, folder() + QLatin1Char('/'));
+    const CpuInfo info(log, testFolder() + QLatin1Char('/'));
     QCOMPARE(countsOf(info), (Counts{2, 16, 8, true}));
     QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
 }
@@ -204,7 +188,7 @@ void TestCpuInfo::theFolderMayEndWithASeparator()
 void TestCpuInfo::theFolderMayHoldAnyCharacters()
 {
     // "%1" too: nothing may be put in its place.
-    const QString other = folder() + QStringLiteral("/Tr\u00e4ger %1 \u65e5\u672c");
+    const QString other = testFolder() + QStringLiteral("/Tr\u00e4ger %1 \u65e5\u672c");
     QVERIFY(QDir().mkpath(other));
     TemporaryLog log;
     const CpuInfo first(log, other);
@@ -278,7 +262,7 @@ void TestCpuInfo::theCurrentFormIsRead()
     QFETCH(Counts, counts);
     QVERIFY(writeFile(infoFile(), content));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(countsOf(info), counts);
     QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
     QCOMPARE(contentOf(infoFile()), content);
@@ -384,7 +368,7 @@ void TestCpuInfo::onlyAFileWithinTheLimitsIsRead()
 
     QVERIFY(writeFile(infoFile(), content));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(countsOf(info), isRead ? (Counts{3, 3, 1, true}) : Defaults);
     QStringList expected = texts({"Reading CPU information from SystemInfo.xml"});
     if (!isRead)
@@ -409,7 +393,7 @@ void TestCpuInfo::theDeepestFileFitsTheStackOfAThread()
     QVERIFY(writeFile(infoFile(), content));
     TemporaryLog log;
     const std::unique_ptr<QThread> thread(
-        QThread::create([&] { const CpuInfo info(log, folder()); }));
+        QThread::create([&] { const CpuInfo info(log, testFolder()); }));
     thread->setStackSize(StackSize);
     thread->start();
     QVERIFY(thread->wait());
@@ -435,7 +419,7 @@ void TestCpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm()
                                     "<processorCount>2</processorCount>"
                                     "<coresPerProcessor>8</coresPerProcessor>"
                                     "<hyperThreading>on</hyperThreading>")));
-    QCOMPARE(countsOf(CpuInfo(nullptr, folder())), (Counts{2, 16, 8, true}));
+    QCOMPARE(countsOf(CpuInfo(nullptr, testFolder())), (Counts{2, 16, 8, true}));
 }
 
 void TestCpuInfo::numbersOfAnySizeAreSafe()
@@ -446,12 +430,12 @@ void TestCpuInfo::numbersOfAnySizeAreSafe()
                                   "<coresPerProcessor>-2147483648</coresPerProcessor>"
                                   "<hyperThreading>off</hyperThreading>")));
     const int smallest = std::numeric_limits<int>::min();
-    QCOMPARE(countsOf(CpuInfo(nullptr, folder())), (Counts{-1, smallest, smallest, false}));
+    QCOMPARE(countsOf(CpuInfo(nullptr, testFolder())), (Counts{-1, smallest, smallest, false}));
 
     QVERIFY(writeFile(infoFile(),
                       olderForm("<GetNumberOfProcessors value=\"2147483647\"/>"
                                 "<GetProcessorCoreCount value=\"2147483647\"/>")));
-    const CpuInfo info(nullptr, folder());
+    const CpuInfo info(nullptr, testFolder());
     QCOMPARE(info.processorCount(), std::numeric_limits<int>::max());
 }
 
@@ -473,7 +457,7 @@ void TestCpuInfo::aFileWithoutHyperThreadingHasTheSystemAskedAgain()
     const QByteArray content = QByteArray(IncompleteFile).replace("%1", element);
     QVERIFY(writeFile(infoFile(), content));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(countsOf(info), countsOf(system));
     QVERIFY(info.processorCount() != 977);
     QCOMPARE(log.lines(),
@@ -503,21 +487,21 @@ void TestCpuInfo::aFileThatCannotBeParsedIsLeftAlone()
     TemporaryLog log;
     QStringList expected;
     for (int construction = 1; construction <= 2; ++construction) {
-        const CpuInfo info(log, folder());
+        const CpuInfo info(log, testFolder());
         QCOMPARE(countsOf(info), Defaults);
         expected += texts({"Reading CPU information from SystemInfo.xml",
                            "Cannot read CPU information from SystemInfo.xml"});
         QCOMPARE(log.lines(), expected);
         QCOMPARE(contentOf(infoFile()), content);
     }
-    QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
+    QCOMPARE(entriesOf(testFolder()), texts({"SystemInfo.xml"}));
 }
 
 void TestCpuInfo::aFileThatCannotBeOpenedLeavesTheDefaults()
 {
     QVERIFY(QDir().mkpath(infoFile()));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(countsOf(info), Defaults);
     QCOMPARE(log.lines(),
              texts({"Reading CPU information from SystemInfo.xml",
@@ -527,12 +511,12 @@ void TestCpuInfo::aFileThatCannotBeOpenedLeavesTheDefaults()
 
 void TestCpuInfo::aMissingFolderMakesTheSaveFail()
 {
-    const CpuInfo system(nullptr, folder());
+    const CpuInfo system(nullptr, testFolder());
     TemporaryLog log;
-    const CpuInfo info(log, folder() + QStringLiteral("/missing/folder"));
+    const CpuInfo info(log, testFolder() + QStringLiteral("/missing/folder"));
     QCOMPARE(countsOf(info), countsOf(system));
     QCOMPARE(log.lines(), texts({"Cannot save CPU information to SystemInfo.xml"}));
-    QCOMPARE(entriesOf(folder()), texts({"SystemInfo.xml"}));
+    QCOMPARE(entriesOf(testFolder()), texts({"SystemInfo.xml"}));
 }
 
 void TestCpuInfo::withoutALogMessagesGoToTheDebugChannel_data()
@@ -563,7 +547,7 @@ void TestCpuInfo::withoutALogMessagesGoToTheDebugChannel()
     QFETCH(QStringList, messages);
     QVERIFY(writeFile(infoFile(), content));
     const TestMessages channel;
-    const CpuInfo info(nullptr, folder() + subfolder);
+    const CpuInfo info(nullptr, testFolder() + subfolder);
     QCOMPARE(channel.lines(), messages);
 }
 
@@ -572,8 +556,8 @@ void TestCpuInfo::withALogTheDebugChannelStaysSilent()
     QVERIFY(writeFile(infoFile(), "<a>"));
     TemporaryLog log;
     const TestMessages channel;
-    const CpuInfo bad(log, folder());
-    const CpuInfo lost(log, folder() + QStringLiteral("/missing"));
+    const CpuInfo bad(log, testFolder());
+    const CpuInfo lost(log, testFolder() + QStringLiteral("/missing"));
     QCOMPARE(channel.lines(), QStringList());
     QCOMPARE(log.lines().size(), 3);
 }
@@ -585,13 +569,13 @@ void TestCpuInfo::aCopyHasTheSameCounts()
                                   "<coresPerProcessor>8</coresPerProcessor>"
                                   "<hyperThreading>on</hyperThreading>")));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QVERIFY(QFile::remove(infoFile()));
     const CpuInfo copy(info);
     QCOMPARE(countsOf(copy), (Counts{2, 16, 8, true}));
     // Neither read nor asked again.
     QCOMPARE(log.lines(), texts({"Reading CPU information from SystemInfo.xml"}));
-    QCOMPARE(entriesOf(folder()), QStringList());
+    QCOMPARE(entriesOf(testFolder()), QStringList());
 }
 
 void TestCpuInfo::anAssignmentCopiesTheCounts()
@@ -600,9 +584,9 @@ void TestCpuInfo::anAssignmentCopiesTheCounts()
                       currentForm("<processorCount>2</processorCount>"
                                   "<coresPerProcessor>8</coresPerProcessor>"
                                   "<hyperThreading>on</hyperThreading>")));
-    const CpuInfo info(nullptr, folder());
+    const CpuInfo info(nullptr, testFolder());
     QVERIFY(writeFile(infoFile(), "<a>"));
-    CpuInfo other(nullptr, folder());
+    CpuInfo other(nullptr, testFolder());
     QCOMPARE(countsOf(other), Defaults);
     other = info;
     QCOMPARE(countsOf(other), (Counts{2, 16, 8, true}));

@@ -4,10 +4,10 @@
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestMessages.h"
+#include "TestWithFolder.h"
 
 #include <Utility/CpuInfo.h>
 
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
 #include <optional>
@@ -43,13 +43,13 @@ Formats::ProcessorQuery failure(const QStringList &messages)
 
 } // namespace
 
-class TestCpuInfoFakePlatform : public QObject
+class TestCpuInfoFakePlatform : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init() override;
+    void cleanup() override;
 
     void theAnswerIsTakenAndSaved_data();
     void theAnswerIsTakenAndSaved();
@@ -74,8 +74,7 @@ private Q_SLOTS:
     void askingAgainWithoutSmtLeavesHyperThreadingOff();
 
 private:
-    QString folder() const { return folder_->path(); }
-    QString infoFile() const { return folder() + QStringLiteral("/SystemInfo.xml"); }
+    QString infoFile() const { return testFolder() + QStringLiteral("/SystemInfo.xml"); }
 
     void give(const Formats::ProcessorQuery &query)
     {
@@ -104,14 +103,12 @@ private:
               "</SystemInformation>\n";
     }
 
-    std::unique_ptr<QTemporaryDir> folder_;
     int queries_ = 0;
 };
 
 void TestCpuInfoFakePlatform::init()
 {
-    folder_ = std::make_unique<QTemporaryDir>();
-    QVERIFY(folder_->isValid());
+    TestWithFolder::init();
     fakePlatform() = FakePlatform();
     queries_ = 0;
 }
@@ -119,7 +116,7 @@ void TestCpuInfoFakePlatform::init()
 void TestCpuInfoFakePlatform::cleanup()
 {
     fakePlatform() = FakePlatform();
-    folder_.reset();
+    TestWithFolder::cleanup();
 }
 
 void TestCpuInfoFakePlatform::theAnswerIsTakenAndSaved_data()
@@ -136,7 +133,7 @@ void TestCpuInfoFakePlatform::theAnswerIsTakenAndSaved()
     QFETCH(QByteArray, threading);
     give(answer(2, 16, smt));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.processorCount(), 2);
     QCOMPARE(info.coreCount(), 16);
     QCOMPARE(info.coresPerProcessor(), 8);
@@ -150,18 +147,18 @@ void TestCpuInfoFakePlatform::coresPerProcessorAreRoundedDown()
 {
     give(answer(2, 7, false));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.coreCount(), 7);
     QCOMPARE(info.coresPerProcessor(), 3);
     QCOMPARE(saved(), fileOf("2", "3", "off"));
-    QCOMPARE(CpuInfo(log, folder()).coreCount(), 6); // the file cannot tell of the seventh
+    QCOMPARE(CpuInfo(log, testFolder()).coreCount(), 6); // the file cannot tell of the seventh
 }
 
 void TestCpuInfoFakePlatform::withoutPackagesTheDivisorIsOne()
 {
     give(answer(0, 6, true));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.processorCount(), 0);
     QCOMPARE(info.coreCount(), 6);
     QCOMPARE(info.coresPerProcessor(), 6);
@@ -173,7 +170,7 @@ void TestCpuInfoFakePlatform::withoutPackagesTheDivisorIsOne()
 void TestCpuInfoFakePlatform::anAnswerWithoutSmtLeavesHyperThreadingOff()
 {
     give(answer(1, 4, std::nullopt));
-    const CpuInfo info(nullptr, folder());
+    const CpuInfo info(nullptr, testFolder());
     QCOMPARE(info.coreCount(), 4);
     QCOMPARE(info.isHyperThreadingOn(), false);
     QCOMPARE(saved(), fileOf("1", "4", "off"));
@@ -183,9 +180,9 @@ void TestCpuInfoFakePlatform::theFileSparesTheSecondQuery()
 {
     give(answer(2, 16, true));
     TemporaryLog log;
-    const CpuInfo first(log, folder());
+    const CpuInfo first(log, testFolder());
     give(answer(1, 1, false));
-    const CpuInfo second(log, folder());
+    const CpuInfo second(log, testFolder());
     QCOMPARE(queries_, 1);
     QCOMPARE(second.processorCount(), 2);
     QCOMPARE(second.coreCount(), 16);
@@ -198,7 +195,7 @@ void TestCpuInfoFakePlatform::aBadFileSparesTheQueryToo()
     QVERIFY(writeFile(infoFile(), "<a>"));
     give(answer(2, 16, true));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(queries_, 0);
     QCOMPARE(info.coreCount(), 1);
 }
@@ -210,7 +207,7 @@ void TestCpuInfoFakePlatform::theOlderFormSparesTheQueryToo()
                       "<GetProcessorCoreCount value=\"4\"/></Info></a>"));
     give(answer(2, 16, true));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(queries_, 0);
     QCOMPARE(info.coreCount(), 4);
     QCOMPARE(info.isHyperThreadingOn(), false);
@@ -228,7 +225,7 @@ void TestCpuInfoFakePlatform::theLastWriterWins()
         return answer(2, 16, true);
     };
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QVERIFY(other.isOpen());
     QCOMPARE(info.coreCount(), 16);
     QCOMPARE(saved(), fileOf("2", "8", "on"));
@@ -240,7 +237,7 @@ void TestCpuInfoFakePlatform::aFileThatMayNotBeWrittenIsReported()
     give(answer(2, 16, true));
     fakePlatform().openWithoutLink = [](QFile &) { return false; };
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.coreCount(), 16);
     QCOMPARE(log.lines(), QStringList{CannotSave});
     QVERIFY(!QFile::exists(infoFile()));
@@ -250,7 +247,7 @@ void TestCpuInfoFakePlatform::aFailedQuerySavesTheDefaults()
 {
     give(failure({}));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.processorCount(), 1);
     QCOMPARE(info.coreCount(), 1);
     QCOMPARE(info.coresPerProcessor(), 1);
@@ -265,7 +262,7 @@ void TestCpuInfoFakePlatform::theMessagesOfTheQueryComeFirst()
                                         "GetLogicalProcessorInformation failed, error = 122"});
     give(failure(messages));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(log.lines(), messages + QStringList{CouldNotGet});
 }
 
@@ -275,7 +272,7 @@ void TestCpuInfoFakePlatform::theMessagesOfASuccessfulQueryAreWritten()
     query.messages = texts({"Using GetLogicalProcessorInformation"});
     give(query);
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.coreCount(), 4);
     QCOMPARE(log.lines(), query.messages);
 }
@@ -285,7 +282,7 @@ void TestCpuInfoFakePlatform::theMessagesGoToTheDebugChannelWithoutALog()
     const QStringList messages = texts({"GetLogicalProcessorInformationEx failed, error = 5"});
     give(failure(messages));
     const TestMessages channel;
-    const CpuInfo info(nullptr, folder());
+    const CpuInfo info(nullptr, testFolder());
     QCOMPARE(channel.lines(), messages + QStringList{CouldNotGet});
 }
 
@@ -293,7 +290,7 @@ void TestCpuInfoFakePlatform::aFailedQueryAndAFailedSaveAreBothReported()
 {
     give(failure({}));
     TemporaryLog log;
-    const CpuInfo info(log, folder() + QStringLiteral("/missing"));
+    const CpuInfo info(log, testFolder() + QStringLiteral("/missing"));
     QCOMPARE(log.lines(), (QStringList{CouldNotGet, CannotSave}));
     QCOMPARE(info.coreCount(), 1);
 }
@@ -304,7 +301,7 @@ void TestCpuInfoFakePlatform::askingAgainReplacesTheCountsOfTheFile()
     QVERIFY(writeFile(infoFile(), content));
     give(answer(2, 16, true));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(queries_, 1);
     QCOMPARE(info.processorCount(), 2);
     QCOMPARE(info.coreCount(), 16);
@@ -320,7 +317,7 @@ void TestCpuInfoFakePlatform::askingAgainInVainKeepsTheCountsOfTheFile()
     const QString message = QStringLiteral("GetLogicalProcessorInformationEx failed, error = 5");
     give(failure({message}));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.processorCount(), 3);
     QCOMPARE(info.coreCount(), 15);
     QCOMPARE(info.isHyperThreadingOn(), false);
@@ -333,7 +330,7 @@ void TestCpuInfoFakePlatform::askingAgainWithoutSmtLeavesHyperThreadingOff()
     QVERIFY(writeFile(infoFile(), fileOf("3", "5", "")));
     give(answer(1, 4, std::nullopt));
     TemporaryLog log;
-    const CpuInfo info(log, folder());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.coreCount(), 4);
     QCOMPARE(info.isHyperThreadingOn(), false);
 }

@@ -20,7 +20,7 @@ protected:
 
     void cleanup() override { folder_.reset(); }
 
-    QString folder() const { return folder_->path(); }
+    QString testFolder() const { return folder_->path(); }
     QString path(const QString &name) const { return folder_->filePath(name); }
     QString path(const char *name) const { return path(QString::fromUtf8(name)); }
 
@@ -35,7 +35,7 @@ protected:
     void init() override
     {
         TestWithFolder::init();
-        current_ = std::make_unique<CurrentFolder>(folder());
+        current_ = std::make_unique<CurrentFolder>(testFolder());
         QVERIFY(current_->isUsed());
     }
 

@@ -1,7 +1,7 @@
 // The text of a settings file. What Qt makes of the same text is the measure.
 
 #include "TestFiles.h"
-#include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Formats/SettingsText_p.h>
 
@@ -10,20 +10,16 @@
 
 #include <algorithm>
 #include <ctime>
-#include <memory>
 
 using namespace Vorn::Util::Formats;
 
 using Texts = QMap<QString, QString>;
 
-class TestSettingsText : public QObject
+class TestSettingsText : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void aValueIsOneText_data();
     void aValueIsOneText();
     void aValueIsReadAsByQt_data();
@@ -40,28 +36,15 @@ private Q_SLOTS:
     void aLongTextIsReadInTime();
 
 private:
-    QString fileName() const { return folder_->filePath(QStringLiteral("settings.conf")); }
+    QString fileName() const { return path(QStringLiteral("settings.conf")); }
     Texts readByQt(const QByteArray &content) const;
-
-    std::unique_ptr<TestFolder> folder_;
 };
-
-void TestSettingsText::init()
-{
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
-}
-
-void TestSettingsText::cleanup()
-{
-    folder_.reset();
-}
 
 Texts TestSettingsText::readByQt(const QByteArray &content) const
 {
     // A name that no object has seen: Qt keeps what it has read from a file.
     static int number = 0;
-    const QString name = folder_->filePath(QStringLiteral("%1.ini").arg(++number));
+    const QString name = path(QStringLiteral("%1.ini").arg(++number));
     writeFile(name, content);
     QSettings settings(name, QSettings::IniFormat);
     settings.setIniCodec("UTF-8");
@@ -228,7 +211,7 @@ void TestSettingsText::whatQtWritesIsRead()
     const bool hasSurrogates = std::any_of(text.cbegin(), text.cend(),
                                            [](QChar character) { return character.isSurrogate(); });
     for (const bool isUtf8 : {false, true}) {
-        const QString name = folder_->filePath(QStringLiteral("%1.conf").arg(isUtf8));
+        const QString name = path(QStringLiteral("%1.conf").arg(isUtf8));
         if (isUtf8 && hasSurrogates)
             continue;
         {

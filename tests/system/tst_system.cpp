@@ -3,6 +3,7 @@
 #include "TestFiles.h"
 #include "TestSettings.h"
 #include "TestSystem.h"
+#include "TestWithFolder.h"
 
 #include <Utility/System.h>
 
@@ -38,14 +39,14 @@ QString helperFolder()
 } // namespace
 
 // What the class keeps is worked out in a fresh process for each state.
-class TestSystem : public QObject
+class TestSystem : public TestInFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
+    void init() override;
+    void cleanup() override;
 
     void allUsersDataPath();
     void programDataPath();
@@ -102,11 +103,8 @@ private:
     SystemOutcome run(const QStringList &calls, const QMap<QString, QString> &variables = {}) const;
     QString path(const QString &name) const { return here_ + QLatin1Char('/') + name; }
 
-    QTemporaryDir folder_;
     QTemporaryDir settings_;
-    QString start_;
-    QString here_; // a folder for the test function, the current one
-    int functions_ = 0;
+    QString here_; // the folder of the test function as the system names it
 };
 
 SystemOutcome TestSystem::run(const QStringList &calls,
@@ -124,17 +122,13 @@ SystemOutcome TestSystem::run(const QStringList &calls,
 
 void TestSystem::initTestCase()
 {
-    QVERIFY(folder_.isValid());
     QVERIFY(settings_.isValid());
     QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, settings_.path());
-    start_ = QDir::currentPath();
 }
 
 void TestSystem::init()
 {
-    const QString name = folder_.filePath(QString::number(++functions_));
-    QVERIFY(QDir().mkdir(name));
-    QVERIFY(QDir::setCurrent(name));
+    TestInFolder::init();
     here_ = QDir::currentPath();
 }
 
@@ -143,7 +137,7 @@ void TestSystem::cleanup()
     QVERIFY(removeSettings(QStringLiteral("SOFTWARE\\Vantorel\\VORN")));
     if (onWindows())
         QVERIFY(removeSettings(QStringLiteral("SOFTWARE\\Vantorel")));
-    QVERIFY(QDir::setCurrent(start_));
+    TestInFolder::cleanup();
 }
 
 void TestSystem::allUsersDataPath()

@@ -2,7 +2,7 @@
 
 #include "Terminal.h"
 #include "TestFiles.h"
-#include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/SevenZip.h>
 
@@ -10,8 +10,6 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtTest/QtTest>
-
-#include <memory>
 
 using namespace Vorn::Util;
 
@@ -28,12 +26,12 @@ QJsonObject reportIn(const QByteArray &output)
 
 } // namespace
 
-class TestArchiverTerminal : public QObject
+class TestArchiverTerminal : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
 
     void anArchiverThatAsksOnTheTerminalGetsNoAnswer_data();
     void anArchiverThatAsksOnTheTerminalGetsNoAnswer();
@@ -44,8 +42,6 @@ private Q_SLOTS:
     void p7zipReadsAnArchiveThatIsNotEncrypted();
 
 private:
-    QString path(const QString &name) const { return folder_->filePath(name); }
-
     // A shell script in the place of the archiver.
     bool writeArchiver(const QByteArray &script) const
     {
@@ -63,14 +59,11 @@ private:
         return {QStringLiteral("sevenzip-run"), folder, operation,
                 path(QStringLiteral("archive.bin")), path(name)};
     }
-
-    std::unique_ptr<TestFolder> folder_;
 };
 
 void TestArchiverTerminal::init()
 {
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
+    TestWithFolder::init();
     QVERIFY(writeFile(path(QStringLiteral("a.txt")), "secret text\n"));
 }
 

@@ -3,26 +3,23 @@
 #include <Utility/ArchiverProgram_p.h>
 
 #include "TestFiles.h"
+#include "TestWithFolder.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
-
-#include <memory>
 
 using namespace Vorn::Util;
 using Formats::ArchiverDialect;
 
 Q_DECLARE_METATYPE(Vorn::Util::Formats::ArchiverDialect)
 
-class TestArchiverVersion : public QObject
+class TestArchiverVersion : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void thePrintedVersionDecides_data();
     void thePrintedVersionDecides();
     void aProgramThatTellsNoVersionIsTakenForACurrentOne_data();
@@ -39,23 +36,16 @@ private:
     // Every run leaves a line in the file "runs".
     bool writeArchiver(const QByteArray &script) const
     {
-        const QString path = folder_->filePath(QStringLiteral("7z"));
-        return writeFile(path,
-                         "#!/bin/sh\necho \"run $#\" >> \"" + QFile::encodeName(folder_->path())
+        const QString program = path(QStringLiteral("7z"));
+        return writeFile(program,
+                         "#!/bin/sh\necho \"run $#\" >> \"" + QFile::encodeName(testFolder())
                              + "/runs\"\n" + script)
-            && QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+            && QFile::setPermissions(program,
+                                     QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
-    ArchiverProgram find() const { return findArchiverProgram(folder_->path()); }
-    QByteArray runs() const { return contentOf(folder_->filePath(QStringLiteral("runs"))); }
-
-    std::unique_ptr<QTemporaryDir> folder_;
+    ArchiverProgram find() const { return findArchiverProgram(testFolder()); }
+    QByteArray runs() const { return contentOf(path(QStringLiteral("runs"))); }
 };
-
-void TestArchiverVersion::init()
-{
-    folder_ = std::make_unique<QTemporaryDir>();
-    QVERIFY(folder_->isValid());
-}
 
 void TestArchiverVersion::thePrintedVersionDecides_data()
 {
@@ -77,7 +67,7 @@ void TestArchiverVersion::thePrintedVersionDecides()
     QFETCH(ArchiverDialect, expected);
     QVERIFY(writeArchiver("echo\necho '" + banner + "'\necho\necho Usage\nexit 7\n"));
     const ArchiverProgram archiver = find();
-    QCOMPARE(archiver.path, folder_->filePath(QStringLiteral("7z")));
+    QCOMPARE(archiver.path, path(QStringLiteral("7z")));
     QVERIFY(archiver.dialect == expected);
     QCOMPARE(archiver.separator, '/');
     QCOMPARE(runs(), QByteArray("run 0\n"));
@@ -133,7 +123,7 @@ void TestArchiverVersion::aProgramThatWasReplacedIsAskedAgain()
     QFETCH(bool, keepsTime);
     const QDateTime time = QDateTime::currentDateTime().addDays(-1);
     const auto setTime = [this](const QDateTime &changed) {
-        QFile file(folder_->filePath(QStringLiteral("7z")));
+        QFile file(path(QStringLiteral("7z")));
         return file.open(QIODevice::ReadWrite)
             && file.setFileTime(changed, QFileDevice::FileModificationTime);
     };

@@ -2,6 +2,7 @@
 
 #include "TestFiles.h"
 #include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Command.h>
 #include <Utility/CpuInfo.h>
@@ -12,7 +13,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtTest/QtTest>
 
-#include <memory>
 #include <sys/stat.h>
 
 using namespace Vorn::Util;
@@ -28,14 +28,12 @@ bool isWritableByOthers(const QString &name)
 
 } // namespace
 
-class TestPermissions : public QObject
+class TestPermissions : public TestInFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
 
     void aLogIsWrittenByItsUserOnly();
     void theMaskOfTheProcessCounts();
@@ -46,30 +44,13 @@ private Q_SLOTS:
     void foldersAreWrittenByTheirUserOnly();
 
 private:
-    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
-
     TestFolder userData_;
-    std::unique_ptr<TestFolder> folder_;
-    QString before_;
 };
 
 void TestPermissions::initTestCase()
 {
     umask(022);
     qputenv("XDG_DATA_HOME", QFile::encodeName(userData_.path()));
-}
-
-void TestPermissions::init()
-{
-    folder_ = std::make_unique<TestFolder>();
-    before_ = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(folder_->path()));
-}
-
-void TestPermissions::cleanup()
-{
-    QVERIFY(QDir::setCurrent(before_));
-    folder_.reset();
 }
 
 void TestPermissions::aLogIsWrittenByItsUserOnly()
@@ -86,7 +67,7 @@ void TestPermissions::theMaskOfTheProcessCounts()
     Log log(path("run.log"), Log::NoFileTimeStamp);
     const bool isOpen = log.open(true);
     const QString mode = Command().run(QStringLiteral("stat -c %a work.bat"), 10, false);
-    CpuInfo(nullptr, folder_->path());
+    CpuInfo(nullptr, testFolder());
     umask(before);
     QVERIFY(isOpen);
     QCOMPARE(mode, QStringLiteral("600\n"));
@@ -113,7 +94,7 @@ void TestPermissions::aScriptIsWrittenByItsUserOnly()
 
 void TestPermissions::anInformationFileIsWrittenByItsUserOnly()
 {
-    CpuInfo(nullptr, folder_->path());
+    CpuInfo(nullptr, testFolder());
     QVERIFY(QFileInfo::exists(path("SystemInfo.xml")));
     QVERIFY(!isWritableByOthers(path("SystemInfo.xml")));
 }

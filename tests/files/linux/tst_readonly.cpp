@@ -3,6 +3,7 @@
 #include "OrdinaryUser.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Command.h>
 #include <Utility/CpuInfo.h>
@@ -15,7 +16,6 @@
 #include <QtTest/QtTest>
 
 #include <array>
-#include <memory>
 
 using namespace Vorn::Util;
 
@@ -42,14 +42,14 @@ QByteArray countsOf(const CpuInfo &info)
 
 } // namespace
 
-class TestReadOnly : public QObject
+class TestReadOnly : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
+    void init() override;
+    void cleanup() override;
 
     void aLogCannotBeOpenedInSuchAFolder_data();
     void aLogCannotBeOpenedInSuchAFolder();
@@ -74,9 +74,6 @@ private Q_SLOTS:
     void aFileInSuchAFolderKeepsItsName();
 
 private:
-    QString path(const QString &name) const { return folder_->filePath(name); }
-
-    std::unique_ptr<TestFolder> folder_;
     QString readOnly_;
     QString openLog_; // a file in it that everybody may write
 };
@@ -93,8 +90,8 @@ void TestReadOnly::initTestCase()
 
 void TestReadOnly::init()
 {
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(QFile::setPermissions(folder_->path(), OpenFolder));
+    TestWithFolder::init();
+    QVERIFY(QFile::setPermissions(testFolder(), OpenFolder));
     readOnly_ = path(QStringLiteral("read only"));
     openLog_ = readOnly_ + QStringLiteral("/run.log");
     QVERIFY(QDir().mkdir(readOnly_));
@@ -107,7 +104,7 @@ void TestReadOnly::cleanup()
 {
     QCOMPARE(entriesOf(readOnly_), QStringList{QStringLiteral("run.log")});
     QVERIFY(QFile::setPermissions(readOnly_, OpenFolder));
-    folder_.reset();
+    TestWithFolder::cleanup();
 }
 
 void TestReadOnly::aLogCannotBeOpenedInSuchAFolder_data()
@@ -290,7 +287,7 @@ void TestReadOnly::anInformationFileThatMayNotBeReadLeavesTheDefaults()
         Log log(logName, Log::NoFileTimeStamp);
         log.setTimeStamp(Log::NoTimeStamp);
         log.open(true);
-        return countsOf(CpuInfo(&log, folder_->path()));
+        return countsOf(CpuInfo(&log, testFolder()));
     });
     QCOMPARE(outcome, QByteArray("1 1 false"));
     QCOMPARE(contentOf(logName),
@@ -326,7 +323,7 @@ QString makeLockedSettings(const QString &folder)
 
 void TestReadOnly::settingsThatMayNotBeReadAreNotThere()
 {
-    QVERIFY(QFile::exists(makeLockedSettings(folder_->path())));
+    QVERIFY(QFile::exists(makeLockedSettings(testFolder())));
     const QByteArray outcome = asOrdinaryUser([] {
         std::array<wchar_t, 1024> value{L'x'};
         Registry::readRegistryValue(L"InstallationDirectory", value.data(), nullptr);
@@ -339,13 +336,13 @@ void TestReadOnly::settingsThatMayNotBeReadAreNotThere()
 
 void TestReadOnly::theLocaleIsTheDefaultWhenSettingsMayNotBeRead()
 {
-    QVERIFY(QFile::exists(makeLockedSettings(folder_->path())));
+    QVERIFY(QFile::exists(makeLockedSettings(testFolder())));
     QCOMPARE(asOrdinaryUser([] { return System::getLocale().toUtf8(); }), QByteArray("en-US"));
 }
 
 void TestReadOnly::settingsThatMayNotBeReadAreNotOverwritten()
 {
-    const QString fileName = makeLockedSettings(folder_->path());
+    const QString fileName = makeLockedSettings(testFolder());
     QVERIFY(QFile::exists(fileName));
     const QByteArray outcome = asOrdinaryUser([] {
         System::setLocale(QStringLiteral("de-DE"));
@@ -360,7 +357,7 @@ void TestReadOnly::settingsThatMayNotBeReadAreNotOverwritten()
 void TestReadOnly::theLocaleStaysWhenSettingsMayNotBeWritten()
 {
     const QString fileName
-        = makeSettings(folder_->path(), QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+        = makeSettings(testFolder(), QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
     QVERIFY(QFile::exists(fileName));
     const QByteArray outcome = asOrdinaryUser([] {
         const QString before = System::getLocale();

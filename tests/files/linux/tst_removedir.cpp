@@ -2,7 +2,7 @@
 
 #include "DescriptorLimit.h"
 #include "TestFiles.h"
-#include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/System.h>
 
@@ -13,7 +13,6 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
-#include <memory>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -98,14 +97,11 @@ bool removeWithFewDescriptors(const QString &folder)
 
 } // namespace
 
-class TestRemoveDir : public QObject
+class TestRemoveDir : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void aFolderThatBecomesALinkIsNeverFollowed_data();
     void aFolderThatBecomesALinkIsNeverFollowed();
     void aTreeOfAnyDepthIsRemoved();
@@ -116,24 +112,7 @@ private Q_SLOTS:
     void aNameThatIsNoTextStays();
     void aKeptLinkLeadsToTheFolderToEmpty_data();
     void aKeptLinkLeadsToTheFolderToEmpty();
-
-private:
-    QString path(const QString &name) const { return folder_->filePath(name); }
-    QString path(const char *name) const { return path(QString::fromUtf8(name)); }
-
-    std::unique_ptr<TestFolder> folder_;
 };
-
-void TestRemoveDir::init()
-{
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
-}
-
-void TestRemoveDir::cleanup()
-{
-    folder_.reset();
-}
 
 void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed_data()
 {
@@ -313,7 +292,7 @@ void TestRemoveDir::aKeptLinkLeadsToTheFolderToEmpty()
     QVERIFY(QFile::link(path("other"), path("link to it")));
     QVERIFY(QFile::link(path("link to it"), path("link")));
     QVERIFY(System::removeDir(path("link") + end, keepFolder, exceptions));
-    QCOMPARE(entriesOf(folder_->path()),
+    QCOMPARE(entriesOf(testFolder()),
              (QStringList{QStringLiteral("link"), QStringLiteral("link to it"),
                           QStringLiteral("other")}));
     QCOMPARE(entriesOf(path("other")), exceptions);

@@ -6,6 +6,7 @@
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/CpuInfo.h>
 #include <Utility/System.h>
@@ -19,7 +20,6 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <functional>
-#include <memory>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -59,14 +59,12 @@ private:
 
 } // namespace
 
-class TestSpecialFiles : public QObject
+class TestSpecialFiles : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
 
     void aPipeIsNoticedWhenItIsRead();
     void aPipeInThePlaceOfTheInformationFileIsNotWaitedFor();
@@ -83,10 +81,7 @@ private Q_SLOTS:
     void anInformationFileMayBeALink();
 
 private:
-    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
-
     TestFolder userData_;
-    std::unique_ptr<TestFolder> folder_;
 };
 
 // The folder of the flags is worked out once per process.
@@ -95,17 +90,6 @@ void TestSpecialFiles::initTestCase()
     QVERIFY(userData_.isValid());
     qputenv("XDG_DATA_HOME", QFile::encodeName(userData_.path()));
     QVERIFY(System::getFlagsDirPath().startsWith(userData_.path()));
-}
-
-void TestSpecialFiles::init()
-{
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
-}
-
-void TestSpecialFiles::cleanup()
-{
-    folder_.reset();
 }
 
 // Otherwise the tests would show nothing.
@@ -122,7 +106,7 @@ void TestSpecialFiles::aPipeInThePlaceOfTheInformationFileIsNotWaitedFor()
     Fifo pipe(path("SystemInfo.xml"));
     QVERIFY(pipe.isMade());
     TemporaryLog log;
-    const CpuInfo info(log, folder_->path());
+    const CpuInfo info(log, testFolder());
     QVERIFY(!pipe.wasRead());
     QCOMPARE(info.processorCount(), 1);
     QCOMPARE(info.coreCount(), 1);
@@ -182,7 +166,7 @@ void TestSpecialFiles::aHugeInformationFileCannotBeRead()
     QFile file(path("SystemInfo.xml"));
     QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(HugeSize));
     TemporaryLog log;
-    const CpuInfo info(log, folder_->path());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.processorCount(), 1);
     QCOMPARE(log.lines(),
              texts({"Reading CPU information from SystemInfo.xml",
@@ -213,7 +197,7 @@ void TestSpecialFiles::aLargeFileIsNotReadIntoMemory()
     }
     const qint64 before = residentMemory();
     QVERIFY(restartPeakMemory());
-    QCOMPARE(CpuInfo(nullptr, folder_->path()).processorCount(), 1);
+    QCOMPARE(CpuInfo(nullptr, testFolder()).processorCount(), 1);
     QVERIFY(!System::isFlagSet(QStringLiteral("DebugMode")));
     const qint64 held = peakMemory() - before;
     QVERIFY2(held < Most, qPrintable(QString::number(held)));
@@ -227,11 +211,11 @@ void TestSpecialFiles::nothingIsWrittenThroughALinkToNothing()
     const CpuInfo system(nullptr, whole.path());
     QVERIFY(QFile::link(path("target"), path("SystemInfo.xml")));
     TemporaryLog log;
-    const CpuInfo info(log, folder_->path());
+    const CpuInfo info(log, testFolder());
     QCOMPARE(info.processorCount(), system.processorCount());
     QCOMPARE(info.coreCount(), system.coreCount());
     QCOMPARE(log.lines(), texts({"Cannot save CPU information to SystemInfo.xml"}));
-    QCOMPARE(entriesOf(folder_->path()), texts({"SystemInfo.xml"}));
+    QCOMPARE(entriesOf(testFolder()), texts({"SystemInfo.xml"}));
     QCOMPARE(QFileInfo(path("SystemInfo.xml")).symLinkTarget(), path("target"));
 }
 
@@ -263,7 +247,7 @@ void TestSpecialFiles::nothingIsWrittenThroughALinkThatIsPutThereMeanwhile()
     bool wasRefused = false; // because the link was there
     for (int round = 0; round < LeastRounds || (!wasRefused && !deadline.hasExpired()); ++round) {
         TemporaryLog log;
-        const CpuInfo info(log, folder_->path());
+        const CpuInfo info(log, testFolder());
         wasRefused = wasRefused || log.lines().contains(refused);
         QVERIFY(contentOf(path("target")) == content);
         QVERIFY(!QFileInfo::exists(path("nothing")));
@@ -278,7 +262,7 @@ void TestSpecialFiles::anInformationFileMayBeALink()
                       "<Root><processorCount>977</processorCount>"
                       "<hyperThreading>on</hyperThreading></Root>"));
     QVERIFY(QFile::link(path("target"), path("SystemInfo.xml")));
-    QCOMPARE(CpuInfo(nullptr, folder_->path()).processorCount(), 977);
+    QCOMPARE(CpuInfo(nullptr, testFolder()).processorCount(), 977);
 }
 
 QTEST_GUILESS_MAIN(TestSpecialFiles)

@@ -4,7 +4,7 @@
 #include "OrdinaryUser.h"
 #include "OtherFileSystem.h"
 #include "TestFiles.h"
-#include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/System.h>
 #include <Utility/UnicodeFile.h>
@@ -94,14 +94,14 @@ bool isPublishedTooEarly(const char *name, const struct stat &status)
 
 } // namespace
 
-class TestUnicodeFileMoves : public QObject
+class TestUnicodeFileMoves : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
+    void init() override;
+    void cleanup() override;
 
     void theFileIsMovedToAnotherFileSystemAndBack();
     void aLinkAtThePlainPathIsNeverWrittenThrough();
@@ -122,11 +122,10 @@ private Q_SLOTS:
     void aFileOfAnotherUserNeverTakesThePlaceOfTheFile();
 
 private:
-    QString own() const { return folder_->filePath(QStringLiteral("Tr\u00e4ger/beam.dat")); }
+    QString own() const { return path(QStringLiteral("Tr\u00e4ger/beam.dat")); }
     QString plain() const { return temp_->filePath(QStringLiteral("beam.dat")); }
 
     std::unique_ptr<QTemporaryDir> temp_; // on another file system than the folder
-    std::unique_ptr<TestFolder> folder_;
 };
 
 // The folder for temporary files is worked out once per process.
@@ -148,7 +147,7 @@ void TestUnicodeFileMoves::initTestCase()
 
 void TestUnicodeFileMoves::init()
 {
-    folder_ = std::make_unique<TestFolder>();
+    TestWithFolder::init();
     QVERIFY(QDir().mkpath(QFileInfo(own()).path()));
     QVERIFY(writeFile(own(), Content));
 }
@@ -160,7 +159,7 @@ void TestUnicodeFileMoves::cleanup()
         QFile::remove(temp_->filePath(name)); // for the next test
     QCOMPARE(left, QStringList());
     QVERIFY(entriesOf(QFileInfo(own()).path()).size() <= 1);
-    folder_.reset();
+    TestWithFolder::cleanup();
 }
 
 void TestUnicodeFileMoves::theFileIsMovedToAnotherFileSystemAndBack()
@@ -186,7 +185,7 @@ void TestUnicodeFileMoves::theFileIsMovedToAnotherFileSystemAndBack()
 
 void TestUnicodeFileMoves::aLinkAtThePlainPathIsNeverWrittenThrough()
 {
-    const QString target = folder_->filePath(QStringLiteral("target"));
+    const QString target = path(QStringLiteral("target"));
     QVERIFY(QFile::link(target, plain()));
     {
         const UnicodeFile file(own());
@@ -201,7 +200,7 @@ void TestUnicodeFileMoves::aLinkAtThePlainPathIsNeverWrittenThrough()
 void TestUnicodeFileMoves::aLinkPlantedInTheMeantimeIsNeverWrittenThrough()
 {
     constexpr int Rounds = 300;
-    const QByteArray target = QFile::encodeName(folder_->filePath(QStringLiteral("target")));
+    const QByteArray target = QFile::encodeName(path(QStringLiteral("target")));
     const QByteArray link = QFile::encodeName(plain());
     int written = 0;
     int planted = 0;
@@ -381,7 +380,7 @@ void TestUnicodeFileMoves::anObstacleIsNotBlamedForAFolderThatCannotBeWritten()
 {
     QFETCH(bool, elsewhere);
     const QTemporaryDir beside(temp_->path() + QStringLiteral("-XXXXXX"));
-    const QString top = elsewhere ? folder_->path() : beside.path();
+    const QString top = elsewhere ? testFolder() : beside.path();
     const QString folder = top + QStringLiteral("/\u00e4");
     const QString file = folder + QStringLiteral("/beam.dat");
     QVERIFY(QDir().mkdir(folder));
@@ -404,7 +403,7 @@ void TestUnicodeFileMoves::aFileThatCannotBeTakenAwayLeavesNothingBehind()
     const QString folder = QFileInfo(own()).path();
     QVERIFY(
         QFile::setPermissions(temp_->path(), Everybody | QFile::WriteOwner | QFile::WriteOther));
-    QVERIFY(QFile::setPermissions(folder_->path(), Everybody | QFile::WriteOwner));
+    QVERIFY(QFile::setPermissions(testFolder(), Everybody | QFile::WriteOwner));
     QVERIFY(QFile::setPermissions(folder, Everybody));
     const QByteArray outcome = asOrdinaryUser([this] {
         const UnicodeFile file(own());
@@ -446,7 +445,7 @@ void TestUnicodeFileMoves::aFileOfAnotherUserNeverTakesThePlaceOfTheFile()
     if (geteuid() != 0)
         QSKIP("This takes two users");
     QCOMPARE(chmod(QFile::encodeName(temp_->path()).constData(), 01777), 0);
-    for (const QString &folder : {folder_->path(), QFileInfo(own()).path()})
+    for (const QString &folder : {testFolder(), QFileInfo(own()).path()})
         QCOMPARE(chmod(QFile::encodeName(folder).constData(), 0777), 0);
     QVERIFY(writeFile(plain(), "of somebody else"));
     const QByteArray outcome = asOrdinaryUser([this] {

@@ -3,7 +3,7 @@
 #include "OrdinaryUser.h"
 #include "OtherFileSystem.h"
 #include "TestFiles.h"
-#include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Log.h>
 
@@ -208,14 +208,14 @@ private:
 
 } // namespace
 
-class TestTruncatedLogs : public QObject
+class TestTruncatedLogs : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void initTestCase() override;
+    void init() override;
+    void cleanup() override;
 
     void nobodyElseReadsAPrivateLog_data();
     void nobodyElseReadsAPrivateLog();
@@ -238,11 +238,9 @@ private Q_SLOTS:
     void signalsDoNotStopATruncation();
 
 private:
-    QString path(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
     void addFileSystems();
     bool useTemporaryFolder(bool isOnAnotherFileSystem);
 
-    std::unique_ptr<TestFolder> folder_;
     std::unique_ptr<QTemporaryDir> temporary_;
     QString log_;
     QByteArray variable_;
@@ -258,8 +256,8 @@ void TestTruncatedLogs::initTestCase()
 
 void TestTruncatedLogs::init()
 {
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(changeMode(folder_->path(), 0755));
+    TestWithFolder::init();
+    QVERIFY(changeMode(testFolder(), 0755));
     QVERIFY(QDir().mkdir(path("logs")));
     log_ = path("logs/run.log");
     QVERIFY(writeFile(log_, tooLargeLog()));
@@ -288,7 +286,7 @@ void TestTruncatedLogs::addFileSystems()
 bool TestTruncatedLogs::useTemporaryFolder(bool isOnAnotherFileSystem)
 {
     const QString parent
-        = isOnAnotherFileSystem ? folderOnAnotherFileSystem(folder_->path()) : folder_->path();
+        = isOnAnotherFileSystem ? folderOnAnotherFileSystem(testFolder()) : testFolder();
     temporary_ = std::make_unique<QTemporaryDir>(parent + QStringLiteral("/log-XXXXXX"));
     qputenv("TMPDIR", QFile::encodeName(temporary_->path()));
     return !parent.isEmpty() && changeMode(temporary_->path(), 01777);

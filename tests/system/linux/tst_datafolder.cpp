@@ -1,14 +1,12 @@
 // Which folder the data of all users go to. Permissions count for an ordinary user only.
 
 #include "OrdinaryUser.h"
-#include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/Platform/Linux/Folders_p.h>
 #include <Utility/System.h>
 
 #include <QtTest/QtTest>
-
-#include <memory>
 
 using namespace Vorn::Util;
 
@@ -21,13 +19,13 @@ constexpr QFile::Permissions Writable
 
 } // namespace
 
-class TestDataFolder : public QObject
+class TestDataFolder : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init() override;
+    void cleanup() override;
 
     void theFolderThatMayBeWrittenIsTaken_data();
     void theFolderThatMayBeWrittenIsTaken();
@@ -35,22 +33,19 @@ private Q_SLOTS:
     void anOrdinaryUserHasTheProgramDataAmongItsOwn();
 
 private:
-    QString common() const { return folder_->filePath(QStringLiteral("lib")); }
-
-    std::unique_ptr<TestFolder> folder_;
+    QString common() const { return path(QStringLiteral("lib")); }
 };
 
 void TestDataFolder::init()
 {
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
-    QVERIFY(QFile::setPermissions(folder_->path(), Writable));
+    TestWithFolder::init();
+    QVERIFY(QFile::setPermissions(testFolder(), Writable));
 }
 
 void TestDataFolder::cleanup()
 {
     QFile::setPermissions(common(), Writable);
-    folder_.reset();
+    TestWithFolder::cleanup();
 }
 
 void TestDataFolder::theFolderThatMayBeWrittenIsTaken_data()
@@ -103,7 +98,7 @@ void TestDataFolder::anOrdinaryUserHasTheProgramDataAmongItsOwn()
 {
     if (QFileInfo::exists(QStringLiteral("/var/lib/Vantorel")))
         QSKIP("The administrator has made the maker's folder on this machine.");
-    const QByteArray home = QFile::encodeName(folder_->path());
+    const QByteArray home = QFile::encodeName(testFolder());
     QCOMPARE(asOrdinaryUser([home] {
                  qputenv("XDG_DATA_HOME", home);
                  return QFile::encodeName(System::getProgramDataPath(QStringLiteral("Any Name")));

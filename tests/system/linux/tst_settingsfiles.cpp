@@ -5,14 +5,13 @@
 #include "OrdinaryUser.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
-#include "TestFolder.h"
+#include "TestWithFolder.h"
 
 #include <Utility/System.h>
 
 #include <QtCore/QSettings>
 #include <QtTest/QtTest>
 
-#include <memory>
 #include <sys/stat.h>
 
 namespace {
@@ -33,14 +32,11 @@ unsigned int modeOf(const QString &name)
 
 } // namespace
 
-class TestSettingsFiles : public QObject
+class TestSettingsFiles : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void aTextIsUtf8();
     void aTextIsReadAsItIsWritten_data();
     void aTextIsReadAsItIsWritten();
@@ -61,7 +57,7 @@ private Q_SLOTS:
     void aLinkedFileStaysALink();
 
 private:
-    QString folder(const char *name) const { return folder_->filePath(QString::fromLatin1(name)); }
+    QString folder(const char *name) const { return path(QString::fromLatin1(name)); }
     QString file(const char *name) const
     {
         return folder(name) + QStringLiteral("/Vantorel/VORN.conf");
@@ -78,20 +74,7 @@ private:
         return runSystemCalls(helperProgram(), QStringLiteral("system"), calls, environment);
     }
     QString installationDirectory() const { return run({ReadDirectory}).results.value(0); }
-
-    std::unique_ptr<TestFolder> folder_;
 };
-
-void TestSettingsFiles::init()
-{
-    folder_ = std::make_unique<TestFolder>();
-    QVERIFY(folder_->isValid());
-}
-
-void TestSettingsFiles::cleanup()
-{
-    folder_.reset();
-}
 
 void TestSettingsFiles::aTextIsUtf8()
 {

@@ -51,7 +51,6 @@ private Q_SLOTS:
     void linesOfAnExtraction();
     void aRecordedExtraction_data();
     void aRecordedExtraction();
-    void aLineOfAnExtractionInTwoBlocks();
     void anExtractionReadsStandardErrorToo();
 
     // What a listing reports
@@ -65,7 +64,8 @@ private Q_SLOTS:
     void totalsOfAListing();
     void aRecordedListing_data();
     void aRecordedListing();
-    void aLineOfAListingInTwoBlocks();
+    void aLineInTwoBlocks_data();
+    void aLineInTwoBlocks();
     void aListingAppendsToTheFiles();
     void aSecondListingStartsWithItsHeader();
 };
@@ -154,28 +154,6 @@ void TestSevenZipResults::aRecordedExtraction()
     QCOMPARE(archive.files(), expected);
     QCOMPARE(archive.uncompressedSize(), Q_INT64_C(2271));
     QCOMPARE(archive.compressedSize(), Q_INT64_C(616));
-}
-
-void TestSevenZipResults::aLineOfAnExtractionInTwoBlocks()
-{
-    const QByteArray line = "Extracting  b c\r\n";
-    FakeArchiver fake;
-    QStringList expected;
-    for (int cut = 1; cut < line.size(); ++cut) {
-        fake.print("Extracting  a\r\n" + line.left(cut)).waitFor(QString::number(cut));
-        fake.print(line.mid(cut));
-    }
-    SevenZip archive;
-    QSignalSpy finished(&archive, &SevenZip::extractionFinished);
-    archive.startExtractingFilesTo(QStringLiteral("to"));
-    for (int cut = 1; cut < line.size(); ++cut) {
-        expected << QStringLiteral("a");
-        QTRY_COMPARE(archive.files(), expected); // the first block was read
-        expected << QStringLiteral("b c");
-        QVERIFY(fake.goOn(QString::number(cut)));
-    }
-    QVERIFY(finished.wait());
-    QCOMPARE(archive.files(), expected);
 }
 
 void TestSevenZipResults::anExtractionReadsStandardErrorToo()
@@ -394,25 +372,46 @@ void TestSevenZipResults::aRecordedListing()
     QCOMPARE(archive.compressedSize(), Q_INT64_C(305));
 }
 
-void TestSevenZipResults::aLineOfAListingInTwoBlocks()
+void TestSevenZipResults::aLineInTwoBlocks_data()
 {
-    const QByteArray whole = "2024-02-29 12:34:56 ....A 292 139 a\r\n";
-    const QByteArray line = "2024-02-29 12:34:56 ....A 292 139 b c\r\n";
+    QTest::addColumn<bool>("isListing");
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<QByteArray>("whole");
+    QTest::addColumn<QByteArray>("line");
+    QTest::newRow("extraction") << false << QByteArray() << QByteArray("Extracting  a\r\n")
+                                << QByteArray("Extracting  b c\r\n");
+    QTest::newRow("listing") << true << QByteArray(Ruler)
+                             << QByteArray("2024-02-29 12:34:56 ....A 292 139 a\r\n")
+                             << QByteArray("2024-02-29 12:34:56 ....A 292 139 b c\r\n");
+}
+
+// The line is divided at each of its bytes.
+void TestSevenZipResults::aLineInTwoBlocks()
+{
+    QFETCH(bool, isListing);
+    QFETCH(QByteArray, start);
+    QFETCH(QByteArray, whole);
+    QFETCH(QByteArray, line);
     FakeArchiver fake;
     QStringList expected;
-    fake.print(Ruler);
-    for (int cut = 1; cut < line.size(); ++cut) {
-        fake.print(whole + line.left(cut)).waitFor(QString::number(cut));
-        fake.print(line.mid(cut));
+    if (!start.isEmpty())
+        fake.print(start);
+    for (int offset = 1; offset < line.size(); ++offset) {
+        fake.print(whole + line.left(offset)).waitFor(QString::number(offset));
+        fake.print(line.mid(offset));
     }
     SevenZip archive;
-    QSignalSpy finished(&archive, &SevenZip::listFinished);
-    archive.startListingFiles();
-    for (int cut = 1; cut < line.size(); ++cut) {
+    QSignalSpy finished(&archive,
+                        isListing ? &SevenZip::listFinished : &SevenZip::extractionFinished);
+    if (isListing)
+        archive.startListingFiles();
+    else
+        archive.startExtractingFilesTo(QStringLiteral("to"));
+    for (int offset = 1; offset < line.size(); ++offset) {
         expected << QStringLiteral("a");
         QTRY_COMPARE(archive.files(), expected); // the first block was read
         expected << QStringLiteral("b c");
-        QVERIFY(fake.goOn(QString::number(cut)));
+        QVERIFY(fake.goOn(QString::number(offset)));
     }
     QVERIFY(finished.wait());
     QCOMPARE(archive.files(), expected);

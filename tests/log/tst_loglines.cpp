@@ -45,6 +45,15 @@ private Q_SLOTS:
     void aNumberIsStreamedInTheShorterForm_data();
     void aNumberIsStreamedInTheShorterForm();
     void streamingChains();
+
+private:
+    // What the log holds after \a value was streamed into it.
+    template <typename Value> QByteArray streamed(const Value &value) const
+    {
+        Log log(fileName_, Log::NoFileTimeStamp);
+        const bool isChained = log.open(true) && &(log << value) == &log;
+        return isChained ? written() : QByteArray("not open, or the result is not the log");
+    }
 };
 
 void TestLogLines::withoutTimeStampALineBeginsWithOneBlank_data()
@@ -290,10 +299,7 @@ void TestLogLines::aTextIsStreamedAsItIs()
     QFETCH(QString, text);
     QByteArray expected = text.toUtf8();
     expected.replace('\n', lineEnd());
-    Log log(fileName_, Log::NoFileTimeStamp);
-    QVERIFY(log.open(true));
-    QCOMPARE(&(log << text), &log);
-    QCOMPARE(written(), expected);
+    QCOMPARE(streamed(text), expected);
 }
 
 void TestLogLines::aCharacterIsStreamedAsLatin1_data()
@@ -313,10 +319,7 @@ void TestLogLines::aCharacterIsStreamedAsLatin1()
 {
     QFETCH(char, character);
     QFETCH(QByteArray, expected);
-    Log log(fileName_, Log::NoFileTimeStamp);
-    QVERIFY(log.open(true));
-    QCOMPARE(&(log << character), &log);
-    QCOMPARE(written(), expected);
+    QCOMPARE(streamed(character), expected);
 }
 
 void TestLogLines::anIntegerIsStreamedInDecimal_data()
@@ -336,10 +339,7 @@ void TestLogLines::anIntegerIsStreamedInDecimal()
 {
     QFETCH(int, number);
     QFETCH(QByteArray, expected);
-    Log log(fileName_, Log::NoFileTimeStamp);
-    QVERIFY(log.open(true));
-    QCOMPARE(&(log << number), &log);
-    QCOMPARE(written(), expected);
+    QCOMPARE(streamed(number), expected);
 }
 
 void TestLogLines::aNumberIsStreamedInTheShorterForm_data()
@@ -364,10 +364,7 @@ void TestLogLines::aNumberIsStreamedInTheShorterForm()
 {
     QFETCH(double, number);
     QFETCH(QByteArray, expected);
-    Log log(fileName_, Log::NoFileTimeStamp);
-    QVERIFY(log.open(true));
-    QCOMPARE(&(log << number), &log);
-    QCOMPARE(written(), expected);
+    QCOMPARE(streamed(number), expected);
 }
 
 void TestLogLines::streamingChains()

@@ -1,5 +1,6 @@
 // Removing a folder tree while its owner changes it, and trees that only this system can hold.
 
+#include "Adversary.h"
 #include "DescriptorLimit.h"
 #include "TestFiles.h"
 #include "TestWithFolder.h"
@@ -10,63 +11,33 @@
 #include <QtTest/QtTest>
 
 #include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 using namespace Vorn::Util;
 
 namespace {
 
-// A process that exchanges pairs of names without a pause, until the object is destroyed.
-class Exchanger
+// Two names that an adversary exchanges.
+using Pair = std::pair<QByteArray, QByteArray>;
+
+// Counts the exchanges.
+void exchangeNames(const std::vector<Pair> &pairs, std::atomic<int> &count)
 {
-public:
-    using Pair = std::pair<QByteArray, QByteArray>;
-
-    explicit Exchanger(const std::vector<Pair> &pairs)
-        : count_(static_cast<std::atomic<int> *>(mmap(nullptr, sizeof(std::atomic<int>),
-                                                      PROT_READ | PROT_WRITE,
-                                                      MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
-    {
-        *count_ = 0;
-        process_ = fork();
-        if (process_ != 0)
-            return;
-        for (;;) {
-            for (const Pair &pair : pairs) {
-                if (renameat2(AT_FDCWD, pair.first.constData(), AT_FDCWD, pair.second.constData(),
-                              RENAME_EXCHANGE)
-                    == 0)
-                    ++*count_;
-            }
-        }
+    for (const Pair &pair : pairs) {
+        if (renameat2(AT_FDCWD, pair.first.constData(), AT_FDCWD, pair.second.constData(),
+                      RENAME_EXCHANGE)
+            == 0)
+            ++count;
     }
-
-    ~Exchanger()
-    {
-        ::kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-        munmap(count_, sizeof *count_);
-    }
-
-    bool isRunning() const { return process_ > 0; }
-    int count() const { return *count_; }
-
-private:
-    Q_DISABLE_COPY(Exchanger)
-
-    std::atomic<int> *count_; // of the exchanges, shared with the process
-    pid_t process_ = -1;
-};
+}
 
 bool makeSocket(const QString &path)
 {
@@ -132,12 +103,12 @@ void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed()
     const auto folderName
         = [&above](int number) { return QStringLiteral("/tree/%1d%2").arg(above).arg(number); };
     const auto linkName = [](int number) { return QStringLiteral("/links/%1").arg(number); };
-    std::vector<Exchanger::Pair> pairs;
+    std::vector<Pair> pairs;
     for (int number = 0; number < Folders; ++number) {
         pairs.emplace_back(QFile::encodeName(path("round") + folderName(number)),
                            QFile::encodeName(path("round") + linkName(number)));
     }
-    const Exchanger exchanger(pairs);
+    const Adversary exchanger([&pairs](std::atomic<int> &count) { exchangeNames(pairs, count); });
     QVERIFY(exchanger.isRunning());
 
     int lost = 0;

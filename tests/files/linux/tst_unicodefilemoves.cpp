@@ -1,5 +1,6 @@
 // A file whose plain folder lies on another file system, and files of other users.
 
+#include "Adversary.h"
 #include "FileSizeLimit.h"
 #include "OrdinaryUser.h"
 #include "OtherFileSystem.h"
@@ -14,12 +15,10 @@
 #include <QtTest/QtTest>
 
 #include <atomic>
-#include <csignal>
 #include <dirent.h>
 #include <fcntl.h>
 #include <functional>
 #include <memory>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -29,40 +28,6 @@ using namespace Vorn::Util;
 namespace {
 
 const QByteArray Content = QByteArray("own content ").repeated(20000);
-
-// A process that repeats work without a pause, until the object is destroyed.
-class Adversary
-{
-public:
-    using Work = std::function<void(std::atomic<int> &count)>;
-
-    explicit Adversary(const Work &work)
-        : count_(static_cast<std::atomic<int> *>(mmap(nullptr, sizeof(std::atomic<int>),
-                                                      PROT_READ | PROT_WRITE,
-                                                      MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
-    {
-        *count_ = 0;
-        process_ = fork();
-        while (process_ == 0)
-            work(*count_);
-    }
-
-    ~Adversary()
-    {
-        ::kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-        munmap(count_, sizeof *count_);
-    }
-
-    bool isRunning() const { return process_ > 0; }
-    int count() const { return *count_; }
-
-private:
-    Q_DISABLE_COPY(Adversary)
-
-    std::atomic<int> *count_; // shared with the process
-    pid_t process_ = -1;
-};
 
 using IsCounted = std::function<bool(const char *name, const struct stat &status)>;
 

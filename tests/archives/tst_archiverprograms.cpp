@@ -159,16 +159,16 @@ private Q_SLOTS:
     void initTestCase() override;
     void init() override;
 
-    void typeMethodNamesAndSizesAreTold_data();
-    void typeMethodNamesAndSizesAreTold();
-    void namesAreTakenAndToldToTheLetter_data();
-    void namesAreTakenAndToldToTheLetter();
-    void namesInAListFileAreTakenAndToldToTheLetter_data();
-    void namesInAListFileAreTakenAndToldToTheLetter();
+    void typeMethodNamesAndSizesAreReported_data();
+    void typeMethodNamesAndSizesAreReported();
+    void namesArePassedAndReportedUnchanged_data();
+    void namesArePassedAndReportedUnchanged();
+    void namesInAListFileArePassedAndReportedUnchanged_data();
+    void namesInAListFileArePassedAndReportedUnchanged();
     void namesThatLookLikeSwitchesArePackedWithADotInFront_data();
     void namesThatLookLikeSwitchesArePackedWithADotInFront();
-    void foldersAreToldWithoutASeparatorAtTheEnd_data();
-    void foldersAreToldWithoutASeparatorAtTheEnd();
+    void foldersAreReportedWithoutASeparatorAtTheEnd_data();
+    void foldersAreReportedWithoutASeparatorAtTheEnd();
     void aCommentIsNotTakenForEntries_data();
     void aCommentIsNotTakenForEntries();
     void anEmptyArchiveHasNoEntries_data();
@@ -278,7 +278,7 @@ Tree neighbourOfHardNames()
 
 } // namespace
 
-void TestArchiverPrograms::typeMethodNamesAndSizesAreTold_data()
+void TestArchiverPrograms::typeMethodNamesAndSizesAreReported_data()
 {
     addProgramColumn();
     QTest::addColumn<int>("type");
@@ -297,7 +297,7 @@ void TestArchiverPrograms::typeMethodNamesAndSizesAreTold_data()
     });
 }
 
-void TestArchiverPrograms::typeMethodNamesAndSizesAreTold()
+void TestArchiverPrograms::typeMethodNamesAndSizesAreReported()
 {
     QFETCH(int, type);
     QFETCH(int, method);
@@ -311,12 +311,12 @@ void TestArchiverPrograms::typeMethodNamesAndSizesAreTold()
     QCOMPARE(archive->compressedSize() < archive->uncompressedSize(), method != SevenZip::Copy);
 }
 
-void TestArchiverPrograms::namesAreTakenAndToldToTheLetter_data()
+void TestArchiverPrograms::namesArePassedAndReportedUnchanged_data()
 {
     addTypeAndMethodRows();
 }
 
-void TestArchiverPrograms::namesAreTakenAndToldToTheLetter()
+void TestArchiverPrograms::namesArePassedAndReportedUnchanged()
 {
     QFETCH(int, type);
     QFETCH(int, method);
@@ -328,12 +328,12 @@ void TestArchiverPrograms::namesAreTakenAndToldToTheLetter()
     roundTrip(*newArchive(type, method), path("out"), tree, tree.keys());
 }
 
-void TestArchiverPrograms::namesInAListFileAreTakenAndToldToTheLetter_data()
+void TestArchiverPrograms::namesInAListFileArePassedAndReportedUnchanged_data()
 {
     addProgramRows();
 }
 
-void TestArchiverPrograms::namesInAListFileAreTakenAndToldToTheLetter()
+void TestArchiverPrograms::namesInAListFileArePassedAndReportedUnchanged()
 {
     Tree tree = hardNames();
     // This version takes no list file with a letter that is two units of UTF-16: exit code 7.
@@ -358,12 +358,12 @@ void TestArchiverPrograms::namesThatLookLikeSwitchesArePackedWithADotInFront()
     QCOMPARE(readTree(path("in")), tree);
 }
 
-void TestArchiverPrograms::foldersAreToldWithoutASeparatorAtTheEnd_data()
+void TestArchiverPrograms::foldersAreReportedWithoutASeparatorAtTheEnd_data()
 {
     addTypeAndMethodRows();
 }
 
-void TestArchiverPrograms::foldersAreToldWithoutASeparatorAtTheEnd()
+void TestArchiverPrograms::foldersAreReportedWithoutASeparatorAtTheEnd()
 {
     QFETCH(int, type);
     QFETCH(int, method);

@@ -46,7 +46,7 @@ private Q_SLOTS:
     void aLinkIsRemovedButNotItsFolder();
     void aKeptShortcutIsLeftAlone();
     void aLinkToTheFolderItselfIsNotFollowed();
-    void aFolderBehindALinkIsTheSystemsOne();
+    void aFolderBelowALinkIsTheSystemsOne();
     void removingTheCurrentFolderByItsPointTakesItAll();
     void anExceptedLinkStays();
     void aJunctionIsRemovedButNotItsFolder();
@@ -433,7 +433,7 @@ void TestSystemRemoveDir::aLinkToTheFolderItselfIsNotFollowed()
 }
 
 // The path goes by way of the link: what is removed is what the system finds there.
-void TestSystemRemoveDir::aFolderBehindALinkIsTheSystemsOne()
+void TestSystemRemoveDir::aFolderBelowALinkIsTheSystemsOne()
 {
     if (onWindows())
         QSKIP("A link is a file here.");

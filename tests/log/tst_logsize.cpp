@@ -112,8 +112,8 @@ private Q_SLOTS:
     void fastAppendNeverTruncates();
     void theKeptPartBeginsWithALine_data();
     void theKeptPartBeginsWithALine();
-    void aLongFirstLineIsCutAtAPieceBoundary_data();
-    void aLongFirstLineIsCutAtAPieceBoundary();
+    void aLongFirstLineIsDividedAtAPieceBoundary_data();
+    void aLongFirstLineIsDividedAtAPieceBoundary();
     void onlyAppendTakesTheLock();
 };
 
@@ -292,7 +292,7 @@ void TestLogSize::theKeptPartBeginsWithALine()
     QCOMPARE(written(), content.mid(cut));
 }
 
-void TestLogSize::aLongFirstLineIsCutAtAPieceBoundary_data()
+void TestLogSize::aLongFirstLineIsDividedAtAPieceBoundary_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("cut");
@@ -315,7 +315,7 @@ void TestLogSize::aLongFirstLineIsCutAtAPieceBoundary_data()
         << QByteArray("\xC3\xA4").repeated(600000) + '\n' + rest << boundary;
 }
 
-void TestLogSize::aLongFirstLineIsCutAtAPieceBoundary()
+void TestLogSize::aLongFirstLineIsDividedAtAPieceBoundary()
 {
     QFETCH(QByteArray, content);
     QFETCH(int, cut);

@@ -147,7 +147,7 @@ private Q_SLOTS:
     void withoutTemporaryFolderTheLogStaysAsItWas();
     void aLogThatCannotBeTruncatedIsStillWritten_data();
     void aLogThatCannotBeTruncatedIsStillWritten();
-    void withoutRoomForTheTailTheLogStaysAsItWas();
+    void withoutSpaceForTheTailTheLogStaysAsItWas();
     void theOffsetIsTheSameOnAnotherFileSystem_data();
     void theOffsetIsTheSameOnAnotherFileSystem();
     void onAnotherFileSystemNothingIsLeftBehind();
@@ -565,7 +565,7 @@ void TestLogTruncation::aLogThatCannotBeTruncatedIsStillWritten()
 }
 
 // As on a full disk: no file may grow beyond half of what is kept.
-void TestLogTruncation::withoutRoomForTheTailTheLogStaysAsItWas()
+void TestLogTruncation::withoutSpaceForTheTailTheLogStaysAsItWas()
 {
     if (onWindows())
         QSKIP("Windows has no limit on the size of a process's files");

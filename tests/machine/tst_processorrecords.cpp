@@ -248,7 +248,7 @@ private Q_SLOTS:
     void extendedRecordsAreCounted_data();
     void extendedRecordsAreCounted();
     void extendedRecordsMayEndAnywhere();
-    void theBytesBehindAnExtendedRecordAreNotRead();
+    void theBytesAfterAnExtendedRecordAreNotRead();
     void fixedRecordsAreCounted_data();
     void fixedRecordsAreCounted();
     void thePartOfALastFixedRecordCounts();
@@ -392,7 +392,7 @@ void TestProcessorRecords::extendedRecordsMayEndAnywhere()
     }
 }
 
-void TestProcessorRecords::theBytesBehindAnExtendedRecordAreNotRead()
+void TestProcessorRecords::theBytesAfterAnExtendedRecordAreNotRead()
 {
     const QByteArray records = package() + core(Smt) + core(NoSmt);
     // The bytes go on behind what is given.

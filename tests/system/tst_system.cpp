@@ -58,10 +58,10 @@ private Q_SLOTS:
 
     void publicDocumentsLieInTheFolderOfTheVariable();
     void publicDocumentsAreCreatedByTheFirstCallOnly();
-    void publicDocumentsThatCannotBeCreatedAreTold();
+    void publicDocumentsThatCannotBeCreatedAreReported();
     void tutorialsLieInThePublicDocuments();
     void tutorialsAreCreatedByTheFirstCallOnly();
-    void tutorialsThatCannotBeCreatedAreTold();
+    void tutorialsThatCannotBeCreatedAreReported();
 
     void temporaryFolderIsTheSystems();
     void temporaryFolderIsKept();
@@ -252,7 +252,7 @@ void TestSystem::publicDocumentsAreCreatedByTheFirstCallOnly()
     QVERIFY(!QFileInfo::exists(expected));
 }
 
-void TestSystem::publicDocumentsThatCannotBeCreatedAreTold()
+void TestSystem::publicDocumentsThatCannotBeCreatedAreReported()
 {
     QVERIFY(writeFile(path(QStringLiteral("public")), QByteArray()));
     const QString expected = withProductFolder(path(QStringLiteral("public/Documents")));
@@ -285,7 +285,7 @@ void TestSystem::tutorialsAreCreatedByTheFirstCallOnly()
     QVERIFY(!QFileInfo::exists(expected));
 }
 
-void TestSystem::tutorialsThatCannotBeCreatedAreTold()
+void TestSystem::tutorialsThatCannotBeCreatedAreReported()
 {
     const QString documents = withProductFolder(path(QStringLiteral("public/Documents")));
     const QString expected = native(documents + QStringLiteral("/Tutorials"));

@@ -148,7 +148,7 @@ private Q_SLOTS:
     void theHostNameIsAskedForOnce();
     void aHostNameThatFailsIsAskedForElsewhere();
     void theLocalHostHasTheMachinesName();
-    void aUserNameThatFailsIsTold();
+    void aUserNameThatFailsIsReported();
 
     void theSearchForAnIdEndsWithTheFirstFound();
     void aProcessWithoutANameIsUnknown();
@@ -360,7 +360,7 @@ void TestSystemFakePlatform::theLocalHostHasTheMachinesName()
     QCOMPARE(hostNamesAskedFor_, 1);
 }
 
-void TestSystemFakePlatform::aUserNameThatFailsIsTold()
+void TestSystemFakePlatform::aUserNameThatFailsIsReported()
 {
     const TestMessages messages;
     QCOMPARE(System::getUserName(), QString());

@@ -160,7 +160,7 @@ private Q_SLOTS:
     void aKeyThatCannotBeOpenedIsPrinted();
     void aValueThatCannotBeReadIsPrinted();
     void printedTextsAreNotExpanded();
-    void theKeyAndTheNameAreHandedOn();
+    void theKeyAndTheNameArePassedOn();
 
 private:
     QTemporaryDir folder_;
@@ -450,7 +450,7 @@ void TestSystemFoldersFakePlatform::printedTextsAreNotExpanded()
              QStringList{QStringLiteral("RegQueryValueEx: 2 %1 %2 %s")});
 }
 
-void TestSystemFoldersFakePlatform::theKeyAndTheNameAreHandedOn()
+void TestSystemFoldersFakePlatform::theKeyAndTheNameArePassedOn()
 {
     QStringList asked;
     fakePlatform().settingsSubkeys = [&asked](const QString &key) {

@@ -133,13 +133,13 @@ private Q_SLOTS:
     void damagedProgramsHaveNone();
     void theResourcesMayBeTheLastDirectory_data() { addPrograms(); }
     void theResourcesMayBeTheLastDirectory();
-    void aSectionThatBeginsBehindTheResourcesDoesNotHoldThem_data() { addPrograms(); }
-    void aSectionThatBeginsBehindTheResourcesDoesNotHoldThem();
+    void aSectionThatBeginsAfterTheResourcesDoesNotHoldThem_data() { addPrograms(); }
+    void aSectionThatBeginsAfterTheResourcesDoesNotHoldThem();
     void theVersionOfTheFirstNameCounts_data() { addPrograms(); }
     void theVersionOfTheFirstNameCounts();
     void theBlockMayLieInAnotherSection();
-    void whatLiesBehindTheSectionIsFollowedWithinTheFile_data() { addPrograms(); }
-    void whatLiesBehindTheSectionIsFollowedWithinTheFile();
+    void whatLiesAfterTheSectionIsFollowedWithinTheFile_data() { addPrograms(); }
+    void whatLiesAfterTheSectionIsFollowedWithinTheFile();
     void randomBytesHaveNone();
     void randomPlacesStayWithinTheFile_data() { addPrograms(); }
     void randomPlacesStayWithinTheFile();
@@ -315,7 +315,7 @@ void TestVersionInProgram::theResourcesMayBeTheLastDirectory()
 }
 
 // Not even when its size goes around the end of the memory.
-void TestVersionInProgram::aSectionThatBeginsBehindTheResourcesDoesNotHoldThem()
+void TestVersionInProgram::aSectionThatBeginsAfterTheResourcesDoesNotHoldThem()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);
@@ -393,7 +393,7 @@ void TestVersionInProgram::theBlockMayLieInAnotherSection()
 }
 
 // A size that the file does not have does no harm.
-void TestVersionInProgram::whatLiesBehindTheSectionIsFollowedWithinTheFile()
+void TestVersionInProgram::whatLiesAfterTheSectionIsFollowedWithinTheFile()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);

@@ -22,10 +22,10 @@ class TestArchiverVersion : public TestWithFolder
 private Q_SLOTS:
     void thePrintedVersionDecides_data();
     void thePrintedVersionDecides();
-    void aProgramThatTellsNoVersionIsTakenForACurrentOne_data();
-    void aProgramThatTellsNoVersionIsTakenForACurrentOne();
+    void aProgramThatPrintsNoVersionIsTakenForACurrentOne_data();
+    void aProgramThatPrintsNoVersionIsTakenForACurrentOne();
     void aProgramIsAskedOnce();
-    void aProgramThatTellsNoVersionIsAskedOnce();
+    void aProgramThatPrintsNoVersionIsAskedOnce();
     void aProgramThatWasReplacedIsAskedAgain_data();
     void aProgramThatWasReplacedIsAskedAgain();
     void aProgramThatPrintsOnIsNotWaitedFor();
@@ -73,7 +73,7 @@ void TestArchiverVersion::thePrintedVersionDecides()
     QCOMPARE(runs(), QByteArray("run 0\n"));
 }
 
-void TestArchiverVersion::aProgramThatTellsNoVersionIsTakenForACurrentOne_data()
+void TestArchiverVersion::aProgramThatPrintsNoVersionIsTakenForACurrentOne_data()
 {
     QTest::addColumn<QByteArray>("script");
     QTest::newRow("prints nothing") << QByteArray("exit 0\n");
@@ -83,7 +83,7 @@ void TestArchiverVersion::aProgramThatTellsNoVersionIsTakenForACurrentOne_data()
     QTest::newRow("reads its input") << QByteArray("/bin/cat\n");
 }
 
-void TestArchiverVersion::aProgramThatTellsNoVersionIsTakenForACurrentOne()
+void TestArchiverVersion::aProgramThatPrintsNoVersionIsTakenForACurrentOne()
 {
     QFETCH(QByteArray, script);
     QVERIFY(writeArchiver(script));
@@ -101,7 +101,7 @@ void TestArchiverVersion::aProgramIsAskedOnce()
     QCOMPARE(runs(), QByteArray("run 0\n"));
 }
 
-void TestArchiverVersion::aProgramThatTellsNoVersionIsAskedOnce()
+void TestArchiverVersion::aProgramThatPrintsNoVersionIsAskedOnce()
 {
     QVERIFY(writeArchiver("exit 0\n"));
     for (int i = 0; i < 3; ++i)

@@ -80,8 +80,8 @@ private Q_SLOTS:
     void aFullDiskDoesNotFillTheMemory();
     void aLogOnAFullDeviceLosesItsLines();
     void aLogThatCannotBeTruncatedIsTruncatedWhenThereIsSpaceAgain();
-    void withoutRoomBesideTheLogItStaysAsItWas();
-    void aTailWhoseLastBytesFindNoRoomDoesNotReplaceTheLog();
+    void withoutSpaceBesideTheLogItStaysAsItWas();
+    void aTailThatFillsTheDiskDoesNotReplaceTheLog();
     void withoutAFreeDescriptorTheLogIsStillWritten();
 
     void withoutAFreeDescriptorACommandPrintsNothing();
@@ -95,7 +95,7 @@ private Q_SLOTS:
     void anArchiveWithoutAWholeListFileMayBeDestroyed();
 
     void aFullDiskLeavesTheCountsOfTheSystemAndNoFile();
-    void aCutInformationFileGivesItsCountsOrTheDefaults();
+    void aTruncatedInformationFileGivesItsCountsOrTheDefaults();
     void anInformationFileOnADeviceLeavesTheDefaults();
 
 private:
@@ -216,7 +216,7 @@ void TestFullDisk::aLogThatCannotBeTruncatedIsTruncatedWhenThereIsSpaceAgain()
 }
 
 // On a file system of its own, which has room for the log but not for its tail beside it.
-void TestFullDisk::withoutRoomBesideTheLogItStaysAsItWas()
+void TestFullDisk::withoutSpaceBesideTheLogItStaysAsItWas()
 {
     const QString mount = folder_.filePath(QStringLiteral("mount"));
     const QString copy = folder_.filePath(QStringLiteral("copy.log"));
@@ -241,7 +241,7 @@ void TestFullDisk::withoutRoomBesideTheLogItStaysAsItWas()
 }
 
 // They wait in memory until the file is flushed, after every write has succeeded.
-void TestFullDisk::aTailWhoseLastBytesFindNoRoomDoesNotReplaceTheLog()
+void TestFullDisk::aTailThatFillsTheDiskDoesNotReplaceTheLog()
 {
     constexpr int Room = 16 << 18; // for the blocks that are written at once
     constexpr int Rest = 1000;
@@ -512,7 +512,7 @@ void TestFullDisk::aFullDiskLeavesTheCountsOfTheSystemAndNoFile()
     }
 }
 
-void TestFullDisk::aCutInformationFileGivesItsCountsOrTheDefaults()
+void TestFullDisk::aTruncatedInformationFileGivesItsCountsOrTheDefaults()
 {
     const TestMessages messages;
     const TestFolder folder;

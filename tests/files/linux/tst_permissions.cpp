@@ -37,7 +37,7 @@ private Q_SLOTS:
 
     void aLogIsWrittenByItsUserOnly();
     void theMaskOfTheProcessCounts();
-    void aLogThatWasCutIsWrittenByItsUserOnly();
+    void aTruncatedLogIsWrittenByItsUserOnly();
     void aScriptIsWrittenByItsUserOnly();
     void anInformationFileIsWrittenByItsUserOnly();
     void aListFileIsWrittenByItsUserOnly();
@@ -77,7 +77,7 @@ void TestPermissions::theMaskOfTheProcessCounts()
     QVERIFY(!(QFile::permissions(path("SystemInfo.xml")) & NotTheUser));
 }
 
-void TestPermissions::aLogThatWasCutIsWrittenByItsUserOnly()
+void TestPermissions::aTruncatedLogIsWrittenByItsUserOnly()
 {
     QVERIFY(writeFile(path("run.log"), QByteArray(int(Log::MaxLogSize) + 1, 'x')));
     Log log(path("run.log"), Log::NoFileTimeStamp);

@@ -170,8 +170,8 @@ private Q_SLOTS:
     void aProgramMayEndWithTheMarkOfADeletedOne();
     void aDeletedProgramIsNotTheFileOfItsMarkedName();
     void anotherUsersProgramIsFoundByTheNameThatItGivesItself();
-    void countersAreNotHandedToStartedPrograms();
-    void foldersAreNotHandedToStartedPrograms();
+    void countersAreNotInheritedByStartedPrograms();
+    void foldersAreNotInheritedByStartedPrograms();
 };
 
 void TestProcesses::aKilledProcessDoesNotRunBeforeItIsWaitedFor()
@@ -315,7 +315,7 @@ void TestProcesses::anotherUsersProgramIsFoundByTheNameThatItGivesItself()
     QCOMPARE(found, QByteArray("running0"));
 }
 
-void TestProcesses::countersAreNotHandedToStartedPrograms()
+void TestProcesses::countersAreNotInheritedByStartedPrograms()
 {
     const QStringList before = inheritedFiles();
     const CpuCounter load(CpuCounter::CpuPercent);
@@ -324,7 +324,7 @@ void TestProcesses::countersAreNotHandedToStartedPrograms()
     QCOMPARE(inheritedFiles(), before);
 }
 
-void TestProcesses::foldersAreNotHandedToStartedPrograms()
+void TestProcesses::foldersAreNotInheritedByStartedPrograms()
 {
     const TestFolder folder;
     QVERIFY(QDir().mkpath(folder.filePath(QStringLiteral("sub"))));

@@ -52,7 +52,7 @@ inline void compareWithArchive(const QString &archive, const QString &out,
     QVERIFY(lister.listFiles());
     QCOMPARE(normalized(lister.files()), names);
     QCOMPARE(lister.type(), type);
-    // The listing of a zip archive tells no method.
+    // The listing of a zip archive has no method.
     QCOMPARE(lister.method(), type == SevenZip::Type7z ? method : otherMethod);
     QCOMPARE(lister.uncompressedSize(), sizeOf(tree));
     if (method == SevenZip::Copy)

@@ -423,7 +423,7 @@ void TestArchiverPrograms::anEmptyArchiveHasNoEntries()
     archive.setType(type == SevenZip::Type7z ? SevenZip::TypeZip : SevenZip::Type7z);
     QVERIFY(archive.listFiles());
     QCOMPARE(int(archive.type()), type);
-    QCOMPARE(archive.method(), SevenZip::LZMA2); // as before: the archive tells none
+    QCOMPARE(archive.method(), SevenZip::LZMA2); // as before: the listing has none
     QVERIFY(archive.files().isEmpty());
     QCOMPARE(archive.uncompressedSize(), Q_INT64_C(0));
     QCOMPARE(archive.compressedSize(), Q_INT64_C(0));

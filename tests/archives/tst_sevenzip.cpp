@@ -469,7 +469,7 @@ void operationRows(const QStringList &operations)
         QTest::newRow(qPrintable(operation)) << operation;
 }
 
-// What the helper tells of an operation in the folder "work" when there is no archiver.
+// What the helper prints about an operation in the folder "work" when there is no archiver.
 QJsonObject runWithoutArchiver(const TestFolder &folder, const QString &operation,
                                const QString &currentPath)
 {

@@ -1,4 +1,4 @@
-// What the archiver is told: its command line, the names, and the list files.
+// The command line of the archiver, the names on it, and the list files.
 
 #include "CurrentFolder.h"
 #include "FakeArchiver.h"

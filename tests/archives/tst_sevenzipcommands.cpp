@@ -321,7 +321,7 @@ void TestSevenZipCommands::anArchiveMayBeDeletedInItsOwnSignals_data()
     theAsynchronousFormsReturnAtOnce_data();
 }
 
-// The blocking call then tells of no success, although there was one.
+// The blocking call then returns false, although the operation succeeded.
 void TestSevenZipCommands::anArchiveMayBeDeletedInItsOwnSignals()
 {
     QFETCH(int, kind);

@@ -49,7 +49,7 @@ void TestCommandFakePlatform::initTestCase()
     fakePlatform().callOfText = call;
 }
 
-// No call leaves its script behind.
+// No command leaves its script on the disk.
 void TestCommandFakePlatform::cleanup()
 {
     QVERIFY(QDir().isEmpty());

@@ -12,7 +12,7 @@ using Vorn::Util::Formats::shellWord;
 
 namespace {
 
-// The words that the shell makes of a line of a script, each with a null byte behind it.
+// The words that the shell makes of a line of a script, each followed by a null byte.
 QByteArray wordsOf(const QString &line)
 {
     const QString script = QStringLiteral("script.sh");

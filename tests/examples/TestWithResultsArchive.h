@@ -72,7 +72,7 @@ inline QString textOf(QByteArray bytes)
 }
 
 /// The program in a folder of its own, data to pack, a folder for archives and one for temporary
-/// files, all gone in the end.
+/// files. All are deleted with the object.
 class Site
 {
 public:
@@ -183,7 +183,7 @@ public:
         return lines;
     }
 
-    // Nothing but the log, if a run came so far.
+    // Whether it holds nothing but the log, which an early failure does not write.
     bool isTempFolderClean() const
     {
         const QStringList entries = entriesOf(tempFolder());

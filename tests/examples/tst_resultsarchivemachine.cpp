@@ -1,5 +1,5 @@
-// What the example tells of the machine, the disk and the cluster. What no machine can be made to
-// do on demand is asked of its functions.
+// What the example logs about the machine, the disk and the cluster. What no machine can be made to
+// do on demand is tested by calling its functions.
 
 #include "DiskSpace.h"
 #include "FakeArchiver.h"
@@ -28,7 +28,7 @@ QStringList matching(const QStringList &lines, const QString &pattern)
     return lines.filter(QRegularExpression(QLatin1Char('^') + pattern + QLatin1Char('$')));
 }
 
-// Some systems tell nothing of the file system that a folder lies on.
+// Some systems give no sizes for the file system of a folder.
 bool knowsFreeSpace(const QString &folder)
 {
     return QStorageInfo(folder).bytesTotal() > 0;
@@ -171,7 +171,7 @@ void TestResultsArchiveMachine::aDiskNeedsSpaceForItsFiles()
     QTEST(ResultsArchive::diskSpaceProblem(space, bytes), "problem");
 }
 
-// With a file that is larger than what is free and takes no room itself.
+// With a sparse file that is larger than the free space.
 void TestResultsArchiveMachine::aRunWithoutDiskSpaceIsRefused()
 {
     constexpr qint64 More = qint64(64) << 30;

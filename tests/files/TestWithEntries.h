@@ -15,7 +15,7 @@ inline bool runQuietly(const QString &program, const QStringList &arguments)
         && process.exitCode() == 0;
 }
 
-/// Of an entry whose name begins with a point, which is enough elsewhere.
+/// Hides an entry whose name begins with a point, which is enough on systems other than Windows.
 inline bool makeHidden(const QString &path)
 {
     if (onWindows()) {
@@ -25,7 +25,7 @@ inline bool makeHidden(const QString &path)
     return QFileInfo(path).isHidden();
 }
 
-/// Each test function has the current folder for itself and makes entries in it.
+/// Each test function has a current folder of its own and makes entries in it.
 class TestWithEntries : public TestInFolder
 {
 protected:
@@ -57,7 +57,7 @@ protected:
         return entriesOf(info.path()).contains(info.fileName());
     }
 
-    // A link's file has a name of its own on some systems.
+    // On Windows the file of a link has a suffix.
     static QByteArray linkName(const QByteArray &name)
     {
         return onWindows() ? name + ".lnk" : name;

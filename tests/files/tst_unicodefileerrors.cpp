@@ -1,4 +1,4 @@
-// What cannot be moved, and what is told of it.
+// Files that cannot be moved, and the errors that they give.
 
 #include "TestFiles.h"
 #include "TestSystem.h"

@@ -141,7 +141,7 @@ void TestUnicodeFileRename::anExistingFileAtTheOwnPathIsOverwritten()
     QCOMPARE(entriesOf(folder_->path()), QStringList{unicodeName()});
 }
 
-// Its folder is a link to the temporary folder: there is nothing to make room for.
+// Its folder is a link to the temporary folder: no file has to be replaced.
 void TestUnicodeFileRename::aFileThatIsItsOwnPlainFileStays()
 {
     if (onWindows())

@@ -1,5 +1,5 @@
 // A "7z.exe" that does what a script says. FAKE_ARCHIVER names the script, FAKE_ARCHIVER_RECORD
-// the file that tells how the program was called; FakeArchiver.h writes the one and reads the
+// the file that records how the program was called; FakeArchiver.h writes the one and reads the
 // other.
 
 #include "BinaryStreams.h"
@@ -23,7 +23,7 @@
 namespace {
 
 constexpr int NoScript = 96;
-constexpr int TooLong = 97;               // nothing may be left running when a test goes wrong
+constexpr int TooLong = 97;               // ends the program also when a test goes wrong
 constexpr unsigned long LongestLife = 60; // seconds
 
 [[noreturn]] void leave(int exitCode)
@@ -33,7 +33,7 @@ constexpr unsigned long LongestLife = 60; // seconds
 
 [[noreturn]] void crash()
 {
-    // Windows tells a crash by the exit code, other systems by the signal.
+    // Windows reports a crash by the exit code, other systems by the signal.
     if (onWindows())
         leave(static_cast<int>(0xC0000005U));
     std::abort();

@@ -14,8 +14,8 @@ using namespace Vorn::Util;
 
 namespace {
 
-// While it lives, the file cannot be deleted: an open file on Windows, elsewhere a file that the
-// system is told to keep, which not everybody may do.
+// While it lives, the file cannot be deleted: on Windows the file is open, elsewhere it is
+// immutable, which not every account can set.
 class KeptFile
 {
 public:

@@ -19,7 +19,7 @@ namespace {
 constexpr int Limit = 5242880;
 constexpr int AmountToTruncate = 1048576;
 
-// Bytes without a line end that tell where they are from.
+// Bytes without a line end whose values show their positions.
 QByteArray longLine(int size)
 {
     QByteArray line(size, ' ');

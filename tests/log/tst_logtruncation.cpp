@@ -30,8 +30,9 @@ namespace {
 constexpr int Limit = 5242880;
 constexpr int TruncateAfter = 1048576;
 
-// The rule as it is told: the log is read from its beginning by pieces of at most 255 bytes, none
-// of which goes beyond a line, and a piece is kept when more than a mebibyte was read before it.
+// The rule in its simplest form: the log is read from its beginning by pieces of at most 255 bytes,
+// none of which goes beyond a line, and a piece is kept when more than a mebibyte was read before
+// it.
 QByteArray keptOf(const QByteArray &log)
 {
     QBuffer device;
@@ -426,7 +427,7 @@ void TestLogTruncation::whetherAFileMayBeMadeIsKnownBefore()
 {
     QVERIFY(Platform::mayCreateFileIn(testFolder()));
     QVERIFY(!Platform::mayCreateFileIn(path(QStringLiteral("missing"))));
-    QVERIFY(!Platform::mayCreateFileIn(QString())); // as Qt tells it of a folder that is missing
+    QVERIFY(!Platform::mayCreateFileIn(QString())); // the path that Qt gives a missing folder
     QVERIFY(writeFile(fileName_, "x"));
     QVERIFY(
         QFile::setPermissions(fileName_, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));

@@ -46,7 +46,7 @@ bool sampleTogether(CpuCounter &counter, CpuCounter &other, long &value, long &o
     return false;
 }
 
-// Where a long has 32 bits, the system cuts the bytes of today's memories.
+// Where a long has 32 bits, the system truncates the number of bytes of a large memory.
 bool bytesFitIntoLong(const QString &path)
 {
     if (std::numeric_limits<long>::digits > 32)

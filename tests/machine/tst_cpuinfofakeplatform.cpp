@@ -151,7 +151,7 @@ void TestCpuInfoFakePlatform::coresPerProcessorAreRoundedDown()
     QCOMPARE(info.coreCount(), 7);
     QCOMPARE(info.coresPerProcessor(), 3);
     QCOMPARE(saved(), fileOf("2", "3", "off"));
-    QCOMPARE(CpuInfo(log, testFolder()).coreCount(), 6); // the file cannot tell of the seventh
+    QCOMPARE(CpuInfo(log, testFolder()).coreCount(), 6); // the file has no entry for the seventh
 }
 
 void TestCpuInfoFakePlatform::withoutPackagesTheDivisorIsOne()

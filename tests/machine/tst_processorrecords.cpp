@@ -395,7 +395,7 @@ void TestProcessorRecords::extendedRecordsMayEndAnywhere()
 void TestProcessorRecords::theBytesAfterAnExtendedRecordAreNotRead()
 {
     const QByteArray records = package() + core(Smt) + core(NoSmt);
-    // The bytes go on behind what is given.
+    // More bytes follow the ones that are passed.
     const int length = records.size() - core(NoSmt).size();
     QCOMPARE(countExtendedRecords(QByteArray::fromRawData(records.constData(), length)),
              counts(1, 1, Smt));
@@ -430,7 +430,7 @@ void TestProcessorRecords::thePartOfALastFixedRecordCounts()
     const QByteArray last = fixedRecord(Core);
     constexpr int EndOfKind = 12;
     for (int length = 0; length <= last.size(); ++length) {
-        // As long as it tells its kind.
+        // As long as its kind can be read.
         const int cores = length < EndOfKind ? 1 : 2;
         QCOMPARE(countFixedRecords(whole + last.left(length)), countsWithoutSmt(1, cores));
     }

@@ -3,7 +3,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QString>
 
-/// The current folder of the process while the object lives; the one before comes back.
+/// Makes a folder the current one of the process while the object lives.
 class CurrentFolder
 {
 public:

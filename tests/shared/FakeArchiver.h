@@ -11,7 +11,7 @@
 #include <QtCore/QStringList>
 
 /// The test's side of the program in helper/archiver.cpp: the script for the programs that are
-/// started while this is the latest object of its kind, and what such a program tells of its call.
+/// started while this is the latest object of its kind, and how such a program was called.
 class FakeArchiver
 {
 public:
@@ -33,7 +33,7 @@ public:
         return add(QStringLiteral("printError"), QString(), bytes, 0);
     }
 
-    /// Prints the same so often without a pause.
+    /// Prints the same bytes \a times times without a pause.
     FakeArchiver &flood(const QByteArray &bytes, int times)
     {
         return add(QStringLiteral("flood"), QString(), bytes, times);
@@ -45,7 +45,7 @@ public:
         return add(QStringLiteral("writeFile"), name, bytes, 0);
     }
 
-    /// For an extraction: \a name is relative to the folder that it is told.
+    /// For an extraction: \a name is relative to the folder on the command line.
     FakeArchiver &unpackFile(const QString &name, const QByteArray &bytes)
     {
         return add(QStringLiteral("unpackFile"), name, bytes, 0);
@@ -86,7 +86,7 @@ public:
     /// What the program read until its standard input ended.
     QByteArray input() const { return bytesOf(QStringLiteral("input")); }
 
-    /// The list file that the command line named; hasListFile() tells whether it could be read.
+    /// The list file on the command line; hasListFile() is false when it could not be read.
     bool hasListFile() const { return record().value(QStringLiteral("listFile")).isString(); }
     QByteArray listFile() const { return bytesOf(QStringLiteral("listFile")); }
 

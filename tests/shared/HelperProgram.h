@@ -3,8 +3,8 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 
-/// The helper program by its full path, whatever the current folder. It lies on the drive of the
-/// test program; the path that the build knows need not name one.
+/// The full path of the helper program, whatever the current folder. The path that the build knows
+/// may lack the drive, which is that of the test program.
 inline QString helperProgram()
 {
     return QDir(QCoreApplication::applicationDirPath())

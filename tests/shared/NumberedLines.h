@@ -6,7 +6,7 @@
 /// The length of a line in a log without times, with its blank and without its line end.
 constexpr int NumberedLineLength = 100;
 
-/// A text that no other name and no other number has; all are of the same length.
+/// A text that is unique for the name and the number. All texts have the same length.
 inline QString numberedLine(const QString &name, int number)
 {
     const QString text = QStringLiteral("%1 %2 ").arg(

@@ -11,12 +11,12 @@
 
 #include <array>
 
-/// What names the folder for temporary files on the one system or the other.
+/// The environment variables that name the folder for temporary files on the supported systems.
 constexpr std::array<const char *, 3> TempVariables{"TMPDIR", "TMP", "TEMP"};
 
-/// The folder of System::getTempDirPath() in this process, for it alone: nobody else's list files
-/// lie there. Make it before the first use of that function, which works the folder out once; the
-/// environment is the same afterwards, so that the tests' other temporary files lie elsewhere.
+/// Makes System::getTempDirPath() return a folder that no other process uses. Create the object
+/// before the first call of that function, which keeps its result. The environment is the same
+/// afterwards, so that the tests' other temporary files lie elsewhere.
 class OwnTempFolder
 {
 public:
@@ -43,7 +43,7 @@ public:
         }
     }
 
-    /// False when the folder could not be made or was worked out before.
+    /// False when the folder could not be made or the function had been called before.
     bool isUsed() const { return isUsed_; }
 
     QString path() const { return path_; }

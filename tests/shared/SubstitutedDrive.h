@@ -4,8 +4,8 @@
 #include <QtCore/QLibrary>
 #include <QtCore/QString>
 
-/// A drive of Windows that stands for a folder as long as the object lives, as the program "subst"
-/// makes it.
+/// A drive of Windows that stands for a folder while the object lives, as the program "subst" makes
+/// one.
 class SubstitutedDrive
 {
 public:

@@ -5,7 +5,7 @@
 #include <QtCore/QStringList>
 #include <QtCore/QUrl>
 
-/// What came of calls that helper/systemcalls.h describes.
+/// The outcome of calls that helper/systemcalls.h describes.
 struct SystemOutcome
 {
     QStringList results;  ///< one per call that has a result

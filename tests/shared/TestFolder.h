@@ -4,8 +4,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
-/// A folder for the files of a test, which goes with the object. A program that has just ended
-/// may hold it as its current folder for a moment longer: it is waited for.
+/// A folder for the files of a test, deleted with the object. The destructor waits for a program
+/// that has just ended and still has the folder as its current one.
 class TestFolder : public QTemporaryDir
 {
 public:

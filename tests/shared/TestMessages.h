@@ -5,7 +5,8 @@
 #include <QtCore/QtGlobal>
 
 /// Keeps what is written to Qt's debug channel while it lives, instead of showing it. Messages of
-/// other kinds are kept too, with their kind in front, so that no test takes them for the others.
+/// other kinds are kept too, with their kind in front, so that no test mistakes them for debug
+/// messages.
 class TestMessages
 {
 public:

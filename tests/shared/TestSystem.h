@@ -3,7 +3,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QDir>
 
-/// Whether the test runs on Windows, for the few places where the contract differs.
+/// Whether the test runs on Windows, for the few places where the required behaviour differs.
 inline bool onWindows()
 {
     return QDir::separator() == QLatin1Char('\\');

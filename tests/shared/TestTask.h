@@ -7,7 +7,7 @@
 #include <functional>
 #include <utility>
 
-/// A task whose work is a function, with what tasks keep to themselves made public.
+/// A task whose work is a function, with the protected functions of tasks made public.
 class TestTask : public Vorn::Util::AsyncTask
 {
 public:

@@ -8,7 +8,7 @@
 constexpr int ThreadCount = 8;
 
 /// Does \a work on all threads, which begin together, and waits for their ends. The threads are not
-/// Qt's: the thread sanitizer is told to pass over every race below one of Qt's functions.
+/// Qt's: suppressions/tsan.supp hides every race below one of Qt's functions.
 inline void onAllThreads(const std::function<void()> &work)
 {
     std::atomic_int ready{0};

@@ -21,7 +21,7 @@ constexpr int ValueSize = 1024;
 constexpr int FolderSize = 512;
 constexpr int NarrowSize = 512;
 
-// A caller's buffer, filled with something else before and guarded behind its end.
+// A caller's buffer, filled with other bytes before and followed by guard bytes.
 template <typename Character, int Size> class Buffer
 {
 public:

@@ -32,7 +32,7 @@ QString withProductFolder(const QString &root)
     return native(root + QStringLiteral("/Vantorel/VORN 2024"));
 }
 
-// The answer of the platform to be told to the child process as "platform.FUNCTION=ANSWER".
+// The answer of the platform, passed to the child process as "platform.FUNCTION=ANSWER".
 QString answer(const char *function, const QString &text)
 {
     return QStringLiteral("platform.%1=%2").arg(QString::fromLatin1(function), text);
@@ -73,7 +73,7 @@ bool answerPlatform(const QString &function, const QString &text)
     const QString name = text.section(QLatin1Char('='), 0, 0);
     const QString value = text.section(QLatin1Char('='), 1);
     const auto constant = [text] { return text; };
-    // The product's folder is made below these: the system is told its name.
+    // The product's folder lies below these: the platform gets its name.
     const auto constantForMaker = [text](const QString &maker) {
         return maker == QLatin1String("Vantorel") ? text : QStringLiteral("unknown maker");
     };

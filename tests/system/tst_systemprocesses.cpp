@@ -28,7 +28,7 @@ public:
     {
         if (!QFile::exists(program) && !QFile::copy(helperProgram(), program))
             qFatal("The helper program cannot be copied.");
-        // Its first output tells that it has begun: before, it may not be itself yet.
+        // It has started when its first output arrives; before, it may still be a copy of this one.
         process_.start(program, {QStringLiteral("hang"), QStringLiteral("68690d0a"), endFile()});
         if (!process_.waitForReadyRead())
             qFatal("The helper program cannot be started.");
@@ -66,7 +66,7 @@ private:
 };
 
 // The number of handles that this process has open on Windows, as far as they have small values,
-// which the system gives first. Not every system tells the number itself.
+// which the system gives first. Not every system shows the number itself.
 int openHandles()
 {
     const auto getInformation = reinterpret_cast<int (*)(quintptr, quint32 *)>(
@@ -450,7 +450,7 @@ void TestSystemProcesses::theUserNameIsTheOwners()
 {
     const QString name = System::getUserName();
     QVERIFY(!name.isEmpty());
-    // Qt does not tell the owner of a file everywhere.
+    // Qt does not know the owner of a file on every system.
     QCOMPARE(name, onWindows() ? qEnvironmentVariable("USERNAME") : QFileInfo(here_).owner());
 }
 

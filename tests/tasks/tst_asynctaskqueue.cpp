@@ -375,7 +375,7 @@ void TestAsyncTaskQueue::theTimeOfTheRunBeginsWithStartLater()
     }
     const qint64 atLeast = after.elapsed();
     QCOMPARE(exec(), 0);
-    const qint64 atMost = before.elapsed() + 1; // the clocks cut their milliseconds differently
+    const qint64 atMost = before.elapsed() + 1; // the clocks round down at different moments
 
     const QString line = queue.log.lines().last();
     QVERIFY2(finishedLines(atLeast - 1, atMost).contains(line), qPrintable(line));

@@ -334,7 +334,7 @@ void TestTextConversions::unitsBecomeTheWideForm()
 {
     QFETCH(std::u16string, units);
     QFETCH(std::wstring, wide);
-    // Room for the length and the zero, and something behind that must stay.
+    // Space for the length and the zero, then bytes that must not change.
     std::vector<wchar_t> out(wide.size() + 2, UntouchedWide);
     toWCharArray(units.c_str(), out.data());
     QVERIFY(std::equal(wide.begin(), wide.end(), out.begin()));

@@ -55,7 +55,7 @@ quint32 dwordAt(const QByteArray &bytes, int offset)
     return qFromLittleEndian<quint32>(bytes.constData() + offset);
 }
 
-// Where the version stands behind its signature.
+// The offset of the version after its signature.
 int versionOffset(const QByteArray &bytes)
 {
     return bytes.indexOf("\xbd\x04\xef\xfe") + 8;
@@ -99,7 +99,7 @@ struct Layout
         return entry;
     }
 
-    // The table that names the resources, behind the number of its entries.
+    // The table that names the resources, after the number of its entries.
     int directories(const QByteArray &bytes) const
     {
         const bool isPlus = qFromLittleEndian<quint16>(bytes.constData() + header + 24) == 0x20b;
@@ -286,7 +286,7 @@ void TestVersionInProgram::damagedProgramsHaveNone_data()
     row("block at the greatest address", place, 0xffffffffu);
     row("block beyond the end", place, dwordAt(intact, place) + 0x10000u);
     row("other signature", versionOffset(intact) - 8, 0xfeef04beu);
-    // Every directory claims more entries than there is room for; none is the right one.
+    // Every directory claims more entries than fit into it; none is the right one.
     QByteArray crowded = intact;
     put(crowded, layout.resources + 12, 0xffffffffu);
     put(crowded, kind, 17u);

@@ -326,7 +326,7 @@ void TestArchiverFaults::aFloodOfLinesDoesNotFillTheMemory()
     QFETCH(bool, blocking);
     constexpr qint64 Most = 24 * MiB;
     FakeArchiver fake;
-    constexpr int BlocksPerMiB = 64; // small ones, which leave no room in the memory behind
+    constexpr int BlocksPerMiB = 64; // small, so that the freed memory can be used again
     fake.flood(idleLines(MiB / BlocksPerMiB), FloodSize * BlocksPerMiB);
     SevenZip archive;
     const Ends ends(archive);

@@ -1,4 +1,4 @@
-// What long use leaves behind: memory, descriptors, processes and files.
+// What remains after long use: memory, descriptors, processes and files.
 
 #include "FakeArchiver.h"
 #include "ProcessState.h"

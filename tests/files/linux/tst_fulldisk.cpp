@@ -115,7 +115,7 @@ void TestFullDisk::init()
     QFile::remove(fileName_);
 }
 
-// A line that finds no room is lost as a whole, or comes when there is room again.
+// A line that does not fit on the disk is lost as a whole, or is written when there is space again.
 void TestFullDisk::aFullDiskTakesWholeLinesOfALog()
 {
     constexpr int Before = 100;
@@ -215,7 +215,7 @@ void TestFullDisk::aLogThatCannotBeTruncatedIsTruncatedWhenThereIsSpaceAgain()
     QVERIFY2(rest == " again\n" || rest == " lost or late\n again\n", rest.constData());
 }
 
-// On a file system of its own, which has room for the log but not for its tail beside it.
+// On a file system of its own, which has space for the log but not for its tail beside it.
 void TestFullDisk::withoutSpaceBesideTheLogItStaysAsItWas()
 {
     const QString mount = folder_.filePath(QStringLiteral("mount"));
@@ -243,17 +243,17 @@ void TestFullDisk::withoutSpaceBesideTheLogItStaysAsItWas()
 // They wait in memory until the file is flushed, after every write has succeeded.
 void TestFullDisk::aTailThatFillsTheDiskDoesNotReplaceTheLog()
 {
-    constexpr int Room = 16 << 18; // for the blocks that are written at once
+    constexpr int Space = 16 << 18; // for the blocks that are written at once
     constexpr int Rest = 1000;
     const int offset = tooLargeLog().size() - tailOf(tooLargeLog()).size();
-    const QByteArray log = tooLargeLog().leftJustified(offset + Room + Rest, '.', true);
+    const QByteArray log = tooLargeLog().leftJustified(offset + Space + Rest, '.', true);
     QVERIFY(log.size() > Log::MaxLogSize);
     QVERIFY(writeFile(fileName_, log));
     const TestMessages messages;
     const QByteArray before = qgetenv("TMPDIR");
     qputenv("TMPDIR", QFile::encodeName(temp_.path()));
     {
-        const FileSizeLimit limit(Room + Rest / 2);
+        const FileSizeLimit limit(Space + Rest / 2);
         Log(fileName_, Log::NoFileTimeStamp).append(QStringLiteral("lost"));
     }
     const QByteArray content = contentOf(fileName_);
@@ -265,7 +265,7 @@ void TestFullDisk::aTailThatFillsTheDiskDoesNotReplaceTheLog()
         qputenv("TMPDIR", before);
     QVERIFY(content == log);
     QCOMPARE(left, QStringList());
-    QVERIFY(contentOf(fileName_) == log.mid(offset)); // with room
+    QVERIFY(contentOf(fileName_) == log.mid(offset)); // with enough space
 }
 
 void TestFullDisk::withoutAFreeDescriptorTheLogIsStillWritten()
@@ -435,7 +435,7 @@ void TestFullDisk::aListFileThatIsNotWrittenWholeEndsTheCompression()
         QCOMPARE(entriesOf(temp_.path()), QStringList());
     }
     archive.setCurrentPath(QString());
-    QVERIFY(archive.compressFiles(files)); // there is room again
+    QVERIFY(archive.compressFiles(files)); // there is space again
     QCOMPARE(fake.listFile(), list);
 }
 

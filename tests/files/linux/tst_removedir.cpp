@@ -166,7 +166,7 @@ void TestRemoveDir::aTreeWiderThanTheLimitOfDescriptorsIsRemoved()
     QVERIFY(!QFileInfo::exists(path("tree")));
 }
 
-// Nothing tells what it holds, and so nothing in it is removed.
+// Its entries cannot be listed, so none of them is removed.
 void TestRemoveDir::aFolderThatCannotBeOpenedStays()
 {
     QVERIFY(QDir().mkpath(path("tree/empty")));

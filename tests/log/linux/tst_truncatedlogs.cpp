@@ -78,7 +78,7 @@ qint64 countIn(const QByteArray &counts, const QByteArray &name)
     return ok ? count : -1;
 }
 
-// The bytes that this process has read and written until now; -1 when it cannot be told.
+// The bytes that this process has read and written until now; -1 when they are unknown.
 qint64 bytesReadAndWritten()
 {
     prctl(PR_SET_DUMPABLE, 1); // a process that has changed its user may not ask otherwise

@@ -1,5 +1,5 @@
 // Qt is not instrumented: the thread sanitizer does not see what its mutex orders. In a program
-// that has this file the mutex tells it.
+// with this file the mutex reports it.
 
 #include <QtCore/QMutex>
 

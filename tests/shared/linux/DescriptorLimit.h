@@ -5,8 +5,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-/// While it lives, this process can open no more files than it has open. Files of the test
-/// framework count too: no messages in between.
+/// While it lives, this process can open no further files. The files of the test framework count
+/// too: print nothing meanwhile.
 class DescriptorLimit
 {
 public:

@@ -8,7 +8,7 @@
 #include <thread>
 #include <unistd.h>
 
-/// A named pipe without a word in it. Who opens it is not kept waiting, and is noticed.
+/// An empty named pipe. Opening it for reading does not block, and is recorded.
 class Fifo
 {
 public:
@@ -16,7 +16,7 @@ public:
         : fileName_(QFile::encodeName(fileName))
         , isMade_(mkfifo(fileName_.constData(), S_IRUSR | S_IWUSR) == 0)
     {
-        // Opening waits for a reader, and closing is the end of what that one reads.
+        // Opening waits for a reader; closing ends what the reader reads.
         if (isMade_)
             writer_ = std::thread([this] {
                 const int writer = open(fileName_.constData(), O_WRONLY | O_CLOEXEC);
@@ -29,7 +29,7 @@ public:
 
     bool isMade() const { return isMade_; }
 
-    /// Whether somebody has read it until now; nobody can from here on.
+    /// Whether somebody has opened it for reading until now. Nobody can do so afterwards.
     bool wasRead()
     {
         if (writer_.joinable()) {

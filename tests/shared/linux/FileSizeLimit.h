@@ -6,7 +6,7 @@
 #include <sys/resource.h>
 
 /// While it lives, no file of this process or of one that it starts grows beyond \a size, as on a
-/// full disk. Messages of the test framework belong to files too: none in between.
+/// full disk. The output of the test framework counts too: print nothing meanwhile.
 class FileSizeLimit
 {
 public:

@@ -38,8 +38,7 @@ inline QByteArray inChildProcess(const std::function<QByteArray()> &work)
     return WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS ? printed : printed + "died";
 }
 
-/// As inChildProcess(), as a user that permissions count for, even when they do not count for this
-/// one.
+/// As inChildProcess(), but never as root, for whom permissions do not count.
 inline QByteArray asOrdinaryUser(const std::function<QByteArray()> &work)
 {
     return inChildProcess([&work] {

@@ -9,7 +9,7 @@
 
 #include <unistd.h>
 
-/// The descriptors that this process has open, and one more for the question.
+/// The descriptors that this process has open, and the one that is needed to count them.
 inline int openDescriptors()
 {
     return entriesOf(QStringLiteral("/proc/self/fd")).size();
@@ -37,7 +37,7 @@ inline qint64 residentMemory()
     return pages.value(1).toLongLong() * sysconf(_SC_PAGESIZE);
 }
 
-/// From here on peakMemory() is what was held at most.
+/// Starts the measurement of peakMemory() anew.
 inline bool restartPeakMemory()
 {
     QFile file(QStringLiteral("/proc/self/clear_refs"));

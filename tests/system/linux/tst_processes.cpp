@@ -177,7 +177,7 @@ private Q_SLOTS:
 void TestProcesses::aKilledProcessDoesNotRunBeforeItIsWaitedFor()
 {
     const TestFolder folder;
-    // Short enough to be told as a whole by "comm".
+    // Short enough to stand in "comm" as a whole.
     const QString name = uniqueName();
     const QString program = folder.filePath(name);
     QVERIFY(QFile::copy(helperProgram(), program));

@@ -368,7 +368,7 @@ void TestAsyncTask::theExampleIsTheOneTestedHere()
     };
     const QString tested = exampleIn(QStringLiteral("RunProgram.h"));
     QVERIFY(tested.contains(QLatin1String("Qt::QueuedConnection")));
-    QCOMPARE(exampleIn(QStringLiteral("../Utility/AsyncTask.h")), tested);
+    QCOMPARE(exampleIn(QStringLiteral("../../Utility/AsyncTask.h")), tested);
 }
 
 void TestAsyncTask::theExampleEndsSafelyHoweverTheProgramEnds_data()

@@ -33,8 +33,8 @@ std::optional<ArchiverVersion> versionInLines(const QByteArray &output)
 // Runs the program until it has printed its version, then kills it.
 std::optional<ArchiverVersion> printedVersion(const QString &program)
 {
-    constexpr int MostOutput = 4096;
-    constexpr int TimeToDie = 1000;
+    constexpr int MaxOutput = 4096;
+    constexpr int KillTimeLimit = 1000;
     const QDeadlineTimer deadline(TimeForVersion);
     const std::unique_ptr<QProcess> process = Platform::makeArchiverProcess();
     process->setStandardInputFile(QProcess::nullDevice());
@@ -42,13 +42,13 @@ std::optional<ArchiverVersion> printedVersion(const QString &program)
     process->start(program, QStringList(), QIODevice::ReadOnly);
     QByteArray output;
     std::optional<ArchiverVersion> version;
-    while (!version && output.size() < MostOutput
+    while (!version && output.size() < MaxOutput
            && process->waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
         output += process->readAllStandardOutput();
         version = versionInLines(output);
     }
     process->kill();
-    process->waitForFinished(TimeToDie);
+    process->waitForFinished(KillTimeLimit);
     return version;
 }
 
@@ -63,27 +63,27 @@ struct FileState
     }
 };
 
-struct KnownProgram
+struct CachedProgram
 {
     FileState file;
     std::optional<ArchiverVersion> version; // nothing if the program prints no version
 };
 
-std::optional<ArchiverVersion> rememberedVersion(const QString &program)
+std::optional<ArchiverVersion> cachedVersion(const QString &program)
 {
     static QMutex mutex;
-    static QHash<QString, KnownProgram> known;
+    static QHash<QString, CachedProgram> cache;
     const QFileInfo info(program);
     const FileState file{info.size(), info.lastModified()};
     {
         const QMutexLocker locker(&mutex);
-        const auto found = known.constFind(program);
-        if (found != known.constEnd() && found->file == file)
+        const auto found = cache.constFind(program);
+        if (found != cache.constEnd() && found->file == file)
             return found->version;
     }
     const std::optional<ArchiverVersion> version = printedVersion(program);
     const QMutexLocker locker(&mutex);
-    known.insert(program, {file, version});
+    cache.insert(program, {file, version});
     return version;
 }
 
@@ -100,7 +100,7 @@ ArchiverProgram findArchiverProgram(const QString &productFolder)
     }
     if (path.endsWith(QLatin1String("/7z.exe")))
         return {path, ArchiverDialect::UpTo933, '\\'};
-    const std::optional<ArchiverVersion> version = rememberedVersion(path);
+    const std::optional<ArchiverVersion> version = cachedVersion(path);
     return {path, version ? Formats::dialectOf(*version) : ArchiverDialect::From2107, '/'};
 }
 

@@ -87,11 +87,11 @@ bool ClusterInfo::isHeadNodeAComputeNode() const
 
 void ClusterInfo::init()
 {
-    constexpr int MostLines = 30;
+    constexpr int MaxLines = 30;
     headNodes_.clear();
     computeNodes_.clear();
     const QString command = Platform::clusterToolCommand(dir_, QStringLiteral("-q -cluster"));
-    const QStringList lines = Command(log_).runL(command, MostLines, true);
+    const QStringList lines = Command(log_).runL(command, MaxLines, true);
     const QList<Formats::NodeLine> nodes = Formats::parseNodeLines(lines);
     for (const Formats::NodeLine &line : nodes) {
         const NodeInfo node = nodeOf(line);

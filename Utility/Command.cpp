@@ -47,16 +47,16 @@ void finishScript(QProcess &process)
     QFile::remove(scriptName());
 }
 
-// Collects the first bytes that a process prints, at most \a most. Discards the rest when it is
+// Collects the first bytes that a process prints, at most \a maxSize. Discards the rest when it is
 // read, to save memory.
-class KeptOutput
+class LimitedOutput
 {
 public:
-    KeptOutput(QProcess &process, qint64 most)
+    LimitedOutput(QProcess &process, qint64 maxSize)
     {
-        QObject::connect(&process, &QProcess::readyReadStandardOutput, [this, &process, most] {
+        QObject::connect(&process, &QProcess::readyReadStandardOutput, [this, &process, maxSize] {
             const QByteArray block = process.readAll();
-            const qint64 remaining = most - static_cast<qint64>(bytes_.size());
+            const qint64 remaining = maxSize - static_cast<qint64>(bytes_.size());
             bytes_.append(block.constData(),
                           static_cast<std::size_t>(std::min<qint64>(block.size(), remaining)));
         });
@@ -65,7 +65,7 @@ public:
     const std::string &bytes() const { return bytes_; }
 
 private:
-    Q_DISABLE_COPY(KeptOutput)
+    Q_DISABLE_COPY(LimitedOutput)
 
     std::string bytes_;
 };
@@ -92,7 +92,7 @@ QStringList runAndRead(const QString &command, int maxLines, Log *log)
 {
     const bool isWritten = writeScript(command);
     QProcess process;
-    const KeptOutput output(process, Formats::neededOutput(maxLines));
+    const LimitedOutput output(process, Formats::neededOutput(maxLines));
     const Platform::ShellCall call = Platform::callOfScript(scriptName());
     if (log)
         logCall(*log, call);

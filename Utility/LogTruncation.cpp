@@ -15,10 +15,10 @@ namespace {
 // cannot be truncated, this is called for every line, so it must be fast and copy nothing.
 bool canBeTruncated(const QFileInfo &log, const QString &temporaryFolder)
 {
-    const qint64 leastKept = log.size() - Formats::LogHeadSize;
+    const qint64 minTailSize = log.size() - Formats::LogHeadSize;
     return Platform::mayCreateFileIn(temporaryFolder) && Platform::mayReplaceFile(log.filePath())
-        && Platform::availableSpace(temporaryFolder) >= leastKept
-        && Platform::availableSpace(log.path()) >= leastKept;
+        && Platform::availableSpace(temporaryFolder) >= minTailSize
+        && Platform::availableSpace(log.path()) >= minTailSize;
 }
 
 qint64 startOfRest(QFile &log)

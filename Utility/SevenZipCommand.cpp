@@ -17,7 +17,7 @@ namespace Vorn::Util {
 
 namespace {
 
-constexpr int MostFilesOnCommandLine = 32;
+constexpr int MaxFilesOnCommandLine = 32;
 constexpr int WarningCode = 1;
 constexpr int FatalErrorCode = 2;
 
@@ -178,7 +178,7 @@ SevenZipCompressCommand::SevenZipCompressCommand(const QStringList &files, Seven
     : SevenZipCommand(Compress, owner)
 {
     owner->setFiles(files);
-    if (files.size() > MostFilesOnCommandLine)
+    if (files.size() > MaxFilesOnCommandLine)
         writeListFile();
 }
 

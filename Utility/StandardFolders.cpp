@@ -47,7 +47,7 @@ QString programData(const QString &name)
     return withoutLastSeparator(parts.join(QDir::separator()));
 }
 
-QString documentsOfPublic()
+QString publicDocuments()
 {
     const QString folder = Platform::environmentVariable("PUBLIC");
     return folder.isEmpty() ? QString() : folder + QStringLiteral("/Documents");
@@ -69,7 +69,7 @@ QString analyses()
     return readSetting(L"AnalyzeDirectory");
 }
 
-QString ofMainProgram()
+QString mainProgram()
 {
     const QString folder = QCoreApplication::applicationDirPath();
     if (folder.isEmpty())
@@ -80,7 +80,7 @@ QString ofMainProgram()
     return programs.isEmpty() ? QString() : QDir::toNativeSeparators(absolute.path());
 }
 
-QString ofRunningProgram()
+QString runningProgram()
 {
     const QString program = Platform::programFile();
     return program.isEmpty() ? QString()

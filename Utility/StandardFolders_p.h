@@ -18,7 +18,7 @@ QString programData(const QString &name);
 
 /// The folder "Documents" in the folder in the environment variable "PUBLIC"; empty if the variable
 /// is not set.
-QString documentsOfPublic();
+QString publicDocuments();
 
 /// The product's folder in \a folder, with native separators.
 QString productFolderIn(const QString &folder);
@@ -31,11 +31,11 @@ QString analyses();
 
 /// The folder of this application, with native separators; empty if it does not contain the
 /// product's main program.
-QString ofMainProgram();
+QString mainProgram();
 
 /// The folder of the running program, with native separators; empty if the system does not report
 /// it.
-QString ofRunningProgram();
+QString runningProgram();
 
 /// The setting "InstallationDirectory" of the product. If it is not set and \a orVariable is true,
 /// the environment variable "TAVELINE2024DIR". With native separators, without one at the end.

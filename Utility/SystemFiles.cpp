@@ -50,16 +50,16 @@ qint64 sizeBelow(const QString &folder)
 
 // The folder \a path with a path that can be removed. "/" and "/." at the end are dropped, because
 // "link/" and "link/." refer to the target of the link. "." and ".." are replaced by the real path.
-QFileInfo folderNamed(const QString &path)
+QFileInfo folderAt(const QString &path)
 {
     QString name = QDir::fromNativeSeparators(path);
     while (!QFileInfo(name).isRoot()
            && (name.endsWith(QLatin1Char('/')) || name.endsWith(QLatin1String("/."))))
         name.chop(1);
     const QFileInfo folder(name);
-    const bool isNameless
+    const bool isDotName
         = folder.fileName() == QLatin1String(".") || folder.fileName() == QLatin1String("..");
-    return isNameless && folder.exists() ? QFileInfo(folder.canonicalFilePath()) : folder;
+    return isDotName && folder.exists() ? QFileInfo(folder.canonicalFilePath()) : folder;
 }
 
 // The folder or, if it is a link, its target. A Windows shortcut is a file, not a link.
@@ -80,29 +80,29 @@ struct TreeWalk
 // could not be finished.
 bool walkTree(Platform::FolderTree &tree, const TreeWalk &walk)
 {
-    std::vector<QStringList> ahead; // per level of the current path: the folders still to enter
+    std::vector<QStringList> remaining; // per level of the current path: the folders still to enter
     const auto visitCurrent = [&] {
         QStringList folders;
-        const bool isAtTop = ahead.empty();
+        const bool isAtTop = remaining.empty();
         tree.visitEntries([&](const Platform::FolderEntry &entry) {
             if (walk.visit(entry, isAtTop))
                 folders.append(entry.name);
         });
-        ahead.push_back(std::move(folders));
+        remaining.push_back(std::move(folders));
     };
     visitCurrent();
     for (;;) {
-        if (ahead.back().isEmpty()) {
-            ahead.pop_back();
-            if (ahead.empty())
+        if (remaining.back().isEmpty()) {
+            remaining.pop_back();
+            if (remaining.empty())
                 return true;
             if (!tree.leave())
                 return false;
-        } else if (tree.enter(ahead.back().constLast())) {
+        } else if (tree.enter(remaining.back().constLast())) {
             visitCurrent();
             continue;
         }
-        walk.leave(ahead.back().takeLast());
+        walk.leave(remaining.back().takeLast());
     }
 }
 
@@ -143,7 +143,7 @@ bool System::removeDir(const QString &path, bool keepFolder, const QStringList &
     if (path.isEmpty())
         return false;
     const bool keep = keepFolder || !exceptions.isEmpty();
-    const QFileInfo folder = folderNamed(path);
+    const QFileInfo folder = folderAt(path);
     if (keep)
         return emptyFolder(realPath(folder), exceptions);
     if (isLink(folder))

@@ -25,7 +25,7 @@ QString System::tutorialsPath_;
 
 namespace {
 
-void createOnce(const QString &path)
+void createIfMissing(const QString &path)
 {
     if (!QDir(path).exists() && !QDir().mkpath(path))
         qDebug() << "Serious: Unable to create the folder: " << path;
@@ -52,12 +52,12 @@ QString System::getProgramDataPath(QString name)
 QString System::getPublicDocumentsDirPath()
 {
     if (publicDocumentsPath_.isEmpty()) {
-        QString documents = StandardFolders::documentsOfPublic();
+        QString documents = StandardFolders::publicDocuments();
         // Kept for compatibility: see "Doubled public documents" in docs/compatibility.md.
         if (documents.isEmpty())
             documents = getProgramDataPath(Product::folder());
         const QString path = StandardFolders::productFolderIn(documents);
-        createOnce(path);
+        createIfMissing(path);
         publicDocumentsPath_ = path;
     }
     return publicDocumentsPath_;
@@ -109,7 +109,7 @@ QString System::getTutorialsDirPath()
     if (tutorialsPath_.isEmpty()) {
         tutorialsPath_
             = QDir::toNativeSeparators(getPublicDocumentsDirPath() + QStringLiteral("/Tutorials"));
-        createOnce(tutorialsPath_);
+        createIfMissing(tutorialsPath_);
     }
     return tutorialsPath_;
 }
@@ -134,9 +134,9 @@ QString System::getFlagsDirPath()
 QString System::getCurrentExePath()
 {
     if (programFilesPath_.isEmpty())
-        programFilesPath_ = StandardFolders::ofMainProgram();
+        programFilesPath_ = StandardFolders::mainProgram();
     if (programFilesPath_.isEmpty())
-        programFilesPath_ = StandardFolders::ofRunningProgram();
+        programFilesPath_ = StandardFolders::runningProgram();
     if (programFilesPath_.isEmpty()) {
         programFilesPath_
             = StandardFolders::withoutLastSeparator(getProgramFilesPathFromRegistry(true));

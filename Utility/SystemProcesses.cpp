@@ -27,7 +27,7 @@ bool System::isProcessRunning(const QString &exeName)
 QStringList System::killProcesses(const QString &pathFilter, const QStringList &names)
 {
     QStringList killed;
-    const auto isFiltered = [&pathFilter](const QString &path) {
+    const auto matchesFilter = [&pathFilter](const QString &path) {
         return pathFilter.isEmpty() || path.contains(pathFilter, Qt::CaseInsensitive);
     };
     Platform::visitProcesses([&](Platform::RunningProcess &process) {
@@ -37,7 +37,7 @@ QStringList System::killProcesses(const QString &pathFilter, const QStringList &
             return true;
         const QString path = process.path();
         // Kept for compatibility: see "Filter without a path" in docs/compatibility.md.
-        if (isFiltered(path.isEmpty() ? name : path) && process.terminate(ExitCode))
+        if (matchesFilter(path.isEmpty() ? name : path) && process.terminate(ExitCode))
             killed.append(name);
         return true;
     });

@@ -135,9 +135,9 @@ bool UnicodeFile::rename(const QString &from, const QString &to)
 {
     // A relative link at the ASCII path may be broken, because its target is relative to the old
     // folder. It is moved back all the same.
-    const bool isThere
+    const bool sourceExists
         = QFile::exists(from) || (from == asciiFilePath() && QFileInfo(from).isSymLink());
-    if (!isUnicode() || !isThere || Platform::isSameFile(from, to))
+    if (!isUnicode() || !sourceExists || Platform::isSameFile(from, to))
         return true;
     // If the ASCII name is empty, the ASCII path is that of a folder, which must not be moved.
     const bool isPath = !asciiPath_.isEmpty() && !asciiName_.isEmpty();

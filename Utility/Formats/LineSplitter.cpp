@@ -10,11 +10,12 @@ QList<QByteArray> LineSplitter::add(const QByteArray &block)
     for (int from = 0; from < block.size();) {
         const int end = block.indexOf('\n', from);
         const int length = (end < 0 ? block.size() : end) - from;
-        begun_.append(block.constData() + from, std::min(length, MaxLineLength - begun_.size()));
+        partialLine_.append(block.constData() + from,
+                            std::min(length, MaxLineLength - partialLine_.size()));
         if (end < 0)
             break;
-        lines << begun_ + '\n';
-        begun_.clear();
+        lines << partialLine_ + '\n';
+        partialLine_.clear();
         from = end + 1;
     }
     return lines;

@@ -17,7 +17,7 @@ public:
     QList<QByteArray> add(const QByteArray &block);
 
 private:
-    QByteArray begun_; // the beginning of a line whose end has not been added yet
+    QByteArray partialLine_; // the beginning of a line whose end has not been added yet
 };
 
 } // namespace Vorn::Util::Formats

@@ -86,7 +86,7 @@ QString idOf(const QString &fileName)
 // Reads a list such as "0-3,8": 0, 1, 2, 3, 8.
 QVector<int> numbersOf(const QString &list)
 {
-    constexpr int MostProcessors = 65536;
+    constexpr int MaxProcessors = 65536;
     QVector<int> numbers;
     const QStringList ranges = list.split(QLatin1Char(','), Qt::SkipEmptyParts);
     for (const QString &range : ranges) {
@@ -96,7 +96,7 @@ QVector<int> numbersOf(const QString &list)
         const int last = range.section(QLatin1Char('-'), -1).toInt(&lastOk);
         if (!firstOk || !lastOk)
             continue;
-        for (qint64 number = first; number <= last && numbers.size() < MostProcessors; ++number)
+        for (qint64 number = first; number <= last && numbers.size() < MaxProcessors; ++number)
             numbers.append(static_cast<int>(number));
     }
     return numbers;

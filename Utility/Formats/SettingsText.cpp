@@ -78,10 +78,10 @@ void findEnd(const QByteArray &content, Entry &entry)
 }
 
 // Decodes a name: "%20" and "%U65E5" are characters by their number, "\" is "/".
-QString plainName(const QByteArray &bytes)
+QString decodedName(const QByteArray &bytes)
 {
     const QString name = QString::fromUtf8(bytes);
-    QString plain;
+    QString decoded;
     for (int i = 0; i < name.size(); ++i) {
         const bool isWide = name.midRef(i, 2) == QLatin1String("%U");
         const int digitsBegin = i + (isWide ? 2 : 1);
@@ -89,13 +89,13 @@ QString plainName(const QByteArray &bytes)
         bool isNumber = false;
         const ushort unit = digits.toUShort(&isNumber, 16);
         if (name.at(i) == QLatin1Char('%') && isNumber && digits.size() == (isWide ? 4 : 2)) {
-            plain += QChar(unit);
+            decoded += QChar(unit);
             i = digitsBegin + digits.size() - 1;
         } else {
-            plain += name.at(i) == QLatin1Char('\\') ? QLatin1Char('/') : name.at(i);
+            decoded += name.at(i) == QLatin1Char('\\') ? QLatin1Char('/') : name.at(i);
         }
     }
-    return plain;
+    return decoded;
 }
 
 QString groupName(const QByteArray &entry)
@@ -104,7 +104,7 @@ QString groupName(const QByteArray &entry)
     if (name.compare("general", Qt::CaseInsensitive) == 0)
         return QString(); // "General" contains the values without a group
     return name.compare("%general", Qt::CaseInsensitive) == 0 ? QString::fromLatin1(name.mid(1))
-                                                              : plainName(name);
+                                                              : decodedName(name);
 }
 
 std::vector<Entry> entriesOf(const QByteArray &content)
@@ -121,7 +121,7 @@ std::vector<Entry> entriesOf(const QByteArray &content)
         } else if (entry.valueBegin >= 0) {
             const QByteArray name = content.mid(position, entry.valueBegin - 1 - position);
             entry.key = group.isEmpty() ? QString() : group + QLatin1Char('/');
-            entry.key += plainName(name.trimmed());
+            entry.key += decodedName(name.trimmed());
         }
         entry.group = group;
         entries.push_back(entry);
@@ -172,7 +172,7 @@ int appendEscaped(const QString &raw, int position, QString &text)
 }
 
 // Decodes a value: removes quotation marks and the blanks around it, and decodes escapes.
-QString plainValue(const QString &raw)
+QString decodedValue(const QString &raw)
 {
     QString text;
     bool isQuoted = false;
@@ -272,7 +272,7 @@ QMap<QString, QString> settingsTexts(const QByteArray &content)
         if (entry.key.isNull())
             continue;
         const QByteArray value = content.mid(entry.valueBegin, entry.end - entry.valueBegin);
-        texts.insert(entry.key, textOfStored(plainValue(QString::fromUtf8(value))));
+        texts.insert(entry.key, textOfStored(decodedValue(QString::fromUtf8(value))));
     }
     return texts;
 }

@@ -20,7 +20,7 @@ public:
     {
     }
 
-    bool holds(quint64 offset, quint64 length) const
+    bool contains(quint64 offset, quint64 length) const
     {
         const auto size = static_cast<quint64>(device_.size());
         return offset <= size && length <= size - offset;
@@ -34,7 +34,8 @@ private:
     template <typename Number> Number number(quint64 offset) const
     {
         char bytes[sizeof(Number)] = {};
-        const bool isRead = holds(offset, sizeof bytes) && device_.seek(static_cast<qint64>(offset))
+        const bool isRead = contains(offset, sizeof bytes)
+            && device_.seek(static_cast<qint64>(offset))
             && device_.read(bytes, sizeof bytes) == sizeof bytes;
         return isRead ? qFromLittleEndian<Number>(bytes) : Number(0);
     }
@@ -89,7 +90,7 @@ quint32 entryOf(const Bytes &file, quint64 resources, quint32 directory, quint32
 {
     const quint64 start = resources + directory;
     const quint32 count = quint32(file.word(start + 12)) + file.word(start + 14);
-    for (quint64 index = 0; index < count && file.holds(start + 16 + index * 8, 8); ++index) {
+    for (quint64 index = 0; index < count && file.contains(start + 16 + index * 8, 8); ++index) {
         const quint64 entry = start + 16 + index * 8;
         if (id == 0 || file.dword(entry) == id)
             return file.dword(entry + 4);
@@ -106,15 +107,15 @@ quint64 findVersionBlock(const Bytes &file)
     constexpr quint32 AnyLanguage = 0;
     Sections sections;
     const quint64 resources = findResources(file, sections);
-    quint32 place = resources == 0 ? 0 : entryOf(file, resources, 0, VersionKind);
+    quint32 offset = resources == 0 ? 0 : entryOf(file, resources, 0, VersionKind);
     for (const quint32 id : {VersionName, AnyLanguage}) {
-        if (!(place & DirectoryFlag))
+        if (!(offset & DirectoryFlag))
             return 0;
-        place = entryOf(file, resources, place & ~DirectoryFlag, id);
+        offset = entryOf(file, resources, offset & ~DirectoryFlag, id);
     }
-    if (place == 0 || (place & DirectoryFlag))
+    if (offset == 0 || (offset & DirectoryFlag))
         return 0;
-    return offsetOf(file, sections, file.dword(resources + place));
+    return offsetOf(file, sections, file.dword(resources + offset));
 }
 
 } // namespace
@@ -125,7 +126,7 @@ ProgramVersion versionInProgram(QIODevice &program)
     constexpr quint64 FixedAt = 40; // after the lengths, the name and the padding of the block
     const Bytes file(program);
     const quint64 block = findVersionBlock(file);
-    if (block == 0 || !file.holds(block + FixedAt, 16)
+    if (block == 0 || !file.contains(block + FixedAt, 16)
         || file.dword(block + FixedAt) != FixedSignature)
         return ProgramVersion();
     return {file.dword(block + FixedAt + 8), file.dword(block + FixedAt + 12)};

@@ -31,9 +31,9 @@ bool copyAccessList(int from, int to)
     constexpr const char *Name = "system.posix_acl_access";
     std::array<char, 4096> list{};
     const ssize_t size = fgetxattr(from, Name, list.data(), list.size());
-    const auto hasNone = [] { return errno == ENODATA || errno == EOPNOTSUPP; };
+    const auto hasNoList = [] { return errno == ENODATA || errno == EOPNOTSUPP; };
     if (size < 0) // no list: remove one that the new file may have inherited from its folder
-        return hasNone() && (fremovexattr(to, Name) == 0 || hasNone());
+        return hasNoList() && (fremovexattr(to, Name) == 0 || hasNoList());
     return fsetxattr(to, Name, list.data(), static_cast<std::size_t>(size), 0) == 0;
 }
 
@@ -49,7 +49,7 @@ public:
     int descriptor() const { return descriptor_; }
 
     bool copyFrom(int source, off_t offset);
-    bool takePlaceOf(const QString &name, int former);
+    bool replace(const QString &name, int former);
 
 private:
     Q_DISABLE_COPY(NewFile)
@@ -96,7 +96,7 @@ bool NewFile::copyFrom(int source, off_t offset)
 
 // Replaces the file \a name, which is open as \a former. False if this fails, for example because
 // it is on another file system.
-bool NewFile::takePlaceOf(const QString &name, int former)
+bool NewFile::replace(const QString &name, int former)
 {
     // A file without a name gets its permissions before its name, because nobody else can open it.
     // A file with a name gets them only after it has left the folder for temporary files.
@@ -153,7 +153,7 @@ bool mayWriteTo(const QByteArray &folder)
 // Whether this process counts as the owner of \a file. Only the owner may open a file with
 // O_NOATIME, with the same exceptions (capabilities) as for replacing a file in a folder with the
 // sticky bit.
-bool isOwnersFile(const QByteArray &file)
+bool countsAsOwnerOf(const QByteArray &file)
 {
     const int descriptor = open(file.constData(), O_RDONLY | O_NOATIME | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0)
@@ -180,7 +180,7 @@ bool mayReplaceFile(const QString &name)
     if (isMountPoint || ((status.stx_attributes | folderStatus.stx_attributes) & Protected) != 0)
         return false;
     const bool isSticky = (folderStatus.stx_mode & S_ISVTX) != 0;
-    return !isSticky || folderStatus.stx_uid == geteuid() || isOwnersFile(file);
+    return !isSticky || folderStatus.stx_uid == geteuid() || countsAsOwnerOf(file);
 }
 
 bool mayCreateFileIn(const QString &folder)
@@ -208,10 +208,10 @@ bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOf
     NewFile rest(QFile::encodeName(temporaryFolder));
     if (!rest.isOpen() || !rest.copyFrom(descriptor, startOfRest(file)))
         return false;
-    if (rest.takePlaceOf(file.fileName(), descriptor))
+    if (rest.replace(file.fileName(), descriptor))
         return true;
     NewFile copy(folderOf(file.fileName()));
-    return copy.copyFrom(rest.descriptor(), 0) && copy.takePlaceOf(file.fileName(), descriptor);
+    return copy.copyFrom(rest.descriptor(), 0) && copy.replace(file.fileName(), descriptor);
 }
 
 } // namespace Vorn::Util::Platform

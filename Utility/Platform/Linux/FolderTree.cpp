@@ -117,8 +117,8 @@ public:
         if (!directory)
             return false;
         levels_.push_back(Level{std::move(directory)});
-        if (levels_.size() > MostOpen)
-            levels_[levels_.size() - 1 - MostOpen].close();
+        if (levels_.size() > MaxOpen)
+            levels_[levels_.size() - 1 - MaxOpen].close();
         return true;
     }
 
@@ -137,7 +137,7 @@ public:
     bool removeFolder(const QString &name) override { return remove(name, AT_REMOVEDIR); }
 
 private:
-    static constexpr std::size_t MostOpen = 32;
+    static constexpr std::size_t MaxOpen = 32;
 
     int descriptor() const { return levels_.back().descriptor(); }
 

@@ -61,11 +61,11 @@ QByteArray contentOf(const QString &id, const char *name)
 // or has ended.
 QString shortNameOf(const QString &id)
 {
-    constexpr int LongestName = 15; // bytes
+    constexpr int MaxNameLength = 15; // bytes
     QByteArray name = contentOf(id, "comm");
     name.chop(1); // the line end
-    const bool isTold = name.size() < LongestName && !contentOf(id, "cmdline").isEmpty();
-    return isTold ? QFile::decodeName(name) : QString();
+    const bool isUsable = name.size() < MaxNameLength && !contentOf(id, "cmdline").isEmpty();
+    return isUsable ? QFile::decodeName(name) : QString();
 }
 
 QStringList processIds()
@@ -104,10 +104,10 @@ public:
             return isUnknown && ::kill(id, SIGKILL) == 0;
         }
         const auto descriptor = static_cast<int>(process);
-        const bool isEnded = programOf(QString::number(id_)) == program_
+        const bool isTerminated = programOf(QString::number(id_)) == program_
             && ::syscall(SYS_pidfd_send_signal, descriptor, SIGKILL, nullptr, 0) == 0;
         ::close(descriptor);
-        return isEnded;
+        return isTerminated;
     }
 
 private:

@@ -64,8 +64,8 @@ QString fileOf(const Location &location)
     for (const QString &folder :
          QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation).mid(1))
         files.append(folder + below);
-    const auto isThere = [](const QString &name) { return QFileInfo::exists(name); };
-    const auto found = std::find_if(files.cbegin(), files.cend(), isThere);
+    const auto exists = [](const QString &name) { return QFileInfo::exists(name); };
+    const auto found = std::find_if(files.cbegin(), files.cend(), exists);
     return files.contains(named) && found != files.cend() ? *found : named;
 }
 

@@ -36,10 +36,10 @@ bool isRealFolder(HANDLE handle)
 
 // An open folder. As long as the object exists, nobody can rename or remove the folder, because it
 // is opened without FILE_SHARE_DELETE.
-class HeldFolder
+class OpenFolder
 {
 public:
-    explicit HeldFolder(const QString &path)
+    explicit OpenFolder(const QString &path)
         : path_(path)
     {
         constexpr DWORD Access = FILE_LIST_DIRECTORY;
@@ -55,7 +55,7 @@ public:
             handle_.reset();
     }
 
-    bool isHeld() const { return handle_ != nullptr; }
+    bool isOpen() const { return handle_ != nullptr; }
     QString path() const { return path_; }
     QString pathOf(const QString &name) const
     {
@@ -78,7 +78,7 @@ FolderEntry::Kind kindOf(const QFileInfo &info)
 class WindowsFolderTree : public FolderTree
 {
 public:
-    explicit WindowsFolderTree(HeldFolder top) { levels_.push_back(std::move(top)); }
+    explicit WindowsFolderTree(OpenFolder top) { levels_.push_back(std::move(top)); }
 
     void visitEntries(const std::function<void(const FolderEntry &)> &visit) override
     {
@@ -93,8 +93,8 @@ public:
 
     bool enter(const QString &name) override
     {
-        HeldFolder folder(levels_.back().pathOf(name));
-        if (!folder.isHeld())
+        OpenFolder folder(levels_.back().pathOf(name));
+        if (!folder.isOpen())
             return false;
         levels_.push_back(std::move(folder));
         return true;
@@ -119,15 +119,15 @@ public:
     }
 
 private:
-    std::vector<HeldFolder> levels_; // the top first, the current folder last
+    std::vector<OpenFolder> levels_; // the top first, the current folder last
 };
 
 } // namespace
 
 std::unique_ptr<FolderTree> openFolderTree(const QString &path)
 {
-    HeldFolder top(path);
-    return top.isHeld() ? std::make_unique<WindowsFolderTree>(std::move(top)) : nullptr;
+    OpenFolder top(path);
+    return top.isOpen() ? std::make_unique<WindowsFolderTree>(std::move(top)) : nullptr;
 }
 
 } // namespace Vorn::Util::Platform

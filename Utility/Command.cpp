@@ -35,10 +35,10 @@ bool writeScript(const QString &command)
     return isWritten && script.error() == QFileDevice::NoError;
 }
 
-void startScript(QProcess &process, const Platform::ShellCall &call)
+void startScript(QProcess &process, const Platform::ShellCommand &shellCommand)
 {
     process.setStandardErrorFile(QProcess::nullDevice());
-    process.start(call.program, call.arguments, QIODevice::ReadWrite);
+    process.start(shellCommand.program, shellCommand.arguments, QIODevice::ReadWrite);
 }
 
 void finishScript(QProcess &process)
@@ -80,10 +80,10 @@ void waitForEnd(QProcess &process)
 }
 
 // Kept for compatibility: see "Logged command" in docs/compatibility.md.
-void logCall(Log &log, const Platform::ShellCall &call)
+void logCommand(Log &log, const Platform::ShellCommand &shellCommand)
 {
-    QString line = QStringLiteral("Command:") + call.displayName + QLatin1Char(' ');
-    for (const QString &argument : call.arguments)
+    QString line = QStringLiteral("Command:") + shellCommand.displayName + QLatin1Char(' ');
+    for (const QString &argument : shellCommand.arguments)
         line += argument + QLatin1Char(' ');
     log.append(line);
 }
@@ -93,11 +93,11 @@ QStringList runAndRead(const QString &command, int maxLines, Log *log)
     const bool isWritten = writeScript(command);
     QProcess process;
     const LimitedOutput output(process, Formats::neededOutput(maxLines));
-    const Platform::ShellCall call = Platform::callOfScript(scriptName());
+    const Platform::ShellCommand shellCommand = Platform::scriptCommand(scriptName());
     if (log)
-        logCall(*log, call);
+        logCommand(*log, shellCommand);
     if (isWritten) {
-        startScript(process, call);
+        startScript(process, shellCommand);
         waitForEnd(process);
     }
     // No output is one empty line if the process has ended, and no line if it still runs.
@@ -135,7 +135,7 @@ int Command::runQ(const QString &command)
     QProcess process;
     if (isWritten) {
         process.setStandardOutputFile(QProcess::nullDevice());
-        startScript(process, Platform::callOfScript(scriptName()));
+        startScript(process, Platform::scriptCommand(scriptName()));
         process.waitForFinished(TimeLimit);
     }
     // If the process was not started, the value of exitCode() differs between systems.
@@ -150,14 +150,14 @@ int Command::runNoWait(const QString &command, bool logIt, const QString &workin
     // Never deleted: the destructor would kill the process.
     // Kept for compatibility: see "Command that nobody waits for" in docs/compatibility.md.
     auto *process = new QProcess;
-    const Platform::ShellCall call = Platform::callOfText(command);
+    const Platform::ShellCommand shellCommand = Platform::textCommand(command);
     if (logIt && log)
-        logCall(*log, call);
+        logCommand(*log, shellCommand);
     if (!workingDirectory.isEmpty())
         process->setWorkingDirectory(workingDirectory);
     process->setStandardOutputFile(QProcess::nullDevice());
     process->setStandardErrorFile(QProcess::nullDevice());
-    process->start(call.program, call.arguments, QIODevice::ReadWrite);
+    process->start(shellCommand.program, shellCommand.arguments, QIODevice::ReadWrite);
     return 0;
 }
 

@@ -5,18 +5,18 @@
 
 namespace Vorn::Util::Platform {
 
-/// A call of the command interpreter.
-struct ShellCall
+/// A command that starts the command interpreter.
+struct ShellCommand
 {
     QString program;     ///< the full path of the interpreter
     QString displayName; ///< its name in the log
     QStringList arguments;
 };
 
-/// The call that runs the script \a fileName in the current folder.
-ShellCall callOfScript(const QString &fileName);
+/// The command that runs the script \a fileName in the current folder.
+ShellCommand scriptCommand(const QString &fileName);
 
-/// The call that runs the command line \a text.
-ShellCall callOfText(const QString &text);
+/// The command that runs the command line \a text.
+ShellCommand textCommand(const QString &text);
 
 } // namespace Vorn::Util::Platform

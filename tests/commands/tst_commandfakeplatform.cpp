@@ -41,12 +41,12 @@ void TestCommandFakePlatform::initTestCase()
     QVERIFY(QDir::setCurrent(folder_.path()));
     const auto call = [this](const QString &argument) {
         asked_ += argument;
-        return Platform::ShellCall{folder_.filePath(QStringLiteral("missing/interpreter")),
-                                   QStringLiteral("interpreter"),
-                                   {QStringLiteral("/C"), QStringLiteral("<%1>").arg(argument)}};
+        return Platform::ShellCommand{folder_.filePath(QStringLiteral("missing/interpreter")),
+                                      QStringLiteral("interpreter"),
+                                      {QStringLiteral("/C"), QStringLiteral("<%1>").arg(argument)}};
     };
-    fakePlatform().callOfScript = call;
-    fakePlatform().callOfText = call;
+    fakePlatform().scriptCommand = call;
+    fakePlatform().textCommand = call;
 }
 
 // No command leaves its script on the disk.

@@ -59,8 +59,8 @@ FakePlatform::FakePlatform()
     , settingsSubkeys(always(QStringList()))
     , shareFolder(always(false))
     , isFolderShared(always(false))
-    , callOfScript(always(Vorn::Util::Platform::ShellCall()))
-    , callOfText(always(Vorn::Util::Platform::ShellCall()))
+    , scriptCommand(always(Vorn::Util::Platform::ShellCommand()))
+    , textCommand(always(Vorn::Util::Platform::ShellCommand()))
 {
 }
 
@@ -236,14 +236,14 @@ bool isFolderShared(const QString &path)
     return fakePlatform().isFolderShared(path);
 }
 
-ShellCall callOfScript(const QString &fileName)
+ShellCommand scriptCommand(const QString &fileName)
 {
-    return fakePlatform().callOfScript(fileName);
+    return fakePlatform().scriptCommand(fileName);
 }
 
-ShellCall callOfText(const QString &text)
+ShellCommand textCommand(const QString &text)
 {
-    return fakePlatform().callOfText(text);
+    return fakePlatform().textCommand(text);
 }
 
 } // namespace Vorn::Util::Platform

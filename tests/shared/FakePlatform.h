@@ -62,8 +62,8 @@ struct FakePlatform
     Function<QStringList, const QString &> settingsSubkeys;
     Function<bool, const QString &, const QString &> shareFolder;
     Function<bool, const QString &> isFolderShared;
-    Function<Vorn::Util::Platform::ShellCall, const QString &> callOfScript;
-    Function<Vorn::Util::Platform::ShellCall, const QString &> callOfText;
+    Function<Vorn::Util::Platform::ShellCommand, const QString &> scriptCommand;
+    Function<Vorn::Util::Platform::ShellCommand, const QString &> textCommand;
 };
 
 /// The one that the library under test sees.

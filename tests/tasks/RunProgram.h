@@ -29,7 +29,7 @@ private:
     void end()
     {
         if (process_.state() != QProcess::NotRunning)
-            return; // an error before the end
+            return; // the program still runs; finished() will follow
         if (process_.error() != QProcess::UnknownError)
             setError(process_.errorString());
         else if (process_.exitCode() != 0)

@@ -4,7 +4,7 @@ namespace Vorn::Util::Platform {
 
 namespace {
 
-ShellCall shell(const QStringList &arguments)
+ShellCommand shell(const QStringList &arguments)
 {
     const QString program = QStringLiteral("/bin/sh");
     return {program, program, arguments};
@@ -12,12 +12,12 @@ ShellCall shell(const QStringList &arguments)
 
 } // namespace
 
-ShellCall callOfScript(const QString &fileName)
+ShellCommand scriptCommand(const QString &fileName)
 {
     return shell({fileName});
 }
 
-ShellCall callOfText(const QString &text)
+ShellCommand textCommand(const QString &text)
 {
     return shell({QStringLiteral("-c"), text});
 }

@@ -19,19 +19,19 @@ QString interpreter()
     return QDir(textOf(folder)).filePath(name);
 }
 
-ShellCall shell(const QString &argument)
+ShellCommand shell(const QString &argument)
 {
     return {interpreter(), QStringLiteral("cmd.exe"), {QStringLiteral("/C"), argument}};
 }
 
 } // namespace
 
-ShellCall callOfScript(const QString &fileName)
+ShellCommand scriptCommand(const QString &fileName)
 {
     return shell(fileName);
 }
 
-ShellCall callOfText(const QString &text)
+ShellCommand textCommand(const QString &text)
 {
     return shell(text);
 }

@@ -21,7 +21,7 @@ bool canBeTruncated(const QFileInfo &log, const QString &temporaryFolder)
         && Platform::availableSpace(log.path()) >= minTailSize;
 }
 
-qint64 startOfRest(QFile &log)
+qint64 tailOffset(QFile &log)
 {
     return Formats::truncationOffset(log.read(Formats::LogHeadSize));
 }
@@ -38,7 +38,7 @@ void truncateLogFile(const QString &name)
         return;
     QFile log(info.filePath());
     if (log.open(QIODevice::ReadOnly))
-        Platform::replaceByRest(log, temporaryFolder, startOfRest);
+        Platform::replaceByTail(log, temporaryFolder, tailOffset);
 }
 
 } // namespace Vorn::Util

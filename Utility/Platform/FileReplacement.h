@@ -19,13 +19,13 @@ bool mayCreateFileIn(const QString &folder);
 /// files can be created. The maximum of qint64 if the system does not report the number.
 qint64 availableSpace(const QString &folder);
 
-/// Replaces \a file by its tail, which begins at the offset that \a startOfRest returns. At any
+/// Replaces \a file by its tail, which begins at the offset that \a tailOffset returns. At any
 /// time the name of the file refers to the complete old or the complete new content. \a file is
 /// open for reading and not a link. It may be closed afterwards. Returns false if the file was not
 /// replaced and is unchanged.
 ///
 /// The tail is copied to a new file in \a temporaryFolder, which must exist. If that is on another
-/// file system, the tail is copied a second time, to the folder of \a file. \a startOfRest is
+/// file system, the tail is copied a second time, to the folder of \a file. \a tailOffset is
 /// called only after a new file was created.
 ///
 /// Linux: other users cannot read a copy before it is in the folder of \a file. It gets the owner,
@@ -37,6 +37,6 @@ qint64 availableSpace(const QString &folder);
 ///
 /// Windows: the permissions are those of a new file in \a temporaryFolder or, if it is on another
 /// volume, in the folder of \a file. A killed process leaves its copies.
-bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &));
+bool replaceByTail(QFile &file, const QString &temporaryFolder, qint64 (*tailOffset)(QFile &));
 
 } // namespace Vorn::Util::Platform

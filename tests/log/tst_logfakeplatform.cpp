@@ -56,7 +56,7 @@ void TestLogFakePlatform::init()
     fakePlatform().mayReplaceFile = [](const QString &) { return true; };
     fakePlatform().mayCreateFileIn = [](const QString &) { return true; };
     fakePlatform().availableSpace = [](const QString &) { return Enough; };
-    fakePlatform().replaceByRest = [this](QFile &, const QString &, qint64 (*)(QFile &)) {
+    fakePlatform().replaceByTail = [this](QFile &, const QString &, qint64 (*)(QFile &)) {
         ++attempts_;
         return false;
     };
@@ -67,10 +67,10 @@ void TestLogFakePlatform::theRestFollowsTheTruncationOffset()
     QString name;
     qint64 position = 0;
     QString temporaryFolder;
-    fakePlatform().replaceByRest
-        = [&](QFile &file, const QString &folder, qint64 (*startOfRest)(QFile &)) {
+    fakePlatform().replaceByTail
+        = [&](QFile &file, const QString &folder, qint64 (*tailOffset)(QFile &)) {
               name = file.fileName();
-              position = startOfRest(file);
+              position = tailOffset(file);
               temporaryFolder = folder;
               return true;
           };
@@ -150,7 +150,7 @@ void TestLogFakePlatform::theLogCanBeWrittenDuringItsTruncation()
     QVERIFY(log.open(true));
     QVERIFY(writeFile(fileName_, tooLargeLog()));
     QString name;
-    fakePlatform().replaceByRest = [&](QFile &, const QString &, qint64 (*)(QFile &)) {
+    fakePlatform().replaceByTail = [&](QFile &, const QString &, qint64 (*)(QFile &)) {
         ++attempts_;
         name = log.name();
         log.fastAppend(QStringLiteral("inside"));

@@ -443,17 +443,17 @@ void TestLogTruncation::withoutANewFileTheLogIsNotRead()
     QVERIFY(log.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
     static bool isRead = false;
     isRead = false;
-    const auto startOfRest = [](QFile &) {
+    const auto tailOffset = [](QFile &) {
         isRead = true;
         return Q_INT64_C(2);
     };
-    QVERIFY(!Platform::replaceByRest(log, path(QStringLiteral("missing")), startOfRest));
+    QVERIFY(!Platform::replaceByTail(log, path(QStringLiteral("missing")), tailOffset));
     QVERIFY(!isRead);
     log.close();
     QCOMPARE(contentOf(fileName_), QByteArray("a log"));
 
     QVERIFY(log.open(QIODevice::ReadOnly));
-    QVERIFY(Platform::replaceByRest(log, testFolder(), startOfRest));
+    QVERIFY(Platform::replaceByTail(log, testFolder(), tailOffset));
     QVERIFY(isRead);
     QCOMPARE(contentOf(fileName_), QByteArray("log"));
 }

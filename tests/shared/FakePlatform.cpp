@@ -29,7 +29,7 @@ FakePlatform::FakePlatform()
     , mayReplaceFile(always(false))
     , availableSpace(always(Q_INT64_C(0)))
     , mayCreateFileIn(always(false))
-    , replaceByRest(always(false))
+    , replaceByTail(always(false))
     , moveFile([](const QString &source, const QString &target) {
         const bool isMoved
             = (!QFile::exists(target) || QFile::remove(target)) && QFile::rename(source, target);
@@ -116,9 +116,9 @@ bool mayCreateFileIn(const QString &folder)
     return fakePlatform().mayCreateFileIn(folder);
 }
 
-bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
+bool replaceByTail(QFile &file, const QString &temporaryFolder, qint64 (*tailOffset)(QFile &))
 {
-    return fakePlatform().replaceByRest(file, temporaryFolder, startOfRest);
+    return fakePlatform().replaceByTail(file, temporaryFolder, tailOffset);
 }
 
 MoveOutcome moveFile(const QString &source, const QString &target)

@@ -36,7 +36,7 @@ struct FakePlatform
     Function<bool, const QString &> mayReplaceFile;
     Function<qint64, const QString &> availableSpace;
     Function<bool, const QString &> mayCreateFileIn;
-    Function<bool, QFile &, const QString &, qint64 (*)(QFile &)> replaceByRest;
+    Function<bool, QFile &, const QString &, qint64 (*)(QFile &)> replaceByTail;
     Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
     Function<bool, const QString &, const QString &> isSameFile;
     Function<bool, const QString &> removeFile;

@@ -202,16 +202,16 @@ qint64 availableSpace(const QString &folder)
     return static_cast<qint64>(blocks * status.f_frsize);
 }
 
-bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
+bool replaceByTail(QFile &file, const QString &temporaryFolder, qint64 (*tailOffset)(QFile &))
 {
     const int descriptor = file.handle();
-    NewFile rest(QFile::encodeName(temporaryFolder));
-    if (!rest.isOpen() || !rest.copyFrom(descriptor, startOfRest(file)))
+    NewFile tail(QFile::encodeName(temporaryFolder));
+    if (!tail.isOpen() || !tail.copyFrom(descriptor, tailOffset(file)))
         return false;
-    if (rest.replace(file.fileName(), descriptor))
+    if (tail.replace(file.fileName(), descriptor))
         return true;
     NewFile copy(folderOf(file.fileName()));
-    return copy.copyFrom(rest.descriptor(), 0) && copy.replace(file.fileName(), descriptor);
+    return copy.copyFrom(tail.descriptor(), 0) && copy.replace(file.fileName(), descriptor);
 }
 
 } // namespace Vorn::Util::Platform

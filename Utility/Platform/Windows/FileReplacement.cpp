@@ -43,14 +43,14 @@ bool copyBytes(QIODevice &from, QIODevice &to, qint64 count)
 
 // Copies the tail of \a file to a new file, which the caller must remove. Returns its path; empty
 // after a failure.
-QString copyRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
+QString copyTail(QFile &file, const QString &temporaryFolder, qint64 (*tailOffset)(QFile &))
 {
-    QTemporaryFile rest(temporaryFolder + QStringLiteral("/truncated-log-XXXXXX"));
-    if (!rest.open() || !file.seek(startOfRest(file))
-        || !copyBytes(file, rest, file.size() - file.pos()) || !rest.flush())
+    QTemporaryFile tail(temporaryFolder + QStringLiteral("/truncated-log-XXXXXX"));
+    if (!tail.open() || !file.seek(tailOffset(file))
+        || !copyBytes(file, tail, file.size() - file.pos()) || !tail.flush())
         return QString();
-    rest.setAutoRemove(false);
-    return rest.fileName();
+    tail.setAutoRemove(false);
+    return tail.fileName();
 }
 
 // Copies \a source, which is on another volume, to the folder of \a target and replaces \a target
@@ -88,16 +88,16 @@ qint64 availableSpace(const QString &folder)
     return static_cast<qint64>(bytes.QuadPart);
 }
 
-bool replaceByRest(QFile &file, const QString &temporaryFolder, qint64 (*startOfRest)(QFile &))
+bool replaceByTail(QFile &file, const QString &temporaryFolder, qint64 (*tailOffset)(QFile &))
 {
-    const QString rest = copyRest(file, temporaryFolder, startOfRest);
-    if (rest.isEmpty())
+    const QString tail = copyTail(file, temporaryFolder, tailOffset);
+    if (tail.isEmpty())
         return false;
     file.close(); // an open file cannot be replaced
-    if (moveFile(rest, file.fileName()) == MoveOutcome::Moved)
+    if (moveFile(tail, file.fileName()) == MoveOutcome::Moved)
         return true;
-    const bool isReplaced = replaceByCopy(rest, file.fileName());
-    QFile::remove(rest);
+    const bool isReplaced = replaceByCopy(tail, file.fileName());
+    QFile::remove(tail);
     return isReplaced;
 }
 

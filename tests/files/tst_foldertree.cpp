@@ -1,4 +1,4 @@
-// The walk through a folder tree that the system offers.
+// The platform's walk through a folder tree.
 
 #include "TestFiles.h"
 #include "TestSystem.h"
@@ -81,7 +81,7 @@ void TestFolderTree::theEntriesHaveTheirKinds()
 
 void TestFolderTree::aVisitMayRemoveTheEntry()
 {
-    constexpr int Count = 3000; // more than one read of the system gives
+    constexpr int Count = 3000; // more entries than one system call returns
     QVERIFY(makeFolder("tree"));
     for (int number = 0; number < Count; ++number)
         QVERIFY(writeFile(path("tree/") + QString::number(number), QByteArray()));
@@ -129,7 +129,7 @@ void TestFolderTree::everyFolderOfADeepTreeIsFoundAgain()
             QVERIFY(tree->enter(QString::number(level)));
         for (int level = Depth; level > 1; --level)
             QVERIFY(tree->leave());
-        // Also by one who turns round on the way.
+        // Also after going back up halfway.
         for (int level = 2; level <= Depth / 2; ++level)
             QVERIFY(tree->enter(QString::number(level)));
         for (int level = Depth / 2; level > 1; --level)
@@ -190,7 +190,7 @@ void TestFolderTree::onlyWhatIsAskedForIsRemoved()
              (QStringList{QStringLiteral("File file"), QStringLiteral("Folder sub")}));
 }
 
-// Where the system lets it be moved at all.
+// Only where the system allows the folder to be moved.
 void TestFolderTree::aFolderThatIsMovedStaysTheCurrentOne()
 {
     QVERIFY(makeFolder("tree/sub"));
@@ -209,7 +209,7 @@ void TestFolderTree::aFolderThatIsMovedStaysTheCurrentOne()
     QVERIFY(!QFileInfo::exists(path("moved/file")));
 }
 
-// The folder that it is moved to is not the one that it was entered from.
+// The parent folder is no longer the one from which it was entered.
 void TestFolderTree::aFolderThatIsMovedOutOfADeepTreeIsNotLeft()
 {
     if (onWindows())

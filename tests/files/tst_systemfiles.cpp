@@ -14,7 +14,7 @@ using namespace Vorn::Util;
 
 namespace {
 
-// Where Windows's programs run on another system, some calls are missing.
+// False under Wine, which lacks some calls.
 bool hasAllOfWindows()
 {
     return !QLibrary::resolve(QStringLiteral("ntdll"), "wine_get_version");
@@ -45,7 +45,7 @@ private Q_SLOTS:
     void aFolderIsNotSharedByItself();
 };
 
-// Only a child process can be given data of its own, and not everywhere.
+// Only a child process can have another folder for the data of the user, and not on every system.
 void TestSystemFiles::theFlagsFolderLiesInTheUsersData()
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -59,7 +59,7 @@ void TestSystemFiles::theFlagsFolderLiesInTheUsersData()
              outcome.results.at(0) + QDir::separator() + QStringLiteral("Flags"));
     QVERIFY(flags.exists());
     if (onWindows()) {
-        // The user's own: only what holds nothing is taken away again.
+        // This is the user's real folder: only what was empty is removed again.
         QDir().rmpath(flags.path());
     } else {
         QVERIFY(exists("Vantorel/VORN 2024/Flags"));

@@ -43,7 +43,7 @@ private Q_SLOTS:
 
 void TestSystemFileVersion::versionOfTheLibrary()
 {
-    // Only Windows's programs have one.
+    // Only programs for Windows have a version block.
     const QString number = QString::number(Version::Hotfix);
     const QString expected = onWindows() ? Version::Current.toString() + QLatin1Char('.') + number
                                          : QStringLiteral("0.0.0.0");

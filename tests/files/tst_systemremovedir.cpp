@@ -251,7 +251,7 @@ void TestSystemRemoveDir::emptyingADriveIsNotEmptyingItsCurrentFolder()
     for (const char *name : {"/file", "/sub/file", "/current/file"})
         QVERIFY(writeFile(drive + QLatin1String(name), "content"));
     QVERIFY(QDir::setCurrent(drive + QStringLiteral("/current")));
-    // No process can take its own current folder away.
+    // A process cannot remove its own current folder on Windows.
     const bool isDone = System::removeDir(drive + root, true, {QStringLiteral("current")});
     QVERIFY(QDir::setCurrent(here_));
     QVERIFY(isDone);
@@ -260,7 +260,7 @@ void TestSystemRemoveDir::emptyingADriveIsNotEmptyingItsCurrentFolder()
              (QStringList{QStringLiteral("file"), QStringLiteral("sub")}));
 }
 
-// An empty path is the current folder to others.
+// Other functions take an empty path for the current folder.
 void TestSystemRemoveDir::removingAnEmptyPathIsFalse()
 {
     QVERIFY(makeFile("file"));
@@ -275,7 +275,7 @@ void TestSystemRemoveDir::removingAMissingFolderIsFalse()
 {
     QVERIFY(!System::removeDir(path("missing"), false, QStringList()));
     QVERIFY(!System::removeDir(path("missing/missing"), false, QStringList()));
-    // Without a removal there is none that fails.
+    // Nothing is removed, so nothing fails.
     QVERIFY(System::removeDir(path("missing"), true, QStringList()));
     QVERIFY(System::removeDir(path("missing"), false, {QStringLiteral("keep.txt")}));
     QCOMPARE(entriesOf(here_), QStringList());
@@ -326,7 +326,7 @@ void TestSystemRemoveDir::aKeptFolderWithAnEntryThatStaysIsFalse()
                               {QStringLiteral("keep.txt"), QStringLiteral("sub")}));
 }
 
-// What a user may do with them differs, also between a usual one and the administrator.
+// What a user may do with them differs from system to system, and for the administrator.
 void TestSystemRemoveDir::readOnlyEntriesAreRemovedWhereTheSystemAllowsIt()
 {
     constexpr auto ReadOnly = QFileDevice::ReadOwner | QFileDevice::ExeOwner;
@@ -353,7 +353,7 @@ void TestSystemRemoveDir::readOnlyEntriesAreRemovedWhereTheSystemAllowsIt()
         QFile::setPermissions(path(name), Writable);
 }
 
-// It counts as an entry of the system's, and such ones are not touched.
+// It counts as a special file, and removeDir() leaves special files.
 void TestSystemRemoveDir::aDanglingLinkStays()
 {
     QVERIFY(makeFolder("tree"));
@@ -408,7 +408,7 @@ void TestSystemRemoveDir::aLinkIsRemovedButNotItsFolder()
     QCOMPARE(contentOf(path("other/sub/file")), QByteArray("content"));
 }
 
-// It is a file, and so is nothing that could be emptied.
+// It is a file: there is nothing to empty.
 void TestSystemRemoveDir::aKeptShortcutIsLeftAlone()
 {
     if (!onWindows())
@@ -432,7 +432,7 @@ void TestSystemRemoveDir::aLinkToTheFolderItselfIsNotFollowed()
     QCOMPARE(entriesOf(here_), QStringList{QStringLiteral("beside")});
 }
 
-// The path goes by way of the link: what is removed is what the system finds there.
+// The path leads through the link: removeDir() removes what the system finds there.
 void TestSystemRemoveDir::aFolderBelowALinkIsTheSystemsOne()
 {
     if (onWindows())

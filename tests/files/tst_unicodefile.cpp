@@ -320,7 +320,7 @@ void TestUnicodeFile::anAssignmentCopiesTheNames()
         file = source;
         QCOMPARE(file.unicodeFilePath(), other);
         QCOMPARE(file.asciiFilePath(), source.asciiFilePath());
-        // The target's own file is moved by no one from now on.
+        // From now on nothing moves the file of the target.
         QCOMPARE(contentOf(lost), QByteArray("first"));
         QVERIFY(!QFile::exists(own));
     }

@@ -57,7 +57,7 @@ void TestUnicodeFileErrors::aFolderThatCannotBeMadeCurrentIsAnError()
 
 void TestUnicodeFileErrors::aFileThatCannotBeRemovedIsAnError()
 {
-    // A folder is none that QFile removes.
+    // QFile does not remove a folder.
     const QString obstacle = temp_.filePath(QStringLiteral("beam.dat"));
     QVERIFY(QDir().mkpath(obstacle + QStringLiteral("/content")));
     const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
@@ -193,7 +193,7 @@ void TestUnicodeFileErrors::aUnicodeTemporaryFolderIsReplaced()
     const QString temp = path(QStringLiteral("Tempor\u00e4r"));
     QVERIFY(QDir().mkpath(temp));
     const QJsonObject report = runHelper(own, temp);
-    // That folder need not exist: then nothing moves.
+    // When that folder does not exist, the file is not moved.
     QCOMPARE(report.value(QStringLiteral("asciiPath")).toString(),
              System::getProgramDataPath(QStringLiteral("VORN 2024")));
     QCOMPARE(report.value(QStringLiteral("isOk")).toBool(),
@@ -262,7 +262,7 @@ void TestUnicodeFileErrors::aFolderInThePlaceOfTheFileIsNeverMoved_data()
 
 void TestUnicodeFileErrors::aFolderInThePlaceOfTheFileIsNeverMoved()
 {
-    // Without a name the plain path is the temporary folder itself.
+    // Without a file name, the plain path is the temporary folder.
     QFETCH(bool, exists);
     const QString beside = create(unicodeFolder() + QStringLiteral("/beam.dat"));
     const QString temp = path(QStringLiteral("temp"));

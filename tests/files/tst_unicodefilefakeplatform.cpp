@@ -1,4 +1,4 @@
-// What a transliterated file does with names and folders that a real system cannot be made to give.
+// UnicodeFile with names and folders that a real system does not give on demand.
 
 #include "FakePlatform.h"
 #include "TestFiles.h"

@@ -209,14 +209,14 @@ void TestUnicodeFileRename::aSecondNameOfTheFileIsNoObstacle()
     QCOMPARE(contentOf(own), Content);
     {
         const UnicodeFile file(own);
-        QVERIFY(QFile::remove(plain)); // in the way of many programs that save a file
+        QVERIFY(QFile::remove(plain)); // as many programs save a file
         QVERIFY(writeFile(plain, "result"));
     }
     QCOMPARE(contentOf(own), QByteArray("result"));
     QVERIFY(!QFile::exists(plain));
 }
 
-// At the plain path it leads nowhere.
+// At the plain path the relative link leads nowhere.
 void TestUnicodeFileRename::aRelativeLinkComesBack()
 {
     if (onWindows())
@@ -278,7 +278,8 @@ void TestUnicodeFileRename::movingAPlainFileIsASuccess()
     QCOMPARE(contentOf(own), Content);
 }
 
-// An obstacle kept the file from its plain path; it has gone, and a program has written there.
+// The file could not be moved to its plain path. Then the obstacle was removed, and a program wrote
+// to the plain path.
 void TestUnicodeFileRename::aResultIsMovedAfterAFailedConstruction()
 {
     const QString plain = temp_.filePath(QStringLiteral("beam.dat"));

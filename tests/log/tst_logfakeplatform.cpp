@@ -1,4 +1,4 @@
-// Truncation on a system that refuses it, or that is asked for it while the log is written.
+// Truncation on a fake platform that refuses it, or during which the log is written.
 
 #include "FakePlatform.h"
 #include "TestFiles.h"
@@ -48,7 +48,7 @@ private:
     int attempts_ = 0;
 };
 
-// A system that can do everything but the replacement itself.
+// A platform on which only the replacement fails.
 void TestLogFakePlatform::init()
 {
     QVERIFY(writeFile(fileName_, tooLargeLog()));

@@ -95,7 +95,7 @@ void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheTruncatedOne()
     QFETCH(bool, elsewhere);
     QFETCH(quint32, seed);
     constexpr int LongestLife = 12000; // microseconds, about two truncations
-    constexpr int MostCopies = 5;      // one stays of a program that is killed in a certain moment
+    constexpr int MostCopies = 5;      // a program that is killed at a certain moment leaves one
     const int rounds = (onWindows() ? 20 : 100) / LOAD_FACTOR;
     const TestFolder folder;
     const QString otherFileSystem
@@ -126,7 +126,7 @@ void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheTruncatedOne()
                       {QStringLiteral("log-truncate-endlessly"), fileName,
                        QString::number(before.size() / lineLength())});
         if (random.bounded(4) == 0)
-            QVERIFY(program.waitForStarted()); // killed on its way to the first truncation
+            QVERIFY(program.waitForStarted()); // killed before the first truncation
         else
             QVERIFY(program.waitForReadyRead());
         QThread::usleep(static_cast<unsigned long>(delay));

@@ -1,4 +1,4 @@
-// Many threads and several programs that write one log.
+// Many threads and several programs write to one log.
 
 #include "HelperProgram.h"
 #include "NumberedLines.h"
@@ -31,7 +31,7 @@ QString nameOf(int writer)
     return QStringLiteral("writer%1").arg(writer);
 }
 
-// What stands in a log: per writer, the number of its first line and how many follow without a
+// The content of a log: per writer, the number of its first line and how many follow without a
 // gap and in their order.
 struct Share
 {

@@ -70,7 +70,7 @@ private:
     QtMessageHandler former_;
 };
 
-// What checks the size, on an open and on a closed log.
+// The calls that check the size, on an open and on a closed log.
 void addSizeChecks()
 {
     QTest::addColumn<std::function<void(Log &)>>("check");
@@ -221,7 +221,7 @@ void TestLogSize::openChecksTheSizeOfAnOpenLog()
     QCOMPARE(written(), content.mid(1048600));
 }
 
-// The size that counts is the open file's, not that of what bears its name meanwhile.
+// The size of the open file counts, not that of another file that has its name by now.
 void TestLogSize::anOpenLogThatWasRenamedIsContinuedUnderItsName()
 {
     if (onWindows())

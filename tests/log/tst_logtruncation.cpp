@@ -72,7 +72,7 @@ QByteArray randomLog(QRandomGenerator &random, const Lines &form, int size)
     return log;
 }
 
-// Cheaper than random bytes where their content is of no interest.
+// Faster than random bytes, for tests in which the content does not matter.
 QByteArray logOfLines(int lineSize, int size)
 {
     QByteArray log;
@@ -435,7 +435,7 @@ void TestLogTruncation::whetherAFileMayBeMadeIsKnownBefore()
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
 }
 
-// For whatever reason, also one that cannot be foreseen.
+// For any reason.
 void TestLogTruncation::withoutANewFileTheLogIsNotRead()
 {
     QVERIFY(writeFile(fileName_, "a log"));
@@ -476,7 +476,7 @@ void TestLogTruncation::theSpaceOfAMissingFolderIsNotKnown()
              std::numeric_limits<qint64>::max());
 }
 
-// Neither by the tail nor by a copy of it.
+// The log is replaced neither by the tail nor by a copy of it.
 void TestLogTruncation::aLogThatCannotBeReplacedStaysAsItWas()
 {
     const QByteArray log = logOfLines(100, Limit + 1);

@@ -267,7 +267,7 @@ void TestClusterInfo::theSumOfManyCoresIsFormed()
     QCOMPARE(cluster.computeCoreCount(), 2000000000);
 }
 
-// One more than the largest number, which is the smallest.
+// The largest int plus one wraps to the smallest.
 void TestClusterInfo::theSumOfTooManyCoresIsSafe()
 {
     const ClusterInfo cluster

@@ -1,4 +1,4 @@
-// What a counter does with the source that the system gives it.
+// A counter with a fake source.
 
 #include "FakePlatform.h"
 

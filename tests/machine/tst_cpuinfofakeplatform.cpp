@@ -1,4 +1,4 @@
-// What the processor information does with answers that a real system cannot be made to give.
+// CpuInfo with answers that a real system does not give on demand.
 
 #include "FakePlatform.h"
 #include "TemporaryLog.h"
@@ -34,7 +34,7 @@ Formats::ProcessorQuery answer(int packages, int cores, std::optional<bool> smt)
 
 Formats::ProcessorQuery failure(const QStringList &messages)
 {
-    // Counts of a failed query mean nothing.
+    // The counts of a failed query are ignored.
     Formats::ProcessorQuery query = answer(5, 50, true);
     query.ok = false;
     query.messages = messages;

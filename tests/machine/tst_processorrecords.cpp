@@ -158,7 +158,7 @@ public:
             lengths.append(buffer ? static_cast<qint64>(*length) : -1);
             if (!buffer) {
                 *length = announced;
-                return {false, TooSmall}; // which says nothing about the other call
+                return {false, TooSmall}; // which does not matter for the other call
             }
             const int size = qMin(records_.size(), static_cast<int>(*length));
             std::memcpy(buffer, records_.constData(), static_cast<std::size_t>(size));
@@ -292,7 +292,7 @@ private Q_SLOTS:
 
 void TestProcessorRecords::theRecordsHaveTheSizesOfTheSystem()
 {
-    // Otherwise the test would show nothing.
+    // Otherwise the test could not fail.
     QCOMPARE(core(NoSmt).size(), 48);
     QCOMPARE(package({{0, 1}, {1, 1}}).size(), 64);
     QCOMPARE(numaNode().size(), 48);

@@ -161,7 +161,7 @@ void TestProcText::theLoadIsThatSinceTheSampleBefore_data()
     QTest::newRow("rising") << Samples{sample(0, 100), sample(50, 150), sample(140, 160),
                                        sample(140, 260)}
                             << Loads{50, 90, 0};
-    // Not since the machine was switched on.
+    // Not since the start of the machine.
     QTest::newRow("the first interval begins with the object")
         << Samples{sample(900, 100), sample(900, 200)} << Loads{0};
     QTest::newRow("no tick has passed since the first sample")

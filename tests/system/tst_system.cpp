@@ -38,7 +38,7 @@ QString helperFolder()
 
 } // namespace
 
-// What the class keeps is worked out in a fresh process for each state.
+// System keeps its results for the process, so each state is tested in a process of its own.
 class TestSystem : public TestInFolder
 {
     Q_OBJECT
@@ -157,7 +157,7 @@ void TestSystem::programDataPath()
     const QString path = run({QStringLiteral("getProgramDataPath=Any Name")}).results.value(0);
     QString root = qEnvironmentVariable("ProgramData");
     if (!onWindows()) {
-        // The machine's folder where this process may write it, else the user's.
+        // The folder of the machine where this process may write to it, otherwise that of the user.
         const QFileInfo makers(QStringLiteral("/var/lib/Vantorel"));
         const QFileInfo written(makers.exists() ? makers.filePath() : makers.path());
         root = written.isWritable() ? makers.path() : this->path(QStringLiteral("data home"));
@@ -368,7 +368,7 @@ void TestSystem::temporaryFileNameHasTheSuffix()
     QVERIFY2(name.size() > suffix.size(), qPrintable(name));
     QVERIFY2(!name.startsWith(QLatin1Char('/')) && !name.startsWith(QLatin1Char('\\')),
              qPrintable(name));
-    // One point, whether the system's own name ends with one or not.
+    // Exactly one dot, whether the name from the system ends with one or not.
     QVERIFY2(!name.chopped(suffix.size()).endsWith(QLatin1Char('.')), qPrintable(name));
 }
 

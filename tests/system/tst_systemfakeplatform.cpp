@@ -1,6 +1,6 @@
-// Paths, processes, flags and shares on systems that a test cannot have. What the class keeps for
-// the whole process is set up first; what fails first is shown in a process of its own, for which
-// this program runs itself again.
+// Paths, processes, flags and shares on a fake platform. What System keeps for the whole process is
+// set up first. Failures of the first call are tested in a child process, for which this program
+// runs itself again.
 
 #include "../helper/systemcalls.h"
 #include "FakePlatform.h"

@@ -1,5 +1,5 @@
-// What a real system cannot be made to do. Each test function runs this program again as the
-// process whose platform it sets up.
+// Folders on a fake platform. Each test function runs this program again as a child process, whose
+// platform it sets up.
 
 #include "../helper/systemcalls.h"
 #include "FakePlatform.h"

@@ -236,7 +236,7 @@ void TestSystemProcesses::theNamesEndTheirProcessesInAnyLetterCase()
 {
     for (const QString &name : {name_, name_.toUpper(), name_.toLower()}) {
         Child child(path(name_));
-        // The name is the program's own, however it was asked for.
+        // The name is that of the program, in whatever letter case it was searched for.
         QCOMPARE(System::killProcesses(QString(), {QStringLiteral("other.exe"), name}),
                  QStringList{name_});
         QVERIFY(child.isKilled());

@@ -341,7 +341,7 @@ void TestEnum::valuesAreFound()
     QCOMPARE(Enum::fromValue(colour(), 0).toString(), QStringLiteral("Red"));
     QCOMPARE(Enum::fromValue(colour(), 2).toString(), QStringLiteral("Blue"));
 
-    // By the value, not by the place.
+    // By the value, not by the index.
     const QString type = QStringLiteral("Crossed");
     const Member one(type, "one", 1);
     const Member zero(type, "zero", 0);

@@ -1,4 +1,4 @@
-// As a system header has them that is included first.
+// As a system header defines them that is included first.
 #define major(device) (((device) >> 8) & 0xff)
 #define minor(device) ((device)&0xff)
 
@@ -403,7 +403,7 @@ void TestVersion::anElementIsRead_data()
         "24.0.75");
     row("an empty major", "<major/><minor>1</minor><patch>75</patch>", "0.1.75");
     row("no hexadecimal numbers", "<major>0x18</major><minor>1</minor><patch>75</patch>", "0.1.75");
-    // Unlike in a text, where blanks make it no number.
+    // In a text, blanks would make it invalid.
     row("blanks around the numbers", "<major> 23 </major><minor>\n1\n</minor><patch>\t75</patch>",
         "23.1.75");
     row("blanks around a build", "<patch> 0 </patch><build> 12 </build>", "0.0.12");

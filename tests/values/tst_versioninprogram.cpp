@@ -314,7 +314,7 @@ void TestVersionInProgram::theResourcesMayBeTheLastDirectory()
     QCOMPARE(versionTextIn(program), version);
 }
 
-// Not even when its size goes around the end of the memory.
+// Not even when the size overflows the address space.
 void TestVersionInProgram::aSectionThatBeginsAfterTheResourcesDoesNotHoldThem()
 {
     QFETCH(QByteArray, program);
@@ -327,7 +327,7 @@ void TestVersionInProgram::aSectionThatBeginsAfterTheResourcesDoesNotHoldThem()
     QCOMPARE(versionTextIn(program), version);
 }
 
-// Not that of a name in front of it.
+// Not the directory with a name before it.
 void TestVersionInProgram::theVersionOfTheFirstNameCounts()
 {
     QFETCH(QByteArray, program);
@@ -392,7 +392,7 @@ void TestVersionInProgram::theBlockMayLieInAnotherSection()
     QCOMPARE(versionTextIn(program), QStringLiteral("24.0.75.1"));
 }
 
-// A size that the file does not have does no harm.
+// A size larger than the file is harmless.
 void TestVersionInProgram::whatLiesAfterTheSectionIsFollowedWithinTheFile()
 {
     QFETCH(QByteArray, program);

@@ -1,4 +1,4 @@
-// What is written when the disk is full or the process may open no more files.
+// Files that are written while the disk is full or no further file can be opened.
 
 #include "DescriptorLimit.h"
 #include "FakeArchiver.h"
@@ -329,7 +329,7 @@ void TestFullDisk::halfAScriptIsNeverRun_data()
     }
 }
 
-// The first half would be a command of its own.
+// The first half would be another command.
 void TestFullDisk::halfAScriptIsNeverRun()
 {
     QFETCH(QString, operation);
@@ -490,7 +490,7 @@ void TestFullDisk::anArchiveWithoutAWholeListFileMayBeDestroyed()
     QCOMPARE(entriesOf(temp_.path()), QStringList());
 }
 
-// Half an information file could never be read.
+// A truncated information file cannot be read.
 void TestFullDisk::aFullDiskLeavesTheCountsOfTheSystemAndNoFile()
 {
     const TestFolder whole;

@@ -144,7 +144,7 @@ void TestReadOnly::aLogThatMayNotBeWrittenCannotBeOpened()
     QCOMPARE(contentOf(fileName), QByteArray("line\n"));
 }
 
-// Neither its tail nor a copy of that can take its place.
+// Neither the tail nor a copy of the tail can replace the log.
 void TestReadOnly::aLogInSuchAFolderStaysAsItWasAndIsWritten()
 {
     const QByteArray before(static_cast<int>(Log::MaxLogSize) + 1, '\n');

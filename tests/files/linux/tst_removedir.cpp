@@ -92,7 +92,7 @@ void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed_data()
     QTest::newRow("further below") << QStringLiteral("a/b/");
 }
 
-// The rounds are made and checked under names that the other process does not touch.
+// Each round is set up and checked under names that the adversary does not use.
 void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed()
 {
     constexpr int Rounds = 10;

@@ -1,4 +1,4 @@
-// Pipes and links in the place of files.
+// Pipes and links where files are expected.
 
 #include "Fifo.h"
 #include "OrdinaryUser.h"
@@ -29,7 +29,7 @@ namespace {
 
 constexpr qint64 HugeSize = 3LL * 1024 * 1024 * 1024;
 
-// A process that works until the object goes.
+// A process that repeats its work until the object is destroyed.
 class ChildProcess
 {
 public:
@@ -84,7 +84,7 @@ private:
     TestFolder userData_;
 };
 
-// The folder of the flags is worked out once per process.
+// System keeps the folder of the flags for the process.
 void TestSpecialFiles::initTestCase()
 {
     QVERIFY(userData_.isValid());
@@ -92,7 +92,7 @@ void TestSpecialFiles::initTestCase()
     QVERIFY(System::getFlagsDirPath().startsWith(userData_.path()));
 }
 
-// Otherwise the tests would show nothing.
+// Otherwise the tests could not fail.
 void TestSpecialFiles::aPipeIsNoticedWhenItIsRead()
 {
     Fifo pipe(path("pipe"));
@@ -204,7 +204,7 @@ void TestSpecialFiles::aLargeFileIsNotReadIntoMemory()
     QVERIFY(QFile::remove(flagsFile));
 }
 
-// Somebody may have put it there so that another file comes to be or is overwritten.
+// Somebody may have planted it so that another file is created or overwritten.
 void TestSpecialFiles::nothingIsWrittenThroughALinkToNothing()
 {
     const TestFolder whole;

@@ -394,7 +394,7 @@ void TestUnicodeFileMoves::aFolderAtThePlainPathLeavesTheFileWhereItIs()
     QVERIFY(QDir(plain()).removeRecursively());
 }
 
-// Copied, it would never come to an end.
+// A copy would never end.
 void TestUnicodeFileMoves::aPipeIsNotWaitedFor()
 {
     QVERIFY(QFile::remove(own()));

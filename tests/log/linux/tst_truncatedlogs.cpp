@@ -1,4 +1,4 @@
-// Whom a truncated log belongs to, who can read it, and what is left when it cannot be truncated.
+// The owner and the permissions of a truncated log, and what remains when it cannot be truncated.
 
 #include "OrdinaryUser.h"
 #include "OtherFileSystem.h"
@@ -101,7 +101,7 @@ bool mountMemory(const QString &folder, const char *options)
         && mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, options) == 0;
 }
 
-// As a container does with a file from outside.
+// As in a container with a file from outside.
 bool mountOnItself(const QString &name)
 {
     const QByteArray file = QFile::encodeName(name);
@@ -353,7 +353,7 @@ void TestTruncatedLogs::aLogOfAnotherUserIsTruncated()
     QVERIFY(contentOf(log_) == truncatedLog());
 }
 
-// With a list, the group's permission bits are the most that the list gives to anybody in it.
+// With an access list, the group's permission bits are the upper limit for all of its entries.
 void TestTruncatedLogs::theAccessListIsKept()
 {
     // Version 2; owner rw, user 12345 r, group nothing, most r, others nothing.
@@ -538,7 +538,7 @@ void TestTruncatedLogs::signalsDoNotStopATruncation_data()
     addFileSystems();
 }
 
-// Of a timer whose handler does not ask for interrupted calls to go on.
+// Signals of a timer whose handler does not restart interrupted system calls.
 void TestTruncatedLogs::signalsDoNotStopATruncation()
 {
     constexpr int Rounds = 50;

@@ -1,4 +1,4 @@
-// Which folder the data of all users go to. Permissions count for an ordinary user only.
+// The folder for the data of all users. Permissions count for an ordinary user only.
 
 #include "OrdinaryUser.h"
 #include "TestWithFolder.h"

@@ -1,4 +1,4 @@
-// Processes that run no program, whose ids are used again, or that call themselves what they like.
+// Processes without a program, with reused ids, or with a name that they set themselves.
 
 #include "HelperProgram.h"
 #include "TestFiles.h"
@@ -292,7 +292,7 @@ void TestProcesses::aDeletedProgramIsNotTheFileOfItsMarkedName()
     QVERIFY(!System::isProcessRunning(name + QStringLiteral(" (deleted)")));
 }
 
-// So that the answer is no more than a hint.
+// The answer is only a hint.
 void TestProcesses::anotherUsersProgramIsFoundByTheNameThatItGivesItself()
 {
     if (geteuid() != 0)

@@ -83,8 +83,6 @@ bool answerPlatform(const QString &function, const QString &text)
         platform.publicDocumentsRoot = constantForMaker;
     } else if (function == QLatin1String("userDataRoot")) {
         platform.userDataRoot = constant;
-    } else if (function == QLatin1String("uniqueFileName")) {
-        platform.uniqueFileName = constant;
     } else if (function == QLatin1String("programFile")) {
         platform.programFile = constant;
     } else if (function == QLatin1String("variable")) {
@@ -136,7 +134,6 @@ private Q_SLOTS:
     void init();
 
     void programDataLiesInTheCommonFolder();
-    void withoutACommonFolderProgramDataLiesBelowTheRoot();
     void allUsersDataLieInThePublicDocuments();
     void userDataLieBelowTheirRoot();
     void withoutTheVariablePublicDocumentsLieInTheDoubledFolder();
@@ -144,10 +141,6 @@ private Q_SLOTS:
     void tutorialsWithoutTheVariable();
     void ruleAndTemplateFoldersAreCreatedByEveryCall();
     void ruleAndTemplateFoldersThatCannotBeCreatedAreEmpty();
-
-    void withoutAUniqueNameThereIsNoTemporaryFileName();
-    void temporaryFileName_data();
-    void temporaryFileName();
 
     void programFolderIsThatOfTheProgramFile();
     void programFolderIsThatOfTheMainProgramFirst();
@@ -185,16 +178,6 @@ void TestSystemFoldersFakePlatform::programDataLiesInTheCommonFolder()
              (QStringList{native(QStringLiteral("/common data/Vantorel/VORN 2024")),
                           native(QStringLiteral("/common data/Vantorel/%1%2"))}));
     QVERIFY(!QFileInfo::exists(QStringLiteral("/common data")));
-}
-
-void TestSystemFoldersFakePlatform::withoutACommonFolderProgramDataLiesBelowTheRoot()
-{
-    const QString root = QDir::rootPath() + QStringLiteral("ProgramData");
-    QCOMPARE(
-        run({QStringLiteral("getProgramDataPath=VORN 2024"),
-             QStringLiteral("getProgramDataPath=Other")})
-            .results,
-        (QStringList{withProductFolder(root), native(root + QStringLiteral("/Vantorel/Other"))}));
 }
 
 void TestSystemFoldersFakePlatform::allUsersDataLieInThePublicDocuments()
@@ -272,47 +255,6 @@ void TestSystemFoldersFakePlatform::ruleAndTemplateFoldersThatCannotBeCreatedAre
                QStringLiteral("getTemplateDirPath"), QStringLiteral("getUserDataPath")});
     QCOMPARE(outcome.results, (QStringList{QString(), QString(), withProductFolder(file)}));
     QCOMPARE(outcome.messages, QStringList());
-}
-
-void TestSystemFoldersFakePlatform::withoutAUniqueNameThereIsNoTemporaryFileName()
-{
-    QCOMPARE(run({QStringLiteral("getTempFileName=results.xyz")}).results, QStringList{QString()});
-}
-
-void TestSystemFoldersFakePlatform::temporaryFileName_data()
-{
-    QTest::addColumn<QString>("uniqueName");
-    QTest::addColumn<QString>("expected"); // for "results.tar.xyz"
-
-    const auto row = [](const char *uniqueName, const char *expected) {
-        QTest::newRow(uniqueName) << QString::fromLatin1(uniqueName)
-                                  << QString::fromLatin1(expected);
-    };
-    row("\\s1ko.", "s1ko.xyz");
-    row("\\s1ko", "s1ko.xyz");
-    row("/s1ko.", "s1ko.xyz");
-    row("/s1ko", "s1ko.xyz");
-    row("s1ko.", "s1ko.xyz");
-    row("s1ko", "s1ko.xyz");
-    row("s1.ko", "s1.ko.xyz");
-    row("s1ko..", "s1ko..xyz");
-    row("\\\\s1ko", "\\s1ko.xyz");
-    row("//s1ko", "/s1ko.xyz");
-    row("C:\\Temp\\s1ko.", "C:\\Temp\\s1ko.xyz");
-    row("/tmp/s1ko", "tmp/s1ko.xyz");
-}
-
-void TestSystemFoldersFakePlatform::temporaryFileName()
-{
-    QFETCH(QString, uniqueName);
-    QFETCH(QString, expected);
-
-    const QString withoutSuffix = expected.chopped(QStringLiteral("xyz").size());
-    QCOMPARE(run({answer("uniqueFileName", uniqueName),
-                  QStringLiteral("getTempFileName=results.tar.xyz"),
-                  QStringLiteral("getTempFileName=results")})
-                 .results,
-             (QStringList{expected, withoutSuffix}));
 }
 
 void TestSystemFoldersFakePlatform::programFolderIsThatOfTheProgramFile()

@@ -28,10 +28,10 @@ namespace Vorn::Util {
 /// To be sure, check asciiFilePath() with isUnicode().
 ///
 /// \par Moving
-/// If there is a file at the destination, it is replaced in one step. This also holds for a file of
-/// another program in the folder for temporary files. So do not use two objects at the same time
-/// for files that have the same ASCII name in different folders. A link at the destination is
-/// replaced itself, not its target. If a move fails, the file is not moved.
+/// If there is a file at the destination, it is replaced in one step, even if it belongs to another
+/// program. So do not use two objects at the same time for files that have the same ASCII name in
+/// different folders: both would use the same path in the folder for temporary files. A link at
+/// the destination is replaced itself, not its target. If a move fails, the file is not moved.
 /// Kept for compatibility: see "Replaced files" in docs/compatibility.md.
 ///
 /// If the destination is on another file system, the file is copied. Until the copy is complete,

@@ -85,7 +85,7 @@ quint64 findResources(const Bytes &file, Sections &sections)
 }
 
 // The offset in the entry \a id of the resource directory \a directory, or in its first entry if
-// \a id is 0. 0 if there is no such entry.
+// \a id is 0. Returns 0 if there is no such entry.
 quint32 entryOf(const Bytes &file, quint64 resources, quint32 directory, quint32 id)
 {
     const quint64 start = resources + directory;

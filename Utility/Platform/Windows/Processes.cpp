@@ -58,7 +58,7 @@ public:
 
 private:
     DWORD id_;
-    HANDLE handle_; // null when it cannot be opened
+    HANDLE handle_; // null if the process cannot be opened
     HMODULE module_ = nullptr;
 };
 

@@ -159,7 +159,7 @@ void TestStandardFolders::publicDocumentsAreThoseOfTheVariable()
 {
     QFETCH(QString, variable);
     setVariable("PUBLIC", variable);
-    QTEST(StandardFolders::documentsOfPublic(), "expected");
+    QTEST(StandardFolders::publicDocuments(), "expected");
 }
 
 void TestStandardFolders::theProductsFolderIsNative()
@@ -179,13 +179,13 @@ void TestStandardFolders::theRunningProgramIsThatOfTheProgramFile()
     const QTemporaryDir folder;
     const QString program = folder.filePath(QStringLiteral("program.exe"));
     fakePlatform().programFile = [program] { return program; };
-    QCOMPARE(StandardFolders::ofRunningProgram(),
+    QCOMPARE(StandardFolders::runningProgram(),
              native(QFileInfo(folder.path()).absoluteFilePath()));
 }
 
 void TestStandardFolders::withoutAProgramFileTheRunningProgramIsUnknown()
 {
-    QCOMPARE(StandardFolders::ofRunningProgram(), QString());
+    QCOMPARE(StandardFolders::runningProgram(), QString());
 }
 
 void TestStandardFolders::theInstallationIsThatOfTheSetting_data()

@@ -222,7 +222,8 @@ void AsyncTaskProcessor::forgetCurrentTask()
     }
     // The application has deleted the running task: it counts as failed.
     const QPointer<AsyncTaskProcessor> self(this);
-    // The destructor of a skipped task may delete this processor, which would delete its children.
+    // The destructor of a skipped task may delete this processor, which must not delete the current
+    // task, its child, a second time.
     currentTask_->setParent(nullptr);
     ok_ = false;
     stopAfterError(currentTask_);

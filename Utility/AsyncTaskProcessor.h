@@ -64,7 +64,7 @@ class Log;
 /// \par Use
 /// Use a processor for one run: isOk() and the effect of a failure or cancel are never reset.
 ///
-/// Thread: the thread whose event loop owns the processor.
+/// Thread: use a processor only in its own thread, which needs an event loop.
 ///
 /// Memory: about 260 bytes for each waiting task, most of them for the task object, plus its name.
 class VORNUTILITY_EXPORT AsyncTaskProcessor : public QObject
@@ -92,8 +92,8 @@ public:
     void setExitEventLoopWhenDone(bool exitEventLoopWhenDone);
     bool exitEventLoopWhenDone() const;
 
-    /// Whether a failure changes the queue as described above. If not, all tasks run. Default:
-    /// true.
+    /// Whether a failure changes the queue as described above. If not, a failure skips no task.
+    /// Default: true.
     void setExitOnError(bool exitOnError);
     bool exitOnError() const;
 

@@ -46,8 +46,8 @@ public:
     ~Command() = default;
 
     /// Runs \a command and returns its output, at most \a maxLines + 2 lines (one line if
-    /// \a maxLines is negative). Each line ends with its line end. A line of more than 199 bytes
-    /// counts as several lines. If \a logIt is true, logs the call of the interpreter and each
+    /// \a maxLines is negative). Line ends are kept. A line of more than 199 bytes counts as
+    /// several lines. If \a logIt is true, logs the call of the interpreter and each
     /// returned line.
     /// Kept for compatibility: see "Command output" in docs/compatibility.md.
     QString run(const QString &command, int maxLines, bool logIt);

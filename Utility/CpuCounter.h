@@ -45,7 +45,7 @@ public:
     /// cannot be read, or the object was moved from. A load is the average since the previous
     /// sample.
     ///
-    /// A value that does not fit into `long` (32 bits on Windows) is converted by the system. So
+    /// For a value that does not fit into `long` (32 bits on Windows) the result is not defined. So
     /// read the available memory in MiB, not in bytes.
     long getValue();
 

@@ -24,8 +24,9 @@ class Log;
 /// - The file cannot be read: 1 processor, 1 core, hyper-threading off. The system is not queried,
 ///   and the file is not changed. Delete the file to query the system again.
 /// - The file has no entry for hyper-threading: the numbers of the system. If the system cannot be
-///   queried: the numbers in the file, hyper-threading off. (In the file format of version 14 of
-///   the product the entry is not expected: the numbers in the file, hyper-threading off.)
+///   queried: the numbers in the file, hyper-threading off.
+/// - The file has the format of version 14 of the product, which has no such entry: the numbers in
+///   the file, hyper-threading off.
 /// - There is no file, and the system cannot be queried: 1 processor, 1 core, hyper-threading off.
 ///   These numbers are saved.
 /// - There is no file, and it cannot be saved: the numbers of the system.

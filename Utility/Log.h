@@ -48,11 +48,11 @@ namespace Vorn::Util {
 ///   example because the process has changed its user, it stays closed.
 ///
 /// \par Failed truncations
-/// A log that cannot be truncated does not change; it grows, and each append() tries again. If the
-/// failure can be detected in advance, an attempt costs some system calls: a folder is missing or
-/// not writable, there is too little disk space, the log is write-protected, or it is a mount
-/// point. Otherwise an attempt costs up to two copies of the tail: a quota is exceeded, or a
-/// security module or the file system refuses the replacement.
+/// A log that cannot be truncated does not change; it grows, and each append() tries again. Some
+/// failures are detected in advance, with a few system calls: a folder is missing or not writable,
+/// there is too little disk space, the log is write-protected, or it is a mount point. Others are
+/// not: a quota is exceeded, or a security module or the file system refuses the replacement. Each
+/// attempt then copies the tail up to twice.
 ///
 /// \par Several processes
 /// - Linux: several processes may append to one log as long as it is not truncated. When a process
@@ -77,9 +77,10 @@ public:
         WithFileTimeStamp = 1 ///< "run.log" becomes "run_yyyy-MM-dd-hhmmss.log"
     };
 
-    static const qint64 MaxLogSize;       ///< 5 MiB; a larger log is truncated
-    static const qint64 AmountToTruncate; ///< 1 MiB; a truncation removes about as much
-    static const int MaxLogCount;         ///< 10; so many older time-stamped logs are kept
+    static const qint64 MaxLogSize; ///< 5 MiB; a larger log is truncated
+    static const qint64
+        AmountToTruncate; ///< 1 MiB; a truncation removes this much and up to 255 bytes more
+    static const int MaxLogCount; ///< 10; at most this many older time-stamped logs are kept
 
     /// A log without a name. timeStamp() is TimeOnly.
     Log();
@@ -134,9 +135,10 @@ public:
     /// The time in the file name, "yyyy-MM-dd-hhmmss"; empty if the name contains no time.
     QString fileTimeStampString() const;
 
-    /// Deletes old time-stamped logs: in the folder \a path, of the files whose names match
-    /// "baseName_20*.suffix" in any letter case, the empty ones and then the first by name until
-    /// \a maxCount are left. As the names contain the time, the first by name are the oldest.
+    /// Deletes old time-stamped logs in the folder \a path: files whose names match
+    /// "baseName_20*.suffix" in any letter case. Deletes the empty ones, then the first by name
+    /// until at most \a maxCount are left. As the names contain the time, the first by name are the
+    /// oldest.
     ///
     /// Returns false if the folder does not exist, true if nothing had to be deleted, otherwise
     /// whether the last deletion succeeded.

@@ -20,7 +20,7 @@ public:
     int cores = 0;
     int sockets = 0;
     /// A number reported by the cluster tool, which can be infinite. The library does not interpret
-    /// it.
+    /// it. The tool for Slurm reports the memory in GiB.
     double quantity = 0;
     bool isHeadNode = false;
     bool isComputeNode = false;

@@ -7,7 +7,7 @@
 
 namespace Vorn::Util::Product {
 
-/// The organisation name in folders and settings.
+/// The name of the maker: the organisation in folders and settings.
 inline QString maker()
 {
     return QStringLiteral("Vantorel");

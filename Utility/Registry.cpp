@@ -35,7 +35,7 @@ QString translatorsFolder(const QStringList &lastParts)
 {
     QString base = Platform::environmentVariable("AllUsersProfile");
     if (base.size() >= FolderSize)
-        base.clear(); // the variable is read into a buffer of this size
+        base.clear(); // a longer value counts as not set
     const QStringList parts{base, Product::maker(), Product::folder()};
     return (parts + lastParts).join(QDir::separator());
 }

@@ -59,15 +59,15 @@ public:
     /// become "?". A text of more than 511 characters does not fit: returns false.
     static bool readProductInstallationFolder(char *out, const wchar_t *keyPath);
 
-    /// The folder of the translators. It is below the folder in the environment variable
-    /// AllUsersProfile. If the variable is not set or has more than 511 characters, the path begins
-    /// with a separator. The folder is not created and need not exist.
+    /// The folder of the product's translator programs, "VORN_Translators". It is below the folder
+    /// in the environment variable AllUsersProfile. If the variable is not set or has more than 511
+    /// characters, the path begins with a separator. The folder is not created and need not exist.
     static void readOrlithTranslatorsFolder(wchar_t *const out);
 
-    /// The folder of the translation server, which is in the folder of the translators.
+    /// The folder "VORN_HLXServer" in the folder of the translators.
     static void readOrlith_HLXServerFolder(wchar_t *const out);
 
-    /// The program file of the translation server.
+    /// The program "VORN_HLXServer.exe" in that folder.
     static void getOrlith_HLXServer_exe(wchar_t *const out);
 
 private:

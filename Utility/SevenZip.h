@@ -54,8 +54,8 @@ class SevenZipCommand;
 ///   files; the name "-x!plain" excludes the file "plain".
 /// - begins with "@": 7-Zip takes it for a list file and packs the files named in it.
 /// - contains "*" or "?": versions up to 9.33, and a 7z.exe without a version block, pack all files
-///   that match. For later versions wildcards are switched off. But then they do not report that
-///   another file of that folder is missing: list the archive and compare files().
+///   that match. For later versions wildcards are switched off. But then 7-Zip does not report
+///   other given names in the same folder that do not exist: list the archive and compare files().
 /// - is empty, because the name was currentPath() with a separator: some versions pack the whole
 ///   current folder, others end with exit code 7.
 ///

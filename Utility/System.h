@@ -25,7 +25,7 @@ namespace Vorn::Util {
 ///
 /// \par Threads
 /// Any thread may call the functions for processes, environment variables, the host name and the
-/// user name (getPID() to getUserName(), isLocalHost()) at any time.
+/// user name (from getPID() to getUserName() in this header, and isLocalHost()) at any time.
 ///
 /// The functions for folders find a folder in the first call, keep it in a static variable and
 /// return it in further calls. They take no lock. These calls have undefined behaviour:

@@ -28,8 +28,8 @@ bool copyContent(QFile &from, QFile &to)
     }
 }
 
-// Copies the file original to the folder of path. Until the copy is complete, only this user can
-// read it. Returns the path of the copy, which is empty after a failure.
+// Copies the file \a original to the folder of \a path. Until the copy is complete, only this user
+// can read it. Returns the path of the copy, which is empty after a failure.
 QString makeCopyBeside(const QString &path, const QString &original)
 {
     QFile from(original);
@@ -97,7 +97,8 @@ UnicodeFile::~UnicodeFile()
         renameToUnicode();
 }
 
-// System::getTempFileName() may return a name that is unique in the current folder.
+// The name that System::getTempFileName() returns may be unique only in the current folder. So the
+// ASCII folder is the current folder during the call.
 bool UnicodeFile::chooseAsciiName()
 {
     if (!isUnicode(unicodeName_)) {

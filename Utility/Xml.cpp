@@ -25,7 +25,7 @@ QString Xml::valueOf(const QString &name, const QDomElement &element, const QStr
     if (child.isNull())
         return defaultValue;
     const QDomNode content = child.firstChild();
-    // For Qt a CDATA section is not character data.
+    // toCharacterData() returns nothing for a CDATA section.
     return content.isCDATASection() ? content.nodeValue() : content.toCharacterData().data();
 }
 

@@ -350,10 +350,10 @@ private:
         events_.file(QString::fromUtf8(name));
     }
 
-    // A comment without braces can contain lines that look like names ("- NAME"). So these lines
-    // are collected until the line "Everything is Ok" or an error. There is an empty line before
-    // the names: lines collected before it belong to the comment. An empty line before an error
-    // does not count.
+    // A comment without braces can contain lines that look like names ("- NAME"), and nothing marks
+    // its end. So such lines are collected up to the line "Everything is Ok" or an error. The names
+    // come after an empty line, so lines collected before it belong to the comment. An empty line
+    // directly before an error is not that line.
     void readAfterComment(const QByteArray &line)
     {
         if (!comments_.isEndless())

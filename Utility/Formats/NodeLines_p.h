@@ -18,7 +18,8 @@ struct NodeLine
 };
 
 /// Reads the nodes in the output of the cluster tool. A line has the form
-/// "name:cores:sockets:quantity:roles". A node that is neither a head node nor a compute node is
+/// "name:cores:sockets:quantity:roles". A line with fewer parts is skipped; further parts are
+/// ignored. A node that is neither a head node nor a compute node is
 /// skipped. Reading stops at the first line that contains "Error:".
 QList<NodeLine> parseNodeLines(const QStringList &lines);
 

@@ -14,8 +14,8 @@ using SubkeyNames = std::function<QStringList(const QString &keyPath)>;
 /// called only if \a keyPath ends with a release such as "24.x".
 QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys);
 
-/// The name in \a names with the greatest number after the dot that belongs to \a release: "24.10"
-/// for "24.x" and the names "24.9", "24.10" and "25.0". Null if there is none.
+/// Of the \a names with the major number of \a release, the one with the greatest number after the
+/// dot: "24.10" for "24.x" and the names "24.9", "24.10" and "25.0". Null if there is none.
 QString greatestRelease(const QString &release, const QStringList &names);
 
 } // namespace Vorn::Util::Formats

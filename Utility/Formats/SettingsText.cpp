@@ -8,11 +8,11 @@ namespace Vorn::Util::Formats {
 
 namespace {
 
-// The header of a group or a value, with its position in the content.
+// A group header, a value, or a line that is neither, with its position in the content.
 struct Entry
 {
     QString group;
-    QString key; // group and name of a value; null for a header
+    QString key; // group and name of a value; otherwise null
     int begin;
     int valueBegin;
     int end;
@@ -77,7 +77,8 @@ void findEnd(const QByteArray &content, Entry &entry)
     entry.end = content.size(); // it can be greater if the last character is a backslash
 }
 
-// Decodes a name: "%20" and "%U65E5" are characters by their number, "\" is "/".
+// Decodes a name: "%20" and "%U65E5" stand for characters, by their hexadecimal codes, and "\" for
+// "/".
 QString decodedName(const QByteArray &bytes)
 {
     const QString name = QString::fromUtf8(bytes);

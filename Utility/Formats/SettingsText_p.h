@@ -12,7 +12,8 @@ namespace Vorn::Util::Formats {
 /// The file format is that of QSettings: groups, quotation marks, escapes, comments and continued
 /// lines have the same meaning. There are three differences:
 /// - Each value is one text; a comma has no special meaning.
-/// - A value that is neither a text nor a byte array is read as its text in the file.
+/// - A value of another type, such as "@Size(1 2)", is not converted: the result is its text in the
+///   file.
 /// - The names of groups and values are read as UTF-8. QSettings always reads them as Latin-1.
 QMap<QString, QString> settingsTexts(const QByteArray &content);
 

@@ -11,10 +11,10 @@ constexpr int AmountToTruncate = 1048576;
 /// The maximum number of bytes at the beginning of a log that truncationOffset() reads.
 extern const int LogHeadSize;
 
-/// The offset of the part of a log that a truncation keeps.
+/// The offset of the tail of a log: the part that a truncation keeps.
 ///
 /// The log is divided into pieces. A line with its line end is a piece; a line of more than 255
-/// bytes is several pieces of 255 bytes. The kept part begins with the first piece whose offset is
+/// bytes is several pieces of 255 bytes. The tail begins with the first piece whose offset is
 /// greater than AmountToTruncate. In a long line this can be in the middle of a character.
 ///
 /// \a head is the beginning of the log: LogHeadSize bytes, or the whole log if it is shorter. If

@@ -1,5 +1,6 @@
 // Reads the version block of a Windows program file (PE format) without Windows. The file may be
 // damaged: each offset in it is checked before it is used.
+// The numbers are the offsets of fields in the structures of the PE format.
 
 #include <Utility/Formats/VersionBlock_p.h>
 
@@ -84,8 +85,8 @@ quint64 findResources(const Bytes &file, Sections &sections)
     return address == 0 ? 0 : offsetOf(file, sections, address);
 }
 
-// The offset in the entry \a id of the resource directory \a directory, or in its first entry if
-// \a id is 0. Returns 0 if there is no such entry.
+// The offset that the entry \a id of the resource directory \a directory contains, or its first
+// entry if \a id is 0. Returns 0 if there is no such entry.
 quint32 entryOf(const Bytes &file, quint64 resources, quint32 directory, quint32 id)
 {
     const quint64 start = resources + directory;

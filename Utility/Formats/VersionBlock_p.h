@@ -5,7 +5,7 @@
 
 namespace Vorn::Util::Formats {
 
-/// The version of a program file. 0 if it has none.
+/// The version of a program file. Both numbers are 0 if it has none.
 struct ProgramVersion
 {
     quint32 high = 0; ///< upper half: major number, lower half: minor number

@@ -21,7 +21,7 @@ qint64 availableSpace(const QString &folder);
 
 /// Replaces \a file by its tail, which begins at the offset that \a tailOffset returns. At any
 /// time the name of the file refers to the complete old or the complete new content. \a file is
-/// open for reading and not a link. It may be closed afterwards. Returns false if the file was not
+/// open for reading and not a link. The call may close it. Returns false if the file was not
 /// replaced and is unchanged.
 ///
 /// The tail is copied to a new file in \a temporaryFolder, which must exist. If that is on another

@@ -25,12 +25,14 @@ bool isSameFile(const QString &first, const QString &second);
 /// folder.
 bool removeFile(const QString &path);
 
-/// Opens \a file for writing text, as a new and empty file. An existing file is replaced, even if
-/// another process has it open. False if it is a link; then nothing is created or changed.
+/// Opens \a file for writing text; it is then empty. An existing file is replaced (Linux) or
+/// emptied (Windows), even if another process has it open. False if it is a link; then nothing is
+/// created or changed.
 bool openWithoutLink(QFile &file);
 
-/// Opens \a file for reading. A link is followed. False if it is not a regular file, even if it
-/// replaces one during the call: opening a pipe would wait for a writer.
+/// Opens \a file for reading. A link is followed. False if it is not a regular file, also if
+/// another process puts it in the place of one during the call: opening a pipe would wait for a
+/// writer.
 bool openPlainFile(QFile &file);
 
 } // namespace Vorn::Util::Platform

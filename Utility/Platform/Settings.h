@@ -17,7 +17,7 @@ struct SettingsValue
     enum Outcome { Found, NoKey, NoValue };
 
     Outcome outcome;
-    QString text;    ///< if Found: the value up to its first null, less than SettingsValueSize
+    QString text;    ///< if Found: the value up to its first null, shorter than SettingsValueSize
     int code;        ///< otherwise: the error code of the failed call
     QString message; ///< otherwise: the message of the system for the error, with its line end
 };

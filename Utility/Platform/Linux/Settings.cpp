@@ -118,7 +118,7 @@ QString readSettingsText(const QString &keyPath, const QString &name)
 void writeSettingsText(const QString &keyPath, const QString &name, const QString &text)
 {
     Location location;
-    // As in QSettings, "/" separates groups, and groups have a name.
+    // As in QSettings, "/" separates groups, and empty parts are dropped.
     const QString key = name.split(QLatin1Char('/'), Qt::SkipEmptyParts).join(QLatin1Char('/'));
     if (!locate(keyPath, location) || location.group.isEmpty() || key.isEmpty())
         return;

@@ -21,7 +21,7 @@ bool canBeOpened(const QString &name, DWORD access)
     const QString native = QDir::toNativeSeparators(name);
     const HANDLE handle = CreateFileW(
         wide(native), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr); // the flag allows to open folders
+        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr); // the flag is needed to open a folder
     if (handle == INVALID_HANDLE_VALUE)
         return false;
     CloseHandle(handle);

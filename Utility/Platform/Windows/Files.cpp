@@ -18,7 +18,8 @@ public:
         constexpr DWORD Sharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
         const QString name = longForm(path);
         handle_ = CreateFileW(wide(name), 0, Sharing, nullptr, OPEN_EXISTING,
-                              FILE_FLAG_BACKUP_SEMANTICS, nullptr); // the flag allows folders
+                              FILE_FLAG_BACKUP_SEMANTICS,
+                              nullptr); // the flag is needed to open a folder
         isKnown_
             = handle_ != INVALID_HANDLE_VALUE && GetFileInformationByHandle(handle_, &info_) != 0;
     }

@@ -1,9 +1,10 @@
 #pragma once
 
-// The only file that includes <windows.h>.
+// The only file that includes <windows.h>. Where a constant of Windows is part of the documented
+// behaviour, a static_assert beside its use tells its value.
 
 #ifndef WINVER
-#define WINVER 0x0601
+#define WINVER 0x0601 // Windows 7
 #endif
 #ifndef _WIN32_WINNT
 #define _WIN32_WINNT 0x0601

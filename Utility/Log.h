@@ -77,10 +77,14 @@ public:
         WithFileTimeStamp = 1 ///< "run.log" becomes "run_yyyy-MM-dd-hhmmss.log"
     };
 
-    static const qint64 MaxLogSize; ///< 5 MiB; a larger log is truncated
-    static const qint64
-        AmountToTruncate; ///< 1 MiB; a truncation removes this much and up to 255 bytes more
-    static const int MaxLogCount; ///< 10; at most this many older time-stamped logs are kept
+    /// 5 MiB. A larger log is truncated.
+    static const qint64 MaxLogSize;
+
+    /// 1 MiB. A truncation removes this much and up to 255 bytes more.
+    static const qint64 AmountToTruncate;
+
+    /// 10. At most this many older time-stamped logs are kept.
+    static const int MaxLogCount;
 
     /// A log without a name. timeStamp() is TimeOnly.
     Log();

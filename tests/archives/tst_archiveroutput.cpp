@@ -107,8 +107,8 @@ private Q_SLOTS:
     void aCompressionHasNoReader();
     void aRecordedOutputOfTheProduct_data();
     void aRecordedOutputOfTheProduct();
-    void linesOfTheOldFormAreSimplifiedLatin1_data();
-    void linesOfTheOldFormAreSimplifiedLatin1();
+    void linesOfTheOldFormAreLatin1WithBlanksSimplified_data();
+    void linesOfTheOldFormAreLatin1WithBlanksSimplified();
     void everyLineAfterAnOldTableCounts();
     void aRecordedListing_data();
     void aRecordedListing();
@@ -131,7 +131,7 @@ private Q_SLOTS:
     void linesOfAnExtraction();
     void foldersLoseTheirSeparator_data();
     void foldersLoseTheirSeparator();
-    void anExtractionSince934NamesFilesToTheLetter();
+    void anExtractionSince934KeepsNamesUnchanged();
     void commentsAreSkipped_data();
     void commentsAreSkipped();
     void commentsWithoutBracesAreSkipped_data();
@@ -275,7 +275,7 @@ void TestArchiverOutput::aRecordedOutputOfTheProduct()
     QTEST(read(ArchiverDialect::UpTo933, operation, recording(recorded)), "expected");
 }
 
-void TestArchiverOutput::linesOfTheOldFormAreSimplifiedLatin1_data()
+void TestArchiverOutput::linesOfTheOldFormAreLatin1WithBlanksSimplified_data()
 {
     QTest::addColumn<QByteArray>("line");
     QTest::addColumn<QStringList>("expected");
@@ -294,7 +294,7 @@ void TestArchiverOutput::linesOfTheOldFormAreSimplifiedLatin1_data()
     row("size that is no number", "Size: many\n", {utf8("size 0")});
 }
 
-void TestArchiverOutput::linesOfTheOldFormAreSimplifiedLatin1()
+void TestArchiverOutput::linesOfTheOldFormAreLatin1WithBlanksSimplified()
 {
     QFETCH(QByteArray, line);
     QTEST(extraction(line, ArchiverDialect::UpTo933), "expected");
@@ -648,7 +648,7 @@ void TestArchiverOutput::foldersLoseTheirSeparator()
           "expected");
 }
 
-void TestArchiverOutput::anExtractionSince934NamesFilesToTheLetter()
+void TestArchiverOutput::anExtractionSince934KeepsNamesUnchanged()
 {
     const QByteArray output = "Processing archive: many.7z\r\n\r\nExtracting  a  ü \r\n"
                               "Extracting  d\\e\r\nExtracting x\r\n- y\r\n\r\nEverything is Ok\r\n"

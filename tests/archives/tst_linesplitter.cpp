@@ -59,7 +59,7 @@ void TestLineSplitter::theRestOfALongLineIsDropped_data()
     QTest::addColumn<int>("kept");
     constexpr int Most = LineSplitter::MaxLineLength;
     QTest::newRow("one less") << Most - 1 << Most - 1;
-    QTest::newRow("just so long") << Most << Most;
+    QTest::newRow("exactly as long") << Most << Most;
     QTest::newRow("one more") << Most + 1 << Most;
     QTest::newRow("three times") << 3 * Most << Most;
 }

@@ -44,7 +44,7 @@ private Q_SLOTS:
     void compressingNoFilesNamesNone();
     void theArgumentsOfAnExtraction();
     void theArgumentsOfAListing();
-    void argumentsArriveToTheLetter();
+    void argumentsArriveUnchanged();
     void theArgumentsAreSentAsOneDebugMessage_data();
     void theArgumentsAreSentAsOneDebugMessage();
     void theInputOfTheArchiverIsAtItsEnd();
@@ -69,7 +69,7 @@ private Q_SLOTS:
     void aLinkToNowhereIsInTheWayOfAListFile();
     void theListFileIsRemovedAtTheEnd_data();
     void theListFileIsRemovedAtTheEnd();
-    void aListFileThatCannotBeWrittenStaysOnTheCommandLine();
+    void theNameOfAListFileThatCannotBeWrittenStaysOnTheCommandLine();
 };
 
 void TestSevenZipArguments::theArgumentsOfACompression_data()
@@ -193,7 +193,7 @@ void TestSevenZipArguments::theArgumentsOfAListing()
     QCOMPARE(fake.arguments(), QStringList({QStringLiteral("l"), QStringLiteral("folder/x.7z")}));
 }
 
-void TestSevenZipArguments::argumentsArriveToTheLetter()
+void TestSevenZipArguments::argumentsArriveUnchanged()
 {
     const FakeArchiver fake;
     const QStringList names{QStringLiteral("two  blanks"),
@@ -500,7 +500,7 @@ void TestSevenZipArguments::theListFileIsRemovedAtTheEnd()
 }
 
 // A folder that is gone cannot be written to by any user.
-void TestSevenZipArguments::aListFileThatCannotBeWrittenStaysOnTheCommandLine()
+void TestSevenZipArguments::theNameOfAListFileThatCannotBeWrittenStaysOnTheCommandLine()
 {
     const QString folder = temp_.path();
     const QString away = folder + QStringLiteral(" away");

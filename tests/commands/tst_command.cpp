@@ -168,7 +168,7 @@ void TestCommand::atMostTwoLinesMoreThanAskedForAreReturned_data()
     QTest::newRow("1") << 1 << 3;
     QTest::newRow("2") << 2 << 4;
     QTest::newRow("one line is lost") << 7 << 9;
-    QTest::newRow("just all") << 8 << 10;
+    QTest::newRow("exactly all") << 8 << 10;
     QTest::newRow("as many as there are") << 10 << 10;
     QTest::newRow("many") << 1000 << 10;
     QTest::newRow("the most") << std::numeric_limits<int>::max() << 10;

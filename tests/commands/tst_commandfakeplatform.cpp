@@ -26,7 +26,7 @@ private Q_SLOTS:
     void runNoWaitReturnsZero();
     void theCallIsLoggedByItsDisplayedName();
     void runNoWaitIsLoggedByItsDisplayedName();
-    void theInterpreterGetsTheFileOrTheText();
+    void runGivesTheInterpreterAScriptAndRunNoWaitAText();
 
 private:
     QTemporaryDir folder_;
@@ -99,7 +99,7 @@ void TestCommandFakePlatform::runNoWaitIsLoggedByItsDisplayedName()
     QCOMPARE(log.lines(), texts({"Command:interpreter /C <command %1 text>"}));
 }
 
-void TestCommandFakePlatform::theInterpreterGetsTheFileOrTheText()
+void TestCommandFakePlatform::runGivesTheInterpreterAScriptAndRunNoWaitAText()
 {
     Command command;
     command.run(QStringLiteral("command"), 100, false);

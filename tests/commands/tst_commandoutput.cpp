@@ -21,7 +21,7 @@ std::string_view viewOf(const QByteArray &bytes)
 
 // The rule in its simplest form: lines are read into a buffer of 200 bytes, and the number of those
 // read before is compared.
-QStringList linesAsTold(const QByteArray &output, int maxLines)
+QStringList linesByTheSimpleRule(const QByteArray &output, int maxLines)
 {
     QBuffer device;
     device.setData(output);
@@ -57,10 +57,10 @@ class TestCommandOutput : public QObject
 private Q_SLOTS:
     void theLinesAreThoseThatAreRead_data();
     void theLinesAreThoseThatAreRead();
-    void whatIsNeededIsEnough_data();
-    void whatIsNeededIsEnough();
-    void whatIsNeeded_data();
-    void whatIsNeeded();
+    void theNeededBytesGiveAllLines_data();
+    void theNeededBytesGiveAllLines();
+    void theNeededNumberOfBytes_data();
+    void theNeededNumberOfBytes();
 };
 
 void TestCommandOutput::theLinesAreThoseThatAreRead_data()
@@ -77,17 +77,17 @@ void TestCommandOutput::theLinesAreThoseThatAreRead()
     QRandomGenerator random(static_cast<quint32>(maxLines));
     for (int round = 0; round < 1000; ++round) {
         const QByteArray output = randomOutput(random);
-        QVERIFY2(outputLines(viewOf(output), maxLines) == linesAsTold(output, maxLines),
+        QVERIFY2(outputLines(viewOf(output), maxLines) == linesByTheSimpleRule(output, maxLines),
                  output.toHex().constData());
     }
 }
 
-void TestCommandOutput::whatIsNeededIsEnough_data()
+void TestCommandOutput::theNeededBytesGiveAllLines_data()
 {
     theLinesAreThoseThatAreRead_data();
 }
 
-void TestCommandOutput::whatIsNeededIsEnough()
+void TestCommandOutput::theNeededBytesGiveAllLines()
 {
     QFETCH(int, maxLines);
     QRandomGenerator random(static_cast<quint32>(maxLines));
@@ -95,12 +95,12 @@ void TestCommandOutput::whatIsNeededIsEnough()
         const QByteArray output = randomOutput(random);
         const qint64 length = std::min<qint64>(output.size(), neededOutput(maxLines));
         const QByteArray needed = output.left(static_cast<int>(length));
-        QVERIFY2(outputLines(viewOf(needed), maxLines) == linesAsTold(output, maxLines),
+        QVERIFY2(outputLines(viewOf(needed), maxLines) == linesByTheSimpleRule(output, maxLines),
                  output.toHex().constData());
     }
 }
 
-void TestCommandOutput::whatIsNeeded_data()
+void TestCommandOutput::theNeededNumberOfBytes_data()
 {
     QTest::addColumn<int>("maxLines");
     QTest::addColumn<qint64>("needed");
@@ -111,7 +111,7 @@ void TestCommandOutput::whatIsNeeded_data()
     QTest::newRow("the most") << Most << Q_INT64_C(2147483649) * 199;
 }
 
-void TestCommandOutput::whatIsNeeded()
+void TestCommandOutput::theNeededNumberOfBytes()
 {
     QFETCH(int, maxLines);
     QFETCH(qint64, needed);

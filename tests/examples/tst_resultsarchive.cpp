@@ -55,7 +55,7 @@ private Q_SLOTS:
     void theOptionsReach7Zip();
     void theOutputIsOneLinePerTaskAndASummary();
     void theLogHoldsTheTasksInOrder();
-    void theLogNamesTheSystemsListing();
+    void theLogHoldsTheListingOfTheSystemCommand();
     void aFailureSkipsToTheCleanUp();
     void aNamedLogGetsATimeStamp();
     void theArchiveIsNamedAfterTheFolder_data();
@@ -66,7 +66,7 @@ private Q_SLOTS:
     void namesThatLookLikeOptionsArePacked();
     void namesThatHoldTheFoldersPathArePacked();
     void linksAreLeftOutAndLogged();
-    void filesOfNoBytesArePacked();
+    void emptyFilesArePacked();
 };
 
 void TestResultsArchive::aFolderIsPackedWithNothingLost_data()
@@ -207,7 +207,7 @@ void TestResultsArchive::theLogHoldsTheTasksInOrder()
                                .arg(QString::number(tree.size()), QString::number(sizeOf(tree)))));
 }
 
-void TestResultsArchive::theLogNamesTheSystemsListing()
+void TestResultsArchive::theLogHoldsTheListingOfTheSystemCommand()
 {
     NEED_ARCHIVER;
     Site site(smallTree());
@@ -389,7 +389,7 @@ void TestResultsArchive::linksAreLeftOutAndLogged()
     QCOMPARE(readTree(site.path(QStringLiteral("unpacked"))), smallTree());
 }
 
-void TestResultsArchive::filesOfNoBytesArePacked()
+void TestResultsArchive::emptyFilesArePacked()
 {
     NEED_ARCHIVER;
     Site site({{QStringLiteral("nothing"), QByteArray()}});

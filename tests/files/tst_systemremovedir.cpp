@@ -47,10 +47,10 @@ private Q_SLOTS:
     void aKeptShortcutIsLeftAlone();
     void aLinkToTheFolderItselfIsNotFollowed();
     void aFolderBelowALinkIsTheSystemsOne();
-    void removingTheCurrentFolderByItsPointTakesItAll();
+    void removingADotEmptiesTheCurrentFolder();
     void anExceptedLinkStays();
     void aJunctionIsRemovedButNotItsFolder();
-    void aKeptJunctionLeadsToTheFolderToEmpty();
+    void aJunctionIsKeptAndItsTargetEmptied();
 };
 
 void TestSystemRemoveDir::removingTakesTheFolderWithAllItsEntries()
@@ -104,9 +104,9 @@ void TestSystemRemoveDir::removingTakesARelativePath_data()
     QTest::newRow("name") << QStringLiteral("tree");
     QTest::newRow("separator at the end") << QStringLiteral("tree/");
     QTest::newRow("two at the end") << QStringLiteral("tree//");
-    QTest::newRow("point") << QStringLiteral("./tree");
-    QTest::newRow("point at the end") << QStringLiteral("tree/.");
-    QTest::newRow("around") << QStringLiteral("tree/sub/..");
+    QTest::newRow("dot") << QStringLiteral("./tree");
+    QTest::newRow("dot at the end") << QStringLiteral("tree/.");
+    QTest::newRow("through a subfolder and back") << QStringLiteral("tree/sub/..");
     QTest::newRow("native") << QDir::toNativeSeparators(QStringLiteral("./tree/"));
 }
 
@@ -453,7 +453,7 @@ void TestSystemRemoveDir::aFolderBelowALinkIsTheSystemsOne()
     QVERIFY(exists("tree/file"));
 }
 
-void TestSystemRemoveDir::removingTheCurrentFolderByItsPointTakesItAll()
+void TestSystemRemoveDir::removingADotEmptiesTheCurrentFolder()
 {
     QVERIFY(makeFolder("tree/sub"));
     const QString before = QDir::currentPath();
@@ -494,7 +494,7 @@ void TestSystemRemoveDir::aJunctionIsRemovedButNotItsFolder()
     QCOMPARE(contentOf(path("other/sub/file")), QByteArray("content"));
 }
 
-void TestSystemRemoveDir::aKeptJunctionLeadsToTheFolderToEmpty()
+void TestSystemRemoveDir::aJunctionIsKeptAndItsTargetEmptied()
 {
     if (!onWindows())
         QSKIP("There are no junctions on this system.");

@@ -62,7 +62,7 @@ void TestUnicodeFile::aTextIsUnicodeWhenACharacterIsOutsideAscii_data()
     QTest::newRow("another script") << QStringLiteral("\u65e5\u672c") << true;
     QTest::newRow("beyond 16 bits") << QStringLiteral("\U0001F600") << true;
     QTest::newRow("a byte order mark") << QStringLiteral("\uFEFFabc") << true;
-    QTest::newRow("behind a zero") << QStringLiteral("abc\0\u00e9") << true;
+    QTest::newRow("after a zero") << QStringLiteral("abc\0\u00e9") << true;
 }
 
 void TestUnicodeFile::aTextIsUnicodeWhenACharacterIsOutsideAscii()

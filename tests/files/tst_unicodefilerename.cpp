@@ -51,7 +51,7 @@ private Q_SLOTS:
     void aResultIsMovedAfterAFailedConstruction();
     void aResultIsMovedAfterAFailedMove_data();
     void aResultIsMovedAfterAFailedMove();
-    void whatThisObjectNeverHadStaysAtThePlainPath();
+    void aFileThatTheObjectNeverMovedStaysAtThePlainPath();
     void anObstacleNeverTakesThePlaceOfTheFile_data();
     void anObstacleNeverTakesThePlaceOfTheFile();
     void aLinkAtThePlainPathIsReplaced_data();
@@ -323,7 +323,7 @@ void TestUnicodeFileRename::aResultIsMovedAfterAFailedMove()
     QVERIFY(!QFile::exists(plain));
 }
 
-void TestUnicodeFileRename::whatThisObjectNeverHadStaysAtThePlainPath()
+void TestUnicodeFileRename::aFileThatTheObjectNeverMovedStaysAtThePlainPath()
 {
     const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
     QVERIFY(QDir().mkpath(plain));

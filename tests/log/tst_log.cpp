@@ -112,7 +112,7 @@ void TestLog::aNameWithoutTimeStampIsUsedAsGiven_data()
     QTest::newRow("folder") << QStringLiteral("some/folder/run.log");
     QTest::newRow("untidy") << QStringLiteral("some//folder/../run.log");
     QTest::newRow("no suffix") << QStringLiteral("run");
-    QTest::newRow("markers") << QStringLiteral("%1/%2_%3.%4");
+    QTest::newRow("place markers") << QStringLiteral("%1/%2_%3.%4");
     QTest::newRow("beyond ASCII") << QStringLiteral("Tr\u00e4ger.log");
 }
 
@@ -139,9 +139,9 @@ void TestLog::aTimeStampIsPutIntoTheName_data()
                                   << QStringLiteral(".log");
     QTest::newRow("no folder") << QStringLiteral("run.log") << QStringLiteral("./run_")
                                << QStringLiteral(".log");
-    QTest::newRow("markers") << QStringLiteral("DIR/%2%3%4.%1") << QStringLiteral("DIR/%2%3%4_")
-                             << QStringLiteral(".%1");
-    QTest::newRow("markers in the folder")
+    QTest::newRow("place markers") << QStringLiteral("DIR/%2%3%4.%1")
+                                   << QStringLiteral("DIR/%2%3%4_") << QStringLiteral(".%1");
+    QTest::newRow("place markers in the folder")
         << QStringLiteral("DIR/%2%4/%3.log") << QStringLiteral("DIR/%2%4/%3_")
         << QStringLiteral(".log");
     QTest::newRow("blanks") << QStringLiteral("DIR/my run.log") << QStringLiteral("DIR/my run_")

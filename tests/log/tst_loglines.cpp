@@ -290,7 +290,7 @@ void TestLogLines::aTextIsStreamedAsItIs_data()
     QTest::newRow("blanks") << QStringLiteral("  text \t ");
     QTest::newRow("only blanks") << QStringLiteral("   ");
     QTest::newRow("line ends") << QStringLiteral("a\nb\n\n");
-    QTest::newRow("markers") << QStringLiteral("%1 %2");
+    QTest::newRow("place markers") << QStringLiteral("%1 %2");
     QTest::newRow("long") << QString(100000, QLatin1Char('x'));
 }
 

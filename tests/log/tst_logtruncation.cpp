@@ -325,7 +325,7 @@ void TestLogTruncation::anyNameCanBeTruncated_data()
     QTest::newRow("beyond ASCII") << QStringLiteral("Tr\u00e4ger \u20ac.log");
     QTest::newRow("no suffix") << QStringLiteral("run");
     QTest::newRow("template characters") << QStringLiteral("XXXXXX.log");
-    QTest::newRow("markers") << QStringLiteral("%1 %2.log");
+    QTest::newRow("place markers") << QStringLiteral("%1 %2.log");
     QTest::newRow("hidden") << QStringLiteral(".run.log");
 }
 

@@ -214,27 +214,27 @@ void TestClusterInfo::countsAndNames_data()
         << texts({"h:8:1:32:HeadNodes"}) << QStringLiteral("h") << false << 0 << 0 << 0 << 0;
     QTest::newRow("compute node only")
         << texts({"c:16:2:64:ComputeNodes"}) << QString() << false << 1 << 16 << 16 << 2;
-    QTest::newRow("one node of both kinds: sockets for cores")
+    QTest::newRow("head and compute node: its sockets are the number of cores")
         << texts({"h:12:2:48:HeadNodes,ComputeNodes"}) << QStringLiteral("h") << true << 1 << 12
         << 2 << 2;
-    QTest::newRow("all of both kinds: the first one's sockets")
+    QTest::newRow("only head and compute nodes: the first one's sockets are the number of cores")
         << texts({"h:12:3:48:HeadNodes,ComputeNodes", "i:16:4:48:HeadNodes,ComputeNodes"})
         << QStringLiteral("h") << true << 2 << 28 << 3 << 3;
-    QTest::newRow("the first that is no head node") << texts(
-        {"h:12:3:48:HeadNodes,ComputeNodes", "c:16:4:64:ComputeNodes", "d:32:5:64:ComputeNodes"})
-                                                    << QStringLiteral("h") << true << 3 << 60 << 16
-                                                    << 4;
-    QTest::newRow("which reports no cores: the sockets of the first of all")
+    QTest::newRow("cores and sockets are those of the first node that is no head node")
+        << texts({"h:12:3:48:HeadNodes,ComputeNodes", "c:16:4:64:ComputeNodes",
+                  "d:32:5:64:ComputeNodes"})
+        << QStringLiteral("h") << true << 3 << 60 << 16 << 4;
+    QTest::newRow("if it reports no cores: cores = sockets of the first node")
         << texts({"h:12:3:48:HeadNodes,ComputeNodes", "c:0:4:64:ComputeNodes",
                   "d:32:5:64:ComputeNodes"})
         << QStringLiteral("h") << true << 3 << 44 << 3 << 4;
-    QTest::newRow("which reports no sockets: the sockets of the first of all")
+    QTest::newRow("if it reports no sockets: sockets of the first node")
         << texts({"h:12:3:48:HeadNodes,ComputeNodes", "c:16:0:64:ComputeNodes",
                   "d:32:5:64:ComputeNodes"})
         << QStringLiteral("h") << true << 3 << 60 << 16 << 3;
-    QTest::newRow("the only one reports no cores")
+    QTest::newRow("a single node without cores: its sockets")
         << texts({"c:0:4:64:ComputeNodes"}) << QString() << false << 1 << 0 << 4 << 4;
-    QTest::newRow("the only one reports nothing")
+    QTest::newRow("a single node without cores and sockets")
         << texts({"c:0:0:0:ComputeNodes"}) << QString() << false << 1 << 0 << 0 << 0;
     QTest::newRow("negative numbers are numbers")
         << texts({"c:-4:-2:64:ComputeNodes", "d:16:2:64:ComputeNodes"}) << QString() << false << 2

@@ -229,7 +229,7 @@ void TestCpuCounter::anUnknownPathAlwaysGivesMinusOne_data()
         << CpuCounter::CpuPercent + QStringLiteral("\\% Processor Time");
     QTest::newRow("any characters") << QStringLiteral("\\M\u00e9moire\\\u65e5\u672c");
     QTest::newRow("a long text") << QString(Long, QLatin1Char('x'));
-    QTest::newRow("a long text behind a path")
+    QTest::newRow("a long text after a path")
         << CpuCounter::CpuPercent + QString(Long, QLatin1Char('x'));
     QTest::newRow("as long as the system takes") << QString(2047, QLatin1Char('x'));
     QTest::newRow("one longer") << QString(2048, QLatin1Char('x'));

@@ -44,7 +44,7 @@ private Q_SLOTS:
     void thePathIsGivenAsItIs();
     void everyCallTakesASample();
     void theSourceLivesAsLongAsTheCounter();
-    void anAssignmentEndsTheSourceBefore();
+    void anAssignmentDestroysTheFormerSource();
     void anAssignmentToItselfIsHarmless();
 };
 
@@ -97,7 +97,7 @@ void TestCpuCounterFakePlatform::theSourceLivesAsLongAsTheCounter()
     QCOMPARE(alive, 0);
 }
 
-void TestCpuCounterFakePlatform::anAssignmentEndsTheSourceBefore()
+void TestCpuCounterFakePlatform::anAssignmentDestroysTheFormerSource()
 {
     int alive = 0;
     long first = 1;

@@ -224,7 +224,7 @@ void TestCpuInfo::theCurrentFormIsRead_data()
     QTest::newRow("no processor count is 1") << currentForm(eight + on) << Counts{1, 8, 8, true};
     QTest::newRow("no core count is 1 for each") << currentForm(two + on) << Counts{2, 2, 1, true};
     QTest::newRow("hyper-threading only") << currentForm(on) << Counts{1, 1, 1, true};
-    QTest::newRow("not a number is 0 processors, which count as 1 below a division")
+    QTest::newRow("not a number: 0 processors, but 1 as divisor")
         << currentForm("<processorCount>two</processorCount>" + eight + on)
         << Counts{0, 0, 0, true};
     QTest::newRow("not a number is 0 cores")
@@ -296,7 +296,7 @@ void TestCpuInfo::theOlderFormIsRead_data()
         << Counts{2, 8, 4, false};
     QTest::newRow("the case of a name matters")
         << olderForm("<getNumberOfProcessors value=\"9\"/>" + cores) << Counts{1, 4, 4, false};
-    QTest::newRow("not a number is 0 processors, which count as 1 below a division")
+    QTest::newRow("not a number: 0 processors, but 1 as divisor")
         << olderForm("<GetNumberOfProcessors value=\"two\"/>" + cores) << Counts{0, 0, 0, false};
     QTest::newRow("not a number is 0 cores")
         << olderForm(processors + "<GetProcessorCoreCount value=\"\"/>") << Counts{2, 0, 0, false};
@@ -308,7 +308,7 @@ void TestCpuInfo::theOlderFormIsRead_data()
                .replace("</SystemInformation>",
                         "<hyperThreading>on</hyperThreading></SystemInformation>")
         << Counts{2, 8, 4, false};
-    QTest::newRow("what stands behind \"Info\" does not count")
+    QTest::newRow("what stands after \"Info\" does not count")
         << olderForm(processors + cores)
                .replace("</SystemInformation>",
                         "<processorCount>7</processorCount></SystemInformation>")
@@ -403,10 +403,10 @@ void TestCpuInfo::theDeepestFileFitsTheStackOfAThread()
 void TestCpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm_data()
 {
     QTest::addColumn<QByteArray>("first");
-    QTest::newRow("behind an element") << QByteArray("<a/>");
-    QTest::newRow("behind a comment") << QByteArray("<!-- Info -->");
-    QTest::newRow("behind a text") << QByteArray("Info");
-    QTest::newRow("behind another case") << QByteArray("<info/>");
+    QTest::newRow("after an element") << QByteArray("<a/>");
+    QTest::newRow("after a comment") << QByteArray("<!-- Info -->");
+    QTest::newRow("after a text") << QByteArray("Info");
+    QTest::newRow("after another case") << QByteArray("<info/>");
 }
 
 void TestCpuInfo::anInfoElementThatIsNotFirstIsNotTheOlderForm()

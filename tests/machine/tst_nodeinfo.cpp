@@ -107,7 +107,7 @@ void TestNodeInfo::nodesAreEqualWhenAllMembersAre_data()
     row("nothing", true, [](NodeInfo &) {});
     row("name", false, [](NodeInfo &other) { other.name = QStringLiteral("cn2"); });
     row("case of the name", false, [](NodeInfo &other) { other.name = QStringLiteral("CN1"); });
-    row("blank behind the name", false, [](NodeInfo &other) { other.name += QLatin1Char(' '); });
+    row("blank after the name", false, [](NodeInfo &other) { other.name += QLatin1Char(' '); });
     row("cores", false, [](NodeInfo &other) { other.cores = 17; });
     row("sockets", false, [](NodeInfo &other) { other.sockets = 1; });
     row("quantity", false, [](NodeInfo &other) { other.quantity = 62.25; });

@@ -81,7 +81,7 @@ void TestNodeLines::aLineIsRead_data()
     row("other roles beside", "hn:12:2:48:WorkstationNodes,ComputeNodes", "hn:12:2:48:C");
     row("empty parts in front", "::hn:12:2:48:HeadNodes", "hn:12:2:48:H");
     row("empty parts between", "hn::12:::2:48::HeadNodes", "hn:12:2:48:H");
-    row("empty parts behind", "hn:12:2:48:HeadNodes:::", "hn:12:2:48:H");
+    row("empty parts at the end", "hn:12:2:48:HeadNodes:::", "hn:12:2:48:H");
     row("more parts", "hn:12:2:48:HeadNodes:ComputeNodes:7", "hn:12:2:48:H");
     row("cores that are no number", "cn1:many:2:64:ComputeNodes", "cn1:0:2:64:C");
     row("a real number of cores", "cn1:1.5:2:64:ComputeNodes", "cn1:0:2:64:C");
@@ -197,7 +197,7 @@ void TestNodeLines::theQuantityIsRead_data()
         QTest::newRow(text) << QString::fromLatin1(text) << qInf();
     for (const char *text : {"-inf", "-1e999"})
         QTest::newRow(text) << QString::fromLatin1(text) << -qInf();
-    QTest::newRow("another word for it") << QStringLiteral("infinity") << 0.0;
+    QTest::newRow("infinity") << QStringLiteral("infinity") << 0.0;
 }
 
 void TestNodeLines::theQuantityIsRead()

@@ -251,7 +251,7 @@ private Q_SLOTS:
     void theBytesAfterAnExtendedRecordAreNotRead();
     void fixedRecordsAreCounted_data();
     void fixedRecordsAreCounted();
-    void thePartOfALastFixedRecordCounts();
+    void aTruncatedLastFixedRecordCounts();
 
     void theExtendedCallIsAskedAlone();
     void theOlderCallIsAskedWhereThereIsNoOther();
@@ -320,7 +320,7 @@ void TestProcessorRecords::extendedRecordsAreCounted_data()
     QTest::newRow("efficiency cores first")
         << package() + times(4, core(NoSmt)) + times(8, core(Smt, {{0, 3}}, 1))
         << counts(1, 12, Smt);
-    QTest::newRow("a package behind the last core decides nothing")
+    QTest::newRow("a package after the last core decides nothing")
         << core(Smt) + package() << counts(1, 1, Smt);
     QTest::newRow("the flags must equal that of SMT")
         << package() + processorRecord(Core, 3, 0, {{0, 3}}) << counts(1, 1, NoSmt);
@@ -424,7 +424,7 @@ void TestProcessorRecords::fixedRecordsAreCounted()
     QCOMPARE(countFixedRecords(records), expected);
 }
 
-void TestProcessorRecords::thePartOfALastFixedRecordCounts()
+void TestProcessorRecords::aTruncatedLastFixedRecordCounts()
 {
     const QByteArray whole = fixedRecord(Package) + fixedRecord(Core);
     const QByteArray last = fixedRecord(Core);

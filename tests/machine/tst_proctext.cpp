@@ -177,7 +177,7 @@ void TestProcText::theLoadIsThatSinceTheSampleBefore_data()
         << Samples{sample(0, 100), sample(50, 150), QByteArray(), QByteArray("cpu  x"),
                    sample(80, 220)}
         << Loads{50, -1, -1, 30};
-    QTest::newRow("behind what cannot be read no tick has passed")
+    QTest::newRow("after a failed read, no tick has passed: the load before")
         << Samples{sample(0, 100), sample(50, 150), QByteArray(), sample(50, 150)}
         << Loads{50, -1, 50};
 }
@@ -212,7 +212,7 @@ void TestProcText::theMemoryIsReadInBytes_data()
     QTest::newRow("no line end") << QByteArray("MemAvailable: 7") << available << Q_INT64_C(7168);
     QTest::newRow("the first of two")
         << QByteArray("MemAvailable: 1 kB\nMemAvailable: 2 kB\n") << available << Q_INT64_C(1024);
-    QTest::newRow("behind empty lines")
+    QTest::newRow("after empty lines")
         << QByteArray("\n\n\nMemAvailable: 1 kB\n") << available << Q_INT64_C(1024);
     QTest::newRow("not there") << Memory << QByteArray("MemShared:") << Q_INT64_C(-1);
     QTest::newRow("an older system")
@@ -226,7 +226,7 @@ void TestProcText::theMemoryIsReadInBytes_data()
     QTest::newRow("the number of the next line does not count")
         << QByteArray("MemAvailable:\n 5 kB\n") << available << Q_INT64_C(-1);
     QTest::newRow("negative") << QByteArray("MemAvailable: -5 kB\n") << available << Q_INT64_C(-1);
-    QTest::newRow("cut off behind the key")
+    QTest::newRow("cut off after the key")
         << QByteArray("MemAvailable:") << available << Q_INT64_C(-1);
     QTest::newRow("the largest number") << QByteArray("MemAvailable: 9007199254740991 kB\n")
                                         << available << std::numeric_limits<qint64>::max() - 1023;

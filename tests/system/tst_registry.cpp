@@ -83,7 +83,7 @@ QString read(const QString &name, const QString &keyPath = QString())
     const std::wstring key = keyPath.toStdWString();
     Registry::readRegistryValue(name.toStdWString().c_str(), out.data(),
                                 keyPath.isNull() ? nullptr : key.c_str());
-    return out.isIntact() ? out.text() : QStringLiteral("written behind the end");
+    return out.isIntact() ? out.text() : QStringLiteral("written past the end");
 }
 
 QString translators(const QStringList &lastParts, const QString &base)
@@ -97,21 +97,21 @@ QString readTranslatorsFolder()
 {
     FolderBuffer out;
     Registry::readOrlithTranslatorsFolder(out.data());
-    return out.isIntact() ? out.text() : QStringLiteral("written behind the end");
+    return out.isIntact() ? out.text() : QStringLiteral("written past the end");
 }
 
 QString readServerFolder()
 {
     FolderBuffer out;
     Registry::readOrlith_HLXServerFolder(out.data());
-    return out.isIntact() ? out.text() : QStringLiteral("written behind the end");
+    return out.isIntact() ? out.text() : QStringLiteral("written past the end");
 }
 
 QString readServerProgram()
 {
     FolderBuffer out;
     Registry::getOrlith_HLXServer_exe(out.data());
-    return out.isIntact() ? out.text() : QStringLiteral("written behind the end");
+    return out.isIntact() ? out.text() : QStringLiteral("written past the end");
 }
 
 } // namespace
@@ -144,12 +144,12 @@ private Q_SLOTS:
     void aNameNeverReachesIntoASubkey();
     void aValueEndsAtItsFirstNull();
     void theTypeOfAValueIsNotChecked();
-    void aValueThatDoesNotFitIsNotThere_data();
-    void aValueThatDoesNotFitIsNotThere();
+    void aValueThatDoesNotFitCountsAsMissing_data();
+    void aValueThatDoesNotFitCountsAsMissing();
     void aValueThatDoesNotFitIsPrinted();
     void aKeyPathThatDoesNotFitIsPrintedAsNotOpened();
-    void aKeyPathDoesNotLeadAroundTheSettings_data();
-    void aKeyPathDoesNotLeadAroundTheSettings();
+    void aKeyPathCannotLeaveTheSettingsFolder_data();
+    void aKeyPathCannotLeaveTheSettingsFolder();
     void everyFolderOfTheSettingsIsSearched();
 
     void aMissingKeyIsPrinted();
@@ -281,7 +281,8 @@ void TestRegistry::theGreatestReleaseIsRead_data()
     QTest::newRow("one") << list("24.0") << QStringLiteral("24.0");
     QTest::newRow("two") << list("24.0 24.2") << QStringLiteral("24.2");
     QTest::newRow("by number") << list("24.0 24.1 24.10 24.9") << QStringLiteral("24.10");
-    QTest::newRow("of its own") << list("23.9 24.3 25.8 124.7") << QStringLiteral("24.3");
+    QTest::newRow("only releases of the same major number")
+        << list("23.9 24.3 25.8 124.7") << QStringLiteral("24.3");
 }
 
 void TestRegistry::theGreatestReleaseIsRead()
@@ -376,7 +377,7 @@ void TestRegistry::theTypeOfAValueIsNotChecked()
              onWindows() ? QStringLiteral("one") : QStringLiteral("one, two"));
 }
 
-void TestRegistry::aValueThatDoesNotFitIsNotThere_data()
+void TestRegistry::aValueThatDoesNotFitCountsAsMissing_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<bool>("isThere");
@@ -414,7 +415,7 @@ void TestRegistry::aKeyPathThatDoesNotFitIsPrintedAsNotOpened()
     QVERIFY2(outcome.printed.last().startsWith(expected), qPrintable(outcome.printed.last()));
 }
 
-void TestRegistry::aValueThatDoesNotFitIsNotThere()
+void TestRegistry::aValueThatDoesNotFitCountsAsMissing()
 {
     QFETCH(int, size);
     QFETCH(bool, isThere);
@@ -424,7 +425,7 @@ void TestRegistry::aValueThatDoesNotFitIsNotThere()
     QCOMPARE(read(installationDirectory()), isThere ? value : QString());
 }
 
-void TestRegistry::aKeyPathDoesNotLeadAroundTheSettings_data()
+void TestRegistry::aKeyPathCannotLeaveTheSettingsFolder_data()
 {
     QTest::addColumn<QString>("keyPath");
 
@@ -432,10 +433,10 @@ void TestRegistry::aKeyPathDoesNotLeadAroundTheSettings_data()
         << QStringLiteral("SOFTWARE\\Vantorel/../Vantorel\\VORN\\24.0");
     QTest::newRow("this folder") << QStringLiteral("SOFTWARE\\.\\Around\\24.0");
     QTest::newRow("the folder above") << QStringLiteral("SOFTWARE\\..\\Around\\24.0");
-    QTest::newRow("a part too few") << QStringLiteral("SOFTWARE\\\\Around\\24.0");
+    QTest::newRow("an empty part") << QStringLiteral("SOFTWARE\\\\Around\\24.0");
 }
 
-void TestRegistry::aKeyPathDoesNotLeadAroundTheSettings()
+void TestRegistry::aKeyPathCannotLeaveTheSettingsFolder()
 {
     QFETCH(QString, keyPath);
 

@@ -59,13 +59,13 @@ void TestRegistryKey::greatestRelease_data()
     row("plus sign", "24.x", words("24.+5 24.3"), "24.+5");
     row("signs without a number", "24.x", words("24.+ 24.- 24.+-5 24.-+5 24.--5"), "");
     row("blank in front", "24.x", {QStringLiteral("24. 7"), QStringLiteral("24.3")}, "24. 7");
-    row("blank behind", "24.x", {QStringLiteral("24.7 "), QStringLiteral("24.3")}, "24.3");
+    row("blank after", "24.x", {QStringLiteral("24.7 "), QStringLiteral("24.3")}, "24.3");
     row("only a blank", "24.x", {QStringLiteral("24. ")}, "");
     row("grouped digits", "24.x", {QStringLiteral("24.1,000"), QStringLiteral("24.3")}, "24.3");
     row("prefix up to an x", "24xy.x", words("24.3 24xy.7"), "24.3");
     row("prefix up to the first point", "24.5.x", words("24.3 24.5.7"), "24.3");
     row("empty prefix", ".x", words("24.3 .7 .5"), ".7");
-    row("more behind the x", "24.x86", words("24.3"), "24.3");
+    row("more after the x", "24.x86", words("24.3"), "24.3");
     row("no names", "24.x", {}, "");
     row("empty name", "24.x", {QString()}, "");
     QTest::newRow("other digits") << QStringLiteral("24.x")

@@ -128,7 +128,7 @@ void TestStandardFolders::programDataLieInTheCommonFolder_data()
     QTest::addColumn<QString>("expected"); // below the common folder
     QTest::newRow("the product") << QStringLiteral("VORN 2024")
                                  << QStringLiteral("/Vantorel/VORN 2024");
-    QTest::newRow("placeholders") << QStringLiteral("%1%2") << QStringLiteral("/Vantorel/%1%2");
+    QTest::newRow("place markers") << QStringLiteral("%1%2") << QStringLiteral("/Vantorel/%1%2");
     QTest::newRow("no name") << QString() << QStringLiteral("/Vantorel/");
 }
 

@@ -79,7 +79,7 @@ private Q_SLOTS:
     void workingFolderOfAFileInALinkedFolderIsTheLink();
     void settingTheWorkingFolderKeepsTheCurrentOne();
 
-    void analysisFolderIsReadUntilItIsThere();
+    void analysisFolderIsReadAgainUntilItIsFound();
     void installationFolderOfTheSettings_data();
     void installationFolderOfTheSettings();
     void installationFolderOfTheVariable();
@@ -457,7 +457,7 @@ void TestSystem::settingTheWorkingFolderKeepsTheCurrentOne()
     QCOMPARE(System::getWorkingDirPath(), here_);
 }
 
-void TestSystem::analysisFolderIsReadUntilItIsThere()
+void TestSystem::analysisFolderIsReadAgainUntilItIsFound()
 {
     const QString name = QStringLiteral("AnalyzeDirectory");
     QCOMPARE(System::getAnalyzeDirPath(), QString());
@@ -606,7 +606,7 @@ void TestSystem::makePathCreatesAllMissingFolders_data()
     QTest::newRow("mixed") << QStringLiteral("/a\\b/c");
     QTest::newRow("separator at the end") << QStringLiteral("/a/b/");
     QTest::newRow("two separators") << QStringLiteral("/a//b");
-    QTest::newRow("blanks and points") << QStringLiteral("/a b/c.d");
+    QTest::newRow("blanks and dots") << QStringLiteral("/a b/c.d");
 }
 
 void TestSystem::makePathCreatesAllMissingFolders()

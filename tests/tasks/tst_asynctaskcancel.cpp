@@ -18,8 +18,8 @@ private Q_SLOTS:
     void aMonitorThatChangesItsMindIsObeyedOnce();
     void afterACancelAnErrorDoesNotStopTheQueue();
     void afterAnErrorStopACancelIsNotLogged();
-    void afterAnErrorThatDidNotStopACancelCounts();
-    void anErrorAndACancelTogetherAreAnErrorStop();
+    void aCancelCountsAfterAnErrorThatDidNotStopTheQueue();
+    void anErrorAndACancelAtOnceStopLikeAnError();
     void aMonitorThatIsTakenAwayIsNotAsked();
 };
 
@@ -162,7 +162,7 @@ void TestAsyncTaskCancel::afterAnErrorStopACancelIsNotLogged()
     QCOMPARE(queue.lines(), linesOfRun({"A: broken", "-> C", "C", "D", "E"}));
 }
 
-void TestAsyncTaskCancel::afterAnErrorThatDidNotStopACancelCounts()
+void TestAsyncTaskCancel::aCancelCountsAfterAnErrorThatDidNotStopTheQueue()
 {
     Queue queue;
     queue.processor.setExitOnError(false);
@@ -175,7 +175,7 @@ void TestAsyncTaskCancel::afterAnErrorThatDidNotStopACancelCounts()
     QCOMPARE(queue.lines(), linesOfRun({"A: broken", "cancel", "-> C", "C"}));
 }
 
-void TestAsyncTaskCancel::anErrorAndACancelTogetherAreAnErrorStop()
+void TestAsyncTaskCancel::anErrorAndACancelAtOnceStopLikeAnError()
 {
     Queue queue;
     TestMonitor monitor({true});

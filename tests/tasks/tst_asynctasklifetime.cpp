@@ -34,7 +34,7 @@ class TestAsyncTaskLifetime : public QObject
 private Q_SLOTS:
     void aTaskAddedTwiceRunsOnce();
     void aTaskThatFinishesAgainInItsFinishedSignalCountsOnce();
-    void aTaskBornAsAChildIsAddedOnce();
+    void aTaskCreatedAsAChildIsAddedOnce();
     void aMonitorMayDeleteTheProcessor();
     void aTasksDestructorMayDeleteTheProcessor_data();
     void aTasksDestructorMayDeleteTheProcessor();
@@ -96,7 +96,7 @@ void TestAsyncTaskLifetime::aTaskThatFinishesAgainInItsFinishedSignalCountsOnce(
         texts({"started A", "finished A", "started B", "finished B", "started C", "finished C"}));
 }
 
-void TestAsyncTaskLifetime::aTaskBornAsAChildIsAddedOnce()
+void TestAsyncTaskLifetime::aTaskCreatedAsAChildIsAddedOnce()
 {
     Queue queue;
     auto *a = new TestTask(QStringLiteral("A"), succeed(), &queue.processor);

@@ -31,7 +31,7 @@ private Q_SLOTS:
     void aSecondStartBeforeTheRunStartsNoTaskTwice();
     void aSecondStartDuringATaskDoesNotStartTheNextOne();
     void aSecondStartRestartsTheTimeOfTheRun();
-    void aStartStillPendingAfterTheRunStartsATaskAddedSince();
+    void aStartThatIsStillQueuedRunsATaskAddedAfterTheRun();
     void aTaskAddedAfterTheRunWaitsForTheNextStart();
     void aProcessorStartedAgainRunsWhatWasAddedSince();
 
@@ -173,7 +173,7 @@ void TestAsyncTaskStart::aSecondStartRestartsTheTimeOfTheRun()
     QVERIFY2(finishedLines(0, atMost).contains(line), qPrintable(line));
 }
 
-void TestAsyncTaskStart::aStartStillPendingAfterTheRunStartsATaskAddedSince()
+void TestAsyncTaskStart::aStartThatIsStillQueuedRunsATaskAddedAfterTheRun()
 {
     Queue queue;
     queue.processor.setExitEventLoopWhenDone(false);

@@ -102,7 +102,7 @@ void TestSyncTask::theNameIsTheClassNameAndTheMethod_data()
     QTest::newRow("no such method")
         << QStringLiteral("Update()") << QStringLiteral("app::Worker::Update()");
     QTest::newRow("nothing") << QString() << QStringLiteral("app::Worker::");
-    QTest::newRow("placeholders") << QStringLiteral("%1%2") << QStringLiteral("app::Worker::%1%2");
+    QTest::newRow("place markers") << QStringLiteral("%1%2") << QStringLiteral("app::Worker::%1%2");
     QTest::newRow("outside Latin-1")
         << QStringLiteral("κλήση") << QStringLiteral("app::Worker::κλήση");
 }

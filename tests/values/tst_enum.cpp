@@ -308,7 +308,7 @@ void TestEnum::namesAreFoundExactly_data()
     QTest::newRow("the beginning") << QStringLiteral("Gree") << -1;
     QTest::newRow("more") << QStringLiteral("Greens") << -1;
     QTest::newRow("blank in front") << QStringLiteral(" Green") << -1;
-    QTest::newRow("blank behind") << QStringLiteral("Green ") << -1;
+    QTest::newRow("blank after") << QStringLiteral("Green ") << -1;
     QTest::newRow("empty") << QStringLiteral("") << -1;
     QTest::newRow("null") << QString() << -1;
 }

@@ -90,8 +90,8 @@ private Q_SLOTS:
 
     void toStringPrintsThreeNumbers_data();
     void toStringPrintsThreeNumbers();
-    void toPublicNamesFourOldMajors_data();
-    void toPublicNamesFourOldMajors();
+    void toPublicHasNamesForTheMajors9To12_data();
+    void toPublicHasNamesForTheMajors9To12();
     void thePublicNameOfThisBuildIsSeparate();
 
     void theElementHoldsThreeNumbersInOrder();
@@ -303,7 +303,7 @@ void TestVersion::toStringPrintsThreeNumbers()
     QTEST(version.toString(), "text");
 }
 
-void TestVersion::toPublicNamesFourOldMajors_data()
+void TestVersion::toPublicHasNamesForTheMajors9To12_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<QString>("name");
@@ -323,7 +323,7 @@ void TestVersion::toPublicNamesFourOldMajors_data()
     row(-9, "-9");
 }
 
-void TestVersion::toPublicNamesFourOldMajors()
+void TestVersion::toPublicHasNamesForTheMajors9To12()
 {
     QFETCH(int, number);
     QTEST(Version(number).toPublic(), "name");

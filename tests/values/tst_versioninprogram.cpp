@@ -138,8 +138,8 @@ private Q_SLOTS:
     void theVersionOfTheFirstNameCounts_data() { addPrograms(); }
     void theVersionOfTheFirstNameCounts();
     void theBlockMayLieInAnotherSection();
-    void whatLiesAfterTheSectionIsFollowedWithinTheFile_data() { addPrograms(); }
-    void whatLiesAfterTheSectionIsFollowedWithinTheFile();
+    void offsetsBeyondTheSectionAreFollowedWithinTheFile_data() { addPrograms(); }
+    void offsetsBeyondTheSectionAreFollowedWithinTheFile();
     void randomBytesHaveNone();
     void randomPlacesStayWithinTheFile_data() { addPrograms(); }
     void randomPlacesStayWithinTheFile();
@@ -393,7 +393,7 @@ void TestVersionInProgram::theBlockMayLieInAnotherSection()
 }
 
 // A size larger than the file is harmless.
-void TestVersionInProgram::whatLiesAfterTheSectionIsFollowedWithinTheFile()
+void TestVersionInProgram::offsetsBeyondTheSectionAreFollowedWithinTheFile()
 {
     QFETCH(QByteArray, program);
     QFETCH(QString, version);

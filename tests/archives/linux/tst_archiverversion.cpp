@@ -28,7 +28,7 @@ private Q_SLOTS:
     void aProgramThatPrintsNoVersionIsAskedOnce();
     void aProgramThatWasReplacedIsAskedAgain_data();
     void aProgramThatWasReplacedIsAskedAgain();
-    void aProgramThatPrintsOnIsNotWaitedFor();
+    void aProgramThatKeepsPrintingIsNotWaitedFor();
     void aProgramThatPrintsNoVersionIsNotWaitedForLong_data();
     void aProgramThatPrintsNoVersionIsNotWaitedForLong();
 
@@ -136,7 +136,7 @@ void TestArchiverVersion::aProgramThatWasReplacedIsAskedAgain()
     QCOMPARE(runs(), QByteArray("run 0\nrun 0\n"));
 }
 
-void TestArchiverVersion::aProgramThatPrintsOnIsNotWaitedFor()
+void TestArchiverVersion::aProgramThatKeepsPrintingIsNotWaitedFor()
 {
     QVERIFY(writeArchiver("echo '7-Zip [64] 9.38 beta'\nexec /bin/sleep 60\n"));
     QElapsedTimer timer;

@@ -51,27 +51,27 @@ private Q_SLOTS:
     void init() override;
     void cleanup() override;
 
-    void aLogCannotBeOpenedInSuchAFolder_data();
-    void aLogCannotBeOpenedInSuchAFolder();
+    void aLogCannotBeOpenedInAReadOnlyFolder_data();
+    void aLogCannotBeOpenedInAReadOnlyFolder();
     void aLogThatMayNotBeWrittenCannotBeOpened();
-    void aLogInSuchAFolderStaysAsItWasAndIsWritten();
-    void oldLogsInSuchAFolderStay();
+    void aLogInAReadOnlyFolderStaysAsItWasAndIsWritten();
+    void oldLogsInAReadOnlyFolderStay();
 
-    void aCommandInSuchAFolderPrintsNothing();
+    void aCommandInAReadOnlyFolderPrintsNothing();
     void aScriptThatCannotBeDeletedIsOverwritten_data();
     void aScriptThatCannotBeDeletedIsOverwritten();
     void aScriptThatMayNotBeWrittenIsNotRun();
-    void aCommandThatIsNotWaitedForRunsInSuchAFolder();
+    void aCommandThatIsNotWaitedForRunsInAReadOnlyFolder();
 
     void theCountsAreTheSystemsAlthoughTheyCannotBeSaved();
     void anInformationFileThatMayNotBeReadLeavesTheDefaults();
 
-    void settingsThatMayNotBeReadAreNotThere();
+    void settingsThatMayNotBeReadCountAsMissing();
     void theLocaleIsTheDefaultWhenSettingsMayNotBeRead();
     void settingsThatMayNotBeReadAreNotOverwritten();
     void theLocaleStaysWhenSettingsMayNotBeWritten();
 
-    void aFileInSuchAFolderKeepsItsName();
+    void aFileInAReadOnlyFolderKeepsItsName();
 
 private:
     QString readOnly_;
@@ -107,14 +107,14 @@ void TestReadOnly::cleanup()
     TestWithFolder::cleanup();
 }
 
-void TestReadOnly::aLogCannotBeOpenedInSuchAFolder_data()
+void TestReadOnly::aLogCannotBeOpenedInAReadOnlyFolder_data()
 {
     QTest::addColumn<bool>("append");
     QTest::newRow("anew") << false;
     QTest::newRow("at its end") << true;
 }
 
-void TestReadOnly::aLogCannotBeOpenedInSuchAFolder()
+void TestReadOnly::aLogCannotBeOpenedInAReadOnlyFolder()
 {
     QFETCH(bool, append);
     const QByteArray outcome = asOrdinaryUser([this, append] {
@@ -145,7 +145,7 @@ void TestReadOnly::aLogThatMayNotBeWrittenCannotBeOpened()
 }
 
 // Neither the tail nor a copy of the tail can replace the log.
-void TestReadOnly::aLogInSuchAFolderStaysAsItWasAndIsWritten()
+void TestReadOnly::aLogInAReadOnlyFolderStaysAsItWasAndIsWritten()
 {
     const QByteArray before(static_cast<int>(Log::MaxLogSize) + 1, '\n');
     QVERIFY(writeFile(openLog_, before));
@@ -161,7 +161,7 @@ void TestReadOnly::aLogInSuchAFolderStaysAsItWasAndIsWritten()
     QVERIFY(contentOf(openLog_) == before + " more\ntext");
 }
 
-void TestReadOnly::oldLogsInSuchAFolderStay()
+void TestReadOnly::oldLogsInAReadOnlyFolderStay()
 {
     const QString folder = path(QStringLiteral("logs"));
     QVERIFY(QDir().mkdir(folder));
@@ -181,7 +181,7 @@ void TestReadOnly::oldLogsInSuchAFolderStay()
 }
 
 // There is no script to be run.
-void TestReadOnly::aCommandInSuchAFolderPrintsNothing()
+void TestReadOnly::aCommandInAReadOnlyFolderPrintsNothing()
 {
     const QString logName = path(QStringLiteral("command.log"));
     const QByteArray outcome = asOrdinaryUser([this, &logName] {
@@ -247,7 +247,7 @@ void TestReadOnly::aScriptThatMayNotBeWrittenIsNotRun()
     QCOMPARE(contentOf(script), QByteArray("echo other\nexit 5"));
 }
 
-void TestReadOnly::aCommandThatIsNotWaitedForRunsInSuchAFolder()
+void TestReadOnly::aCommandThatIsNotWaitedForRunsInAReadOnlyFolder()
 {
     const QString fileName = path(QStringLiteral("result"));
     const QByteArray outcome = asOrdinaryUser([this, &fileName] {
@@ -321,7 +321,7 @@ QString makeLockedSettings(const QString &folder)
 
 } // namespace
 
-void TestReadOnly::settingsThatMayNotBeReadAreNotThere()
+void TestReadOnly::settingsThatMayNotBeReadCountAsMissing()
 {
     QVERIFY(QFile::exists(makeLockedSettings(testFolder())));
     const QByteArray outcome = asOrdinaryUser([] {
@@ -368,7 +368,7 @@ void TestReadOnly::theLocaleStaysWhenSettingsMayNotBeWritten()
     QCOMPARE(contentOf(fileName), Settings);
 }
 
-void TestReadOnly::aFileInSuchAFolderKeepsItsName()
+void TestReadOnly::aFileInAReadOnlyFolderKeepsItsName()
 {
     const QString folder = path(QStringLiteral("files"));
     QVERIFY(QDir().mkdir(folder));

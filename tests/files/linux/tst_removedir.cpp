@@ -81,8 +81,8 @@ private Q_SLOTS:
     void whatIsNeitherFileNorFolderStays_data();
     void whatIsNeitherFileNorFolderStays();
     void aNameThatIsNoTextStays();
-    void aKeptLinkLeadsToTheFolderToEmpty_data();
-    void aKeptLinkLeadsToTheFolderToEmpty();
+    void aLinkIsKeptAndItsTargetEmptied_data();
+    void aLinkIsKeptAndItsTargetEmptied();
 };
 
 void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed_data()
@@ -238,7 +238,7 @@ void TestRemoveDir::aNameThatIsNoTextStays()
     QCOMPARE(unlink(name.constData()), 0);
 }
 
-void TestRemoveDir::aKeptLinkLeadsToTheFolderToEmpty_data()
+void TestRemoveDir::aLinkIsKeptAndItsTargetEmptied_data()
 {
     QTest::addColumn<QString>("end"); // after the link's path
     QTest::addColumn<bool>("keepFolder");
@@ -252,7 +252,7 @@ void TestRemoveDir::aKeptLinkLeadsToTheFolderToEmpty_data()
     }
 }
 
-void TestRemoveDir::aKeptLinkLeadsToTheFolderToEmpty()
+void TestRemoveDir::aLinkIsKeptAndItsTargetEmptied()
 {
     QFETCH(QString, end);
     QFETCH(bool, keepFolder);

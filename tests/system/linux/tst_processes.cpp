@@ -164,11 +164,11 @@ class TestProcesses : public QObject
 private Q_SLOTS:
     void aKilledProcessDoesNotRunBeforeItIsWaitedFor();
     void aThreadOfTheSystemIsNoProgram();
-    void anIdThatIsUsedAgainIsNeverHit();
-    void withoutHeldProcessesTheIdIsHit_data();
-    void withoutHeldProcessesTheIdIsHit();
-    void aProgramMayEndWithTheMarkOfADeletedOne();
-    void aDeletedProgramIsNotTheFileOfItsMarkedName();
+    void aReusedIdIsNeverEnded();
+    void withoutPidfdsTheProcessWithTheIdIsEnded_data();
+    void withoutPidfdsTheProcessWithTheIdIsEnded();
+    void aProgramNameMayEndWithDeleted();
+    void aDeletedProgramIsNotTheFileNamedDeleted();
     void anotherUsersProgramIsFoundByTheNameThatItGivesItself();
     void countersAreNotInheritedByStartedPrograms();
     void foldersAreNotInheritedByStartedPrograms();
@@ -204,7 +204,7 @@ void TestProcesses::aThreadOfTheSystemIsNoProgram()
 }
 
 // The process ends after it was found, and another one gets its id before it is to be ended.
-void TestProcesses::anIdThatIsUsedAgainIsNeverHit()
+void TestProcesses::aReusedIdIsNeverEnded()
 {
     const TestFolder folder;
     const QString program = folder.filePath(uniqueName());
@@ -232,14 +232,14 @@ void TestProcesses::anIdThatIsUsedAgainIsNeverHit()
     QVERIFY(other->isRunning());
 }
 
-void TestProcesses::withoutHeldProcessesTheIdIsHit_data()
+void TestProcesses::withoutPidfdsTheProcessWithTheIdIsEnded_data()
 {
     QTest::addColumn<int>("error");
-    QTest::newRow("a system that does not know them") << ENOSYS;
-    QTest::newRow("a filter that does not know them") << EPERM;
+    QTest::newRow("a kernel without pidfd_open") << ENOSYS;
+    QTest::newRow("a filter that refuses pidfd_open") << EPERM;
 }
 
-void TestProcesses::withoutHeldProcessesTheIdIsHit()
+void TestProcesses::withoutPidfdsTheProcessWithTheIdIsEnded()
 {
     QFETCH(int, error);
     const TestFolder folder;
@@ -261,7 +261,7 @@ void TestProcesses::withoutHeldProcessesTheIdIsHit()
 }
 
 // As the system marks the program of a process whose file is gone.
-void TestProcesses::aProgramMayEndWithTheMarkOfADeletedOne()
+void TestProcesses::aProgramNameMayEndWithDeleted()
 {
     const TestFolder folder;
     const QString name = uniqueName() + QStringLiteral(" (deleted)");
@@ -277,7 +277,7 @@ void TestProcesses::aProgramMayEndWithTheMarkOfADeletedOne()
     QCOMPARE(System::killProcesses(program, {name}), QStringList{name});
 }
 
-void TestProcesses::aDeletedProgramIsNotTheFileOfItsMarkedName()
+void TestProcesses::aDeletedProgramIsNotTheFileNamedDeleted()
 {
     const TestFolder folder;
     const QString name = uniqueName();

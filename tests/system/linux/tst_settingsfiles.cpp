@@ -45,7 +45,7 @@ private Q_SLOTS:
     void theFileOfTheOrganisationIsNotWritten();
     void theFirstFileThatExistsCounts();
     void aFileThatExistsHidesTheOnesAfterIt();
-    void aFolderSetForQtHasNoOthersBesideIt();
+    void aFolderSetForQtReplacesTheOthers();
     void aChangeGoesToTheFileThatIsRead();
     void aChangeWithoutAFileMakesTheFirst();
     void aChangeLeavesTheRestOfTheFileAsItIs();
@@ -153,7 +153,7 @@ void TestSettingsFiles::aFileThatExistsHidesTheOnesAfterIt()
     QCOMPARE(installationDirectory(), QString());
 }
 
-void TestSettingsFiles::aFolderSetForQtHasNoOthersBesideIt()
+void TestSettingsFiles::aFolderSetForQtReplacesTheOthers()
 {
     QVERIFY(writeSettings(file("first"), "[24.0]\nLocale=it-IT\n"));
     const auto localeAfter = [this](const char *newLocale) {

@@ -209,7 +209,7 @@ void TestArchiverPrograms::init()
     QVERIFY(chosen != all.end());
     if (chosen->folder.isEmpty())
         QSKIP("The archiver is not there: the folder VORNUTILITY_ARCHIVERS, which scripts/test.sh "
-              "and scripts/test-windows.sh set, and PATH do not contain it.");
+              "and scripts/test-windows.sh set, and PATH do not contain it");
     if (currentProgram_ != program)
         QVERIFY(putBesideThisProgram(*chosen));
     currentProgram_ = program;

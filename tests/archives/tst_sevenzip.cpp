@@ -454,7 +454,7 @@ void TestSevenZip::sizesGoBeyond32Bits()
     QVERIFY(large.open(QIODevice::WriteOnly));
     constexpr qint64 Size = Q_INT64_C(3000000000);
     if (!large.resize(Size))
-        QSKIP("The file system of the temporary folder takes no file of 3 GB.");
+        QSKIP("The file system of the temporary folder takes no file of 3 GB");
     large.close();
     QCOMPARE(Archive::fileSize(large.fileName()), Size);
     QCOMPARE(Archive::fileSizes({large.fileName(), large.fileName()}), 2 * Size);

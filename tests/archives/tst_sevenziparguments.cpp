@@ -154,7 +154,7 @@ void TestSevenZipArguments::aCombinationWithoutSwitchesGivesEmptyArguments()
     QVERIFY(archive.compressFiles({QStringLiteral("f")}));
     QTEST(fake.arguments(), "expected");
 #else
-    QSKIP("A debug build stops here with an assertion, which tst_sevenzip tests.");
+    QSKIP("A debug build stops here with an assertion, which tst_sevenzip tests");
 #endif
 }
 
@@ -461,7 +461,7 @@ void TestSevenZipArguments::aLinkToNowhereIsInTheWayOfAListFile()
     const QString target = temp_.path() + QStringLiteral("/target");
     if (!QFile::link(target, link) || !QFileInfo(link).isSymLink()) {
         QFile::remove(link);
-        QSKIP("This system has no links with names of that kind.");
+        QSKIP("This system has no links with names of that kind");
     }
     const FakeArchiver fake;
     SevenZip archive;

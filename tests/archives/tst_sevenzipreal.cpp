@@ -77,7 +77,7 @@ void TestSevenZipReal::initTestCase()
     QVERIFY(temp_.isUsed());
     const bool isBeside = QFile::exists(System::getCurrentExePath() + QStringLiteral("/7z.exe"));
     if (onWindows() && !isBeside)
-        QSKIP("There is no 7z.exe beside this program.");
+        QSKIP("There is no 7z.exe beside this program");
     if (!isBeside) {
         const QString program = QStandardPaths::findExecutable(QStringLiteral("7z"))
             + QStandardPaths::findExecutable(QStringLiteral("7zz"))
@@ -141,7 +141,7 @@ void TestSevenZipReal::namesWithWildcardsStandForThemselvesAlone_data()
 void TestSevenZipReal::namesWithWildcardsStandForThemselvesAlone()
 {
     if (onWindows())
-        QSKIP("No file can have such a name here.");
+        QSKIP("No file can have such a name here");
     QFETCH(int, count);
     Tree tree = numberedTree(count - 1);
     tree.insert(QStringLiteral("*"), "all");

@@ -230,7 +230,7 @@ void TestSevenZipResults::unknownHeadersOfAListingFallBack()
 #ifdef QT_NO_DEBUG
     headersOfAListing();
 #else
-    QSKIP("A debug build stops here with an assertion, which tst_sevenzip tests.");
+    QSKIP("A debug build stops here with an assertion, which tst_sevenzip tests");
 #endif
 }
 

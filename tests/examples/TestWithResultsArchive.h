@@ -221,7 +221,7 @@ inline bool haveArchiver()
 
 #define NEED_ARCHIVER                                                                              \
     if (!haveArchiver())                                                                           \
-    QSKIP("There is no 7-Zip on PATH, or on Windows 7z.exe beside this test.")
+    QSKIP("There is no 7-Zip on PATH, or on Windows 7z.exe beside this test")
 
 /// A listing in the words of the program that is shipped with the product.
 inline QByteArray listing(const QByteArray &name, int size)

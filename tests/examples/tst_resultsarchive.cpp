@@ -354,7 +354,7 @@ void TestResultsArchive::namesThatHoldTheFoldersPathArePacked()
 {
     NEED_ARCHIVER;
     if (onWindows())
-        QSKIP("A path begins with a drive here, which no name can hold.");
+        QSKIP("A path begins with a drive here, which no name can hold");
     Site site(smallTree());
     site.useRealArchiver();
     QVERIFY(writeFileInFolder(

@@ -113,7 +113,7 @@ void TestResultsArchiveFailures::aSignalCancelsTheRun_data()
 void TestResultsArchiveFailures::aSignalCancelsTheRun()
 {
     if (onWindows())
-        QSKIP("A process cannot send another one Ctrl-C here.");
+        QSKIP("A process cannot send another one Ctrl-C here");
     QFETCH(QString, signal);
     QFETCH(int, exitCode);
     Site site(smallTree());
@@ -149,7 +149,7 @@ void TestResultsArchiveFailures::aSignalCancelsTheRun()
 void TestResultsArchiveFailures::aCancelOfALargeRunLeavesNothing()
 {
     if (onWindows())
-        QSKIP("A process cannot send another one Ctrl-C here.");
+        QSKIP("A process cannot send another one Ctrl-C here");
     NEED_ARCHIVER;
     Tree tree;
     const QByteArray bytes = noise(1 << 20);

@@ -235,7 +235,7 @@ void TestResultsArchiveRefusals::aNameThat7ZipMisreadsIsRefused()
 void TestResultsArchiveRefusals::aNameThatIsNoTextIsRefused()
 {
     if (onWindows())
-        QSKIP("Every name is text here.");
+        QSKIP("Every name is text here");
     Site site(smallTree());
     const std::string name = QFile::encodeName(site.dataFolder()).toStdString() + "/b\xff";
     QVERIFY(std::ofstream(name).is_open());

@@ -148,7 +148,7 @@ void TestFolderTree::everyFolderOfADeepTreeIsFoundAgain()
 void TestFolderTree::aLinkIsNeitherOpenedNorEntered()
 {
     if (onWindows())
-        QSKIP("A link to a folder is a file here.");
+        QSKIP("A link to a folder is a file here");
     QVERIFY(makeFolder("other/sub"));
     QVERIFY(makeFolder("tree"));
     QVERIFY(QFile::link(path("other"), path("tree/link")));
@@ -213,7 +213,7 @@ void TestFolderTree::aFolderThatIsMovedStaysTheCurrentOne()
 void TestFolderTree::aFolderThatIsMovedOutOfADeepTreeIsNotLeft()
 {
     if (onWindows())
-        QSKIP("Such a folder cannot be moved here.");
+        QSKIP("Such a folder cannot be moved here");
     constexpr int Depth = 100;
     constexpr int Moved = 5; // level
     QString below = path("tree");

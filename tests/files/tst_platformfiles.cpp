@@ -91,7 +91,7 @@ void TestPlatformFiles::onlyAPlainFileIsOpenedToBeRead()
 void TestPlatformFiles::aPathOfTheSystemIsTakenAsItIs()
 {
     if (!onWindows())
-        QSKIP("Only Windows has a second form of its paths.");
+        QSKIP("Only Windows has a second form of its paths");
     const QString form = QStringLiteral("\\\\?\\");
     QVERIFY(writeFile(path("old"), "text"));
     QCOMPARE(Platform::moveFile(form + QDir::toNativeSeparators(path("old")),

@@ -69,7 +69,7 @@ void TestSystemFiles::theFlagsFolderLiesInTheUsersData()
 void TestSystemFiles::flagsOfTheUserAreSet()
 {
     if (onWindows())
-        QSKIP("The user's own flags cannot be put elsewhere.");
+        QSKIP("The user's own flags cannot be put elsewhere");
     QVERIFY(makeFolder("home/.local/share/Vantorel/VORN 2024/Flags"));
     QVERIFY(makeFile("home/.local/share/Vantorel/VORN 2024/Flags/VORN_flags.txt",
                      "  DebugMode   on\nOther\n"));
@@ -132,7 +132,7 @@ void TestSystemFiles::sizeLeavesHiddenEntriesOut()
 void TestSystemFiles::sizeLeavesLinkedFoldersOut()
 {
     if (onWindows())
-        QSKIP("A link is a file with a size here.");
+        QSKIP("A link is a file with a size here");
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFolder("other"));
     QVERIFY(makeFile("other/file", QByteArray(1000, 'x')));
@@ -145,7 +145,7 @@ void TestSystemFiles::sizeLeavesLinkedFoldersOut()
 void TestSystemFiles::sizeOfALinkIsThatOfItsFile()
 {
     if (onWindows())
-        QSKIP("A link is a file with a size here.");
+        QSKIP("A link is a file with a size here");
     QVERIFY(makeFolder("tree"));
     QVERIFY(makeFile("file", QByteArray(1000, 'x')));
     QVERIFY(makeLink("file", "tree/link"));
@@ -155,7 +155,7 @@ void TestSystemFiles::sizeOfALinkIsThatOfItsFile()
 void TestSystemFiles::sizeOfALinkedFolderIsThatOfTheFolder()
 {
     if (onWindows())
-        QSKIP("A link is a file here.");
+        QSKIP("A link is a file here");
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFile("tree/sub/file", QByteArray(1000, 'x')));
     QVERIFY(makeLink("tree", "link"));
@@ -165,7 +165,7 @@ void TestSystemFiles::sizeOfALinkedFolderIsThatOfTheFolder()
 void TestSystemFiles::sizeOfADanglingLinkIsZero()
 {
     if (onWindows())
-        QSKIP("A link is a file with a size here.");
+        QSKIP("A link is a file with a size here");
     QVERIFY(makeFolder("tree"));
     QVERIFY(makeLink("missing", "tree/link"));
     QVERIFY(makeFile("tree/file", QByteArray(5, 'x')));
@@ -188,7 +188,7 @@ void TestSystemFiles::sizeCanBeBeyond32Bits()
     for (const char *name : {"tree/file", "tree/sub/file"}) {
         QVERIFY(makeFile(name, ""));
         if (!QFile::resize(path(name), Size))
-            QSKIP("The file system takes no files of that size.");
+            QSKIP("The file system takes no files of that size");
     }
     QCOMPARE(System::getDirectorySize(path("tree")), 2 * Size);
 }
@@ -202,7 +202,7 @@ void TestSystemFiles::sharingAMissingFolderIsFalse()
 void TestSystemFiles::aFolderIsNotSharedByItself()
 {
     if (onWindows() && !hasAllOfWindows())
-        QSKIP("The call that tells of shares is missing here, and ends the process.");
+        QSKIP("The call that tells of shares is missing here, and ends the process");
     QVERIFY(!System::isFolderShared(QDir::toNativeSeparators(here_)));
     QVERIFY(!System::isFolderShared(QDir::toNativeSeparators(path("missing"))));
     QVERIFY(!System::isFolderShared(QString()));

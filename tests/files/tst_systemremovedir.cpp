@@ -240,7 +240,7 @@ void TestSystemRemoveDir::emptyingADriveIsNotEmptyingItsCurrentFolder()
     QFETCH(QString, root);
 
     if (!onWindows())
-        QSKIP("There are no drives on this system.");
+        QSKIP("There are no drives on this system");
     QVERIFY(makeFolder("drive"));
     const SubstitutedDrive substituted(QDir::toNativeSeparators(path("drive")));
     // Under Wine no folder of such a drive can be the current one: a real drive is given there.
@@ -412,7 +412,7 @@ void TestSystemRemoveDir::aLinkIsRemovedButNotItsFolder()
 void TestSystemRemoveDir::aKeptShortcutIsLeftAlone()
 {
     if (!onWindows())
-        QSKIP("There are no shortcuts on this system.");
+        QSKIP("There are no shortcuts on this system");
     QVERIFY(makeFolder("other"));
     QVERIFY(makeFile("other/file"));
     QVERIFY(makeLink("other", "link"));
@@ -436,7 +436,7 @@ void TestSystemRemoveDir::aLinkToTheFolderItselfIsNotFollowed()
 void TestSystemRemoveDir::aFolderBelowALinkIsTheSystemsOne()
 {
     if (onWindows())
-        QSKIP("A link is a file here.");
+        QSKIP("A link is a file here");
     QVERIFY(makeFolder("other/sub"));
     QVERIFY(makeFolder("other/tree"));
     QVERIFY(makeFile("other/tree/file"));
@@ -478,14 +478,14 @@ void TestSystemRemoveDir::anExceptedLinkStays()
 void TestSystemRemoveDir::aJunctionIsRemovedButNotItsFolder()
 {
     if (!onWindows())
-        QSKIP("There are no junctions on this system.");
+        QSKIP("There are no junctions on this system");
     QVERIFY(makeFolder("other/sub"));
     QVERIFY(makeFile("other/file"));
     QVERIFY(makeFile("other/sub/file"));
     QVERIFY(makeFolder("tree"));
     for (const char *name : {"tree/junction", "junction"}) {
         if (!makeJunction("other", name))
-            QSKIP("The system's command interpreter makes no junctions.");
+            QSKIP("The system's command interpreter makes no junctions");
     }
     QVERIFY(System::removeDir(path("tree"), false, QStringList()));
     QVERIFY(System::removeDir(path("junction"), false, QStringList()));
@@ -497,11 +497,11 @@ void TestSystemRemoveDir::aJunctionIsRemovedButNotItsFolder()
 void TestSystemRemoveDir::aJunctionIsKeptAndItsTargetEmptied()
 {
     if (!onWindows())
-        QSKIP("There are no junctions on this system.");
+        QSKIP("There are no junctions on this system");
     QVERIFY(makeFolder("other/sub"));
     QVERIFY(makeFile("other/file"));
     if (!makeJunction("other", "junction"))
-        QSKIP("The system's command interpreter makes no junctions.");
+        QSKIP("The system's command interpreter makes no junctions");
     QVERIFY(System::removeDir(path("junction"), true, QStringList()));
     QVERIFY(QFileInfo(path("junction")).isJunction());
     QCOMPARE(entriesOf(path("other")), QStringList());

@@ -145,7 +145,7 @@ void TestUnicodeFileRename::anExistingFileAtTheOwnPathIsOverwritten()
 void TestUnicodeFileRename::aFileThatIsItsOwnPlainFileStays()
 {
     if (onWindows())
-        QSKIP("A link to a folder is a file here.");
+        QSKIP("A link to a folder is a file here");
     QVERIFY(QFile::link(temp_.path(), path(unicodeFolder())));
     const QString own = create(unicodeFolder() + QStringLiteral("/beam.dat"));
     {
@@ -173,7 +173,7 @@ void TestUnicodeFileRename::aLinkToTheFileIsNeverMovedOverIt_data()
 void TestUnicodeFileRename::aLinkToTheFileIsNeverMovedOverIt()
 {
     if (onWindows())
-        QSKIP("A link is a file with a name of its own here.");
+        QSKIP("A link is a file with a name of its own here");
     QFETCH(bool, isLinkAtOwnPath);
     const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
     const QString own = path(unicodeFolder() + QStringLiteral("/beam.dat"));
@@ -220,7 +220,7 @@ void TestUnicodeFileRename::aSecondNameOfTheFileIsNoObstacle()
 void TestUnicodeFileRename::aRelativeLinkComesBack()
 {
     if (onWindows())
-        QSKIP("A link is a file with a name of its own here.");
+        QSKIP("A link is a file with a name of its own here");
     create(unicodeFolder() + QStringLiteral("/target"));
     const QString own = path(unicodeFolder() + QStringLiteral("/beam.dat"));
     QVERIFY(QFile::link(QStringLiteral("target"), own));
@@ -378,7 +378,7 @@ void TestUnicodeFileRename::aLinkAtThePlainPathIsReplaced_data()
 void TestUnicodeFileRename::aLinkAtThePlainPathIsReplaced()
 {
     if (onWindows())
-        QSKIP("A link is a file with a name of its own here.");
+        QSKIP("A link is a file with a name of its own here");
     QFETCH(bool, exists);
     const QString plain = temp_.filePath(QStringLiteral("beam.dat"));
     const QString target = path(QStringLiteral("target"));

@@ -225,7 +225,7 @@ void TestLogSize::openChecksTheSizeOfAnOpenLog()
 void TestLogSize::anOpenLogThatWasRenamedIsContinuedUnderItsName()
 {
     if (onWindows())
-        QSKIP("An open file cannot be renamed here.");
+        QSKIP("An open file cannot be renamed here");
     const QString renamed = path(QStringLiteral("renamed.log"));
     QByteArray content = lines(100, Limit);
     QVERIFY(writeFile(fileName_, content));

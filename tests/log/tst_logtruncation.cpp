@@ -464,7 +464,7 @@ void TestLogTruncation::theSpaceIsThatOfTheFileSystem()
     QVERIFY(space > 0);
     const QStorageInfo storage(testFolder());
     if (!storage.isValid())
-        QSKIP("Qt does not find the file system of the folder, as in a changed root folder.");
+        QSKIP("Qt does not find the file system of the folder, as in a changed root folder");
     constexpr qint64 Tolerance = 1 << 30; // other programs write, too
     QVERIFY2(space >= storage.bytesAvailable() - Tolerance, qPrintable(QString::number(space)));
     QVERIFY2(space <= storage.bytesTotal(), qPrintable(QString::number(space)));
@@ -498,7 +498,7 @@ void TestLogTruncation::aLogThatCannotBeReplacedStaysAsItWas()
         QProcess::execute(QStringLiteral("chattr"), {QStringLiteral("-i"), fileName_});
     QVERIFY(finished);
     if (onWindows() && content == keptOf(log))
-        QSKIP("Wine replaces a write-protected file, which Windows refuses to.");
+        QSKIP("Wine replaces a write-protected file, which Windows refuses to");
     QVERIFY(content == log);
     QCOMPARE(entriesOf(temporary_), QStringList());
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
@@ -641,7 +641,7 @@ void TestLogTruncation::theFileThatALinkLeadsToIsTruncated_data()
 void TestLogTruncation::theFileThatALinkLeadsToIsTruncated()
 {
     if (onWindows())
-        QSKIP("A link is a file of its own here.");
+        QSKIP("A link is a file of its own here");
     QFETCH(QString, target);
     QFETCH(bool, isAbsolute);
     QFETCH(bool, isOnAnotherFileSystem);

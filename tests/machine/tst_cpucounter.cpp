@@ -60,7 +60,7 @@ bool bytesFitIntoLong(const QString &path)
 #define NEED_MEMORY_COUNTERS()                                                                     \
     do {                                                                                           \
         if (!hasMemoryCounters())                                                                  \
-            QSKIP("Wine's performance counters know no memory");                                   \
+            QSKIP("Wine has no performance counters for memory");                                  \
     } while (false)
 
 class TestCpuCounter : public QObject

@@ -458,7 +458,7 @@ void TestRegistry::aKeyPathCannotLeaveTheSettingsFolder()
 void TestRegistry::everyFolderOfTheSettingsIsSearched()
 {
     if (onWindows())
-        QSKIP("The registry is one store; only settings files lie in several folders.");
+        QSKIP("The registry is one store; only settings files lie in several folders");
     QTemporaryDir first;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_DIRS"),

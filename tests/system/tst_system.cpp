@@ -434,7 +434,7 @@ void TestSystem::workingFolderOfARelativeFileIsAbsolute()
 void TestSystem::workingFolderOfAFileInALinkedFolderIsTheLink()
 {
     if (onWindows())
-        QSKIP("A link to a folder is a file here.");
+        QSKIP("A link to a folder is a file here");
     const QString link = path(QStringLiteral("link"));
     QVERIFY(QDir().mkdir(path(QStringLiteral("folder"))));
     QVERIFY(QFile::link(path(QStringLiteral("folder")), link));

@@ -264,7 +264,7 @@ void TestSystemLocale::otherValuesStay()
 void TestSystemLocale::aStoreThatCannotBeWrittenIsSilent()
 {
     if (onWindows())
-        QSKIP("The registry cannot be made unwritable for a user who may write it.");
+        QSKIP("The registry cannot be made unwritable for a user who may write it");
     QTemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("file"));
     QVERIFY(writeFile(file, "no folder"));

@@ -228,7 +228,7 @@ void TestSystemPaths::universalPathOnASubstitutedDriveIsTheFolder()
     QFETCH(QString, tail);
 
     if (!onWindows())
-        QSKIP("There are no drives on this system.");
+        QSKIP("There are no drives on this system");
     const QTemporaryDir folder;
     const QString path = QDir::toNativeSeparators(folder.path());
     QString drive;
@@ -268,7 +268,7 @@ void TestSystemPaths::otherNamesAreNotTheLocalHost()
     QFETCH(QString, host);
 
     if (host == System::getHostName())
-        QSKIP("This machine has that very name, or one without letters.");
+        QSKIP("This machine has that very name, or one without letters");
     QVERIFY(!System::isLocalHost(host));
 }
 

@@ -210,7 +210,7 @@ void TestSystemProcesses::aRunningProgramIsFoundByItsExactName()
 void TestSystemProcesses::aRunningProgramIsFoundWhenItsFileIsGone()
 {
     if (onWindows())
-        QSKIP("The file of a running program cannot be removed here.");
+        QSKIP("The file of a running program cannot be removed here");
     Child child(path(name_));
     QVERIFY(QFile::remove(path(name_)));
     QVERIFY(System::isProcessRunning(name_));
@@ -223,7 +223,7 @@ void TestSystemProcesses::aRunningProgramIsFoundWhenItsFileIsGone()
 void TestSystemProcesses::theSnapshotOfProcessesStaysOpen()
 {
     if (!onWindows())
-        QSKIP("There is no snapshot on this system.");
+        QSKIP("There is no snapshot on this system");
     constexpr int Calls = 10;
     const int before = openHandles();
     QVERIFY(before > 0);

@@ -113,7 +113,7 @@ QString p7zip()
 }
 
 constexpr char NoP7zip[]
-    = "The variable VORNUTILITY_ARCHIVERS names no folder; scripts/test.sh sets it.";
+    = "The variable VORNUTILITY_ARCHIVERS names no folder; scripts/test.sh sets it";
 
 } // namespace
 

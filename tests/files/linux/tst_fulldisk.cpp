@@ -271,7 +271,7 @@ void TestFullDisk::aTailThatFillsTheDiskDoesNotReplaceTheLog()
 void TestFullDisk::withoutAFreeDescriptorTheLogIsStillWritten()
 {
     if (LOAD_FACTOR > 1)
-        QSKIP("The sanitizer's look at the type of an object opens a pipe");
+        QSKIP("The sanitizer needs a descriptor (a pipe) when it checks the type of an object");
     const QByteArray before = tooLargeLog();
     Log log(fileName_, Log::NoFileTimeStamp);
     log.setTimeStamp(Log::NoTimeStamp);
@@ -293,7 +293,7 @@ void TestFullDisk::withoutAFreeDescriptorTheLogIsStillWritten()
 void TestFullDisk::withoutAFreeDescriptorACommandPrintsNothing()
 {
     if (LOAD_FACTOR > 1)
-        QSKIP("The sanitizer's look at the type of an object opens a pipe");
+        QSKIP("The sanitizer needs a descriptor (a pipe) when it checks the type of an object");
     const QString start = QDir::currentPath();
     const TestFolder folder;
     QVERIFY(QDir::setCurrent(folder.path()));
@@ -362,7 +362,7 @@ void TestFullDisk::halfAScriptIsNeverRun()
 void TestFullDisk::withoutAFreeDescriptorTheArchiverGivesFalseAndNoSignal()
 {
     if (LOAD_FACTOR > 1)
-        QSKIP("The sanitizer's look at the type of an object opens a pipe");
+        QSKIP("The sanitizer needs a descriptor (a pipe) when it checks the type of an object");
     const TestMessages messages;
     const FakeArchiver fake;
     SevenZip archive;

@@ -97,7 +97,7 @@ void TestDataFolder::aMissingFolderIsNotTaken()
 void TestDataFolder::anOrdinaryUserHasTheProgramDataAmongItsOwn()
 {
     if (QFileInfo::exists(QStringLiteral("/var/lib/Vantorel")))
-        QSKIP("The administrator has made the maker's folder on this machine.");
+        QSKIP("The administrator has made the maker's folder on this machine");
     const QByteArray home = QFile::encodeName(testFolder());
     QCOMPARE(asOrdinaryUser([home] {
                  qputenv("XDG_DATA_HOME", home);

@@ -85,12 +85,12 @@ def check_file(path, text, layers, used):
         elif in_library and bracket == '"':
             yield f'{path}: "{header}" should be <Utility/...>'
         elif in_library and not of_one_system and is_of_the_system(header):
-            yield f"{path}: <{header}> belongs into Utility/Platform/<System>/"
+            yield f"{path}: <{header}> belongs in Utility/Platform/<System>/"
         if header.lower() == "windows.h" and path.as_posix() != WINDOWS_HEADER:
             yield f"{path}: only {WINDOWS_HEADER} includes <windows.h>"
     if in_library and not of_one_system:
         for switch in SYSTEM_SWITCH.findall(text):
-            yield f"{path}: {switch} is asked for outside Utility/Platform/<System>/"
+            yield f"{path}: {switch} is used outside Utility/Platform/<System>/"
 
 
 def find_circle(headers):

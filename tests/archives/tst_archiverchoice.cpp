@@ -44,7 +44,7 @@ void TestArchiverChoice::theArchiverIsFound_data()
 {
     QTest::addColumn<QStringList>("beside");
     QTest::addColumn<QStringList>("onPath");
-    QTest::addColumn<QString>("expected"); // where the system has programs of its own
+    QTest::addColumn<QString>("expected"); // on Linux; Windows always takes product/7z.exe
     const QString own = QStringLiteral("product/7z.exe");
     const auto row
         = [](const char *name, const char *beside, const char *onPath, const QString &expected) {

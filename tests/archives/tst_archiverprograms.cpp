@@ -126,9 +126,10 @@ QByteArray zipOfOneByteFiles(int count)
     const auto directoryAt = static_cast<quint64>(archive.size());
     const auto directorySize = static_cast<quint64>(directory.size());
     const auto number = static_cast<quint64>(count);
-    const bool isLarge = number >= 0xffff; // too many for the numbers of the ordinary end
+    // Too many for the 16-bit counts of the ordinary end record.
+    const bool isLarge = number >= 0xffff;
     archiveOut.writeRawData(directory.constData(), directory.size());
-    if (isLarge) { // the end of the 64-bit form, and where it is
+    if (isLarge) { // the zip64 end record and its locator
         archiveOut << 0x06064b50U << quint64(44) << quint16(45) << quint16(45) << 0U << 0U << number
                    << number << directorySize << directoryAt;
         archiveOut << 0x07064b50U << 0U << directoryAt + directorySize << 1U;
@@ -140,7 +141,7 @@ QByteArray zipOfOneByteFiles(int count)
     return archive;
 }
 
-// The zip archive \a bytes, which has none yet, with a comment.
+// Adds a comment to the zip archive \a bytes, which has none.
 QByteArray withComment(QByteArray bytes, const QByteArray &comment)
 {
     bytes.chop(2); // the length of the comment
@@ -270,7 +271,7 @@ Tree hardNames()
     return tree;
 }
 
-// A file that is packed as well when a name with wildcards does not stand for itself.
+// A file that a name with wildcards would match. It must not be packed.
 Tree neighbourOfHardNames()
 {
     return {{QStringLiteral("d/neighbour.txt"), "left out"}};
@@ -306,7 +307,7 @@ void TestArchiverPrograms::typeMethodNamesAndSizesAreReported()
     roundTrip(*archive, path("out"), tree, tree.keys());
     if (QTest::currentTestFailed())
         return;
-    // The type and the method were really taken.
+    // The archive really has this type and method.
     QVERIFY(contentOf(archiveFile()).startsWith(type == SevenZip::Type7z ? "7z" : "PK"));
     QCOMPARE(archive->compressedSize() < archive->uncompressedSize(), method != SevenZip::Copy);
 }
@@ -321,7 +322,7 @@ void TestArchiverPrograms::namesArePassedAndReportedUnchanged()
     QFETCH(int, type);
     QFETCH(int, method);
     Tree tree = hardNames();
-    // Not in a list file, whose lines are trimmed.
+    // Only on the command line: 7-Zip trims the lines of a list file.
     tree.insert(QStringLiteral(" blank first"), "blank");
     QVERIFY2(tree.size() <= 32, "More names are given in a list file.");
     QVERIFY(writeTree(path("in"), neighbourOfHardNames()));

@@ -499,7 +499,7 @@ void TestSevenZipArguments::theListFileIsRemovedAtTheEnd()
     QCOMPARE(listFilesThere(), QStringList());
 }
 
-// A folder that is gone cannot be written to by any user.
+// The folder is moved away, because an administrator can write to any folder that exists.
 void TestSevenZipArguments::theNameOfAListFileThatCannotBeWrittenStaysOnTheCommandLine()
 {
     const QString folder = temp_.path();

@@ -20,7 +20,7 @@ using namespace Vorn::Util;
 
 namespace {
 
-// The signals of an archive from its making on.
+// Records the signals of an archive from now on.
 struct Spies
 {
     explicit Spies(const SevenZip &archive)
@@ -31,7 +31,7 @@ struct Spies
     {
     }
 
-    // Compressions, extractions, listings.
+    // The numbers of signals: compressions, extractions, listings.
     QList<int> counts() const { return {compression.size(), extraction.size(), list.size()}; }
 
     QSignalSpy progress;
@@ -510,7 +510,7 @@ void TestSevenZipCommands::theOutputOfACompressionIsUtf8()
     fake.print(text.toUtf8());
     SevenZip archive;
     QVERIFY(archive.compressFiles({QStringLiteral("f")}));
-    QCOMPARE(archive.output(), text); // to the letter
+    QCOMPARE(archive.output(), text); // unchanged
 }
 
 void TestSevenZipCommands::theOutputOfACompressionKeepsOnlyTheLastBlock()

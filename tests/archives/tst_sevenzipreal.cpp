@@ -243,7 +243,7 @@ void TestSevenZipReal::filesAreAddedToAnArchive()
     QCOMPARE(readTree(path("out")), tree);
 }
 
-// The archiver packs everything where it stands when no file is named.
+// Without file names the archiver packs everything in its current folder.
 void TestSevenZipReal::compressingNoFilesTakesTheCurrentFolder()
 {
     const Tree tree{{QStringLiteral("a.txt"), "one"}, {QStringLiteral("d/b.txt"), "two"}};

@@ -45,7 +45,7 @@ QString printLinesCall(int count)
     return helperCall(QStringLiteral("print-lines %1").arg(count));
 }
 
-// What starts the script \a fileName of the current folder from the interpreter's command line.
+// The command line that makes the interpreter run the script \a fileName in the current folder.
 QString scriptCall(const QString &fileName)
 {
     return onWindows() ? fileName : QStringLiteral(". ./") + fileName;
@@ -610,7 +610,7 @@ void TestCommand::runNoWaitLogsNothingUnlessAsked()
     QCOMPARE(log.lines(), QStringList());
 }
 
-// Commands that were started later have ended when it is asked for the effect of the first.
+// Two later commands have ended before the test checks that the first one was never run.
 void TestCommand::runNoWaitReturnsZeroWhenNothingIsStarted()
 {
     const QString missing = QDir().filePath(QStringLiteral("missing"));

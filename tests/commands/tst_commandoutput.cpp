@@ -19,8 +19,8 @@ std::string_view viewOf(const QByteArray &bytes)
     return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
 }
 
-// The rule in its simplest form: lines are read into a buffer of 200 bytes, and the number of those
-// read before is compared.
+// The rule in its simplest form: reads lines into a buffer of 200 bytes, and stops after the line
+// before which more than maxLines lines were already read.
 QStringList linesByTheSimpleRule(const QByteArray &output, int maxLines)
 {
     QBuffer device;

@@ -94,7 +94,7 @@ public:
             environment_.insert(QString::fromLatin1(variable), native(folder));
     }
 
-    // In the folder "tools". It prints these lines.
+    // Puts a cluster tool that prints these lines into the folder "tools".
     void useClusterTool(const QByteArray &lines)
     {
         const QString tool = path(QStringLiteral("tools/NodeInformation.exe"));
@@ -117,7 +117,7 @@ public:
 
     void useRealArchiver() const
     {
-        // Elsewhere it is on PATH.
+        // Only for Windows: on Linux the real archiver is on PATH.
         for (const QString &name : {QStringLiteral("7z.exe"), QStringLiteral("7z.dll")}) {
             const QString file = QCoreApplication::applicationDirPath() + QLatin1Char('/') + name;
             if (onWindows() && QFile::exists(file))
@@ -183,7 +183,7 @@ public:
         return lines;
     }
 
-    // Whether it holds nothing but the log, which an early failure does not write.
+    // Whether the temporary folder is empty or holds only the log (an early failure writes none).
     bool isTempFolderClean() const
     {
         const QStringList entries = entriesOf(tempFolder());
@@ -223,7 +223,7 @@ inline bool haveArchiver()
     if (!haveArchiver())                                                                           \
     QSKIP("There is no 7-Zip on PATH, or on Windows 7z.exe beside this test")
 
-/// A listing in the words of the program that is shipped with the product.
+/// A listing as the 7-Zip that is shipped with the product prints it.
 inline QByteArray listing(const QByteArray &name, int size)
 {
     const QByteArray number = QByteArray::number(size);
@@ -242,7 +242,7 @@ inline void makeGood(FakeArchiver &archiver, const Site &site)
     archiver.print(listing("a.txt", 3));
 }
 
-/// The test itself prints no command lines.
+/// Hides the command lines that SevenZip sends to the debug channel of the test.
 class TestWithResultsArchive : public Fixture
 {
 protected:

@@ -1,5 +1,5 @@
 // What the example logs about the machine, the disk and the cluster. What no machine can be made to
-// do on demand is tested by calling its functions.
+// do on demand is tested by calling the example's functions.
 
 #include "DiskSpace.h"
 #include "FakeArchiver.h"

@@ -15,7 +15,7 @@ inline bool runQuietly(const QString &program, const QStringList &arguments)
         && process.exitCode() == 0;
 }
 
-/// Hides an entry whose name begins with a point, which is enough on systems other than Windows.
+/// Hides an entry whose name begins with a dot, which is enough on systems other than Windows.
 inline bool makeHidden(const QString &path)
 {
     if (onWindows()) {

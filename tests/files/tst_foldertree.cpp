@@ -129,7 +129,7 @@ void TestFolderTree::everyFolderOfADeepTreeIsFoundAgain()
             QVERIFY(tree->enter(QString::number(level)));
         for (int level = Depth; level > 1; --level)
             QVERIFY(tree->leave());
-        // Also after going back up halfway.
+        // The same after going back up and halfway down again.
         for (int level = 2; level <= Depth / 2; ++level)
             QVERIFY(tree->enter(QString::number(level)));
         for (int level = Depth / 2; level > 1; --level)

@@ -14,7 +14,7 @@ using namespace Vorn::Util;
 
 namespace {
 
-// False under Wine, which lacks some calls.
+// Whether this is not Wine, which lacks some calls of Windows.
 bool hasAllOfWindows()
 {
     return !QLibrary::resolve(QStringLiteral("ntdll"), "wine_get_version");
@@ -45,7 +45,7 @@ private Q_SLOTS:
     void aFolderIsNotSharedByItself();
 };
 
-// Only a child process can have another folder for the data of the user, and not on every system.
+// In a child process, because only there the user's data folder can be changed (not on Windows).
 void TestSystemFiles::theFlagsFolderLiesInTheUsersData()
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

@@ -57,7 +57,7 @@ QByteArray readInput()
     return all;
 }
 
-// What stands in the list file that the command line names, in hexadecimal; null without one.
+// The content, in hexadecimal, of the list file that the command line names; null if there is none.
 QJsonValue listFile(const QStringList &arguments)
 {
     for (const QString &argument : arguments) {
@@ -75,7 +75,8 @@ bool writeRecord()
     record.insert(QStringLiteral("arguments"), QJsonArray::fromStringList(arguments));
     record.insert(QStringLiteral("folder"), QDir::currentPath());
     record.insert(QStringLiteral("listFile"), listFile(arguments));
-    // Read to its end: a channel that is left open shows here.
+    // Reads up to the end: if the library leaves the input open, the program hangs here and the
+    // test fails.
     record.insert(QStringLiteral("input"), QString::fromLatin1(readInput().toHex()));
     QSaveFile file(qEnvironmentVariable("FAKE_ARCHIVER_RECORD"));
     return file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(record).toJson()) > 0

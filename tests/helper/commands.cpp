@@ -35,7 +35,7 @@ void waitFor(const QString &fileName)
         QThread::msleep(5);
 }
 
-// After \a delay milliseconds, until nobody takes what is printed.
+// Waits \a delay milliseconds, then prints until nobody reads the output any more.
 void printWithoutPause(int delay)
 {
     constexpr int LongestTime = 12000; // milliseconds

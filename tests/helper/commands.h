@@ -9,9 +9,9 @@
 ///
 /// "print-without-pause" begins after DELAY milliseconds and ends when nobody takes its output,
 /// after 12 seconds at the latest.
-/// "run-command" runs the text HEX by "run" or "runQ" and prints the milliseconds that this took, a
-/// blank and the result. "hang" prints and goes on until its standard input ends; then it creates
-/// FILE.
+/// "run-command" calls Command::run() or runQ() with the text HEX and prints the milliseconds that
+/// this took, a blank and the result. "hang" prints and goes on until its standard input ends; then
+/// it creates FILE.
 ///
 /// False when \a behaviour is none of them.
 bool runCommandBehaviour(const QByteArray &behaviour, const QStringList &arguments);

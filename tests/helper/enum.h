@@ -1,5 +1,5 @@
 #pragma once
 
-/// Registers a member of an enumeration and has it printed by an object that is destroyed after
-/// all that was built later, the registries included.
+/// Registers a member of an enumeration. A static object that was created before the registries,
+/// and so is destroyed after them, prints it at the end of the process.
 int printEnumAtExit();

@@ -2,7 +2,8 @@
 
 #include <QtCore/QStringList>
 
-/// "log-check FILE": has a log that is not open check its size, which writes nothing else.
+/// "log-check FILE": calls append() of a log that is not open: it checks the size and writes no
+/// line.
 int logCheck(const QStringList &arguments);
 
 /// "log-append FILE TEXT": opens the log and appends a line without a time.
@@ -13,7 +14,7 @@ int logAppend(const QStringList &arguments);
 int logAppendLines(const QStringList &arguments);
 
 /// "log-at-exit FILE FORM": a static object appends "made" when it is made and "destroyed" after
-/// the end of main(), with the time in the form of this number.
+/// the end of main(). FORM is the number of the Log time-stamp form.
 int logAtExit(const QStringList &arguments);
 
 /// "log-truncate-endlessly FILE FIRST": appends lines of NumberedLines.h, from the one of this

@@ -36,7 +36,7 @@ void print(const QByteArray &text)
     std::fflush(stdout);
 }
 
-// Counts what the archive says at its end.
+// Counts the signals compressionFinished, extractionFinished and listFinished.
 class Ends
 {
 public:
@@ -62,7 +62,7 @@ bool runBlocking(SevenZip &archive, const QString &operation)
     return archive.listFiles();
 }
 
-// Goes on until another program has run from its start to its end in the same event loop.
+// Starts the operation, then runs the event loop until another program has started and ended in it.
 void runAsynchronously(SevenZip &archive, const QString &operation)
 {
     if (operation == QLatin1String("startCompressing"))

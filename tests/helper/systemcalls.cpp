@@ -23,7 +23,8 @@ constexpr int NoSuchFunction = 98;
 
 using Value = std::array<wchar_t, 1024>;
 
-// Past the C stream, which loses narrow characters once it was used for wide ones.
+// Writes to the descriptor and not to stdout: once stdout was used for wide characters, it loses
+// narrow ones.
 void printLine(char kind, const QString &text)
 {
     constexpr int Descriptor = 1;

@@ -2,9 +2,9 @@
 
 #include <QtCore/QStringList>
 
-/// Runs calls of System and Registry in order, such as "getProgramDataPath=VORN 2024": a fresh
-/// process per state, because both keep what they have worked out. SystemCalls.h runs them and
-/// reads what they print:
+/// Runs calls of System and Registry in order, such as "getProgramDataPath=VORN 2024". Each state
+/// needs a fresh process, because System and Registry keep their results. SystemCalls.h runs them
+/// and reads what they print:
 /// - "=RESULT" per call that has a result, percent-encoded;
 /// - "!TEXT" per message on Qt's debug channel, percent-encoded;
 /// - whatever the library itself prints to the standard output.

@@ -3,5 +3,6 @@
 #include <QtCore/QStringList>
 
 /// "unicode-file FILE": gives FILE its plain path and prints, as a JSON object, what the process
-/// sees while it has it. A fresh process for every temporary folder, which System keeps.
+/// sees while it has it. Needs a fresh process for each temporary folder, because System keeps that
+/// folder.
 int unicodeFile(const QStringList &arguments);

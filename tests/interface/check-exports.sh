@@ -19,8 +19,8 @@ exports() {
     esac | grep 'Vorn::Util' | sort -u
 }
 
-# A symbol of this kind is one for the whole process, also across two copies of the library, and keeps
-# dlclose() from unloading the library.
+# GNU-unique symbols: the process has only one of each, even if two copies of the library are
+# loaded, and dlclose() does not unload a library that has one.
 unique=$(case $library in *.dll) ;; *) nm -DC --defined-only "$library" | grep ' u ' || true ;; esac)
 if [ -n "$unique" ]; then
     printf 'Exported as GNU-unique symbols:\n%s\n' "$unique"

@@ -263,7 +263,7 @@ void TestLogLines::aStaticObjectMayWriteWhileItIsDestroyed_data()
         << QStringLiteral("\\[\\S+ \\S+ \\d+ \\d\\d:\\d\\d:\\d\\d \\d{4}\\]");
 }
 
-// After the end of main(), and of what a thread keeps for itself.
+// Even after the end of main(), when thread-local objects are gone.
 void TestLogLines::aStaticObjectMayWriteWhileItIsDestroyed()
 {
     QFETCH(int, timeStamp);

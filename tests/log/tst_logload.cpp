@@ -98,7 +98,8 @@ void TestLogLoad::threadsLoseNoLineButThoseThatTruncationTakes()
     std::array<Share, ThreadCount> shares;
     QVERIFY(readShares(content, shares));
     for (const Share &share : shares) {
-        if (share.count > 0) // one that ended early may have nothing left in the tail
+        // A thread that ended early may have no line left after the truncation.
+        if (share.count > 0)
             QCOMPARE(share.first + share.count, LinesPerThread);
     }
     const qint64 written

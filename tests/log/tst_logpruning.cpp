@@ -206,8 +206,8 @@ void TestLogPruning::wildcardsInABaseNameMatchThatNameOnly_data()
     QTest::addColumn<QString>("base");
     QTest::addColumn<QStringList>("others");
 
-    // Each base name with names that it would match as a pattern. A row stands there only where
-    // the system has such names.
+    // Each base name with names that it would match as a pattern. Only rows whose name the system
+    // allows are added.
     const QVector<QPair<const char *, QVector<const char *>>> rows{
         {"run[1]", {"run1"}},
         {"run[0-9]", {"run0", "run5", "run-"}},
@@ -244,7 +244,8 @@ void TestLogPruning::wildcardsInABaseNameMatchThatNameOnly_data()
     for (const auto &row : rows) {
         const QString base = QString::fromLatin1(row.first);
         const QString probe = base + QStringLiteral("_20.log");
-        // The system may deny the name or read a folder's name or another one in it.
+        // On Windows a name may be refused, or a part of it taken for a folder or changed: such
+        // rows are left out.
         const bool possible = !base.contains(QDir::separator())
             && writeFile(folder.filePath(probe), "x")
             && entriesOf(folder.path()) == QStringList{probe};

@@ -40,7 +40,7 @@ QByteArray lines(int lineSize, int size)
     return content;
 }
 
-// Runs something for the first message on Qt's own channel.
+// Calls a function when the first message arrives at Qt's message handler.
 class FirstMessage
 {
 public:
@@ -152,7 +152,8 @@ void TestLogSize::oneByteMoreThanTheLimitIsTruncated()
     QFETCH(std::function<void(Log &)>, check);
     QFETCH(bool, isOpen);
     const QByteArray content = lines(100, Limit + 1);
-    // An open log passes the limit by what is written without a check.
+    // open() and operator<< check the size before they write: until the last byte is written, the
+    // file is not larger than the limit.
     QVERIFY(writeFile(fileName_, isOpen ? content.left(Limit) : content));
     Log log(fileName_, Log::NoFileTimeStamp);
     if (isOpen) {
@@ -201,7 +202,7 @@ void TestLogSize::onATruncatedLogLinesAreAppended()
     Log log(fileName_, Log::NoFileTimeStamp);
     log.setTimeStamp(Log::NoTimeStamp);
     QVERIFY(log.open(append));
-    // Written past the log, for one line end on every system.
+    // Written directly and not through the log, so that line ends are one byte on every system.
     QVERIFY(writeFile(fileName_, content));
     log.append(QStringLiteral("one"));
     log.append(QStringLiteral("two"));

@@ -435,7 +435,7 @@ void TestLogTruncation::whetherAFileMayBeMadeIsKnownBefore()
     QCOMPARE(entriesOf(path(QStringLiteral("logs"))), QStringList{QStringLiteral("run.log")});
 }
 
-// For any reason.
+// Here the folder is missing, but the reason does not matter.
 void TestLogTruncation::withoutANewFileTheLogIsNotRead()
 {
     QVERIFY(writeFile(fileName_, "a log"));

@@ -33,7 +33,7 @@ QStringList textsOf(const QList<NodeInfo> &nodes)
     return all;
 }
 
-// The first of a pair that differs between the systems.
+// Returns the value for this system.
 template <typename Value> Value onThisSystem(const Value &windows, const Value &others)
 {
     return onWindows() ? windows : others;
@@ -400,7 +400,7 @@ void TestClusterInfo::atMost32LinesAreRead()
     QCOMPARE(textsOf(cluster.computeNodes()), QStringList(nodes.mid(0, read)));
 }
 
-// The first piece has no separator; what the second begins with is taken for the name.
+// The first piece has no separator and is skipped; the second piece begins within the name.
 void TestClusterInfo::aLongLineIsReadInPieces()
 {
     QVERIFY(print(QByteArray(199, 'x') + "end:16:2:64:ComputeNodes\n"));

@@ -33,7 +33,8 @@ bool hasMemoryCounters()
     return !onWindows() || CpuCounter(CpuCounter::MemAvailKBytes).getValue() != -1;
 }
 
-// Samples \a other between two equal samples of \a counter, which then belong together.
+// Samples \a other between two samples of \a counter that are equal, so that both values belong to
+// the same moment.
 bool sampleTogether(CpuCounter &counter, CpuCounter &other, long &value, long &otherValue)
 {
     constexpr int MostAttempts = 100000;

@@ -1,4 +1,4 @@
-// A counter with a fake source.
+// A counter whose values come from a fake source of the test.
 
 #include "FakePlatform.h"
 

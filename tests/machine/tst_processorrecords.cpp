@@ -141,8 +141,8 @@ QByteArray fixedRecord(quint32 kind, char flags = 0)
         + zeros(15);
 }
 
-// A call of Windows that gives these records, as often as it is asked, and notes the lengths that
-// it was given: that of a buffer, or -1 without one.
+// A fake call of Windows: returns these records however often it is called, and records the buffer
+// length of each call (-1 without a buffer).
 class FakeCall
 {
 public:
@@ -158,7 +158,7 @@ public:
             lengths.append(buffer ? static_cast<qint64>(*length) : -1);
             if (!buffer) {
                 *length = announced;
-                return {false, TooSmall}; // which does not matter for the other call
+                return {false, TooSmall}; // ignored: this call asks for the length
             }
             const int size = qMin(records_.size(), static_cast<int>(*length));
             std::memcpy(buffer, records_.constData(), static_cast<std::size_t>(size));
@@ -292,7 +292,7 @@ private Q_SLOTS:
 
 void TestProcessorRecords::theRecordsHaveTheSizesOfTheSystem()
 {
-    // Otherwise the test could not fail.
+    // Checks the test's own records: with wrong sizes the other tests prove nothing.
     QCOMPARE(core(NoSmt).size(), 48);
     QCOMPARE(package({{0, 1}, {1, 1}}).size(), 64);
     QCOMPARE(numaNode().size(), 48);
@@ -430,7 +430,7 @@ void TestProcessorRecords::aTruncatedLastFixedRecordCounts()
     const QByteArray last = fixedRecord(Core);
     constexpr int EndOfKind = 12;
     for (int length = 0; length <= last.size(); ++length) {
-        // As long as its kind can be read.
+        // Counts if its kind is complete.
         const int cores = length < EndOfKind ? 1 : 2;
         QCOMPARE(countFixedRecords(whole + last.left(length)), countsWithoutSmt(1, cores));
     }

@@ -10,8 +10,9 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// The test's side of the program in helper/archiver.cpp: the script for the programs that are
-/// started while this is the latest object of its kind, and how such a program was called.
+/// Controls the fake archiver (helper/archiver.cpp) from a test: holds the script that it follows
+/// and reads the record of how it was called. Archivers that are started follow the object that was
+/// created last.
 class FakeArchiver
 {
 public:
@@ -51,7 +52,7 @@ public:
         return add(QStringLiteral("unpackFile"), name, bytes, 0);
     }
 
-    /// Waits for goOn() with the same word.
+    /// The program waits here until the test calls goOn() with the same word.
     FakeArchiver &waitFor(const QString &word)
     {
         return add(QStringLiteral("waitFor"), path(word), QByteArray(), 0);

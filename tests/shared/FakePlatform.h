@@ -66,5 +66,5 @@ struct FakePlatform
     Function<Vorn::Util::Platform::ShellCommand, const QString &> textCommand;
 };
 
-/// The one that the library under test sees.
+/// The fake platform that the library under test uses.
 FakePlatform &fakePlatform();

@@ -2,8 +2,8 @@
 
 #include <QtCore/QObject>
 
-/// The functions that QtTest calls around the test functions, for the bases of test classes to
-/// override.
+/// Base class of test classes: declares the functions that QtTest calls around test functions, as
+/// virtual functions.
 class Fixture : public QObject
 {
     Q_OBJECT

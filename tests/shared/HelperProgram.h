@@ -3,8 +3,8 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 
-/// The full path of the helper program, whatever the current folder. The path that the build knows
-/// may lack the drive, which is that of the test program.
+/// The full path of the helper program, whatever the current folder. HELPER_PROGRAM may have no
+/// drive letter (as under Wine); it is on the drive of the test program.
 inline QString helperProgram()
 {
     return QDir(QCoreApplication::applicationDirPath())

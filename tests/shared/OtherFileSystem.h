@@ -4,8 +4,8 @@
 #include <QtCore/QString>
 #include <QtCore/QTemporaryDir>
 
-/// The first of the usual folders that lies on another file system than \a folder and can hold
-/// some logs; empty without one.
+/// The first of the usual folders that lies on another file system than \a folder, can be written
+/// to and has more than 40 MiB free; empty if there is no such folder.
 inline QString folderOnAnotherFileSystem(const QString &folder)
 {
     constexpr qint64 Needed = 40 << 20;

@@ -13,7 +13,7 @@ struct SystemOutcome
     QStringList printed;  ///< by the library, one per line
 };
 
-/// Runs \a calls in a fresh process of \a program. One that fails has its exit code as the last
+/// Runs \a calls in a fresh process of \a program. If the process fails, its exit code is the last
 /// result.
 inline SystemOutcome
 runSystemCalls(const QString &program, const QString &behaviour, const QStringList &calls,

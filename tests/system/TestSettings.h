@@ -8,9 +8,10 @@
 
 #include <memory>
 
-/// The machine-wide settings of the application in the key path "SOFTWARE\ORGANISATION\APPLICATION"
-/// with what follows opened as a group. Elsewhere than on Windows they lie in a file, whose folder
-/// QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, FOLDER) sets.
+/// The machine-wide settings of the application in the key path
+/// "SOFTWARE\ORGANISATION\APPLICATION". The rest of the key path is opened as a group. Elsewhere
+/// than on Windows they lie in a file, whose folder QSettings::setPath(QSettings::NativeFormat,
+/// QSettings::SystemScope, FOLDER) sets.
 inline std::unique_ptr<QSettings> openSettings(const QString &keyPath)
 {
     if (onWindows()) {

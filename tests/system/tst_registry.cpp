@@ -76,7 +76,7 @@ QString installationDirectory()
     return QStringLiteral("InstallationDirectory");
 }
 
-// The value of the key that a caller names by \a keyPath; that of the product's for a null text.
+// Reads the value \a name of the key \a keyPath; a null text means the product's key.
 QString read(const QString &name, const QString &keyPath = QString())
 {
     ValueBuffer out;
@@ -359,7 +359,7 @@ void TestRegistry::aNameNeverReachesIntoASubkey()
     QCOMPARE(read(QStringLiteral("Value")), QStringLiteral("of the key"));
 }
 
-// A list of texts is how a null gets into the registry.
+// A null gets into the registry as the separator of a list of texts.
 void TestRegistry::aValueEndsAtItsFirstNull()
 {
     const QStringList texts{QStringLiteral("before"), QStringLiteral("after")};
@@ -368,7 +368,7 @@ void TestRegistry::aValueEndsAtItsFirstNull()
     QCOMPARE(read(installationDirectory()), QStringLiteral("before"));
 }
 
-// A list of texts is one text after the other with a null between them, or one line of a file.
+// In the registry a list is several texts with a null between them, in a file it is one line.
 void TestRegistry::theTypeOfAValueIsNotChecked()
 {
     QVERIFY(writeSetting(productKey(), installationDirectory(),
@@ -408,7 +408,8 @@ void TestRegistry::aKeyPathThatDoesNotFitIsPrintedAsNotOpened()
     QCOMPARE(outcome.printed.size(), 2);
     const QString tooLong = onWindows() ? QStringLiteral("206") : QStringLiteral("36");
     const QString line = QStringLiteral("RegOpenKeyEx: %1: %2: ");
-    // What the system says of a key of such a name differs; it was asked.
+    // A key path of the greatest length is passed to the system, whose error differs between
+    // systems.
     QVERIFY(outcome.printed.first().startsWith(QStringLiteral("RegOpenKeyEx: k")));
     QVERIFY(!outcome.printed.first().startsWith(line.arg(longest, tooLong)));
     const QString expected = line.arg(QLatin1Char('k') + longest, tooLong);

@@ -1,4 +1,4 @@
-// The text of a settings file. What Qt makes of the same text is the measure.
+// The text of a settings file. The expected values are what Qt reads from the same text.
 
 #include "TestFiles.h"
 #include "TestWithFolder.h"
@@ -42,7 +42,7 @@ private:
 
 Texts TestSettingsText::readByQt(const QByteArray &content) const
 {
-    // A name that no object has seen: Qt keeps what it has read from a file.
+    // A new name for each call, because Qt caches the files that it has read.
     static int number = 0;
     const QString name = path(QStringLiteral("%1.ini").arg(++number));
     writeFile(name, content);
@@ -207,7 +207,8 @@ void TestSettingsText::whatQtWritesIsRead()
 {
     QFETCH(QString, text);
 
-    // With a codec, Qt writes each half of a surrogate pair for itself.
+    // With a codec, Qt writes the halves of a surrogate pair separately, so that they cannot be
+    // read back.
     const bool hasSurrogates = std::any_of(text.cbegin(), text.cend(),
                                            [](QChar character) { return character.isSurrogate(); });
     for (const bool isUtf8 : {false, true}) {

@@ -452,7 +452,7 @@ void TestSystem::settingTheWorkingFolderKeepsTheCurrentOne()
     System::setWorkingDirPath(QDir::rootPath());
     QCOMPARE(QDir::currentPath(), here_);
     QCOMPARE(System::getWorkingDirPath(), QDir::rootPath());
-    // Nothing set is the current folder again.
+    // An empty path means the current folder again.
     System::setWorkingDirPath(QString());
     QCOMPARE(System::getWorkingDirPath(), here_);
 }
@@ -638,7 +638,8 @@ void TestSystem::makePathWithoutAnExistingPart()
     QVERIFY(QDir().isEmpty());
 }
 
-// Each part is looked for from the last one made: of a relative path only one part can be.
+// makePath() creates each part relative to the last folder that it created, so of a relative path
+// it can create only one part.
 void TestSystem::makePathOfARelativePath()
 {
     QVERIFY(QDir().mkdir(QStringLiteral("there")));

@@ -306,7 +306,7 @@ void TestSystemFakePlatform::theTargetOfADrive_data()
     row("X:\\a", "\\??\\UNC\\server\\share", "UNC\\server\\share\\a");
     row("X:\\a", "\\??\\", "\\a");
     row("X:\\a", "\\??\\\\??\\D:", "\\??\\D:\\a");
-    // A device, and what only looks like a folder.
+    // Targets that are no folder: a device, and texts that only look like a folder.
     row("X:\\a", "\\Device\\HarddiskVolume2", "X:\\a");
     row("X:\\a", "\\Device\\Mup\\server\\share", "X:\\a");
     row("X:\\a", "\\DosDevices\\D:\\real", "X:\\a");

@@ -101,7 +101,7 @@ void TestSystemLocale::withoutASettingItIsTheDefault()
 {
     QCOMPARE(System::getLocale(), QStringLiteral("en-US"));
     QCOMPARE(System::getLocaleID(), 1033);
-    // Neither does another value of the release make one, nor does the reading.
+    // Another value of the release is not taken for the locale, and reading stores nothing.
     QVERIFY(writeSetting(productKey(), QStringLiteral("Other"), QStringLiteral("de-DE")));
     QCOMPARE(System::getLocale(), QStringLiteral("en-US"));
     QCOMPARE(System::getLocaleID(), 1033);

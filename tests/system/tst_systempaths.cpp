@@ -152,7 +152,7 @@ void TestSystemPaths::wslFormOfAPath_data()
         "e\\%1 %2",
         "/mnt/c/Gr\xC3\xB6\xC3\x9F"
         "e/%1 %2");
-    // Installed job files begin so.
+    // Installed job files begin with "|:".
     row("|:\\x", "/mnt/|/x");
     // Every occurrence is replaced, in the letter case of the first.
     row("C:\\a\\C:\\b", "/mnt/c/a//mnt/c/b");

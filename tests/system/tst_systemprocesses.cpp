@@ -65,8 +65,8 @@ private:
     QProcess process_;
 };
 
-// The number of handles that this process has open on Windows, as far as they have small values,
-// which the system gives first. Not every system shows the number itself.
+// Counts the open handles of this process on Windows with values below 8192. The system gives small
+// values first.
 int openHandles()
 {
     const auto getInformation = reinterpret_cast<int (*)(quintptr, quint32 *)>(
@@ -219,7 +219,7 @@ void TestSystemProcesses::aRunningProgramIsFoundWhenItsFileIsGone()
     QVERIFY(child.isKilled());
 }
 
-// Kept for compatibility: see docs/compatibility.md.
+// Kept for compatibility: see "Snapshot of processes" in docs/compatibility.md.
 void TestSystemProcesses::theSnapshotOfProcessesStaysOpen()
 {
     if (!onWindows())
@@ -363,8 +363,8 @@ void TestSystemProcesses::aStartedProgramGetsItsArguments()
     QTRY_COMPARE(contentOf(target), QByteArray("content"));
 }
 
-// The program's input ends when the test closes it, which it does after the end of the process
-// between them; where the input is not handed on, it ends at once.
+// Between the test and the program is a process that has ended. The program ends when its input
+// does: when the test closes it, or at once if the input is not passed on.
 void TestSystemProcesses::aStartedProgramOutlivesTheOneThatStartedIt()
 {
     const QString ended = path(QStringLiteral("ended"));

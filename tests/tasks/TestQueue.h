@@ -47,7 +47,7 @@ inline void deliverQueuedCalls(AsyncTaskProcessor &processor)
     QCoreApplication::sendPostedEvents(&processor, QEvent::MetaCall);
 }
 
-/// The last lines of all runs that take from \a atLeast to \a atMost milliseconds.
+/// The possible last lines of a log, for runs of \a atLeast to \a atMost milliseconds.
 inline QStringList finishedLines(qint64 atLeast, qint64 atMost)
 {
     QStringList lines;
@@ -143,7 +143,7 @@ private:
     QList<bool> answers_;
 };
 
-/// All of them have the same address, one after another.
+/// All objects of this class get the same address, so only one exists at a time.
 class SameAddressTask : public TestTask
 {
 public:

@@ -450,7 +450,8 @@ void TestAsyncTaskLifetime::aTaskThatOutlivesItsProcessorIsNotStarted()
     QVERIFY(!ran);
 }
 
-// The slot deletes the finished task, so that no task runs when the event loop starts the next one.
+// The slot deletes the finished task, so that no task runs while the destructor's event loop could
+// start the next one.
 void TestAsyncTaskLifetime::aSkippedTaskIsNotStartedInAnEventLoopOfItsDestructor()
 {
     struct Starter : TestTask

@@ -64,7 +64,7 @@ QString colour()
     return QStringLiteral("Colour");
 }
 
-// As a program has its enumerations: members that are static objects.
+// Members are static objects, as in a program.
 const Member Red(colour(), "Red");
 const Member Green(colour(), "Green");
 const Member Blue(colour(), "Blue");

@@ -59,7 +59,7 @@ void addTexts()
                           << std::wstring(100000, L'\u20ac');
 }
 
-// Texts that an array takes as they are, in both forms.
+// Texts for the array functions, as 16-bit units and as wide text.
 void addArrayTexts()
 {
     QTest::addColumn<std::u16string>("units");
@@ -285,7 +285,7 @@ void TestTextConversions::aByteOrderMarkInFrontDoesNotGetIntoAQString()
                                      "ab"))
             == L"ab");
     QVERIFY(toStdString(std::wstring(L"\uFEFFab")) == "ab");
-    // Only one, and only in front.
+    // Only one mark is removed, and only at the beginning.
     const QString mark(QChar(0xFEFF));
     QCOMPARE(toQString(std::wstring(L"\uFEFF\uFEFFab")), mark + text);
     QCOMPARE(toQString(std::wstring(L"ab\uFEFF")), text + mark);

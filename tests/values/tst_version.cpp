@@ -1,4 +1,4 @@
-// As a system header defines them that is included first.
+// Some system headers define these macros (sys/sysmacros.h): Version.h must work after them.
 #define major(device) (((device) >> 8) & 0xff)
 #define minor(device) ((device)&0xff)
 
@@ -28,7 +28,7 @@ static_assert(std::is_same_v<decltype(Version::Current), const Version>);
 static_assert(std::is_same_v<decltype(Version::CurrentRelease), const Version>);
 static_assert(std::is_same_v<decltype(Version::Public), const QString>);
 
-// The numbers are constants of the compiler.
+// The numbers are compile-time constants.
 static_assert(Version::Major == 24 && Version::Minor == 0 && Version::Patch == 75);
 static_assert(Version::Hotfix == 1 && Version::DevStage == 0);
 

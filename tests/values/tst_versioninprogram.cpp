@@ -424,7 +424,7 @@ void TestVersionInProgram::randomBytesHaveNone()
     }
 }
 
-// The tables of a program with numbers at random in them.
+// Puts random numbers into the tables of a program.
 void TestVersionInProgram::randomPlacesStayWithinTheFile()
 {
     QFETCH(QByteArray, program);

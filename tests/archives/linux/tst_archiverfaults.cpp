@@ -55,7 +55,7 @@ void start(SevenZip &archive, int operation)
     }
 }
 
-// Counts the ends that an archive announces.
+// Counts the signals compressionFinished, extractionFinished and listFinished.
 class Ends : public QObject
 {
 public:
@@ -80,7 +80,7 @@ void addOperations()
     QTest::newRow("listing") << 2;
 }
 
-// Lines that mean something to no reader.
+// Lines that every reader ignores.
 QByteArray idleLines(qint64 size)
 {
     QByteArray lines;
@@ -242,7 +242,7 @@ void TestArchiverFaults::aHangingArchiverLeavesTheProgramAnswerable()
     QCOMPARE(ends.count(), 0);
     QVERIFY(archive.isOk());
     {
-        const FakeArchiver other; // the script of those that are started meanwhile
+        const FakeArchiver other; // the script for the archivers started from here on
         SevenZip second;
         for (int i = 0; i < Operations; ++i)
             QVERIFY(run(second, i));

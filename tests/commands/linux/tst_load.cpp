@@ -49,7 +49,7 @@ private:
             const int number = added_++;
             const auto work = [this, number](TestTask &task) {
                 if (number == order_)
-                    ++order_; // as long as every task comes in its turn
+                    ++order_; // equals the number of tasks as long as they run in order
                 Q_EMIT task.progress(QStringLiteral("half"));
                 task.setFinished();
             };
@@ -153,7 +153,8 @@ void TestLoad::manyCommandsLeaveNothingBehind()
     QFETCH(QString, output);
     QFETCH(int, count);
     Command command;
-    QCOMPARE(command.run(text, 0, false), output); // what is made once
+    // The first call creates what is kept for later calls.
+    QCOMPARE(command.run(text, 0, false), output);
     const int descriptors = openDescriptors();
     const int children = childProcesses().size();
     QElapsedTimer timer;

@@ -240,10 +240,10 @@ void TestFullDisk::withoutSpaceBesideTheLogItStaysAsItWas()
     QCOMPARE(contentOf(names), QByteArray("run.log\n"));
 }
 
-// They wait in memory until the file is flushed, after every write has succeeded.
+// The limit on the size of a file is reached in the last bytes of the tail.
 void TestFullDisk::aTailThatFillsTheDiskDoesNotReplaceTheLog()
 {
-    constexpr int Space = 16 << 18; // for the blocks that are written at once
+    constexpr int Space = 16 << 18; // for all of the tail but its last bytes
     constexpr int Rest = 1000;
     const int offset = tooLargeLog().size() - tailOf(tooLargeLog()).size();
     const QByteArray log = tooLargeLog().leftJustified(offset + Space + Rest, '.', true);
@@ -276,7 +276,7 @@ void TestFullDisk::withoutAFreeDescriptorTheLogIsStillWritten()
     Log log(fileName_, Log::NoFileTimeStamp);
     log.setTimeStamp(Log::NoTimeStamp);
     QVERIFY(log.open(true));
-    log.fastAppend(QString::fromUtf8(before.mid(1))); // the blank comes by itself
+    log.fastAppend(QString::fromUtf8(before.mid(1))); // fastAppend() adds the blank
 
     bool isSet = false;
     {

@@ -125,7 +125,8 @@ void TestReadOnly::aLogCannotBeOpenedInAReadOnlyFolder()
         return truth(isOpen);
     });
     QCOMPARE(outcome, QByteArray("false"));
-    Log process(QStringLiteral("/proc/run.log"), Log::NoFileTimeStamp); // for no user at all
+    // A folder that no user can write to, not even root.
+    Log process(QStringLiteral("/proc/run.log"), Log::NoFileTimeStamp);
     QVERIFY(!process.open(append));
 }
 
@@ -226,7 +227,7 @@ void TestReadOnly::aScriptThatCannotBeDeletedIsOverwritten()
     QCOMPARE(contentOf(script), QByteArray("echo newer"));
 }
 
-// It is somebody else's.
+// The script belongs to another user.
 void TestReadOnly::aScriptThatMayNotBeWrittenIsNotRun()
 {
     const QString folder = path(QStringLiteral("scripts"));

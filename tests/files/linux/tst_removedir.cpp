@@ -87,7 +87,7 @@ private Q_SLOTS:
 
 void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed_data()
 {
-    QTest::addColumn<QString>("above"); // of the folders exchanged, in the tree
+    QTest::addColumn<QString>("above"); // the folders of the tree above the exchanged ones
     QTest::newRow("at the top") << QString();
     QTest::newRow("further below") << QStringLiteral("a/b/");
 }
@@ -137,7 +137,7 @@ void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed()
     QCOMPARE(lost, 0);
 }
 
-// Deeper than any path can name and than descriptors can be open.
+// Deeper than the longest path and than the number of descriptors that may be open.
 void TestRemoveDir::aTreeOfAnyDepthIsRemoved()
 {
     constexpr int Depth = 150;
@@ -180,7 +180,7 @@ void TestRemoveDir::aFolderThatCannotBeOpenedStays()
         isKept = System::removeDir(path("tree"), true, QStringList());
     }
     QVERIFY(!isRemoved);
-    QVERIFY(isKept); // no removal was tried that could have failed
+    QVERIFY(isKept); // true: no removal failed, as none was tried
     QCOMPARE(entriesOf(path("tree")),
              (QStringList{QStringLiteral("empty"), QStringLiteral("file")}));
 }
@@ -217,7 +217,8 @@ void TestRemoveDir::whatIsNeitherFileNorFolderStays()
     QVERIFY(isMade);
     QVERIFY(!System::removeDir(path("tree"), true, QStringList())); // the folder "sub" is not empty
     QCOMPARE(entriesOf(path("tree/sub")), QStringList{QStringLiteral("special")});
-    QVERIFY(System::removeDir(path("tree/sub"), true, QStringList())); // nothing is tried
+    // True: no removal failed, as none was tried.
+    QVERIFY(System::removeDir(path("tree/sub"), true, QStringList()));
     QVERIFY(!System::removeDir(path("tree/sub"), false, QStringList()));
     QCOMPARE(entriesOf(path("tree/sub")), QStringList{QStringLiteral("special")});
 }

@@ -84,7 +84,7 @@ private:
     TestFolder userData_;
 };
 
-// System keeps the folder of the flags for the process.
+// System keeps the flags folder for the whole process, so it is set before the first call.
 void TestSpecialFiles::initTestCase()
 {
     QVERIFY(userData_.isValid());
@@ -92,7 +92,7 @@ void TestSpecialFiles::initTestCase()
     QVERIFY(System::getFlagsDirPath().startsWith(userData_.path()));
 }
 
-// Otherwise the tests could not fail.
+// Checks the pipe itself: the other tests rely on wasRead().
 void TestSpecialFiles::aPipeIsNoticedWhenItIsRead()
 {
     Fifo pipe(path("pipe"));
@@ -125,7 +125,7 @@ void TestSpecialFiles::aPipeInThePlaceOfTheFlagsFileIsNotWaitedFor()
         QVERIFY(!pipe.wasRead());
     }
     QVERIFY(QFile::remove(fileName));
-    // It is the file that is looked at.
+    // The path is right: a plain file there is read.
     QVERIFY(writeFile(fileName, "DebugMode on\n"));
     QVERIFY(System::isFlagSet(QStringLiteral("DebugMode")));
     QVERIFY(QFile::remove(fileName));

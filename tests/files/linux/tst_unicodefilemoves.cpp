@@ -394,7 +394,7 @@ void TestUnicodeFileMoves::aFolderAtThePlainPathLeavesTheFileWhereItIs()
     QVERIFY(QDir(plain()).removeRecursively());
 }
 
-// A copy would never end.
+// Copying a pipe would never end.
 void TestUnicodeFileMoves::aPipeIsNotWaitedFor()
 {
     QVERIFY(QFile::remove(own()));
@@ -404,7 +404,8 @@ void TestUnicodeFileMoves::aPipeIsNotWaitedFor()
     QVERIFY(QFile::exists(own()));
 }
 
-// It lies at the plain path, in a folder in which everybody may remove only what is his own.
+// The other user's file is at the plain path, in a folder where users may remove only their own
+// files.
 void TestUnicodeFileMoves::aFileOfAnotherUserNeverTakesThePlaceOfTheFile()
 {
     if (geteuid() != 0)

@@ -297,7 +297,8 @@ void TestTruncatedLogs::nobodyElseReadsAPrivateLog_data()
     addFileSystems();
 }
 
-// Its folder is closed to others, its permission bits are not.
+// The folder of the log is closed to others, but the permission bits of the log would let them read
+// it.
 void TestTruncatedLogs::nobodyElseReadsAPrivateLog()
 {
     constexpr int Rounds = 100;
@@ -337,7 +338,8 @@ void TestTruncatedLogs::aLogOfAnotherUserIsTruncated_data()
     QTest::newRow("another group") << uint(ServiceGroup) << QByteArray("65534 65534 644");
 }
 
-// A process that may not set the group does not give the group's rights to its own.
+// If the process may not give the new log the old one's group, the group's rights are dropped, so
+// that its own group does not get them.
 void TestTruncatedLogs::aLogOfAnotherUserIsTruncated()
 {
     QFETCH(uint, group);
@@ -356,7 +358,7 @@ void TestTruncatedLogs::aLogOfAnotherUserIsTruncated()
 // With an access list, the group's permission bits are the upper limit for all of its entries.
 void TestTruncatedLogs::theAccessListIsKept()
 {
-    // Version 2; owner rw, user 12345 r, group nothing, most r, others nothing.
+    // Version 2; owner rw, user 12345 r, group nothing, mask r, others nothing.
     const QByteArray list = QByteArray::fromHex("02000000"
                                                 "01000600ffffffff"
                                                 "0200040039300000"
@@ -393,7 +395,7 @@ void TestTruncatedLogs::noAccessListIsInherited()
 {
     QFETCH(bool, isOnAnotherFileSystem);
     QFETCH(bool, isOfTemporaryFolder);
-    // Version 2; owner rwx, user 65534 rwx, group r-x, most rwx, others nothing.
+    // Version 2; owner rwx, user 65534 rwx, group r-x, mask rwx, others nothing.
     const QByteArray list = QByteArray::fromHex("02000000"
                                                 "01000700ffffffff"
                                                 "02000700feff0000"

@@ -16,7 +16,7 @@ public:
         : fileName_(QFile::encodeName(fileName))
         , isMade_(mkfifo(fileName_.constData(), S_IRUSR | S_IWUSR) == 0)
     {
-        // Opening waits for a reader; closing ends what the reader reads.
+        // open() waits for a reader; close() then gives the reader the end of the file.
         if (isMade_)
             writer_ = std::thread([this] {
                 const int writer = open(fileName_.constData(), O_WRONLY | O_CLOEXEC);
@@ -29,7 +29,8 @@ public:
 
     bool isMade() const { return isMade_; }
 
-    /// Whether somebody has opened it for reading until now. Nobody can do so afterwards.
+    /// Whether somebody has opened it for reading so far. Call it last: afterwards the pipe has no
+    /// writer any more.
     bool wasRead()
     {
         if (writer_.joinable()) {

@@ -9,7 +9,7 @@
 
 #include <unistd.h>
 
-/// The descriptors that this process has open, and the one that is needed to count them.
+/// The number of open descriptors, including the one that counting needs.
 inline int openDescriptors()
 {
     return entriesOf(QStringLiteral("/proc/self/fd")).size();

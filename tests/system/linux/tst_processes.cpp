@@ -187,7 +187,7 @@ void TestProcesses::aKilledProcessDoesNotRunBeforeItIsWaitedFor()
     QCOMPARE(System::getPID({name.toUpper()}), static_cast<long>(child.id()));
 
     QVERIFY(child.kill());
-    // It is still there, by its name.
+    // It is still listed in /proc, by its name.
     QCOMPARE(contentOf(fileOf(child.id(), "comm")).trimmed(), name.toLatin1());
     QVERIFY(!System::isProcessRunning(name));
     QCOMPARE(System::getPID({name.toUpper()}), 0L);
@@ -260,7 +260,7 @@ void TestProcesses::withoutPidfdsTheProcessWithTheIdIsEnded()
     QTRY_VERIFY(!System::isProcessRunning(name));
 }
 
-// As the system marks the program of a process whose file is gone.
+// Linux adds " (deleted)" to the path of a program whose file was removed.
 void TestProcesses::aProgramNameMayEndWithDeleted()
 {
     const TestFolder folder;
@@ -292,7 +292,7 @@ void TestProcesses::aDeletedProgramIsNotTheFileNamedDeleted()
     QVERIFY(!System::isProcessRunning(name + QStringLiteral(" (deleted)")));
 }
 
-// The answer is only a hint.
+// Any program can take any name, so this answer is not reliable.
 void TestProcesses::anotherUsersProgramIsFoundByTheNameThatItGivesItself()
 {
     if (geteuid() != 0)

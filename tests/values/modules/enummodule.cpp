@@ -43,7 +43,7 @@ Q_DECL_EXPORT int idOfExplicit()
     return explicitly.id();
 }
 
-/// As this module finds it.
+/// The value of the member \a name, looked up from this module.
 Q_DECL_EXPORT int valueOf(const char *name)
 {
     return Vorn::Util::Enum::fromString(typeName(), QString::fromLatin1(name)).toValue();

@@ -53,7 +53,7 @@ void TestVersionConstants::theConstantsAreConstantInitialised()
 
 void TestVersionConstants::theBranchIsThatOfTheBuildsReference()
 {
-    QCOMPARE(Version::Branch(), Formats::branchName(QStringLiteral(BRANCH_REFERENCE)));
+    QCOMPARE(Version::Branch(), QStringLiteral(BRANCH));
 }
 
 void TestVersionConstants::theBranchIsTheRestOfTheReference_data()

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <Utility/Version.h>
-
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -31,10 +29,11 @@ inline QString folder()
     return name() + QLatin1Char(' ') + publicVersion();
 }
 
-/// The release in the key of the settings: "24.0".
+/// The release in the key of the settings and in SystemInfo.xml: "24.0". It stays when the version
+/// changes, so that the settings of an older release are found.
 inline QString release()
 {
-    return QStringLiteral("%1.%2").arg(Version::Major).arg(Version::Minor);
+    return QStringLiteral("24.0");
 }
 
 /// The key of the product's machine-wide settings: "SOFTWARE\Vantorel\VORN\24.0".

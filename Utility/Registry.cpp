@@ -31,19 +31,19 @@ void copyBounded(const QString &text, wchar_t *out, int size)
     out[fits ? wide.size() : 0] = L'\0';
 }
 
-QString translatorsFolder(const QStringList &lastParts)
+QString translatorsFolder(const QStringList &lastParts = QStringList())
 {
     QString base = Platform::environmentVariable("AllUsersProfile");
     if (base.size() >= FolderSize)
         base.clear(); // a longer value counts as not set
-    const QStringList parts{base, Product::maker(), Product::folder()};
+    const QStringList parts{base, Product::maker(), Product::folder(),
+                            QStringLiteral("VORN_Translators")};
     return (parts + lastParts).join(QDir::separator());
 }
 
 QString serverFolder()
 {
-    return translatorsFolder(
-        {QStringLiteral("VORN_Translators"), QStringLiteral("VORN_HLXServer")});
+    return translatorsFolder({QStringLiteral("VORN_HLXServer")});
 }
 
 void print(const Platform::SettingsValue &value, const QString &keyPath)
@@ -100,7 +100,7 @@ bool Registry::readProductInstallationFolder(char *out, const wchar_t *keyPath)
 void Registry::readOrlithTranslatorsFolder(wchar_t *const out)
 {
     if (out)
-        copyBounded(translatorsFolder({QStringLiteral("VORN_Translators")}), out, FolderSize);
+        copyBounded(translatorsFolder(), out, FolderSize);
 }
 
 void Registry::readOrlith_HLXServerFolder(wchar_t *const out)

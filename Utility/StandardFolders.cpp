@@ -15,17 +15,6 @@
 
 namespace Vorn::Util::StandardFolders {
 
-namespace {
-
-QString readSetting(const wchar_t *name)
-{
-    std::array<wchar_t, Platform::SettingsValueSize> value{};
-    Registry::readRegistryValue(name, value.data(), nullptr);
-    return QString::fromWCharArray(value.data());
-}
-
-} // namespace
-
 QString withoutLastSeparator(const QString &path)
 {
     const bool hasSeparator = path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1Char('\\'));
@@ -66,7 +55,9 @@ QString userData()
 
 QString analyses()
 {
-    return readSetting(L"AnalyzeDirectory");
+    std::array<wchar_t, Platform::SettingsValueSize> setting{};
+    Registry::readRegistryValue(L"AnalyzeDirectory", setting.data(), nullptr);
+    return QString::fromWCharArray(setting.data());
 }
 
 QString mainProgram()
@@ -89,7 +80,9 @@ QString runningProgram()
 
 QString installation(bool orVariable)
 {
-    QString folder = readSetting(L"InstallationDirectory");
+    std::array<wchar_t, Platform::SettingsValueSize> setting{};
+    Registry::readProductInstallationFolder(setting.data(), nullptr);
+    QString folder = QString::fromWCharArray(setting.data());
     if (folder.isEmpty() && orVariable)
         folder = Platform::environmentVariable("TAVELINE2024DIR");
     return QDir::toNativeSeparators(withoutLastSeparator(folder));

@@ -5,10 +5,10 @@
 
 namespace Vorn::Util::Platform {
 
-/// The maximum length of a value, with its terminating null.
+/// The maximum length of a value in UTF-16 code units, including its terminating null.
 constexpr int SettingsValueSize = 1024;
 
-/// The maximum length of a key path, with its terminating null.
+/// The maximum length of a key path in UTF-16 code units, including its terminating null.
 constexpr int SettingsKeyPathSize = 512;
 
 /// The result of reading a value from the machine-wide settings.

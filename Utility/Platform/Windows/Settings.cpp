@@ -60,6 +60,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
     if (!key.isOpen())
         return noKey(key.code());
     wchar_t value[SettingsValueSize] = {};
+    static_assert(sizeof value == 2048);
     DWORD size = sizeof value;
     LONG code = RegQueryValueExW(key.get(), wide(name), nullptr, nullptr,
                                  reinterpret_cast<BYTE *>(value), &size);

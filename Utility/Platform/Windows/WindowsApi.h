@@ -1,7 +1,7 @@
 #pragma once
 
 // The only file that includes <windows.h>. Where a constant of Windows is part of the documented
-// behaviour, a static_assert beside its use tells its value.
+// behaviour, a static_assert beside its use states its value.
 
 #ifndef WINVER
 #define WINVER 0x0601 // Windows 7
@@ -30,6 +30,8 @@
 #include <vector>
 
 namespace Vorn::Util::Platform {
+
+static_assert(MAX_PATH == 260);
 
 /// The text as a pointer for wide-character functions. Valid as long as \a text is not changed.
 inline const wchar_t *wide(const QString &text)

@@ -51,7 +51,7 @@ inline QByteArray listing(const QByteArray &entries, const QByteArray &totals = 
     return "Listing archive: x\n\n" + QByteArray(Ruler) + entries + Ruler + totals;
 }
 
-/// The archiver is the one of FakeArchiver.h. No test function leaves a list file behind.
+/// The archiver is the one of FakeArchiver.h. Every test function checks that no list file is left.
 class TestWithFakeArchiver : public Fixture
 {
 protected:

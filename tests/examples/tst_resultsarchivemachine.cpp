@@ -177,13 +177,13 @@ void TestResultsArchiveMachine::aRunWithoutDiskSpaceIsRefused()
     constexpr qint64 More = qint64(64) << 30;
     Site site(smallTree());
     if (!knowsFreeSpace(site.outFolder()))
-        QSKIP("The system does not tell how much room there is");
+        QSKIP("The system does not report the free disk space");
     FakeArchiver archiver;
     site.useFakeArchiver(archiver);
     QFile file(site.dataFile(QStringLiteral("large")));
     QVERIFY(file.open(QIODevice::WriteOnly));
     if (!file.resize(QStorageInfo(site.outFolder()).bytesAvailable() + More))
-        QSKIP("This file system has no files that take less room than their size");
+        QSKIP("This file system has no files that take less disk space than their size");
     file.close();
     const int exitCode = site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
     const QString pattern

@@ -202,7 +202,7 @@ void TestSystemFiles::sharingAMissingFolderIsFalse()
 void TestSystemFiles::aFolderIsNotSharedByItself()
 {
     if (onWindows() && !hasAllOfWindows())
-        QSKIP("The call that tells of shares is missing here, and ends the process");
+        QSKIP("The call that lists shares is missing here, and ends the process");
     QVERIFY(!System::isFolderShared(QDir::toNativeSeparators(here_)));
     QVERIFY(!System::isFolderShared(QDir::toNativeSeparators(path("missing"))));
     QVERIFY(!System::isFolderShared(QString()));

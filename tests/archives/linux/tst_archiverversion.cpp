@@ -1,4 +1,4 @@
-// The version that an archiver prints, asked of shell scripts in its place.
+// The version that an archiver prints. Shell scripts take the place of the archiver.
 
 #include <Utility/ArchiverProgram_p.h>
 

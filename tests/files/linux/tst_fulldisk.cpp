@@ -128,16 +128,16 @@ void TestFullDisk::aFullDiskTakesWholeLinesOfALog()
     for (; number < Before; ++number)
         log.append(numberedLine(QStringLiteral("line"), number));
     const int length = lineOf(0).size();
-    const int room = Before * length + length / 2;
+    const int bytes = Before * length + length / 2;
     QByteArray content;
     {
-        const FileSizeLimit limit(room);
+        const FileSizeLimit limit(bytes);
         QVERIFY(limit.isSet());
         for (; number < Before + During; ++number)
             log.append(numberedLine(QStringLiteral("line"), number));
         content = contentOf(fileName_);
     }
-    QCOMPARE(content.size(), room);
+    QCOMPARE(content.size(), bytes);
     for (; number < Before + During + After; ++number)
         log.append(numberedLine(QStringLiteral("line"), number));
     log.close();
@@ -412,11 +412,11 @@ void TestFullDisk::aListFileThatIsNotWrittenWholeEndsTheCompression()
     archive.setArchiveFile(QStringLiteral("archive.7z"));
     archive.setCurrentPath(folder_.path());
     QSignalSpy finished(&archive, &SevenZip::compressionFinished);
-    for (const int room : {0, 1, list.size() / 2, list.size() - 1}) {
+    for (const int bytes : {0, 1, list.size() / 2, list.size() - 1}) {
         finished.clear();
         bool result = false;
         {
-            const FileSizeLimit limit(room);
+            const FileSizeLimit limit(bytes);
             if (blocking)
                 result = archive.compressFiles(files);
             else
@@ -497,15 +497,15 @@ void TestFullDisk::aFullDiskLeavesTheCountsOfTheSystemAndNoFile()
     const Counts counts{CpuInfo(nullptr, whole.path())};
     const qint64 size = QFileInfo(whole.filePath(QStringLiteral("SystemInfo.xml"))).size();
     QVERIFY(size > 0);
-    for (qint64 room = 0; room < size; ++room) {
+    for (qint64 bytes = 0; bytes < size; ++bytes) {
         const TestFolder folder;
-        const auto construct = [&folder, room] {
-            const FileSizeLimit limit(room);
+        const auto construct = [&folder, bytes] {
+            const FileSizeLimit limit(bytes);
             return Counts(CpuInfo(nullptr, folder.path()));
         };
         const TestMessages messages;
         const bool isTheSystems = construct() == counts;
-        QVERIFY2(isTheSystems, qPrintable(QString::number(room)));
+        QVERIFY2(isTheSystems, qPrintable(QString::number(bytes)));
         QCOMPARE(messages.lines(),
                  QStringList{QStringLiteral("Cannot save CPU information to SystemInfo.xml")});
         QCOMPARE(entriesOf(folder.path()), QStringList());

@@ -107,7 +107,7 @@ private Q_SLOTS:
     void versionsAreOrdered();
     void noComparisonLooksAtTheStage();
 
-    void thisBuildIsFromNoNamedBranch();
+    void theBranchIsThatOfTheBuildsReference();
 };
 
 void TestVersion::theFieldsLieInOrder()
@@ -504,9 +504,9 @@ void TestVersion::noComparisonLooksAtTheStage()
     QVERIFY(!(later > earlier));
 }
 
-void TestVersion::thisBuildIsFromNoNamedBranch()
+void TestVersion::theBranchIsThatOfTheBuildsReference()
 {
-    QVERIFY(Version::Branch().isEmpty());
+    QCOMPARE(Version::Branch(), QStringLiteral(BRANCH));
 }
 
 QTEST_GUILESS_MAIN(TestVersion)

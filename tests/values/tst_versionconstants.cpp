@@ -40,7 +40,6 @@ class TestVersionConstants : public QObject
 
 private Q_SLOTS:
     void theConstantsAreConstantInitialised();
-    void theBranchIsThatOfTheBuildsReference();
     void theBranchIsTheRestOfTheReference_data();
     void theBranchIsTheRestOfTheReference();
 };
@@ -49,11 +48,6 @@ void TestVersionConstants::theConstantsAreConstantInitialised()
 {
     QVERIFY(holds(earlyReader.current, Version::Major, Version::Minor, Version::Patch));
     QVERIFY(holds(earlyReader.release, Version::Major, Version::Minor, Version::Hotfix));
-}
-
-void TestVersionConstants::theBranchIsThatOfTheBuildsReference()
-{
-    QCOMPARE(Version::Branch(), QStringLiteral(BRANCH));
 }
 
 void TestVersionConstants::theBranchIsTheRestOfTheReference_data()

@@ -152,13 +152,13 @@ void extractShell(benchmark::State &state)
 
 BENCHMARK(listOwn)
     ->Name("list/own")
-    ->Arg(50000)
+    ->Arg(200000)
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
 BENCHMARK(listShell)
     ->Name("list/shell")
-    ->Arg(50000)
+    ->Arg(200000)
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);

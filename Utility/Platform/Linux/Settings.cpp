@@ -50,13 +50,14 @@ bool locate(const QString &keyPath, Location &location)
     return true;
 }
 
-// The first existing file in the folders of XDG_CONFIG_DIRS or, if there is none, the file that
-// QSettings uses. If a folder was set with QSettings::setPath(), only the file in that folder.
+// The file that QSettings uses. If it does not exist, the first existing file in the other folders
+// of XDG_CONFIG_DIRS; but if a folder that is not one of them was set with QSettings::setPath(),
+// only the file in that folder.
 QString fileOf(const Location &location)
 {
-    const QString named = QSettings(QSettings::NativeFormat, QSettings::SystemScope,
-                                    location.organisation, location.application)
-                              .fileName();
+    QString named = QSettings(QSettings::NativeFormat, QSettings::SystemScope,
+                              location.organisation, location.application)
+                        .fileName();
     const QString below
         = QStringLiteral("/%1/%2.conf").arg(location.organisation, location.application);
     QStringList files;
@@ -65,8 +66,10 @@ QString fileOf(const Location &location)
          QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation).mid(1))
         files.append(folder + below);
     const auto exists = [](const QString &name) { return QFileInfo::exists(name); };
+    if (exists(named) || !files.contains(named))
+        return named;
     const auto found = std::find_if(files.cbegin(), files.cend(), exists);
-    return files.contains(named) && found != files.cend() ? *found : named;
+    return found != files.cend() ? *found : named;
 }
 
 // The values of a key and of its subkeys. The names of the latter begin with "GROUP/". Empty if the

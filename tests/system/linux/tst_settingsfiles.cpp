@@ -46,6 +46,7 @@ private Q_SLOTS:
     void theFirstFileThatExistsCounts();
     void aFileThatExistsHidesTheOnesAfterIt();
     void aFolderSetForQtReplacesTheOthers();
+    void aListedFolderSetForQtGoesFirst();
     void aChangeGoesToTheFileThatIsRead();
     void aChangeWithoutAFileMakesTheFirst();
     void aChangeLeavesTheRestOfTheFileAsItIs();
@@ -170,6 +171,23 @@ void TestSettingsFiles::aFolderSetForQtReplacesTheOthers()
     QCOMPARE(localeAfter(""), QByteArray("de-DE"));
     QCOMPARE(contentOf(file("set")), QByteArray("[24.0]\nLocale=de-DE\n"));
     QCOMPARE(contentOf(file("first")), QByteArray("[24.0]\nLocale=it-IT\n"));
+}
+
+// The folder that is set is also in XDG_CONFIG_DIRS, but not the first one.
+void TestSettingsFiles::aListedFolderSetForQtGoesFirst()
+{
+    QVERIFY(writeSettings(file("first"), "[24.0]\nLocale=it-IT\n"));
+    const auto locale = [this] {
+        return inChildProcess([this] {
+            qputenv("XDG_CONFIG_DIRS",
+                    QFile::encodeName(folder("first") + QLatin1Char(':') + folder("second")));
+            QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, folder("second"));
+            return Vorn::Util::System::getLocale().toLatin1();
+        });
+    };
+    QCOMPARE(locale(), QByteArray("it-IT")); // the folder has no such file
+    QVERIFY(writeSettings(file("second"), "[24.0]\nLocale=de-DE\n"));
+    QCOMPARE(locale(), QByteArray("de-DE"));
 }
 
 void TestSettingsFiles::aChangeGoesToTheFileThatIsRead()

@@ -5,9 +5,12 @@
 #include <Utility/AsyncTaskProcessor.h>
 #include <Utility/CpuCounter.h>
 #include <Utility/Log.h>
+#include <Utility/Registry.h>
 #include <Utility/SevenZip.h>
 #include <Utility/SyncTask.h>
+#include <Utility/System.h>
 #include <Utility/Version.h>
+#include <Utility/Xml.h>
 
 #include <QtTest/QtTest>
 
@@ -17,6 +20,15 @@
 using namespace Vorn::Util;
 
 namespace {
+
+// Whether `Class{}` compiles. For an aggregate it does, even if its constructor is deleted.
+template <typename Class, typename = void> constexpr bool compilesWithBraces = false;
+template <typename Class>
+constexpr bool compilesWithBraces<Class, std::void_t<decltype(Class{})>> = true;
+static_assert(compilesWithBraces<Version>);
+static_assert(!compilesWithBraces<Registry>);
+static_assert(!compilesWithBraces<System>);
+static_assert(!compilesWithBraces<Xml>);
 
 // The methods that the class adds to QObject, in their order.
 QStringList methodsOf(const QMetaObject &metaObject)

@@ -1,49 +1,17 @@
 #!/usr/bin/env python3
 """Prints the times of the library beside the times of its peers, and whether the goals are reached.
 
-table.py RESULTS RATIOS
+table.py RESULTS
 
-RESULTS is the JSON output of Google Benchmark, in which "work/own" is the library and "work/peer" is
-another way to do the same work. RATIOS is the JSON file to write the rows of the table to.
+RESULTS is what measure.py wrote, or the JSON output of Google Benchmark. In it, "work/own" is the
+library and "work/peer" is another way to do the same work.
 """
 import collections
 import json
 import statistics
 import sys
 
-# The highest ratio that is accepted, for each work and peer. The peer win32 is measured on Windows,
-# the peers qt, turns and dom on both systems, all others on Linux.
-GOALS = {
-    ("size", "du"): 1.00,
-    ("size", "win32"): 1.00,
-    ("sizeMillion", "du"): 1.00,
-    ("remove", "rm"): 1.00,
-    ("remove", "win32"): 1.00,
-    ("queue", "turns"): 1.30,
-    ("queueOfChildren", "turns"): 1.30,
-    ("info", "dom"): 1.10,
-    ("fastAppend", "write"): 1.15,
-    ("fastAppend", "spdlog"): 1.00,
-    ("fastAppend", "win32"): 1.15,
-    ("append", "write"): 1.10,
-    ("append", "win32"): 1.10,
-    ("truncation", "kernel"): 1.10,
-    ("truncation", "win32"): 1.10,
-    ("threads", "spdlog"): 1.00,
-    ("list", "shell"): 1.05,
-    ("compress", "shell"): 1.03,
-    ("extract", "shell"): 1.03,
-    ("command", "process"): 1.10,
-    ("counter", "pread"): 1.50,
-    ("toQStringAscii", "qt"): 1.05,
-    ("toQStringMixed", "qt"): 1.05,
-    ("toStdStringAscii", "qt"): 1.05,
-    ("toStdStringMixed", "qt"): 1.05,
-    ("start", "qt"): 1.10,
-}
-
-# The most memory that is accepted for a million waiting tasks, in bytes.
-MEMORY_GOAL = 250e6
+from rows import MEMORY, MEMORY_GOAL, ROWS
 
 HEAD = """\
 Times are medians over the rounds; ratio = own / peer. Spread: in half of the rounds, the ratio differs
@@ -60,8 +28,8 @@ def verdict(value, spread, goal):
     return "ok" if value <= goal else "over"
 
 
-def row(work, peer, own, other, goal):
-    """The row of a work; own and other are the times in seconds, one for each round."""
+def figures(work, peer, own, other, goal):
+    """The row of a work. own and other are the times in seconds, one for each round."""
     ratio = statistics.median(own) / statistics.median(other)
     spread = statistics.median(abs(a / b - ratio) for a, b in zip(own, other))
     return {"work": work, "peer": peer, "own": statistics.median(own),
@@ -69,7 +37,7 @@ def row(work, peer, own, other, goal):
             "spread": spread, "goal": goal, "verdict": verdict(ratio, spread, goal)}
 
 
-def memory_row(values):
+def memory_figures(values):
     median = statistics.median(values)
     spread = statistics.median(abs(value - median) for value in values)
     return {"memory": median, "spread": spread, "rounds": len(values), "goal": MEMORY_GOAL,
@@ -85,11 +53,11 @@ def rows(runs):
             continue
         names = run["name"].split("/")
         times[names[0], names[1]].append(run["real_time"] * TO_SECONDS[run["time_unit"]])
-        if names[:3] == ["growth", "queue", "1000000"]:
+        if "/".join(names[:3]) == MEMORY:
             memory.append(run["memory"])
-    found = [row(work, peer, times[work, "own"], times[work, peer], goal)
-             for (work, peer), goal in GOALS.items() if times[work, "own"] and times[work, peer]]
-    return found + ([memory_row(memory)] if memory else [])
+    found = [figures(row.work, row.peer, times[row.work, "own"], times[row.work, row.peer], row.goal)
+             for row in ROWS if times[row.work, "own"] and times[row.work, row.peer]]
+    return found + ([memory_figures(memory)] if memory else [])
 
 
 def duration(seconds):
@@ -116,8 +84,6 @@ def main():
     print(f"{'work':<17} {'peer':<8} {'own':>9} {'peer':>9} {'ratio':>6} {'spread':>7} {'at most':>8}")
     for entry in found:
         print(text(entry))
-    with open(sys.argv[2], "w", encoding="utf-8") as file:
-        json.dump(found, file, indent=1)
 
 
 if __name__ == "__main__":

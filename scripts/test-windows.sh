@@ -2,6 +2,7 @@
 # Builds the library, its tests and the example for Windows x86-64 and runs the tests with Wine, in a
 # private Wine prefix. The first run builds Qt for Windows and keeps it in the cache folder.
 . "$(dirname "$0")/common.sh"
+. "$(dirname "$0")/wine.sh"
 need_build_tools
 need g++-mingw-w64-x86-64-posix wine wine64 python3
 cd "$project"
@@ -15,18 +16,7 @@ say "windows-release"
 cmake --preset windows-release >/dev/null
 cmake --build --preset windows-release
 
-# The folders of the DLLs.
-windows_path() { printf 'Z:%s' "${1//\//\\}"; }
-compiler_file() { dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name="$1")"; }
-WINEPATH=$(windows_path "$project/build/windows-release/Utility")
-for folder in "$VORNUTILITY_QT_WINDOWS/bin" "$(compiler_file libstdc++-6.dll)" \
-    "$(compiler_file libwinpthread-1.dll)"; do
-    WINEPATH="$WINEPATH;$(windows_path "$(cd "$folder" && pwd)")"
-done
-export WINEPATH WINEPREFIX=$project/build/wine WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
-mkdir -p "$WINEPREFIX"
-wine wineboot --init >/dev/null 2>&1
-trap 'wineserver -k 2>/dev/null || true' EXIT
+start_wine "$project/build/windows-release/Utility" "$VORNUTILITY_QT_WINDOWS"
 
 # A drive for the test that empties the root of a drive.
 mkdir -p build/drive

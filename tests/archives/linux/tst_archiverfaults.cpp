@@ -1,6 +1,9 @@
-// An archiver that does not start, hangs, is killed or prints what no archiver prints.
+// An archiver that does not start, hangs, is killed or prints what no archiver prints, and a list
+// file that another process attacks.
 
+#include "Adversary.h"
 #include "FakeArchiver.h"
+#include "OwnTempFolder.h"
 #include "ProcessState.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
@@ -16,6 +19,7 @@
 
 #include <csignal>
 #include <memory>
+#include <unistd.h>
 
 using namespace Vorn::Util;
 
@@ -101,6 +105,7 @@ private Q_SLOTS:
     void cleanup();
     void cleanupTestCase();
 
+    void aListFileIsNotWrittenThroughALinkThatIsPutThereMeanwhile();
     void anArchiverThatCannotBeStartedGivesFalseAndNoSignal_data();
     void anArchiverThatCannotBeStartedGivesFalseAndNoSignal();
     void anObjectWorksOnWhenTheArchiverIsThereAgain();
@@ -120,6 +125,7 @@ private Q_SLOTS:
     void bytesThatAreNoTextDoNoHarm();
 
 private:
+    OwnTempFolder temp_;
     std::unique_ptr<TestMessages> messages_;
 };
 
@@ -140,6 +146,37 @@ void TestArchiverFaults::cleanup()
 void TestArchiverFaults::cleanupTestCase()
 {
     QVERIFY(QFile::remove(archiverFile()));
+}
+
+// The archiver does not start, so that a round takes little time. Then nobody removes the list
+// file.
+void TestArchiverFaults::aListFileIsNotWrittenThroughALinkThatIsPutThereMeanwhile()
+{
+    constexpr int Rounds = 200;
+    QVERIFY(temp_.isUsed());
+    QVERIFY(QFile::setPermissions(archiverFile(), QFile::ReadOwner | QFile::WriteOwner));
+    QStringList names;
+    for (int number = 0; number < 33; ++number)
+        names.append(QString::number(number));
+    const QByteArray listFile = QFile::encodeName(temp_.filePath(QStringLiteral("listfile.tmp")));
+    const QString target = temp_.filePath(QStringLiteral("target"));
+    const QByteArray targetName = QFile::encodeName(target);
+    const Adversary adversary([&](std::atomic<int> &count) {
+        if (symlink(targetName.constData(), listFile.constData()) == 0) {
+            unlink(listFile.constData());
+            ++count;
+        }
+    });
+    QVERIFY(adversary.isRunning());
+    QDir folder(temp_.path());
+    for (int round = 0; round < Rounds; ++round) {
+        SevenZip archive;
+        QVERIFY(!archive.compressFiles(names));
+        QVERIFY(!QFile::exists(target));
+        for (const QString &name : folder.entryList(QDir::Files | QDir::System))
+            folder.remove(name);
+    }
+    QVERIFY(adversary.count() > Rounds);
 }
 
 void TestArchiverFaults::anArchiverThatCannotBeStartedGivesFalseAndNoSignal_data()

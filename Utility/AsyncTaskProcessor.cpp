@@ -6,15 +6,17 @@
 #include <Utility/System.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QPointer>
 
 #include <algorithm>
+#include <deque>
 
 // Slots, the monitor and the destructors of tasks are code of the application. They may delete
 // tasks and the processor. Three rules make this safe:
-// - If a waiting task is deleted, its pointer in tasks_ becomes null. If the current task is
+// - If a waiting task is deleted, its pointer in the queue becomes null. If the current task is
 //   deleted, forgetCurrentTask() sets currentTask_ to null.
-// - The finished() signal of the current task is connected to handleFinishedTask(). The function
-//   that disconnects it (with takeEnd()) handles the end of the task, so this happens only once.
+// - The function that changes the state of the current task from Running to Ended handles the end
+//   of the task, so this happens only once.
 // - After code of the application has run, check with a QPointer whether the processor and the task
 //   still exist.
 
@@ -27,6 +29,12 @@ struct AsyncTaskProcessor::CleanUp
     QPointer<AsyncTask> task;
     QPointer<AsyncTask> cleanUpTask;
     QString name; // of the clean-up task, for the log after it was deleted
+};
+
+struct AsyncTaskProcessor::Queue
+{
+    std::deque<QPointer<AsyncTask>> waiting;           // null for a task that was deleted
+    enum { Running, Ended, Deleting } current = Ended; // the state of the current task
 };
 
 namespace {
@@ -57,15 +65,20 @@ QString text(const Result &result)
 
 AsyncTaskProcessor::AsyncTaskProcessor(QObject *parent)
     : QObject(parent)
+    , tasks_(new Queue)
 {
 }
 
 AsyncTaskProcessor::~AsyncTaskProcessor()
 {
+    if (!currentTask_)
+        return;
     // The current task is a child and is deleted after the members. Its signals must not call slots
     // of this object then.
-    if (currentTask_)
-        disconnect(currentTask_, nullptr, this, nullptr);
+    disconnect(currentTask_, nullptr, this, nullptr);
+    // Called by the destructor of the task: the task must not be deleted a second time.
+    if (tasks_->current == Queue::Deleting)
+        currentTask_->setParent(nullptr);
 }
 
 void AsyncTaskProcessor::addTask(AsyncTask *task)
@@ -76,7 +89,7 @@ void AsyncTaskProcessor::addTask(AsyncTask *task)
     if (cleanUp != cleanUpTasks_.constEnd() && !cleanUp->task)
         cleanUpTasks_.remove(task); // the entry of a deleted task that had the same address
     task->setLog(log_);
-    tasks_.append(task);
+    tasks_->waiting.emplace_back(task);
     task->setParent(this);
 }
 
@@ -120,9 +133,9 @@ void AsyncTaskProcessor::setTaskMonitor(AsyncTaskMonitor *monitor)
 
 bool AsyncTaskProcessor::isFinished() const
 {
-    // tasks_ does not contain the current task, so the result is true while the last task runs.
+    // The queue does not contain the current task, so the result is true while the last task runs.
     // Kept for compatibility: see "isFinished() during the last task" in docs/compatibility.md.
-    return std::none_of(tasks_.cbegin(), tasks_.cend(),
+    return std::none_of(tasks_->waiting.cbegin(), tasks_->waiting.cend(),
                         [](const QPointer<AsyncTask> &task) { return task; });
 }
 
@@ -143,29 +156,33 @@ void AsyncTaskProcessor::startLater()
 
 void AsyncTaskProcessor::startTaskLater()
 {
-    QMetaObject::invokeMethod(this, "startTaskFromQueue", Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &AsyncTaskProcessor::startTaskFromQueue, Qt::QueuedConnection);
 }
 
 void AsyncTaskProcessor::startTaskFromQueue()
 {
     if (currentTask_)
         return;
-    while (!currentTask_ && !tasks_.isEmpty())
-        currentTask_ = tasks_.takeFirst();
-    if (!currentTask_) {
+    QPointer<AsyncTask> task;
+    while (!task && !tasks_->waiting.empty()) {
+        task = tasks_->waiting.front();
+        tasks_->waiting.pop_front();
+    }
+    if (!task) {
         finishRun(); // all waiting tasks were deleted
         return;
     }
     if (!timer_.isValid())
         timer_.start(); // this slot was called without startLater()
-    connect(currentTask_, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
-    connect(currentTask_, &AsyncTask::progress, this, &AsyncTaskProcessor::handleProgressFromTask);
-    connect(currentTask_, &QObject::destroyed, this, &AsyncTaskProcessor::forgetCurrentTask);
+    currentTask_ = task;
+    tasks_->current = Queue::Running;
+    connect(task, &AsyncTask::finished, this, &AsyncTaskProcessor::handleFinishedTask);
+    connect(task, &AsyncTask::progress, this, &AsyncTaskProcessor::handleProgressFromTask);
+    connect(task, &QObject::destroyed, this, &AsyncTaskProcessor::forgetCurrentTask);
     if (log_)
-        log(QStringLiteral("Starting task: %1").arg(currentTask_->name()));
+        log(QStringLiteral("Starting task: %1").arg(task->name()));
 
     const QPointer<AsyncTaskProcessor> self(this);
-    const QPointer<AsyncTask> task(currentTask_);
     Q_EMIT started(task);
     if (self && task)
         task->start();
@@ -179,8 +196,9 @@ void AsyncTaskProcessor::handleProgressFromTask(const QString &text)
 void AsyncTaskProcessor::handleFinishedTask()
 {
     AsyncTask *const task = currentTask_;
-    if (!task || !takeEnd())
+    if (!task || tasks_->current != Queue::Running)
         return;
+    tasks_->current = Queue::Ended;
     const QPointer<AsyncTaskProcessor> self(this);
     const QPointer<AsyncTask> alive(task);
     Result result = resultOf(*task);
@@ -200,27 +218,21 @@ void AsyncTaskProcessor::handleFinishedTask()
         stopWhenCanceled(task);
     if (!self)
         return;
-    deleteTask(alive);
+    if (alive)
+        deleteCurrentTask();
     if (self)
         goOn();
-}
-
-// Disconnects handleFinishedTask() from the current task. False if it was already disconnected:
-// then the end of the task is being handled.
-bool AsyncTaskProcessor::takeEnd()
-{
-    return disconnect(currentTask_, &AsyncTask::finished, this,
-                      &AsyncTaskProcessor::handleFinishedTask);
 }
 
 // Called by the destructor of the current task. Only the QObject part of the task still exists.
 void AsyncTaskProcessor::forgetCurrentTask()
 {
-    if (!takeEnd()) {
+    if (tasks_->current != Queue::Running) {
         currentTask_ = nullptr;
         return;
     }
     // The application has deleted the running task: it counts as failed.
+    tasks_->current = Queue::Ended;
     const QPointer<AsyncTaskProcessor> self(this);
     // The destructor of a skipped task may delete this processor, which must not delete the current
     // task, its child, a second time.
@@ -233,14 +245,10 @@ void AsyncTaskProcessor::forgetCurrentTask()
     goOn();
 }
 
-void AsyncTaskProcessor::deleteTask(AsyncTask *task)
+void AsyncTaskProcessor::deleteCurrentTask()
 {
-    if (!task)
-        return;
-    // The destructor of the task may delete this processor. The processor must not delete the task,
-    // which is its child, a second time.
-    connect(this, &QObject::destroyed, task, [task] { task->setParent(nullptr); });
-    delete task;
+    tasks_->current = Queue::Deleting;
+    delete currentTask_; // may delete this processor
 }
 
 void AsyncTaskProcessor::goOn()
@@ -260,7 +268,7 @@ void AsyncTaskProcessor::stopAfterError(AsyncTask *task)
     if (cleanUpTasks_.contains(task))
         skipToCleanUpTask(task);
     else // Kept for compatibility: see "Tasks dropped after a failure" in docs/compatibility.md.
-        tasks_.clear();
+        tasks_->waiting.clear();
 }
 
 void AsyncTaskProcessor::stopWhenCanceled(AsyncTask *task)
@@ -284,9 +292,21 @@ void AsyncTaskProcessor::skipToCleanUpTask(AsyncTask *task)
     log(QStringLiteral("Skipping to clean-up task: %1").arg(cleanUp.name));
     const QPointer<AsyncTaskProcessor> self(this);
     const auto isNext
-        = [&] { return cleanUp.cleanUpTask && tasks_.first() == cleanUp.cleanUpTask; };
-    while (self && !tasks_.isEmpty() && !isNext())
-        deleteTask(tasks_.takeFirst());
+        = [&] { return cleanUp.cleanUpTask && tasks_->waiting.front() == cleanUp.cleanUpTask; };
+    while (self && !tasks_->waiting.empty() && !isNext())
+        skipTask();
+}
+
+void AsyncTaskProcessor::skipTask()
+{
+    AsyncTask *const task = tasks_->waiting.front();
+    tasks_->waiting.pop_front();
+    if (!task)
+        return;
+    // The destructor of the task may delete this processor. The processor must not delete the task,
+    // which is its child, a second time.
+    connect(this, &QObject::destroyed, task, [task] { task->setParent(nullptr); });
+    delete task;
 }
 
 void AsyncTaskProcessor::finishRun()

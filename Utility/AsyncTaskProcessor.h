@@ -3,11 +3,11 @@
 #include <Utility/Export.h>
 
 #include <QtCore/QElapsedTimer>
-#include <QtCore/QList>
 #include <QtCore/QMap>
 #include <QtCore/QObject>
-#include <QtCore/QPointer>
 #include <QtCore/QString>
+
+#include <memory>
 
 namespace Vorn::Util {
 
@@ -66,7 +66,7 @@ class Log;
 ///
 /// Thread: use a processor only in its own thread, which needs an event loop.
 ///
-/// Memory: about 260 bytes for each waiting task, most of them for the task object, plus its name.
+/// Memory: about 240 bytes for each waiting task, most of them for the task object, plus its name.
 class VORNUTILITY_EXPORT AsyncTaskProcessor : public QObject
 {
     Q_OBJECT
@@ -135,12 +135,13 @@ private:
     Q_DISABLE_COPY(AsyncTaskProcessor)
 
     struct CleanUp;
+    struct Queue;
 
     void startTaskLater();
     void log(const QString &text);
-    bool takeEnd();
     void forgetCurrentTask();
-    void deleteTask(AsyncTask *task);
+    void deleteCurrentTask();
+    void skipTask();
     void stopAfterError(AsyncTask *task);
     void stopWhenCanceled(AsyncTask *task);
     void skipToCleanUpTask(AsyncTask *task);
@@ -151,7 +152,7 @@ private:
     AsyncTaskMonitor *monitor_ = nullptr;
     bool exitEventLoopWhenDone_ = false;
     bool exitOnError_ = true;
-    QList<QPointer<AsyncTask>> tasks_; // the waiting tasks; null for a task that was deleted
+    std::unique_ptr<Queue> tasks_; // the waiting tasks, and the state of the current task
     QElapsedTimer timer_;
     AsyncTask *currentTask_ = nullptr; // the running or just finished task until it is deleted
     QMap<AsyncTask *, CleanUp> cleanUpTasks_;

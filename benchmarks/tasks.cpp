@@ -19,10 +19,7 @@ constexpr int TaskCount = 100000;
 class QuickTask : public AsyncTask
 {
 public:
-    explicit QuickTask(QObject *parent)
-        : AsyncTask(QStringLiteral("quick"), parent)
-    {
-    }
+    using AsyncTask::AsyncTask;
 
 protected:
     void execute() override { setFinished(); }
@@ -30,25 +27,22 @@ protected:
 
 enum Parent { NoParent, Processor };
 
-// Runs \a count tasks, created with this parent. Returns the memory, in bytes, that they took while
-// all of them waited.
-qint64 runQueue(int count, Parent parent)
+void run(AsyncTaskProcessor &processor)
 {
-    const qint64 before = Workplace::memory();
-    AsyncTaskProcessor processor;
     processor.setExitEventLoopWhenDone(true);
-    for (int index = 0; index < count; ++index)
-        processor.addTask(new QuickTask(parent == Processor ? &processor : nullptr));
-    const qint64 taken = Workplace::memory() - before;
     processor.startLater();
     QCoreApplication::exec();
-    return taken;
 }
 
 template <Parent parent> void queueOwn(benchmark::State &state)
 {
-    for (auto _ : state)
-        runQueue(TaskCount, parent);
+    for (auto _ : state) {
+        AsyncTaskProcessor processor;
+        for (int index = 0; index < TaskCount; ++index)
+            processor.addTask(
+                new QuickTask(QStringLiteral("quick"), parent == Processor ? &processor : nullptr));
+        run(processor);
+    }
 }
 
 // The peer of the queue: the least work that runs objects one after the other on the event loop.
@@ -84,11 +78,17 @@ void queueTurns(benchmark::State &state)
     }
 }
 
+// "memory" is what the tasks take while all of them wait. Each has a name of its own.
 template <Parent parent> void queueOfLength(benchmark::State &state)
 {
     for (auto _ : state) {
-        const qint64 memory = runQueue(static_cast<int>(state.range(0)), parent);
-        state.counters["memory"] = static_cast<double>(memory);
+        const qint64 before = Workplace::memory();
+        AsyncTaskProcessor processor;
+        for (int index = 0; index < state.range(0); ++index)
+            processor.addTask(new QuickTask(QStringLiteral("Task %1").arg(index),
+                                            parent == Processor ? &processor : nullptr));
+        state.counters["memory"] = static_cast<double>(Workplace::memory() - before);
+        run(processor);
     }
 }
 

@@ -47,11 +47,11 @@ bool openWithoutLink(QFile &file)
 
 bool openPlainFile(QFile &file)
 {
-    if (!QFileInfo(file).isFile())
-        return false; // not opened, because opening a pipe would wake its writer
-    const int descriptor
-        = open(QFile::encodeName(file.fileName()).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const QByteArray path = QFile::encodeName(file.fileName());
     struct stat status = {};
+    if (::stat(path.constData(), &status) != 0 || !S_ISREG(status.st_mode))
+        return false; // not opened, because opening a pipe would wake its writer
+    const int descriptor = open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0)
         return false;
     if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)

@@ -201,7 +201,12 @@ public:
     static bool isFlagSet(const QString &flag);
 
     /// The total size of the files below \a path in bytes; 0 if the folder does not exist. Hidden
-    /// files do not count, and links to folders are not followed.
+    /// files and the content of hidden folders do not count, and links to folders are not followed.
+    /// A link to a file counts as much as the file; a file with several names counts for each.
+    ///
+    /// Costs: the system is asked for each file, which takes about a second for a million files.
+    /// The memory does not depend on the number of files.
+    /// Kept for compatibility: see "Longest path in a size" in docs/compatibility.md.
     static qint64 getDirectorySize(const QString &path);
 
     /// Removes the folder \a path with its content. \a exceptions are names of entries directly in
@@ -220,6 +225,8 @@ public:
     /// entry that is not removed because of its kind is not a failure, but the removal of its
     /// folder fails. If the folder is to be kept and does not exist or cannot be read, the result
     /// is true.
+    ///
+    /// The memory does not depend on the number of files.
     /// Kept for compatibility: see "What removeDir leaves" and "Missing folder to keep" in
     /// docs/compatibility.md.
     static bool removeDir(const QString &path, bool keepFolder, const QStringList &exceptions);

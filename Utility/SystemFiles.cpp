@@ -8,7 +8,6 @@
 #include <Utility/System.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
@@ -30,22 +29,6 @@ bool isLink(const QFileInfo &info)
 bool removeLink(const QString &path)
 {
     return QFile::remove(path) || QDir().rmdir(path);
-}
-
-// QDirIterator::Subdirectories is not used: it follows junctions, so that the walk may never end.
-qint64 sizeBelow(const QString &folder)
-{
-    qint64 size = 0;
-    QDirIterator entries(folder, QDir::AllEntries | QDir::NoDotAndDotDot);
-    while (entries.hasNext()) {
-        entries.next();
-        const QFileInfo info = entries.fileInfo();
-        if (!info.isDir())
-            size += info.size();
-        else if (!isLink(info))
-            size += sizeBelow(info.filePath());
-    }
-    return size;
 }
 
 // The folder \a path with a path that can be removed. "/" and "/." at the end are dropped, because
@@ -70,6 +53,8 @@ QString realPath(const QFileInfo &folder)
 
 struct TreeWalk
 {
+    // Called for each folder before its entries are visited.
+    std::function<void(bool isAtTop)> enter;
     // Called for each entry of a folder. Returns whether to enter the entry.
     std::function<bool(const Platform::FolderEntry &entry, bool isAtTop)> visit;
     // Called in the parent folder after the entries of a folder, also if it could not be entered.
@@ -84,6 +69,7 @@ bool walkTree(Platform::FolderTree &tree, const TreeWalk &walk)
     const auto visitCurrent = [&] {
         QStringList folders;
         const bool isAtTop = remaining.empty();
+        walk.enter(isAtTop);
         tree.visitEntries([&](const Platform::FolderEntry &entry) {
             if (walk.visit(entry, isAtTop))
                 folders.append(entry.name);
@@ -106,18 +92,55 @@ bool walkTree(Platform::FolderTree &tree, const TreeWalk &walk)
     }
 }
 
+qint64 sizeBelow(const QString &folder)
+{
+    const std::unique_ptr<Platform::FolderTree> tree
+        = Platform::openFolderTree(folder, Platform::TreeAccess::Measure);
+    if (!tree)
+        return 0;
+    qint64 size = 0;
+    TreeWalk sum;
+    sum.enter = [](bool) {};
+    sum.visit = [&size](const Platform::FolderEntry &entry, bool) {
+        if (entry.isHidden)
+            return false;
+        if (entry.kind == Platform::FolderEntry::Folder)
+            return !entry.isLink;
+        size += entry.size;
+        return false;
+    };
+    sum.leave = [](const QString &) {};
+    walkTree(*tree, sum);
+    return size;
+}
+
 // Kept for compatibility: see "What removeDir leaves" and "Missing folder to keep" in
 // docs/compatibility.md.
 bool emptyFolder(const QString &path, const QStringList &exceptions)
 {
-    const std::unique_ptr<Platform::FolderTree> tree = Platform::openFolderTree(path);
+    const std::unique_ptr<Platform::FolderTree> tree
+        = Platform::openFolderTree(path, Platform::TreeAccess::Remove);
     if (!tree)
         return true; // nothing to remove
     bool ok = true;
+    const auto stays = [&exceptions](const Platform::FolderEntry &entry, bool isAtTop) {
+        return entry.kind == Platform::FolderEntry::Other
+            || (isAtTop && exceptions.contains(entry.name));
+    };
     TreeWalk removal;
+    // Links come first. When their targets in the same folder are removed, they are broken links,
+    // which stay.
+    removal.enter = [&](bool isAtTop) {
+        QStringList links;
+        tree->visitLinks([&](const Platform::FolderEntry &entry) {
+            if (!stays(entry, isAtTop))
+                links.append(entry.name);
+        });
+        for (const QString &link : qAsConst(links))
+            ok = tree->removeFile(link) && ok;
+    };
     removal.visit = [&](const Platform::FolderEntry &entry, bool isAtTop) {
-        if (entry.kind == Platform::FolderEntry::Other
-            || (isAtTop && exceptions.contains(entry.name)))
+        if (stays(entry, isAtTop))
             return false;
         if (entry.kind == Platform::FolderEntry::Folder && !entry.isLink)
             return true;

@@ -1,8 +1,6 @@
 // The platform's walk through a folder tree.
 
-#include "TestFiles.h"
-#include "TestSystem.h"
-#include "TestWithFolder.h"
+#include "TestWithEntries.h"
 
 #include <Utility/Platform/FolderTree.h>
 
@@ -14,6 +12,9 @@
 using namespace Vorn::Util;
 using Platform::FolderEntry;
 using Platform::openFolderTree;
+using Platform::TreeAccess;
+
+Q_DECLARE_METATYPE(TreeAccess)
 
 namespace {
 
@@ -40,11 +41,17 @@ class TestFolderTree : public TestWithFolder
 
 private Q_SLOTS:
 
+    void theEntriesHaveTheirKinds_data();
     void theEntriesHaveTheirKinds();
+    void onlyHiddenEntriesAreMarkedSo();
+    void aMeasuringWalkReadsTheSizesOfFiles();
+    void linksAreVisitedApart();
     void aVisitMayRemoveTheEntry();
     void aFolderIsEnteredAndLeft();
     void everyFolderOfADeepTreeIsFoundAgain();
     void aLinkIsNeitherOpenedNorEntered();
+    void aMeasuringWalkOpensALinkButEntersNone();
+    void whatIsNoFolderIsNeitherOpenedNorEntered_data();
     void whatIsNoFolderIsNeitherOpenedNorEntered();
     void onlyWhatIsAskedForIsRemoved();
     void aFolderThatIsMovedStaysTheCurrentOne();
@@ -55,8 +62,16 @@ private:
     bool makeFile(const char *name) const { return writeFile(path(name), QByteArray()); }
 };
 
+void TestFolderTree::theEntriesHaveTheirKinds_data()
+{
+    QTest::addColumn<TreeAccess>("access");
+    QTest::newRow("measure") << TreeAccess::Measure;
+    QTest::newRow("remove") << TreeAccess::Remove;
+}
+
 void TestFolderTree::theEntriesHaveTheirKinds()
 {
+    QFETCH(TreeAccess, access);
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFile("tree/file"));
     QVERIFY(makeFile("tree/.hidden"));
@@ -74,9 +89,58 @@ void TestFolderTree::theEntriesHaveTheirKinds()
                 QStringLiteral("Other link to nowhere"), QStringLiteral("Other link to device")};
         expected.sort();
     }
-    const Tree tree = openFolderTree(path("tree"));
+    const Tree tree = openFolderTree(path("tree"), access);
     QVERIFY(tree);
     QCOMPARE(entriesIn(*tree), expected);
+}
+
+void TestFolderTree::onlyHiddenEntriesAreMarkedSo()
+{
+    QVERIFY(makeFolder("tree/.folder"));
+    QVERIFY(makeFolder("tree/folder"));
+    QVERIFY(makeFile("tree/.file"));
+    QVERIFY(makeFile("tree/file.x"));
+    QVERIFY(makeHidden(path("tree/.folder")));
+    QVERIFY(makeHidden(path("tree/.file")));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Measure);
+    QVERIFY(tree);
+    QStringList hidden;
+    tree->visitEntries([&hidden](const FolderEntry &entry) {
+        if (entry.isHidden)
+            hidden += entry.name;
+    });
+    hidden.sort();
+    QCOMPARE(hidden, (QStringList{QStringLiteral(".file"), QStringLiteral(".folder")}));
+}
+
+void TestFolderTree::aMeasuringWalkReadsTheSizesOfFiles()
+{
+    QVERIFY(makeFolder("tree/sub"));
+    QVERIFY(writeFile(path("tree/sub/file"), "content"));
+    QVERIFY(makeFile("tree/sub/nothing"));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Measure);
+    QVERIFY(tree);
+    QVERIFY(tree->enter(QStringLiteral("sub")));
+    QMap<QString, qint64> sizes;
+    tree->visitEntries([&sizes](const FolderEntry &entry) { sizes[entry.name] = entry.size; });
+    QCOMPARE(sizes,
+             (QMap<QString, qint64>{{QStringLiteral("file"), 7}, {QStringLiteral("nothing"), 0}}));
+}
+
+void TestFolderTree::linksAreVisitedApart()
+{
+    const QString link = onWindows() ? QStringLiteral("link.lnk") : QStringLiteral("link");
+    QVERIFY(makeFolder("tree/sub"));
+    QVERIFY(makeFile("tree/file"));
+    QVERIFY(QFile::link(path("tree/file"), path("tree/") + link));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Remove);
+    QVERIFY(tree);
+    QStringList links;
+    tree->visitLinks([&links](const FolderEntry &entry) { links += entry.name; });
+    QCOMPARE(links, QStringList{link});
+    QVERIFY(tree->removeFile(link));
+    QCOMPARE(entriesIn(*tree),
+             (QStringList{QStringLiteral("File file"), QStringLiteral("Folder sub")}));
 }
 
 void TestFolderTree::aVisitMayRemoveTheEntry()
@@ -85,7 +149,7 @@ void TestFolderTree::aVisitMayRemoveTheEntry()
     QVERIFY(makeFolder("tree"));
     for (int number = 0; number < Count; ++number)
         QVERIFY(writeFile(path("tree/") + QString::number(number), QByteArray()));
-    const Tree tree = openFolderTree(path("tree"));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Remove);
     QVERIFY(tree);
     int removed = 0;
     tree->visitEntries(
@@ -98,7 +162,7 @@ void TestFolderTree::aFolderIsEnteredAndLeft()
 {
     QVERIFY(makeFolder("tree/a/b"));
     QVERIFY(makeFile("tree/a/file"));
-    const Tree tree = openFolderTree(path("tree"));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Remove);
     QVERIFY(tree);
     QVERIFY(tree->enter(QStringLiteral("a")));
     QCOMPARE(entriesIn(*tree),
@@ -122,7 +186,7 @@ void TestFolderTree::everyFolderOfADeepTreeIsFoundAgain()
         below += QLatin1Char('/') + QString::number(level);
         QVERIFY(QDir().mkpath(below));
     }
-    const Tree tree = openFolderTree(path("tree"));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Remove);
     QVERIFY(tree);
     for (int round = 0; round < 2; ++round) {
         for (int level = 1; level <= Depth; ++level)
@@ -152,8 +216,8 @@ void TestFolderTree::aLinkIsNeitherOpenedNorEntered()
     QVERIFY(makeFolder("other/sub"));
     QVERIFY(makeFolder("tree"));
     QVERIFY(QFile::link(path("other"), path("tree/link")));
-    QVERIFY(!openFolderTree(path("tree/link")));
-    const Tree tree = openFolderTree(path("tree"));
+    QVERIFY(!openFolderTree(path("tree/link"), TreeAccess::Remove));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Remove);
     QVERIFY(tree);
     QVERIFY(!tree->enter(QStringLiteral("link")));
     QVERIFY(!tree->removeFolder(QStringLiteral("link")));
@@ -161,14 +225,33 @@ void TestFolderTree::aLinkIsNeitherOpenedNorEntered()
     QCOMPARE(entriesOf(path("other")), QStringList{QStringLiteral("sub")});
 }
 
+void TestFolderTree::aMeasuringWalkOpensALinkButEntersNone()
+{
+    if (onWindows())
+        QSKIP("A link to a folder is a file here");
+    QVERIFY(makeFolder("tree"));
+    QVERIFY(QFile::link(path("tree"), path("tree/itself")));
+    QVERIFY(QFile::link(path("tree"), path("link")));
+    const Tree tree = openFolderTree(path("link"), TreeAccess::Measure);
+    QVERIFY(tree);
+    QCOMPARE(entriesIn(*tree), QStringList{QStringLiteral("Folder link itself")});
+    QVERIFY(!tree->enter(QStringLiteral("itself")));
+}
+
+void TestFolderTree::whatIsNoFolderIsNeitherOpenedNorEntered_data()
+{
+    theEntriesHaveTheirKinds_data();
+}
+
 void TestFolderTree::whatIsNoFolderIsNeitherOpenedNorEntered()
 {
+    QFETCH(TreeAccess, access);
     QVERIFY(makeFolder("tree"));
     QVERIFY(makeFile("tree/file"));
-    QVERIFY(!openFolderTree(path("missing")));
-    QVERIFY(!openFolderTree(path("tree/file")));
-    QVERIFY(!openFolderTree(QString()));
-    const Tree tree = openFolderTree(path("tree"));
+    QVERIFY(!openFolderTree(path("missing"), access));
+    QVERIFY(!openFolderTree(path("tree/file"), access));
+    QVERIFY(!openFolderTree(QString(), access));
+    const Tree tree = openFolderTree(path("tree"), access);
     QVERIFY(tree);
     QVERIFY(!tree->enter(QStringLiteral("missing")));
     QVERIFY(!tree->enter(QStringLiteral("file")));
@@ -180,7 +263,7 @@ void TestFolderTree::onlyWhatIsAskedForIsRemoved()
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFile("tree/sub/file"));
     QVERIFY(makeFile("tree/file"));
-    const Tree tree = openFolderTree(path("tree"));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Remove);
     QVERIFY(tree);
     QVERIFY(!tree->removeFile(QStringLiteral("sub")));
     QVERIFY(!tree->removeFile(QStringLiteral("missing")));
@@ -195,7 +278,7 @@ void TestFolderTree::aFolderThatIsMovedStaysTheCurrentOne()
 {
     QVERIFY(makeFolder("tree/sub"));
     QVERIFY(makeFile("tree/sub/file"));
-    const Tree tree = openFolderTree(path("tree"));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Remove);
     QVERIFY(tree);
     QVERIFY(tree->enter(QStringLiteral("sub")));
     const bool isMoved = QDir().rename(path("tree/sub"), path("moved"));
@@ -224,7 +307,7 @@ void TestFolderTree::aFolderThatIsMovedOutOfADeepTreeIsNotLeft()
             moved = below;
     }
     QVERIFY(QDir().mkpath(below));
-    const Tree tree = openFolderTree(path("tree"));
+    const Tree tree = openFolderTree(path("tree"), TreeAccess::Remove);
     QVERIFY(tree);
     for (int level = 1; level <= Depth; ++level)
         QVERIFY(tree->enter(QString::number(level)));

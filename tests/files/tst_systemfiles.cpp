@@ -38,6 +38,10 @@ private Q_SLOTS:
     void sizeOfALinkIsThatOfItsFile();
     void sizeOfALinkedFolderIsThatOfTheFolder();
     void sizeOfADanglingLinkIsZero();
+    void sizeOfAShortcutIsThatOfItsTarget();
+    void aFolderNamedLikeAShortcutCounts();
+    void sizeOfADeepFolder();
+    void sizeLeavesJunctionsOut();
     void sizeOfARelativePath();
     void sizeCanBeBeyond32Bits();
 
@@ -170,6 +174,54 @@ void TestSystemFiles::sizeOfADanglingLinkIsZero()
     QVERIFY(makeLink("missing", "tree/link"));
     QVERIFY(makeFile("tree/file", QByteArray(5, 'x')));
     QCOMPARE(System::getDirectorySize(path("tree")), qint64(5));
+}
+
+// A shortcut to a folder is not followed.
+void TestSystemFiles::sizeOfAShortcutIsThatOfItsTarget()
+{
+    if (!onWindows())
+        QSKIP("There are no shortcuts on this system");
+    QVERIFY(makeFolder("tree"));
+    QVERIFY(makeFolder("other"));
+    QVERIFY(makeFile("other/file", QByteArray(100000, 'x')));
+    QVERIFY(makeLink("other/file", "tree/to a file"));
+    QVERIFY(makeLink("other", "tree/to a folder"));
+    QVERIFY(makeLink("missing", "tree/to nothing"));
+    QCOMPARE(System::getDirectorySize(path("tree")), qint64(100000));
+}
+
+void TestSystemFiles::aFolderNamedLikeAShortcutCounts()
+{
+    QVERIFY(makeFolder("tree/folder.lnk"));
+    QVERIFY(makeFile("tree/folder.lnk/file", QByteArray(20, 'x')));
+    QCOMPARE(System::getDirectorySize(path("tree")), qint64(20));
+    QCOMPARE(System::getDirectorySize(path("tree/folder.lnk")), qint64(20));
+    QVERIFY(System::removeDir(path("tree"), false, QStringList()));
+    QVERIFY(!exists("tree"));
+}
+
+// Deeper than the 260 characters of a path that Windows allows without a prefix.
+void TestSystemFiles::sizeOfADeepFolder()
+{
+    const QByteArray deep = "tree" + QByteArray("/folder").repeated(60);
+    QVERIFY(makeFolder(deep));
+    QVERIFY(makeFile(deep + "/file", QByteArray(1000, 'x')));
+    QVERIFY(makeFile("tree/folder/file", QByteArray(20, 'x')));
+    QCOMPARE(System::getDirectorySize(path("tree")), qint64(1020));
+    QCOMPARE(System::getDirectorySize(path(deep)), qint64(1000));
+}
+
+// But a junction given as the path is followed.
+void TestSystemFiles::sizeLeavesJunctionsOut()
+{
+    if (!onWindows())
+        QSKIP("There are no junctions on this system");
+    QVERIFY(makeFolder("tree/sub"));
+    QVERIFY(makeFile("tree/sub/file", QByteArray(1000, 'x')));
+    if (!makeJunction("tree", "tree/sub/junction") || !makeJunction("tree", "junction"))
+        QSKIP("The system's command interpreter makes no junctions");
+    QCOMPARE(System::getDirectorySize(path("tree")), qint64(1000));
+    QCOMPARE(System::getDirectorySize(path("junction")), qint64(1000));
 }
 
 void TestSystemFiles::sizeOfARelativePath()

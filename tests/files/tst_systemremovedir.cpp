@@ -43,6 +43,7 @@ private Q_SLOTS:
     void readOnlyEntriesAreRemovedWhereTheSystemAllowsIt();
     void aDanglingLinkStays();
     void linksAreRemovedButNotWhatTheyPointTo();
+    void linksAreRemovedWithTheirTargetsInTheSameFolder();
     void aLinkIsRemovedButNotItsFolder_data();
     void aLinkIsRemovedButNotItsFolder();
     void aKeptShortcutIsLeftAlone();
@@ -387,6 +388,22 @@ void TestSystemRemoveDir::linksAreRemovedButNotWhatTheyPointTo()
     QCOMPARE(entriesOf(here_), QStringList{QStringLiteral("other")});
     QCOMPARE(contentOf(path("other/file")), QByteArray("content"));
     QCOMPARE(contentOf(path("other/sub/file")), QByteArray("content"));
+}
+
+// In whatever order the system lists them.
+void TestSystemRemoveDir::linksAreRemovedWithTheirTargetsInTheSameFolder()
+{
+    QVERIFY(makeFolder("tree/sub"));
+    for (int number = 0; number < 20; ++number) {
+        const QByteArray suffix = QByteArray::number(number);
+        QVERIFY(makeFile("tree/sub/m" + suffix));
+        QVERIFY(makeLink("tree/sub/m" + suffix, "tree/sub/a" + suffix));
+        QVERIFY(makeLink("tree/sub/m" + suffix, "tree/sub/z" + suffix));
+        QVERIFY(makeLink(linkName("tree/sub/a" + suffix), "tree/sub/y" + suffix));
+        QVERIFY(makeLink(linkName("tree/sub/z" + suffix), "tree/sub/b" + suffix));
+    }
+    QVERIFY(System::removeDir(path("tree"), false, QStringList()));
+    QCOMPARE(entriesOf(here_), QStringList());
 }
 
 void TestSystemRemoveDir::aLinkIsRemovedButNotItsFolder_data()

@@ -136,9 +136,9 @@ bool removeFile(const QString &path)
     return fakePlatform().removeFile(path);
 }
 
-std::unique_ptr<FolderTree> openFolderTree(const QString &path)
+std::unique_ptr<FolderTree> openFolderTree(const QString &path, TreeAccess access)
 {
-    return fakePlatform().openFolderTree(path);
+    return fakePlatform().openFolderTree(path, access);
 }
 
 bool openWithoutLink(QFile &file)

@@ -40,7 +40,9 @@ struct FakePlatform
     Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
     Function<bool, const QString &, const QString &> isSameFile;
     Function<bool, const QString &> removeFile;
-    Function<std::unique_ptr<Vorn::Util::Platform::FolderTree>, const QString &> openFolderTree;
+    Function<std::unique_ptr<Vorn::Util::Platform::FolderTree>, const QString &,
+             Vorn::Util::Platform::TreeAccess>
+        openFolderTree;
     Function<bool, QFile &> openWithoutLink;
     Function<bool, QFile &> openPlainFile;
     Function<QString, const QString &> commonApplicationDataFolder;

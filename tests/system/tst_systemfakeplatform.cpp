@@ -58,8 +58,9 @@ public:
     void visitEntries(const std::function<void(const Platform::FolderEntry &)> &visit) override
     {
         if (!isInside_)
-            visit({QStringLiteral("sub"), Platform::FolderEntry::Folder, false});
+            visit({QStringLiteral("sub"), Platform::FolderEntry::Folder, false, false, 0});
     }
+    void visitLinks(const std::function<void(const Platform::FolderEntry &)> &) override { }
     bool enter(const QString &) override { return isInside_ = true; }
     bool leave() override { return false; }
     bool removeFile(const QString &) override { return true; }
@@ -548,7 +549,8 @@ void TestSystemFakePlatform::aFolderThatCannotBeReadHasNothingToRemove()
 
 void TestSystemFakePlatform::aRemovalThatCannotBeFinishedIsFalse()
 {
-    fakePlatform().openFolderTree = [](const QString &) { return std::make_unique<TrapTree>(); };
+    fakePlatform().openFolderTree
+        = [](const QString &, Platform::TreeAccess) { return std::make_unique<TrapTree>(); };
     const QTemporaryDir folder;
     QVERIFY(!System::removeDir(folder.path(), true, QStringList()));
     fakePlatform().openFolderTree = FakePlatform().openFolderTree;

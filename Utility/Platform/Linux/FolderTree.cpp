@@ -2,7 +2,9 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
+#include <QtCore/QTextCodec>
 
+#include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -22,10 +24,10 @@ struct DirectoryCloser
 
 using Directory = std::unique_ptr<DIR, DirectoryCloser>;
 
-// Opens a folder. Fails if the last part of name is a link.
-Directory openDirectory(int above, const char *name)
+// Opens a folder. With O_NOFOLLOW in flags it fails if the last part of name is a link.
+Directory openDirectory(int above, const char *name, int flags)
 {
-    const int descriptor = ::openat(above, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    const int descriptor = ::openat(above, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags);
     if (descriptor < 0)
         return nullptr;
     Directory directory(::fdopendir(descriptor));
@@ -38,7 +40,8 @@ Directory openDirectory(int above, const char *name)
 // is closed. Then device and inode number are used to check that the same folder is opened again.
 struct Level
 {
-    Directory directory; // null while it is closed
+    Directory directory;        // null while it is closed
+    std::size_t pathLength = 0; // bytes, without a separator at the end
     dev_t device = 0;
     ino_t inode = 0;
 
@@ -56,7 +59,7 @@ struct Level
 
     void reopenFrom(int below)
     {
-        Directory found = openDirectory(below, "..");
+        Directory found = openDirectory(below, "..", O_NOFOLLOW);
         struct stat status = {};
         if (found && ::fstat(::dirfd(found.get()), &status) == 0 && status.st_dev == device
             && status.st_ino == inode)
@@ -64,59 +67,83 @@ struct Level
     }
 };
 
-FolderEntry::Kind kindOf(const struct stat &status)
+FolderEntry::Kind kindOf(mode_t mode)
 {
-    if (S_ISREG(status.st_mode))
+    if (S_ISREG(mode))
         return FolderEntry::File;
-    return S_ISDIR(status.st_mode) ? FolderEntry::Folder : FolderEntry::Other;
+    return S_ISDIR(mode) ? FolderEntry::Folder : FolderEntry::Other;
 }
 
-// Sets kind and isLink. Calls fstatat() only if the entry itself does not contain the kind.
-void findKind(int folder, const dirent &found, FolderEntry &entry)
+// False if the name is not text in the encoding of the locale.
+bool decodeName(const char *bytes, int length, QString &name)
+{
+    name.resize(length);
+    QChar *const characters = name.data();
+    int index = 0;
+    for (; index < length && static_cast<uchar>(bytes[index]) < 0x80; ++index)
+        characters[index] = QLatin1Char(bytes[index]);
+    if (index == length)
+        return true;
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader); // keeps a byte order mark
+    name = QTextCodec::codecForLocale()->toUnicode(bytes, length, &state);
+    return QFile::encodeName(name) == bytes;
+}
+
+// Sets kind, isLink and, if wanted, size. Reads the status of an entry only if it is needed.
+void readStatus(int folder, const dirent &found, bool wantsSize, FolderEntry &entry)
 {
     struct stat status = {};
-    entry.isLink = found.d_type == DT_LNK
-        || (found.d_type == DT_UNKNOWN
-            && ::fstatat(folder, found.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0
-            && S_ISLNK(status.st_mode));
-    if (found.d_type == DT_REG)
-        entry.kind = FolderEntry::File;
-    else if (found.d_type == DT_DIR)
-        entry.kind = FolderEntry::Folder;
-    else if ((entry.isLink || found.d_type == DT_UNKNOWN)
-             && ::fstatat(folder, found.d_name, &status, 0) == 0)
-        entry.kind = kindOf(status);
-    else
-        entry.kind = FolderEntry::Other;
+    mode_t type = DTTOIF(found.d_type);
+    if (found.d_type == DT_UNKNOWN
+        && ::fstatat(folder, found.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
+        type = status.st_mode;
+    entry.isLink = S_ISLNK(type);
+    entry.kind = kindOf(type);
+    entry.size = 0;
+    if (!entry.isLink && !(wantsSize && entry.kind == FolderEntry::File))
+        return;
+    if (::fstatat(folder, found.d_name, &status, 0) != 0)
+        return;
+    entry.size = status.st_size;
+    if (entry.isLink)
+        entry.kind = kindOf(status.st_mode);
 }
 
 class LinuxFolderTree : public FolderTree
 {
 public:
-    explicit LinuxFolderTree(Directory top) { levels_.push_back(Level{std::move(top)}); }
+    LinuxFolderTree(Directory top, std::size_t pathLength, TreeAccess access)
+        : isMeasured_(access == TreeAccess::Measure)
+    {
+        levels_.push_back(Level{std::move(top), pathLength});
+    }
 
     void visitEntries(const std::function<void(const FolderEntry &)> &visit) override
     {
-        DIR *const directory = levels_.back().directory.get();
-        FolderEntry entry;
-        while (const dirent *found = ::readdir(directory)) {
-            const char *const name = found->d_name;
-            if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
-                continue;
-            entry.name = QFile::decodeName(name);
-            if (QFile::encodeName(entry.name) != name)
-                continue;
-            findKind(::dirfd(directory), *found, entry);
-            visit(entry);
+        while (const dirent *found = ::readdir(directory()))
+            visitEntry(*found, visit);
+    }
+
+    void visitLinks(const std::function<void(const FolderEntry &)> &visit) override
+    {
+        const auto visitLink = [&visit](const FolderEntry &entry) {
+            if (entry.isLink)
+                visit(entry);
+        };
+        while (const dirent *found = ::readdir(directory())) {
+            if (found->d_type == DT_LNK || found->d_type == DT_UNKNOWN)
+                visitEntry(*found, visitLink);
         }
+        ::rewinddir(directory());
     }
 
     bool enter(const QString &name) override
     {
-        Directory directory = openDirectory(descriptor(), QFile::encodeName(name).constData());
+        const QByteArray bytes = QFile::encodeName(name);
+        Directory directory = openDirectory(descriptor(), bytes.constData(), O_NOFOLLOW);
         if (!directory)
             return false;
-        levels_.push_back(Level{std::move(directory)});
+        levels_.push_back(Level{std::move(directory), pathLengthOf(bytes.size())});
         if (levels_.size() > MaxOpen)
             levels_[levels_.size() - 1 - MaxOpen].close();
         return true;
@@ -139,22 +166,54 @@ public:
 private:
     static constexpr std::size_t MaxOpen = 32;
 
+    DIR *directory() const { return levels_.back().directory.get(); }
     int descriptor() const { return levels_.back().descriptor(); }
+
+    void visitEntry(const dirent &found, const std::function<void(const FolderEntry &)> &visit)
+    {
+        const char *const name = found.d_name;
+        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
+            return;
+        const std::size_t length = std::strlen(name);
+        if (isTooLong(length) || !decodeName(name, static_cast<int>(length), entry_.name))
+            return;
+        entry_.isHidden = *name == '.';
+        readStatus(descriptor(), found, isMeasured_, entry_);
+        visit(entry_);
+    }
+
+    std::size_t pathLengthOf(std::size_t nameLength) const
+    {
+        return levels_.back().pathLength + 1 + nameLength;
+    }
+
+    // Kept for compatibility: see "Longest path in a size" in docs/compatibility.md.
+    bool isTooLong(std::size_t nameLength) const
+    {
+        return isMeasured_ && pathLengthOf(nameLength) >= PATH_MAX;
+    }
 
     bool remove(const QString &name, int flags) const
     {
         return ::unlinkat(descriptor(), QFile::encodeName(name).constData(), flags) == 0;
     }
 
+    const bool isMeasured_;
+    FolderEntry entry_;         // the one that is visited
     std::vector<Level> levels_; // the top first, the current folder last
 };
 
 } // namespace
 
-std::unique_ptr<FolderTree> openFolderTree(const QString &path)
+std::unique_ptr<FolderTree> openFolderTree(const QString &path, TreeAccess access)
 {
-    Directory top = openDirectory(AT_FDCWD, QFile::encodeName(path).constData());
-    return top ? std::make_unique<LinuxFolderTree>(std::move(top)) : nullptr;
+    const QByteArray name = QFile::encodeName(path);
+    const int flags = access == TreeAccess::Measure ? 0 : O_NOFOLLOW;
+    Directory top = openDirectory(AT_FDCWD, name.constData(), flags);
+    if (!top)
+        return nullptr;
+    const int length = name.endsWith('/') ? name.size() - 1 : name.size();
+    return std::make_unique<LinuxFolderTree>(std::move(top), length, access);
 }
 
 } // namespace Vorn::Util::Platform

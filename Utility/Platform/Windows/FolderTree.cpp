@@ -2,9 +2,6 @@
 
 #include <Utility/Platform/Windows/WindowsApi.h>
 
-#include <QtCore/QDir>
-#include <QtCore/QDirIterator>
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 #include <utility>
@@ -17,6 +14,13 @@ namespace {
 struct HandleCloser
 {
     void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+
+using Handle = std::unique_ptr<void, HandleCloser>;
+
+struct SearchCloser
+{
+    void operator()(HANDLE handle) const { FindClose(handle); }
 };
 
 // False for a file, a symbolic link and a junction. Folders with other reparse points, such as
@@ -34,38 +38,66 @@ bool isRealFolder(HANDLE handle)
         && !IsReparseTagNameSurrogate(tag.ReparseTag);
 }
 
-// An open folder. As long as the object exists, nobody can rename or remove the folder, because it
-// is opened without FILE_SHARE_DELETE.
-class OpenFolder
+// The path of an entry of a folder, whose path may end with a separator.
+QString joined(const QString &folder, QChar separator, const QString &name)
+{
+    return folder.endsWith(separator) ? folder + name : folder + separator + name;
+}
+
+// Opens a folder for as long as the handle exists. Meanwhile nobody can rename or remove the
+// folder, because it is opened without FILE_SHARE_DELETE. Null if it is no folder, but for example
+// a link.
+Handle holdFolder(const QString &longPath)
+{
+    constexpr DWORD Access = FILE_LIST_DIRECTORY;
+    constexpr DWORD Sharing = FILE_SHARE_READ | FILE_SHARE_WRITE;
+    constexpr DWORD Flags = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
+    const HANDLE handle
+        = CreateFileW(wide(longPath), Access, Sharing, nullptr, OPEN_EXISTING, Flags, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return nullptr;
+    Handle folder(handle);
+    return isRealFolder(handle) ? std::move(folder) : nullptr;
+}
+
+// Reads the entries of a folder, many in one call of the system, and without their short names.
+class Search
 {
 public:
-    explicit OpenFolder(const QString &path)
-        : path_(path)
+    Search(const QString &longPath, const QString &names)
     {
-        constexpr DWORD Access = FILE_LIST_DIRECTORY;
-        constexpr DWORD Sharing = FILE_SHARE_READ | FILE_SHARE_WRITE;
-        constexpr DWORD Flags = FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
-        const QString name = longForm(path);
+        const QString pattern = joined(longPath, QLatin1Char('\\'), names);
         const HANDLE handle
-            = CreateFileW(wide(name), Access, Sharing, nullptr, OPEN_EXISTING, Flags, nullptr);
-        if (handle == INVALID_HANDLE_VALUE)
-            return;
-        handle_.reset(handle);
-        if (!isRealFolder(handle))
-            handle_.reset();
+            = FindFirstFileExW(wide(pattern), FindExInfoBasic, &found_, FindExSearchNameMatch,
+                               nullptr, FIND_FIRST_EX_LARGE_FETCH);
+        if (handle != INVALID_HANDLE_VALUE)
+            handle_.reset(handle);
+        else // an empty drive does not even contain "."
+            canRead_ = GetLastError() == ERROR_FILE_NOT_FOUND;
     }
 
-    bool isOpen() const { return handle_ != nullptr; }
-    QString path() const { return path_; }
-    QString pathOf(const QString &name) const
+    bool canRead() const { return canRead_; }
+
+    // The next entry; null at the end.
+    const WIN32_FIND_DATAW *next()
     {
-        return path_.endsWith(QLatin1Char('/')) ? path_ + name : path_ + QLatin1Char('/') + name;
+        if (handle_ && !isFirst_ && !FindNextFileW(handle_.get(), &found_))
+            handle_.reset();
+        isFirst_ = false;
+        return handle_ ? &found_ : nullptr;
     }
 
 private:
-    QString path_;
-    std::unique_ptr<void, HandleCloser> handle_;
+    std::unique_ptr<void, SearchCloser> handle_;
+    WIN32_FIND_DATAW found_ = {};
+    bool isFirst_ = true;
+    bool canRead_ = true;
 };
+
+bool isDotName(const wchar_t *name)
+{
+    return name[0] == L'.' && (name[1] == L'\0' || (name[1] == L'.' && name[2] == L'\0'));
+}
 
 FolderEntry::Kind kindOf(const QFileInfo &info)
 {
@@ -74,30 +106,85 @@ FolderEntry::Kind kindOf(const QFileInfo &info)
     return info.isFile() ? FolderEntry::File : FolderEntry::Other;
 }
 
-// Uses paths. This is safe, because all folders in them are open and cannot be replaced.
+FolderEntry entryOf(const WIN32_FIND_DATAW &found, const QString &name)
+{
+    constexpr int HighBits = 32;
+    const bool isFolder = found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY;
+    const bool isReparsed = found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT;
+    const DWORD tag = isReparsed ? found.dwReserved0 : 0;
+    FolderEntry entry;
+    entry.name = name;
+    entry.kind = isFolder ? FolderEntry::Folder : FolderEntry::File;
+    entry.isLink = tag == IO_REPARSE_TAG_SYMLINK || (isFolder && tag == IO_REPARSE_TAG_MOUNT_POINT);
+    entry.isHidden = found.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN;
+    if (!isFolder)
+        entry.size = (qint64{found.nFileSizeHigh} << HighBits) + found.nFileSizeLow;
+    return entry;
+}
+
+// The entry of a shortcut has the properties of the target.
+FolderEntry entryOfShortcut(const QFileInfo &info)
+{
+    return {info.fileName(), kindOf(info), true, info.isHidden(), info.size()};
+}
+
+bool isShortcut(const FolderEntry &entry)
+{
+    return entry.kind == FolderEntry::File && entry.name.endsWith(QLatin1String(".lnk"));
+}
+
+// A folder on the way from the top of the tree to the current folder.
+struct Level
+{
+    QString path;
+    QString longPath;
+    Handle handle; // only in a walk that removes
+    Search search;
+};
+
+// Uses paths. This is safe in a walk that removes, because all folders in them are held and cannot
+// be replaced.
 class WindowsFolderTree : public FolderTree
 {
 public:
-    explicit WindowsFolderTree(OpenFolder top) { levels_.push_back(std::move(top)); }
+    explicit WindowsFolderTree(TreeAccess access)
+        : access_(access)
+    {
+    }
+
+    bool open(const QString &path, const QString &longPath)
+    {
+        Handle handle;
+        if (access_ == TreeAccess::Remove) {
+            handle = holdFolder(longPath);
+            if (!handle)
+                return false;
+        }
+        Search search(longPath, QStringLiteral("*"));
+        if (!search.canRead())
+            return false;
+        levels_.push_back({path, longPath, std::move(handle), std::move(search)});
+        return true;
+    }
 
     void visitEntries(const std::function<void(const FolderEntry &)> &visit) override
     {
-        QDirIterator entries(levels_.back().path(),
-                             QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-        while (entries.hasNext()) {
-            entries.next();
-            const QFileInfo info = entries.fileInfo();
-            visit({info.fileName(), kindOf(info), info.isSymLink() || info.isJunction()});
-        }
+        visitFound(levels_.back().search, visit);
+    }
+
+    // Links other than shortcuts have the kind that is stored in them.
+    void visitLinks(const std::function<void(const FolderEntry &)> &visit) override
+    {
+        Search shortcuts(levels_.back().longPath, QStringLiteral("*.lnk"));
+        visitFound(shortcuts, [&visit](const FolderEntry &entry) {
+            if (entry.isLink)
+                visit(entry);
+        });
     }
 
     bool enter(const QString &name) override
     {
-        OpenFolder folder(levels_.back().pathOf(name));
-        if (!folder.isOpen())
-            return false;
-        levels_.push_back(std::move(folder));
-        return true;
+        return open(joined(levels_.back().path, QLatin1Char('/'), name), longPathOf(name));
     }
 
     bool leave() override
@@ -109,25 +196,47 @@ public:
     // A link to a file is removed like a file, a link to a folder like a folder.
     bool removeFile(const QString &name) override
     {
-        const QString path = levels_.back().pathOf(name);
-        return QFile::remove(path) || QDir().rmdir(path);
+        const QString path = longPathOf(name);
+        return DeleteFileW(wide(path)) || RemoveDirectoryW(wide(path));
     }
 
     bool removeFolder(const QString &name) override
     {
-        return QDir().rmdir(levels_.back().pathOf(name));
+        return RemoveDirectoryW(wide(longPathOf(name)));
     }
 
 private:
-    std::vector<OpenFolder> levels_; // the top first, the current folder last
+    void visitFound(Search &search, const std::function<void(const FolderEntry &)> &visit) const
+    {
+        while (const WIN32_FIND_DATAW *found = search.next()) {
+            if (isDotName(found->cFileName))
+                continue;
+            const FolderEntry entry = entryOf(*found, textOf(found->cFileName));
+            if (!isShortcut(entry)) {
+                visit(entry);
+                continue;
+            }
+            const QFileInfo shortcut(joined(levels_.back().path, QLatin1Char('/'), entry.name));
+            if (shortcut.exists())
+                visit(entryOfShortcut(shortcut));
+        }
+    }
+
+    QString longPathOf(const QString &name) const
+    {
+        return joined(levels_.back().longPath, QLatin1Char('\\'), name);
+    }
+
+    const TreeAccess access_;
+    std::vector<Level> levels_; // the top first, the current folder last
 };
 
 } // namespace
 
-std::unique_ptr<FolderTree> openFolderTree(const QString &path)
+std::unique_ptr<FolderTree> openFolderTree(const QString &path, TreeAccess access)
 {
-    OpenFolder top(path);
-    return top.isOpen() ? std::make_unique<WindowsFolderTree>(std::move(top)) : nullptr;
+    auto tree = std::make_unique<WindowsFolderTree>(access);
+    return tree->open(path, longForm(path)) ? std::move(tree) : nullptr;
 }
 
 } // namespace Vorn::Util::Platform

@@ -1,7 +1,9 @@
 // Removing a folder tree while its owner changes it, and trees that only this system can hold.
 
 #include "Adversary.h"
+#include "DeepTree.h"
 #include "DescriptorLimit.h"
+#include "SpecialEntries.h"
 #include "TestFiles.h"
 #include "TestWithFolder.h"
 
@@ -11,12 +13,9 @@
 #include <QtTest/QtTest>
 
 #include <atomic>
-#include <cstdio>
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -37,19 +36,6 @@ void exchangeNames(const std::vector<Pair> &pairs, std::atomic<int> &count)
             == 0)
             ++count;
     }
-}
-
-bool makeSocket(const QString &path)
-{
-    const QByteArray name = QFile::encodeName(path);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::snprintf(address.sun_path, sizeof address.sun_path, "%s", name.constData());
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool isMade
-        = bind(descriptor, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
-    close(descriptor);
-    return isMade;
 }
 
 constexpr int DescriptorCount = 128;
@@ -81,6 +67,7 @@ private Q_SLOTS:
     void whatIsNeitherFileNorFolderStays_data();
     void whatIsNeitherFileNorFolderStays();
     void aNameThatIsNoTextStays();
+    void aNameWithAByteOrderMarkIsText();
     void aLinkIsKeptAndItsTargetEmptied_data();
     void aLinkIsKeptAndItsTargetEmptied();
 };
@@ -142,18 +129,8 @@ void TestRemoveDir::aTreeOfAnyDepthIsRemoved()
 {
     constexpr int Depth = 150;
     static_assert(Depth > DescriptorCount);
-    const QByteArray name(60, 'd');
-    const QByteArray top = QFile::encodeName(path("tree"));
-    QCOMPARE(mkdir(top.constData(), 0777), 0);
-    int folder = open(top.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    for (int level = 0; level < Depth; ++level) {
-        QCOMPARE(mkdirat(folder, name.constData(), 0777), 0);
-        QCOMPARE(mkdirat(folder, "beside", 0777), 0);
-        const int below = openat(folder, name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        close(folder);
-        folder = below;
-    }
-    close(folder);
+    QVERIFY(makeDeepTree(path("tree"), QByteArray(60, 'd'), Depth,
+                         [](int folder) { return mkdirat(folder, "beside", 0777) == 0; }));
     QVERIFY(removeWithFewDescriptors(path("tree")));
     QVERIFY(!QFileInfo::exists(path("tree")));
 }
@@ -188,8 +165,7 @@ void TestRemoveDir::aFolderThatCannotBeOpenedStays()
 void TestRemoveDir::whatIsNeitherFileNorFolderStays_data()
 {
     QTest::addColumn<QString>("kind");
-    for (const char *kind : {"pipe", "socket", "link to nowhere", "link to a device",
-                             "link to a pipe", "link to itself"})
+    for (const char *kind : SpecialEntries)
         QTest::newRow(kind) << QString::fromLatin1(kind);
 }
 
@@ -198,22 +174,7 @@ void TestRemoveDir::whatIsNeitherFileNorFolderStays()
     QFETCH(QString, kind);
     QVERIFY(QDir().mkpath(path("tree/sub")));
     QVERIFY(writeFile(path("tree/sub/file"), "content"));
-    const QString name = path("tree/sub/special");
-    const QByteArray bytes = QFile::encodeName(name);
-    bool isMade = false;
-    if (kind == QLatin1String("pipe"))
-        isMade = mkfifo(bytes.constData(), 0666) == 0;
-    else if (kind == QLatin1String("socket"))
-        isMade = makeSocket(name);
-    else if (kind == QLatin1String("link to nowhere"))
-        isMade = QFile::link(path("nowhere"), name);
-    else if (kind == QLatin1String("link to a device"))
-        isMade = QFile::link(QStringLiteral("/dev/null"), name);
-    else if (kind == QLatin1String("link to itself"))
-        isMade = QFile::link(name, name);
-    else
-        isMade = mkfifo(QFile::encodeName(path("pipe")).constData(), 0666) == 0
-            && QFile::link(path("pipe"), name);
+    const bool isMade = makeSpecialEntry(path("tree/sub/special"), kind, path("pipe"));
     QVERIFY(isMade);
     QVERIFY(!System::removeDir(path("tree"), true, QStringList())); // the folder "sub" is not empty
     QCOMPARE(entriesOf(path("tree/sub")), QStringList{QStringLiteral("special")});
@@ -237,6 +198,15 @@ void TestRemoveDir::aNameThatIsNoTextStays()
     QVERIFY(System::removeDir(path("tree"), true, QStringList()));
     QCOMPARE(access(name.constData(), F_OK), 0);
     QCOMPARE(unlink(name.constData()), 0);
+}
+
+void TestRemoveDir::aNameWithAByteOrderMarkIsText()
+{
+    const QString name = QChar(QChar::ByteOrderMark) + QStringLiteral("name");
+    QVERIFY(QDir().mkpath(path("tree/") + name));
+    QVERIFY(writeFile(path("tree/") + name + QStringLiteral("/") + name, "content"));
+    QVERIFY(System::removeDir(path("tree"), false, QStringList()));
+    QVERIFY(!QFileInfo::exists(path("tree")));
 }
 
 void TestRemoveDir::aLinkIsKeptAndItsTargetEmptied_data()

@@ -5,18 +5,18 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-/// While it lives, this process can open no further files. The files of the test framework count
-/// too: print nothing meanwhile.
+/// While it lives, this process can open only \a more further files, none by default. The files of
+/// the test framework count too: print nothing meanwhile.
 class DescriptorLimit
 {
 public:
-    DescriptorLimit()
+    explicit DescriptorLimit(int more = 0)
     {
         const int firstFree = dup(STDIN_FILENO);
         close(firstFree);
         getrlimit(RLIMIT_NOFILE, &before_);
         rlimit limit = before_;
-        limit.rlim_cur = static_cast<rlim_t>(firstFree);
+        limit.rlim_cur = static_cast<rlim_t>(firstFree + more);
         isSet_ = firstFree > 0 && setrlimit(RLIMIT_NOFILE, &limit) == 0;
     }
 

@@ -329,7 +329,7 @@ void TestProcesses::foldersAreNotInheritedByStartedPrograms()
     const TestFolder folder;
     QVERIFY(QDir().mkpath(folder.filePath(QStringLiteral("sub"))));
     const QStringList before = inheritedFiles();
-    const auto tree = Platform::openFolderTree(folder.path());
+    const auto tree = Platform::openFolderTree(folder.path(), Platform::TreeAccess::Remove);
     QVERIFY(tree && tree->enter(QStringLiteral("sub")));
     QCOMPARE(inheritedFiles(), before);
 }

@@ -12,17 +12,22 @@ using namespace Vorn::Util;
 
 namespace {
 
+constexpr int FileSize = 10;
+
 QString folderOf(const QString &name)
 {
-    Workplace::makeFiles(name, Folders::fileCount(), 10);
+    Workplace::makeFiles(name, Folders::fileCount(), FileSize);
     return Workplace::path(name);
 }
 
 void sizeOwn(benchmark::State &state)
 {
     const QString folder = Folders::lasting();
+    qint64 size = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(System::getDirectorySize(folder));
+        size = System::getDirectorySize(folder);
+    if (size != Folders::size())
+        qFatal("wrong size");
 }
 
 void removeOwn(benchmark::State &state)
@@ -37,6 +42,11 @@ void removeOwn(benchmark::State &state)
 }
 
 } // namespace
+
+qint64 Folders::size()
+{
+    return fileCount() * FileSize;
+}
 
 QString Folders::lasting()
 {

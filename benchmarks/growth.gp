@@ -1,7 +1,7 @@
 # Draws the tables that growth.py prints: gnuplot -e "data='FILE'; picture='FILE'" growth.gp
-set terminal svg size 900,640 font "sans,12" background "white"
+set terminal svg size 900,960 font "sans,12" background "white"
 set output picture
-set multiplot layout 2,2
+set multiplot layout 3,2
 unset key
 set grid
 set logscale xy
@@ -30,4 +30,17 @@ set title "AsyncTaskProcessor, all tasks waiting"
 set xlabel "tasks"
 set ylabel "MiB"
 plot data index 3 using 1:2 with linespoints pt 7
+
+set title "System::getDirectorySize"
+set xlabel "files"
+set ylabel "seconds"
+set key left top
+plot data index 5 using 1:2 with linespoints pt 7 title "1,000 files in a folder", \
+    data index 7 using 1:2 with linespoints pt 6 title "all files in one folder"
+
+set title "System::getDirectorySize, peak of the memory"
+set ylabel "MiB"
+set yrange [0.01:1000]
+plot data index 6 using 1:2 with linespoints pt 7 title "1,000 files in a folder", \
+    data index 8 using 1:2 with linespoints pt 6 title "all files in one folder"
 unset multiplot

@@ -33,3 +33,6 @@ block("list", "list", seconds)
 block("queue", "queue", seconds)
 block("memory", "queue", lambda run: run["memory"] / 2**20)
 block("tasks with the processor as parent", "queueOfChildren", seconds)
+for layout in ("size", "sizeFlat"):
+    block(f"folder size: {layout}", layout, seconds)
+    block(f"memory of folder size: {layout}", layout, lambda run: run["memory"] / 2**20)

@@ -8,11 +8,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <array>
-#include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
-
 using namespace Vorn::Util;
 
 namespace {
@@ -22,18 +17,6 @@ void counterOwn(benchmark::State &state)
     CpuCounter counter(CpuCounter::CpuPercent);
     for (auto _ : state)
         benchmark::DoNotOptimize(counter.getValue());
-}
-
-void counterPread(benchmark::State &state)
-{
-    const int descriptor = ::open("/proc/stat", O_RDONLY);
-    std::array<char, 512> buffer{};
-    for (auto _ : state) {
-        const ssize_t length = ::pread(descriptor, buffer.data(), buffer.size(), 0);
-        benchmark::DoNotOptimize(
-            std::memchr(buffer.data(), '\n', static_cast<std::size_t>(length)));
-    }
-    ::close(descriptor);
 }
 
 QString infoFolder()
@@ -70,6 +53,5 @@ void infoDom(benchmark::State &state)
 } // namespace
 
 BENCHMARK(counterOwn)->Name("counter/own");
-BENCHMARK(counterPread)->Name("counter/pread");
 BENCHMARK(infoOwn)->Name("info/own");
 BENCHMARK(infoDom)->Name("info/dom");

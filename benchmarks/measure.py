@@ -9,7 +9,7 @@ starts the benchmarks. They keep their files in FOLDER.
 
 In each round, the library and its peers run one directly after the other, each in a process of its own.
 The order changes from round to round, so that what one leaves behind (in the caches, on the disk) does
-not always help or slow down the same one.
+not always help or slow down the same one. A first round, which makes the files, does not count.
 """
 import collections
 import json
@@ -91,18 +91,15 @@ def main():
     system, results, folder, pattern = sys.argv[1:5]
     program = Program(sys.argv[5:], folder)
     groups = works(system, pattern)
+    missing = [name for names, one_core, _ in groups for name in names
+               if not program.run(name, one_core)]
     runs = []
-    missing = []
     for turn in range(max(rounds for _, _, rounds in groups)):
         for names, one_core, rounds in groups:
-            if turn >= rounds:
-                continue
             order = names if turn % 2 == 0 else names[::-1]
             for name in order:
-                figures = program.run(name, one_core) if name not in missing else []
-                runs += figures
-                if not figures and name not in missing:
-                    missing.append(name)
+                if turn < rounds and name not in missing:
+                    runs += program.run(name, one_core)
         print(f"round {turn + 1}", file=sys.stderr)
     with open(results, "w", encoding="utf-8") as file:
         context = {**program.context, "machine": machine(system)}

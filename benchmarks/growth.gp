@@ -40,7 +40,8 @@ plot data index 5 using 1:2 with linespoints pt 7 title "1,000 files in a folder
 
 set title "System::getDirectorySize, peak of the memory"
 set ylabel "MiB"
-set yrange [0.01:1000]
+unset logscale y
+set yrange [0:2<*]
 plot data index 6 using 1:2 with linespoints pt 7 title "1,000 files in a folder", \
     data index 8 using 1:2 with linespoints pt 6 title "all files in one folder"
 unset multiplot

@@ -11,6 +11,7 @@ start_wine() {
     done
     export WINEPATH WINEPREFIX=$project/build/wine WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
     mkdir -p "$WINEPREFIX"
+    wineserver --persistent # started here, so that it is not kept on the core of a program
     wine wineboot --init >/dev/null 2>&1
     trap 'wineserver -k 2>/dev/null || true' EXIT
 }

@@ -30,6 +30,10 @@ PACKAGES = {
 }
 MEMORY_ROUNDS = 3
 
+# In seconds. A program sometimes hangs while Wine starts it; it is started again then. The longest
+# run makes a million files.
+TIMEOUT = 200
+
 
 def first_match(pattern, path):
     with open(path, encoding="utf-8") as file:
@@ -58,14 +62,22 @@ class Program:
         self.core = str(max(os.sched_getaffinity(0)))
         self.context = {}
 
+    def output(self, command):
+        for _ in range(3):
+            try:
+                return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True,
+                                      timeout=TIMEOUT).stdout
+            except subprocess.TimeoutExpired:
+                print("started again:", *command, file=sys.stderr)
+        sys.exit("the benchmark does not end")
+
     def run(self, name, one_core):
         """The figures of a benchmark; none if there is no such benchmark."""
         os.sync()
         prefix = ["taskset", "-c", self.core] if one_core else []
         options = [f"--benchmark_filter=^{name}(/|$)", "--benchmark_min_time=0.05",
                    "--benchmark_format=json"]
-        output = subprocess.run([*prefix, *self.command, *options], stdout=subprocess.PIPE, text=True,
-                                check=True).stdout
+        output = self.output([*prefix, *self.command, *options])
         if not output.strip():
             return []
         result = json.loads(output)

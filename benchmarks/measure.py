@@ -50,7 +50,7 @@ def machine(system):
     return {
         "processor": first_match(r"^model name\s*: (.*)$", "/proc/cpuinfo"),
         "memory": int(first_match(r"^MemTotal:\s*(\d+) kB$", "/proc/meminfo")) * 1024,
-        "kernel": platform.release(),
+        "kernel": re.match(r"\d+\.\d+", platform.release()).group(),
         "system": first_match(r'^PRETTY_NAME="(.*)"$', "/etc/os-release"),
         "versions": {name: package_version(package) for name, package in PACKAGES[system].items()},
     }

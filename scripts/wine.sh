@@ -11,7 +11,8 @@ start_wine() {
     done
     export WINEPATH WINEPREFIX=$project/build/wine WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
     mkdir -p "$WINEPREFIX"
-    wineserver --persistent # started here, so that it is not kept on the core of a program
+    # Started here, so that it is not kept on the core of a program. Fails if it runs already.
+    wineserver --persistent 2>/dev/null || true
     wine wineboot --init >/dev/null 2>&1
     trap 'wineserver -k 2>/dev/null || true' EXIT
 }

@@ -103,6 +103,8 @@ def main():
     system, results, folder, pattern = sys.argv[1:5]
     program = Program(sys.argv[5:], folder)
     groups = works(system, pattern)
+    if not groups:
+        sys.exit(f"no work matches {pattern}")
     missing = [name for names, one_core, _ in groups for name in names
                if not program.run(name, one_core)]
     if missing:

@@ -204,7 +204,7 @@ public:
     /// files and the content of hidden folders do not count, and links to folders are not followed.
     /// A link to a file counts as much as the file; a file with several names counts for each.
     ///
-    /// Costs: the system is asked for each file, which takes about a second for a million files.
+    /// Costs: the system is asked for each file, which takes one or two seconds for a million files.
     /// The memory does not depend on the number of files.
     /// Kept for compatibility: see "Longest path in a size" in docs/compatibility.md.
     static qint64 getDirectorySize(const QString &path);

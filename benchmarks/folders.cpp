@@ -4,6 +4,7 @@
 
 #include <Utility/System.h>
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
 
 #include <benchmark/benchmark.h>
@@ -14,9 +15,9 @@ namespace {
 
 constexpr int FileSize = 10;
 
-QString folderOf(const QString &name)
+QString folderOf(const QString &name, int fileSize)
 {
-    Workplace::makeFiles(name, Folders::fileCount(), FileSize);
+    Workplace::makeFiles(name, Folders::fileCount(), fileSize);
     return Workplace::path(name);
 }
 
@@ -50,12 +51,23 @@ qint64 Folders::size()
 
 QString Folders::lasting()
 {
-    return folderOf(QStringLiteral("tree"));
+    return folderOf(QStringLiteral("tree"), FileSize);
 }
 
+// Empty files, so that the time that a disk needs to free blocks is not measured.
+// Made for many removals at once, because some file systems avoid the inodes of files that were
+// removed in the last minutes, and then need several times as long to make others.
 QString Folders::toRemove()
 {
-    return folderOf(QStringLiteral("short-lived"));
+    constexpr int Removals = 20;
+    const auto name = [](int number) { return QStringLiteral("short-lived-%1").arg(number); };
+    for (int number = 0; number < Removals; ++number) {
+        if (QFileInfo::exists(Workplace::path(name(number))))
+            return Workplace::path(name(number));
+    }
+    for (int number = 0; number < Removals; ++number)
+        folderOf(name(number), 0);
+    return Workplace::path(name(0));
 }
 
 BENCHMARK(sizeOwn)->Name("size/own")->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(5);

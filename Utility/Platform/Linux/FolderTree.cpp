@@ -40,8 +40,8 @@ Directory openDirectory(int above, const char *name, int flags)
 // is closed. Then device and inode number are used to check that the same folder is opened again.
 struct Level
 {
-    Directory directory;        // null while it is closed
-    std::size_t pathLength = 0; // bytes, without a separator at the end
+    Directory directory; // null while it is closed
+    int pathLength = 0;  // bytes, without a separator at the end
     dev_t device = 0;
     ino_t inode = 0;
 
@@ -93,7 +93,7 @@ bool decodeName(const char *bytes, int length, QString &name)
 void readStatus(int folder, const dirent &found, bool wantsSize, FolderEntry &entry)
 {
     struct stat status = {};
-    mode_t type = DTTOIF(found.d_type);
+    mode_t type = static_cast<mode_t>(DTTOIF(found.d_type));
     if (found.d_type == DT_UNKNOWN
         && ::fstatat(folder, found.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
         type = status.st_mode;
@@ -112,7 +112,7 @@ void readStatus(int folder, const dirent &found, bool wantsSize, FolderEntry &en
 class LinuxFolderTree : public FolderTree
 {
 public:
-    LinuxFolderTree(Directory top, std::size_t pathLength, TreeAccess access)
+    LinuxFolderTree(Directory top, int pathLength, TreeAccess access)
         : isMeasured_(access == TreeAccess::Measure)
     {
         levels_.push_back(Level{std::move(top), pathLength});
@@ -174,21 +174,18 @@ private:
         const char *const name = found.d_name;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
             return;
-        const std::size_t length = std::strlen(name);
-        if (isTooLong(length) || !decodeName(name, static_cast<int>(length), entry_.name))
+        const int length = static_cast<int>(std::strlen(name));
+        if (isTooLong(length) || !decodeName(name, length, entry_.name))
             return;
         entry_.isHidden = *name == '.';
         readStatus(descriptor(), found, isMeasured_, entry_);
         visit(entry_);
     }
 
-    std::size_t pathLengthOf(std::size_t nameLength) const
-    {
-        return levels_.back().pathLength + 1 + nameLength;
-    }
+    int pathLengthOf(int nameLength) const { return levels_.back().pathLength + 1 + nameLength; }
 
     // Kept for compatibility: see "Longest path in a size" in docs/compatibility.md.
-    bool isTooLong(std::size_t nameLength) const
+    bool isTooLong(int nameLength) const
     {
         return isMeasured_ && pathLengthOf(nameLength) >= PATH_MAX;
     }

@@ -206,7 +206,6 @@ public:
     ///
     /// Costs: the system is asked for each file, which takes one or two seconds for a million files.
     /// The memory does not depend on the number of files.
-    /// Kept for compatibility: see "Longest path in a size" in docs/compatibility.md.
     static qint64 getDirectorySize(const QString &path);
 
     /// Removes the folder \a path with its content. \a exceptions are names of entries directly in

@@ -4,7 +4,6 @@
 #include <QtCore/QFile>
 #include <QtCore/QTextCodec>
 
-#include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -41,7 +40,6 @@ Directory openDirectory(int above, const char *name, int flags)
 struct Level
 {
     Directory directory; // null while it is closed
-    int pathLength = 0;  // bytes, without a separator at the end
     dev_t device = 0;
     ino_t inode = 0;
 
@@ -112,10 +110,10 @@ void readStatus(int folder, const dirent &found, bool wantsSize, FolderEntry &en
 class LinuxFolderTree : public FolderTree
 {
 public:
-    LinuxFolderTree(Directory top, int pathLength, TreeAccess access)
+    LinuxFolderTree(Directory top, TreeAccess access)
         : isMeasured_(access == TreeAccess::Measure)
     {
-        levels_.push_back(Level{std::move(top), pathLength});
+        levels_.push_back(Level{std::move(top)});
     }
 
     void visitEntries(const std::function<void(const FolderEntry &)> &visit) override
@@ -139,11 +137,11 @@ public:
 
     bool enter(const QString &name) override
     {
-        const QByteArray bytes = QFile::encodeName(name);
-        Directory directory = openDirectory(descriptor(), bytes.constData(), O_NOFOLLOW);
+        Directory directory
+            = openDirectory(descriptor(), QFile::encodeName(name).constData(), O_NOFOLLOW);
         if (!directory)
             return false;
-        levels_.push_back(Level{std::move(directory), pathLengthOf(bytes.size())});
+        levels_.push_back(Level{std::move(directory)});
         if (levels_.size() > MaxOpen)
             levels_[levels_.size() - 1 - MaxOpen].close();
         return true;
@@ -174,20 +172,11 @@ private:
         const char *const name = found.d_name;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
             return;
-        const int length = static_cast<int>(std::strlen(name));
-        if (isTooLong(length) || !decodeName(name, length, entry_.name))
+        if (!decodeName(name, static_cast<int>(std::strlen(name)), entry_.name))
             return;
         entry_.isHidden = *name == '.';
         readStatus(descriptor(), found, isMeasured_, entry_);
         visit(entry_);
-    }
-
-    int pathLengthOf(int nameLength) const { return levels_.back().pathLength + 1 + nameLength; }
-
-    // Kept for compatibility: see "Longest path in a size" in docs/compatibility.md.
-    bool isTooLong(int nameLength) const
-    {
-        return isMeasured_ && pathLengthOf(nameLength) >= PATH_MAX;
     }
 
     bool remove(const QString &name, int flags) const
@@ -204,13 +193,11 @@ private:
 
 std::unique_ptr<FolderTree> openFolderTree(const QString &path, TreeAccess access)
 {
-    const QByteArray name = QFile::encodeName(path);
     const int flags = access == TreeAccess::Measure ? 0 : O_NOFOLLOW;
-    Directory top = openDirectory(AT_FDCWD, name.constData(), flags);
+    Directory top = openDirectory(AT_FDCWD, QFile::encodeName(path).constData(), flags);
     if (!top)
         return nullptr;
-    const int length = name.endsWith('/') ? name.size() - 1 : name.size();
-    return std::make_unique<LinuxFolderTree>(std::move(top), length, access);
+    return std::make_unique<LinuxFolderTree>(std::move(top), access);
 }
 
 } // namespace Vorn::Util::Platform

@@ -6,6 +6,7 @@
 #include <Utility/System.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QMetaMethod>
 #include <QtCore/QPointer>
 
 #include <algorithm>
@@ -35,6 +36,7 @@ struct AsyncTaskProcessor::Queue
 {
     std::deque<QPointer<AsyncTask>> waiting;           // null for a task that was deleted
     enum { Running, Ended, Deleting } current = Ended; // the state of the current task
+    QMetaMethod startSlot;
 };
 
 namespace {
@@ -156,7 +158,12 @@ void AsyncTaskProcessor::startLater()
 
 void AsyncTaskProcessor::startTaskLater()
 {
-    QMetaObject::invokeMethod(this, &AsyncTaskProcessor::startTaskFromQueue, Qt::QueuedConnection);
+    // Found by its name, so that a derived class can replace the slot. Only once: a look-up takes
+    // time.
+    if (!tasks_->startSlot.isValid()) {
+        tasks_->startSlot = metaObject()->method(metaObject()->indexOfSlot("startTaskFromQueue()"));
+    }
+    tasks_->startSlot.invoke(this, Qt::QueuedConnection);
 }
 
 void AsyncTaskProcessor::startTaskFromQueue()

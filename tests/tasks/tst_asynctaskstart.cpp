@@ -14,6 +14,21 @@ bool callSlot(AsyncTaskProcessor &processor, const char *name)
 
 } // namespace
 
+// Replaces the slot that starts the next task.
+class ProcessorWithStartSlot : public AsyncTaskProcessor
+{
+    Q_OBJECT
+
+public:
+    int starts() const { return starts_; }
+
+private Q_SLOTS:
+    void startTaskFromQueue() { ++starts_; }
+
+private:
+    int starts_ = 0;
+};
+
 class TestAsyncTaskStart : public QObject
 {
     Q_OBJECT
@@ -39,6 +54,7 @@ private Q_SLOTS:
     void theStartSlotStartsTheFirstTask();
     void theStartSlotDoesNothingWhileATaskRuns();
     void theStartSlotDoesNothingWithAnEmptyQueue();
+    void theStartSlotOfADerivedClassIsCalled();
     void theFinishedSlotEndsTheRunningTask();
     void theFinishedSlotDoesNothingWithoutARunningTask();
     void theFinishedSlotDoesNothingWhileTheEndIsHandled_data();
@@ -257,6 +273,17 @@ void TestAsyncTaskStart::theStartSlotDoesNothingWithAnEmptyQueue()
     QCOMPARE(execUntilIdle(), 42);
     QCOMPARE(queue.journal, QStringList());
     QCOMPARE(queue.lines(), QStringList());
+}
+
+void TestAsyncTaskStart::theStartSlotOfADerivedClassIsCalled()
+{
+    ProcessorWithStartSlot processor;
+    processor.addTask(new TestTask(QStringLiteral("A"), succeed()));
+    processor.startLater();
+    processor.startLater();
+    QCOMPARE(processor.starts(), 0);
+    deliverQueuedCalls(processor);
+    QCOMPARE(processor.starts(), 2);
 }
 
 void TestAsyncTaskStart::theFinishedSlotEndsTheRunningTask()

@@ -23,6 +23,18 @@ bool canBeTruncated(const QFileInfo &log, const QString &temporaryFolder)
 
 qint64 tailOffset(QFile &log)
 {
+    // Most lines are short, so that the end of the head contains the beginning of a line.
+    constexpr int EndSize = 4096;
+    constexpr int EndOffset = Formats::AmountToTruncate - EndSize;
+    if (log.seek(EndOffset)) {
+        const QByteArray end = log.read(Formats::LogHeadSize - EndOffset);
+        const int lineStart = end.lastIndexOf('\n', EndSize - 2) + 1;
+        if (lineStart > 0) {
+            return EndOffset + lineStart
+                + Formats::truncationOffset(end.mid(lineStart), EndSize - lineStart);
+        }
+    }
+    log.seek(0);
     return Formats::truncationOffset(log.read(Formats::LogHeadSize));
 }
 

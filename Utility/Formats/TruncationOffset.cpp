@@ -13,14 +13,15 @@ constexpr int PieceSize = 255;
 const int LogHeadSize = AmountToTruncate + PieceSize + 1;
 
 // Kept for compatibility: see "Long line in a truncated log" in docs/compatibility.md.
-qint64 truncationOffset(const QByteArray &head)
+qint64 truncationOffset(const QByteArray &head, int amount)
 {
-    if (head.size() <= AmountToTruncate)
+    if (head.size() <= amount)
         return head.size();
-    // The line that contains byte AmountToTruncate - 1, or the next one if this byte is a line end.
-    const int lineStart = head.lastIndexOf('\n', AmountToTruncate - 1) + 1;
-    const int nextPiece = lineStart + PieceSize * ((AmountToTruncate - lineStart) / PieceSize + 1);
-    const int lineEnd = head.indexOf('\n', AmountToTruncate);
+    // The line that contains the last of the bytes to remove, or the next one if this byte is a
+    // line end.
+    const int lineStart = head.lastIndexOf('\n', amount - 1) + 1;
+    const int nextPiece = lineStart + PieceSize * ((amount - lineStart) / PieceSize + 1);
+    const int lineEnd = head.indexOf('\n', amount);
     const int nextLine = lineEnd < 0 ? head.size() : lineEnd + 1;
     return std::min({nextPiece, nextLine, head.size()});
 }

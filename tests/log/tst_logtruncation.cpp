@@ -126,6 +126,8 @@ private Q_SLOTS:
 
     void aLogIsReplacedByItsTail_data();
     void aLogIsReplacedByItsTail();
+    void theLastLineEndInTheHeadIsFound_data();
+    void theLastLineEndInTheHeadIsFound();
     void aShortLogIsEmptied_data();
     void aShortLogIsEmptied();
     void aLogCanBeTruncatedAgainAndAgain();
@@ -286,6 +288,30 @@ void TestLogTruncation::aLogIsReplacedByItsTail()
     const QByteArray kept = keptOf(log);
     QVERIFY(!kept.isEmpty());
     QVERIFY(contentOf(fileName_) == kept);
+}
+
+// A log with one line end, at any distance from the mebibyte.
+void TestLogTruncation::theLastLineEndInTheHeadIsFound_data()
+{
+    QTest::addColumn<int>("lineEnd");
+
+    for (const int distance : {0, 255, 1000, 4096, 16384}) {
+        for (const int around : {-1, 0, 1}) {
+            const int lineEnd = TruncateAfter - distance + around;
+            QTest::addRow("%d", lineEnd - TruncateAfter) << lineEnd;
+        }
+    }
+    QTest::newRow("first byte") << 0;
+}
+
+void TestLogTruncation::theLastLineEndInTheHeadIsFound()
+{
+    QFETCH(int, lineEnd);
+    QByteArray log(TruncateAfter + 3 * 255, 'x');
+    log[lineEnd] = '\n';
+    QVERIFY(writeFile(fileName_, log));
+    truncateLogFile(fileName_);
+    QVERIFY(contentOf(fileName_) == keptOf(log));
 }
 
 void TestLogTruncation::aShortLogIsEmptied_data()

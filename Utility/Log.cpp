@@ -2,14 +2,15 @@
 
 #include <Utility/Formats/TruncationOffset_p.h>
 #include <Utility/LogTruncation_p.h>
+#include <Utility/Platform/LogFile.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMutexLocker>
-#include <QtCore/QStringBuilder>
 #include <QtCore/QTextStream>
+#include <QtCore/QVarLengthArray>
 
 #include <algorithm>
 #include <array>
@@ -23,18 +24,62 @@ const int Log::MaxLogCount = 10;
 
 namespace {
 
-// The last time stamp of this thread, which is used for all lines of the same second: formatting
-// the local time takes several times as long as writing a line. The type has no destructor, so that
-// destructors of static objects can still write to a log.
+// The last prefix of this thread in UTF-8, which is used for all lines of the same second:
+// formatting the local time takes several times as long as writing a line. The type has no
+// destructor, so that destructors of static objects can still write to a log.
 struct LastPrefix
 {
     qint64 second = -1;
     Log::TimeStamp form = Log::NoTimeStamp;
     int length = 0;
-    std::array<QChar, 128> text{};
+    std::array<char, 128> text{};
 };
 static_assert(std::is_trivially_destructible<LastPrefix>::value);
 thread_local LastPrefix lastPrefix;
+
+// A line in UTF-8. A line of usual length needs no memory from the heap.
+using Line = QVarLengthArray<char, 512>;
+
+void appendBytes(Line &line, const QByteArray &bytes)
+{
+    line.append(bytes.constData(), bytes.size());
+}
+
+void appendUtf8(Line &line, const QString &text)
+{
+    constexpr ushort LastAscii = 0x7f;
+    ushort allBits = 0;
+    for (const QChar character : text)
+        allBits |= character.unicode();
+    if (allBits > LastAscii) {
+        appendBytes(line, text.toUtf8());
+        return;
+    }
+    const int length = line.size();
+    line.resize(length + text.size());
+    std::transform(text.cbegin(), text.cend(), line.begin() + length,
+                   [](QChar character) { return static_cast<char>(character.unicode()); });
+}
+
+// Whether the buffer of \a file is empty. It can contain bytes only after a failure, because each
+// line is flushed.
+bool isBufferEmpty(const QFile &file)
+{
+    return file.error() == QFileDevice::NoError;
+}
+
+void writeAndFlush(QFile &file, const Line &line)
+{
+    qint64 written = 0;
+    if (isBufferEmpty(file)) {
+        written = Platform::writeDirectly(file, line.constData(), line.size());
+        if (written == line.size())
+            return;
+    }
+    written = std::max<qint64>(written, 0);
+    file.write(line.constData() + written, line.size() - written);
+    file.flush();
+}
 
 // A name filter for QDir that matches exactly \a text.
 QString escapeWildcards(const QString &text)
@@ -117,11 +162,30 @@ void Log::append(const QString &text)
 
 void Log::fastAppend(const QString &text)
 {
+    if (!text.isEmpty() && text.back().isSpace()) {
+        fastAppend(rstrip(text));
+        return;
+    }
+    Line line;
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    LastPrefix &last = lastPrefix;
+    if (last.second == now && last.form == timeStamp_) {
+        line.append(last.text.data(), last.length);
+    } else {
+        appendBytes(line, getPrefix().toUtf8());
+        if (line.size() <= static_cast<int>(last.text.size())) {
+            last.second = now;
+            last.form = timeStamp_;
+            last.length = line.size();
+            std::copy(line.cbegin(), line.cend(), last.text.begin());
+        }
+    }
     // The blank is also written if the prefix is empty.
     // Kept for compatibility: see "Log lines" in docs/compatibility.md.
-    const QString line = getPrefix() % QLatin1Char(' ') % rstrip(text) % QLatin1Char('\n');
-    file_->write(line.toUtf8());
-    file_->flush();
+    line.append(' ');
+    appendUtf8(line, text);
+    line.append('\n');
+    writeAndFlush(*file_, line);
 }
 
 Log &Log::operator<<(const QString &text)
@@ -213,28 +277,19 @@ void Log::truncate()
 
 qint64 Log::getSize() const
 {
-    return file_->isOpen() ? file_->size() : QFileInfo(name_).size();
+    if (!file_->isOpen())
+        return QFileInfo(name_).size();
+    const qint64 size = isBufferEmpty(*file_) ? Platform::sizeOf(*file_) : -1;
+    return size >= 0 ? size : file_->size();
 }
 
 QString Log::getPrefix() const
 {
     if (timeStamp_ != TimeOnly && timeStamp_ != DateAndTime)
         return QString();
-    const qint64 now = QDateTime::currentSecsSinceEpoch();
-    LastPrefix &last = lastPrefix;
-    if (last.second == now && last.form == timeStamp_)
-        return QString(last.text.data(), last.length);
-    const QDateTime local = QDateTime::fromSecsSinceEpoch(now);
-    QString prefix
-        = QStringLiteral("[%1]").arg(timeStamp_ == TimeOnly ? local.time().toString(Qt::TextDate)
-                                                            : local.toString(Qt::TextDate));
-    if (prefix.size() <= static_cast<int>(last.text.size())) {
-        last.second = now;
-        last.form = timeStamp_;
-        last.length = prefix.size();
-        std::copy(prefix.cbegin(), prefix.cend(), last.text.begin());
-    }
-    return prefix;
+    const QDateTime now = QDateTime::currentDateTime();
+    return QStringLiteral("[%1]").arg(timeStamp_ == TimeOnly ? now.time().toString(Qt::TextDate)
+                                                             : now.toString(Qt::TextDate));
 }
 
 QString Log::rstrip(const QString &text) const

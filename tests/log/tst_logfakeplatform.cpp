@@ -1,4 +1,5 @@
-// Truncation on a fake platform that refuses it, or during which the log is written.
+// The log on a fake platform: truncations that are refused, or during which the log is written, and
+// writes that are incomplete.
 
 #include "FakePlatform.h"
 #include "TestFiles.h"
@@ -12,6 +13,7 @@
 
 #include <QtTest/QtTest>
 
+#include <algorithm>
 #include <limits>
 
 using namespace Vorn::Util;
@@ -41,6 +43,9 @@ private Q_SLOTS:
     void withoutSpaceTheLogIsNotRead();
     void eachAppendTriesAgain();
     void theLogCanBeWrittenDuringItsTruncation();
+    void aSizeThatIsNotReportedIsFoundAnyway();
+    void aLineThatIsWrittenInPartIsCompleted_data();
+    void aLineThatIsWrittenInPartIsCompleted();
 
 private:
     TestFolder folder_;
@@ -53,6 +58,7 @@ void TestLogFakePlatform::init()
 {
     QVERIFY(writeFile(fileName_, tooLargeLog()));
     attempts_ = 0;
+    fakePlatform() = FakePlatform();
     fakePlatform().mayReplaceFile = [](const QString &) { return true; };
     fakePlatform().mayCreateFileIn = [](const QString &) { return true; };
     fakePlatform().availableSpace = [](const QString &) { return Enough; };
@@ -164,6 +170,50 @@ void TestLogFakePlatform::theLogCanBeWrittenDuringItsTruncation()
     QCOMPARE(attempts_, 1);
     QCOMPARE(name, fileName_);
     QCOMPARE(contentOf(fileName_), tooLargeLog() + " after" + lineEnd());
+}
+
+void TestLogFakePlatform::aSizeThatIsNotReportedIsFoundAnyway()
+{
+    Log log(fileName_, Log::NoFileTimeStamp);
+    QVERIFY(log.open(true));
+    QCOMPARE(attempts_, 1);
+    fakePlatform().sizeOf = [](const QFile &) { return Q_INT64_C(-1); };
+    log.append(QStringLiteral("text"));
+    QCOMPARE(attempts_, 2);
+}
+
+void TestLogFakePlatform::aLineThatIsWrittenInPartIsCompleted_data()
+{
+    QTest::addColumn<int>("result"); // of the platform for each line
+    QTest::addColumn<QByteArray>("direct");
+    QTest::addColumn<QByteArray>("completed");
+
+    QTest::newRow("failure") << -1 << QByteArray() << QByteArray(" one\n two\n");
+    QTest::newRow("nothing") << 0 << QByteArray() << QByteArray(" one\n two\n");
+    QTest::newRow("one byte") << 1 << QByteArray("  ") << QByteArray("one\ntwo\n");
+    QTest::newRow("three bytes") << 3 << QByteArray(" on tw") << QByteArray("e\no\n");
+    QTest::newRow("the whole line") << 5 << QByteArray(" one\n two\n") << QByteArray();
+}
+
+// The fake platform keeps what it writes, so that the file gets only the other bytes.
+void TestLogFakePlatform::aLineThatIsWrittenInPartIsCompleted()
+{
+    QFETCH(int, result);
+    QFETCH(QByteArray, direct);
+    QFETCH(QByteArray, completed);
+    QVERIFY(writeFile(fileName_, QByteArray()));
+    QByteArray written;
+    fakePlatform().writeDirectly = [&](const QFile &, const char *bytes, int) {
+        written.append(bytes, std::max(result, 0));
+        return static_cast<qint64>(result);
+    };
+    Log log(fileName_, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(log.open(true));
+    log.append(QStringLiteral("one"));
+    log.fastAppend(QStringLiteral("two"));
+    QCOMPARE(written, direct);
+    QCOMPARE(contentOf(fileName_), completed.replace('\n', lineEnd()));
 }
 
 QTEST_GUILESS_MAIN(TestLogFakePlatform)

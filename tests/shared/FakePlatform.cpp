@@ -30,6 +30,8 @@ FakePlatform::FakePlatform()
     , availableSpace(always(Q_INT64_C(0)))
     , mayCreateFileIn(always(false))
     , replaceByTail(always(false))
+    , writeDirectly(always(Q_INT64_C(0)))
+    , sizeOf([](const QFile &file) { return file.size(); })
     , moveFile([](const QString &source, const QString &target) {
         const bool isMoved
             = (!QFile::exists(target) || QFile::remove(target)) && QFile::rename(source, target);
@@ -119,6 +121,16 @@ bool mayCreateFileIn(const QString &folder)
 bool replaceByTail(QFile &file, const QString &temporaryFolder, qint64 (*tailOffset)(QFile &))
 {
     return fakePlatform().replaceByTail(file, temporaryFolder, tailOffset);
+}
+
+qint64 writeDirectly(const QFile &file, const char *bytes, int count)
+{
+    return fakePlatform().writeDirectly(file, bytes, count);
+}
+
+qint64 sizeOf(const QFile &file)
+{
+    return fakePlatform().sizeOf(file);
 }
 
 MoveOutcome moveFile(const QString &source, const QString &target)

@@ -9,6 +9,7 @@
 #include <Utility/Platform/Files.h>
 #include <Utility/Platform/FolderTree.h>
 #include <Utility/Platform/Folders.h>
+#include <Utility/Platform/LogFile.h>
 #include <Utility/Platform/Processes.h>
 #include <Utility/Platform/Processors.h>
 #include <Utility/Platform/ProgramVersion.h>
@@ -37,6 +38,8 @@ struct FakePlatform
     Function<qint64, const QString &> availableSpace;
     Function<bool, const QString &> mayCreateFileIn;
     Function<bool, QFile &, const QString &, qint64 (*)(QFile &)> replaceByTail;
+    Function<qint64, const QFile &, const char *, int> writeDirectly;
+    Function<qint64, const QFile &> sizeOf;
     Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
     Function<bool, const QString &, const QString &> isSameFile;
     Function<bool, const QString &> removeFile;

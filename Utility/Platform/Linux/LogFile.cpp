@@ -15,6 +15,9 @@ qint64 writeDirectly(const QFile &file, const char *bytes, int count)
 
 qint64 sizeOf(const QFile &file)
 {
+    // The position does not matter if each write goes to the end of the file.
+    if (file.openMode().testFlag(QIODevice::Append))
+        return lseek(file.handle(), 0, SEEK_END);
     // Only the size is queried. After a query of the times, the next write must store new times;
     // on ext4 this takes longer than the write itself.
     struct statx status = {};

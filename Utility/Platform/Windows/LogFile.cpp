@@ -1,6 +1,10 @@
 #include <Utility/Platform/LogFile.h>
 
+#include <Utility/Platform/Windows/WindowsApi.h>
+
 #include <QtCore/QFile>
+
+#include <io.h>
 
 namespace Vorn::Util::Platform {
 
@@ -11,7 +15,9 @@ qint64 writeDirectly(const QFile & /*file*/, const char * /*bytes*/, int /*count
 
 qint64 sizeOf(const QFile &file)
 {
-    return file.size();
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
+    LARGE_INTEGER size = {};
+    return GetFileSizeEx(handle, &size) != 0 ? size.QuadPart : -1;
 }
 
 } // namespace Vorn::Util::Platform

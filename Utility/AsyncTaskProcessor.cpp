@@ -14,8 +14,8 @@
 
 // Slots, the monitor and the destructors of tasks are code of the application. They may delete
 // tasks and the processor. Three rules make this safe:
-// - If a waiting task is deleted, its pointer in the queue becomes null. If the current task is
-//   deleted, forgetCurrentTask() sets currentTask_ to null.
+// - If a waiting task is deleted, its pointer in the queue becomes null. If the application deletes
+//   the current task, forgetCurrentTask() sets currentTask_ to null.
 // - The function that changes the state of the current task from Running to Ended handles the end
 //   of the task, so this happens only once.
 // - After code of the application has run, check with a QPointer whether the processor and the task
@@ -234,7 +234,9 @@ void AsyncTaskProcessor::handleFinishedTask()
 // Called by the destructor of the current task. Only the QObject part of the task still exists.
 void AsyncTaskProcessor::forgetCurrentTask()
 {
-    if (tasks_->current != Queue::Running) {
+    if (tasks_->current == Queue::Deleting)
+        return; // the destructor of this processor needs the pointer until the task is gone
+    if (tasks_->current == Queue::Ended) {
         currentTask_ = nullptr;
         return;
     }
@@ -255,7 +257,10 @@ void AsyncTaskProcessor::forgetCurrentTask()
 void AsyncTaskProcessor::deleteCurrentTask()
 {
     tasks_->current = Queue::Deleting;
+    const QPointer<AsyncTaskProcessor> self(this);
     delete currentTask_; // may delete this processor
+    if (self)
+        currentTask_ = nullptr;
 }
 
 void AsyncTaskProcessor::goOn()

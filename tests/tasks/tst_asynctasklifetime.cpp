@@ -38,6 +38,8 @@ private Q_SLOTS:
     void aMonitorMayDeleteTheProcessor();
     void aTasksDestructorMayDeleteTheProcessor_data();
     void aTasksDestructorMayDeleteTheProcessor();
+    void theEndOfATaskMayDeleteTheProcessor_data();
+    void theEndOfATaskMayDeleteTheProcessor();
     void aRunningTaskThatGetsAnotherParentRunsOn();
     void aProcessorMayBeDeletedInItsOwnSignals_data();
     void aProcessorMayBeDeletedInItsOwnSignals();
@@ -167,6 +169,30 @@ void TestAsyncTaskLifetime::aTasksDestructorMayDeleteTheProcessor()
     QTRY_VERIFY(!processor);
     QVERIFY(!first);
     QVERIFY(!last);
+}
+
+void TestAsyncTaskLifetime::theEndOfATaskMayDeleteTheProcessor_data()
+{
+    QTest::addColumn<bool>("byChild");
+    QTest::newRow("in a slot of its destroyed signal") << false;
+    QTest::newRow("in the destructor of its child") << true;
+}
+
+void TestAsyncTaskLifetime::theEndOfATaskMayDeleteTheProcessor()
+{
+    QFETCH(bool, byChild);
+    const QPointer<AsyncTaskProcessor> processor = new AsyncTaskProcessor;
+    const auto deleteProcessor = [processor] { delete processor; };
+    const QPointer<TestTask> task = new TestTask(QStringLiteral("A"), succeed());
+    processor->addTask(task);
+    // Connected after the processor has made its own connections.
+    connect(processor, &AsyncTaskProcessor::started, this, [&](AsyncTask *started) {
+        QObject *const observed = byChild ? new QObject(started) : started;
+        connect(observed, &QObject::destroyed, this, deleteProcessor);
+    });
+    processor->startLater();
+    QTRY_VERIFY(!processor);
+    QVERIFY(!task);
 }
 
 void TestAsyncTaskLifetime::aRunningTaskThatGetsAnotherParentRunsOn()

@@ -61,24 +61,20 @@ void appendUtf8(Line &line, const QString &text)
                    [](QChar character) { return static_cast<char>(character.unicode()); });
 }
 
-// Whether the buffer of \a file is empty. It can contain bytes only after a failure, because each
-// line is flushed.
+// Whether the buffer of \a file is empty. After a failure it keeps what could not be written.
 bool isBufferEmpty(const QFile &file)
 {
-    return file.error() == QFileDevice::NoError;
+    return file.bytesToWrite() == 0;
 }
 
-void writeAndFlush(QFile &file, const Line &line)
+// Writes \a line without the buffer of \a file. Returns how many bytes were written: none if older
+// bytes are in the buffer, which must be written first.
+int writeUnbuffered(const QFile &file, const Line &line)
 {
-    qint64 written = 0;
-    if (isBufferEmpty(file)) {
-        written = Platform::writeDirectly(file, line.constData(), line.size());
-        if (written == line.size())
-            return;
-    }
-    written = std::max<qint64>(written, 0);
-    file.write(line.constData() + written, line.size() - written);
-    file.flush();
+    if (!isBufferEmpty(file))
+        return 0;
+    const qint64 written = Platform::writeDirectly(file, line.constData(), line.size());
+    return static_cast<int>(std::max<qint64>(written, 0));
 }
 
 // A name filter for QDir that matches exactly \a text.
@@ -185,7 +181,11 @@ void Log::fastAppend(const QString &text)
     line.append(' ');
     appendUtf8(line, text);
     line.append('\n');
-    writeAndFlush(*file_, line);
+    const int written = writeUnbuffered(*file_, line);
+    if (written < line.size()) {
+        file_->write(line.constData() + written, line.size() - written);
+        file_->flush();
+    }
 }
 
 Log &Log::operator<<(const QString &text)

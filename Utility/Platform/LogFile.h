@@ -6,11 +6,11 @@ class QFile;
 
 namespace Vorn::Util::Platform {
 
-/// Writes the first of \a count bytes to the open \a file, whose buffer must be empty. This is
-/// faster than file.write() and file.flush(), which must write the others. Returns how many bytes
-/// were written; -1 if none could be.
+/// Writes \a count bytes to the open \a file, whose buffer must be empty. Returns how many of them
+/// were written; -1 after a failure. The caller must write the rest with file.write() and
+/// file.flush(), which are slower.
 ///
-/// Windows: 0. Only file.write() converts line ends.
+/// Windows: writes nothing and returns 0, because only file.write() converts line ends.
 qint64 writeDirectly(const QFile &file, const char *bytes, int count);
 
 /// The size in bytes of the open \a file, whose buffer must be empty. This is faster than

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void aTextOfOnlyBlanksIsPrefixBlankAndLineEnd();
     void placeMarkersInATextAreWrittenAsTheyStand_data();
     void placeMarkersInATextAreWrittenAsTheyStand();
+    void theTextIsWrittenAsUtf8_data();
     void theTextIsWrittenAsUtf8();
     void appendWritesTheSameLineAsFastAppend();
     void everyLineIsOnDiskWhenTheCallReturns();
@@ -208,16 +209,43 @@ void TestLogLines::placeMarkersInATextAreWrittenAsTheyStand()
     QCOMPARE(written(), withTime + ' ' + text.toUtf8() + lineEnd());
 }
 
+void TestLogLines::theTextIsWrittenAsUtf8_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QByteArray>("bytes");
+
+    const auto characters = [](const QVector<ushort> &units) {
+        QString text;
+        for (const ushort unit : units)
+            text += QChar(unit);
+        return text;
+    };
+    QTest::newRow("null character") << characters({'a', 0, 'b'}) << QByteArray("a\0b", 3);
+    QTest::newRow("last of ASCII") << characters({0x7f}) << QByteArray("\x7F");
+    QTest::newRow("first after ASCII") << characters({0x80}) << QByteArray("\xC2\x80");
+    QTest::newRow("umlaut") << characters({0xe4}) << QByteArray("\xC3\xA4");
+    QTest::newRow("euro sign") << characters({0x20ac}) << QByteArray("\xE2\x82\xAC");
+    QTest::newRow("pair of surrogates")
+        << characters({0xd83d, 0xde00}) << QByteArray("\xF0\x9F\x98\x80");
+    QTest::newRow("all lengths") << characters({0xe4, ' ', 0x20ac, ' ', 0xd83d, 0xde00})
+                                 << QByteArray("\xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80");
+    QTest::newRow("byte order mark") << characters({0xfeff, '-'}) << QByteArray("\xEF\xBB\xBF-");
+    QTest::newRow("high surrogate alone") << characters({'a', 0xd83d}) << QByteArray("a?");
+    QTest::newRow("low surrogate alone") << characters({0xde00, 'a'}) << QByteArray("?a");
+    QTest::newRow("longer than the usual line")
+        << QString(3000, QLatin1Char('a')) + QChar(0xe4) << QByteArray(3000, 'a') + "\xC3\xA4";
+}
+
 void TestLogLines::theTextIsWrittenAsUtf8()
 {
+    QFETCH(QString, text);
+    QFETCH(QByteArray, bytes);
     Log log(fileName_, Log::NoFileTimeStamp);
     log.setTimeStamp(Log::NoTimeStamp);
     QVERIFY(log.open(true));
-    log.append(QStringLiteral("\u00e4 \u20ac \U0001F600"));
+    log.append(text);
     log << QStringLiteral("\u00e4 \u20ac \U0001F600");
-    QCOMPARE(written(),
-             QByteArray(" \xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80") + lineEnd()
-                 + "\xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80");
+    QCOMPARE(written(), ' ' + bytes + lineEnd() + "\xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80");
 }
 
 void TestLogLines::appendWritesTheSameLineAsFastAppend()

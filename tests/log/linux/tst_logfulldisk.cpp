@@ -44,6 +44,8 @@ private Q_SLOTS:
     void initTestCase();
     void linesThatDoNotFitAreWrittenLater_data();
     void linesThatDoNotFitAreWrittenLater();
+    void longLinesThatDoNotFitKeepTheirOrder();
+    void aLogWithLinesThatDoNotFitIsNotTruncated();
 };
 
 void TestLogFullDisk::initTestCase()
@@ -88,6 +90,46 @@ void TestLogFullDisk::linesThatDoNotFitAreWrittenLater()
     write(QStringLiteral("six"));
     write(QStringLiteral("ten"));
     QCOMPARE(contentOf(fileName), all);
+}
+
+// A flush of QFile writes only the first block of its buffer. With these lengths "c" is in a second
+// block.
+void TestLogFullDisk::longLinesThatDoNotFitKeepTheirOrder()
+{
+    const QString fileName = path(QStringLiteral("run.log"));
+    Log log(fileName, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(log.open(true));
+    {
+        const SizeLimit full(0);
+        log.fastAppend(QString(12000, QLatin1Char('a')));
+    }
+    {
+        const SizeLimit full(11000);
+        log.fastAppend(QStringLiteral("b"));
+    }
+    log.fastAppend(QString(8000, QLatin1Char('c')));
+    log.fastAppend(QStringLiteral("d"));
+    QCOMPARE(contentOf(fileName),
+             ' ' + QByteArray(12000, 'a') + "\n b\n " + QByteArray(8000, 'c') + "\n d\n");
+}
+
+// A truncation closes the log, so these lines would be lost.
+void TestLogFullDisk::aLogWithLinesThatDoNotFitIsNotTruncated()
+{
+    const QString fileName = path(QStringLiteral("run.log"));
+    const QByteArray content = QByteArray("1234\n").repeated(static_cast<int>(Log::MaxLogSize) / 5);
+    QVERIFY(writeFile(fileName, content));
+    Log log(fileName, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(log.open(true));
+    {
+        const SizeLimit full(static_cast<rlim_t>(Log::MaxLogSize) + 2);
+        log.append(QStringLiteral("one"));
+        log.append(QStringLiteral("two"));
+    }
+    log.fastAppend(QStringLiteral("six"));
+    QVERIFY(contentOf(fileName) == content + " one\n two\n six\n");
 }
 
 QTEST_GUILESS_MAIN(TestLogFullDisk)

@@ -18,7 +18,8 @@ namespace {
 void openFresh(Log &log)
 {
     log.setName(Workplace::path(QStringLiteral("own.log")), Log::NoFileTimeStamp);
-    log.open(false);
+    if (!log.open(false))
+        qFatal("cannot open %s", qPrintable(log.name()));
 }
 
 QString ownText()
@@ -63,6 +64,8 @@ void truncationOwn(benchmark::State &state)
         Log log(name, Log::NoFileTimeStamp);
         log.open(true); // truncates
     }
+    if (QFile(Workplace::path(QStringLiteral("large.log"))).size() > Log::MaxLogSize)
+        qFatal("the log was not truncated");
 }
 
 void linesOfLength(benchmark::State &state)

@@ -13,6 +13,7 @@
 #include <cstring>
 
 using namespace Vorn::Util;
+using Formats::AmountToTruncate;
 using Formats::LogHeadSize;
 using Formats::truncationOffset;
 
@@ -66,6 +67,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const QByteArray &log = logOf(data, size / NumberSize);
     const QByteArray head
         = QByteArray::fromRawData(log.constData(), std::min(log.size(), LogHeadSize));
-    CHECK(truncationOffset(head) == offsetOf(log));
+    const qint64 offset = offsetOf(log);
+    CHECK(truncationOffset(head) == offset);
+    // The same offset if a first part that ends with a line is omitted.
+    for (const int lineEnd : {head.indexOf('\n'), head.lastIndexOf('\n', AmountToTruncate - 2)}) {
+        const int omitted = lineEnd + 1;
+        if (omitted < AmountToTruncate) {
+            const QByteArray rest
+                = QByteArray::fromRawData(head.constData() + omitted, head.size() - omitted);
+            CHECK(omitted + truncationOffset(rest, AmountToTruncate - omitted) == offset);
+        }
+    }
     return 0;
 }

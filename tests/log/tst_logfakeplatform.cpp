@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 using namespace Vorn::Util;
 
@@ -43,6 +44,7 @@ private Q_SLOTS:
     void withoutSpaceTheLogIsNotRead();
     void eachAppendTriesAgain();
     void theLogCanBeWrittenDuringItsTruncation();
+    void theLogCanBeReopenedWhileItIsWritten();
     void aSizeThatIsNotReportedIsFoundAnyway();
     void aLineThatIsWrittenInPartIsCompleted_data();
     void aLineThatIsWrittenInPartIsCompleted();
@@ -170,6 +172,25 @@ void TestLogFakePlatform::theLogCanBeWrittenDuringItsTruncation()
     QCOMPARE(attempts_, 1);
     QCOMPARE(name, fileName_);
     QCOMPARE(contentOf(fileName_), tooLargeLog() + " after" + lineEnd());
+}
+
+// By a Qt message handler: Qt prints a warning that the log is not open.
+void TestLogFakePlatform::theLogCanBeReopenedWhileItIsWritten()
+{
+    static Log *reopened = nullptr;
+    Log log(fileName_, Log::NoFileTimeStamp);
+    reopened = &log;
+    const QtMessageHandler former
+        = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {
+              if (Log *target = std::exchange(reopened, nullptr)) {
+                  target->open(true);
+                  *target << QStringLiteral("inside"); // tries to truncate: closes and opens it
+              }
+          });
+    log.fastAppend(QStringLiteral("not open"));
+    qInstallMessageHandler(former);
+    QCOMPARE(attempts_, 2);
+    QCOMPARE(contentOf(fileName_), tooLargeLog() + "inside");
 }
 
 void TestLogFakePlatform::aSizeThatIsNotReportedIsFoundAnyway()

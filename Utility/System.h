@@ -202,10 +202,12 @@ public:
 
     /// The total size of the files below \a path in bytes; 0 if the folder does not exist. Hidden
     /// files and the content of hidden folders do not count, and links to folders are not followed.
-    /// A link to a file counts as much as the file; a file with several names counts for each.
+    /// A link to a file counts as much as the file; on Windows this is true for shortcuts, while a
+    /// symbolic link counts as in the listing of its folder, usually 0. A file with several names
+    /// counts for each. A folder in Qt's resources (":/name") counts 0.
     ///
-    /// Costs: the system is asked for each file, which takes one or two seconds for a million files.
-    /// The memory does not depend on the number of files.
+    /// Costs: the system is asked for each file, which takes one or two seconds for a million
+    /// files. The memory does not depend on the number of files.
     static qint64 getDirectorySize(const QString &path);
 
     /// Removes the folder \a path with its content. \a exceptions are names of entries directly in

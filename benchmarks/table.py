@@ -55,8 +55,13 @@ def rows(runs):
         times[names[0], names[1]].append(run["real_time"] * TO_SECONDS[run["time_unit"]])
         if "/".join(names[:3]) == MEMORY:
             memory.append(run["memory"])
-    found = [figures(row.work, row.peer, times[row.work, "own"], times[row.work, row.peer], row.goal)
-             for row in ROWS if times[row.work, "own"] and times[row.work, row.peer]]
+    found = []
+    for row in ROWS:
+        own, other = times[row.work, "own"], times[row.work, row.peer]
+        if other and not own:
+            raise ValueError(f"there are no figures of {row.work}/own")
+        if own and other:
+            found.append(figures(row.work, row.peer, own, other, row.goal))
     return found + ([memory_figures(memory)] if memory else [])
 
 

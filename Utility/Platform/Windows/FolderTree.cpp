@@ -106,14 +106,14 @@ FolderEntry::Kind kindOf(const QFileInfo &info)
     return info.isFile() ? FolderEntry::File : FolderEntry::Other;
 }
 
-FolderEntry entryOf(const WIN32_FIND_DATAW &found, const QString &name)
+FolderEntry entryOf(const WIN32_FIND_DATAW &found)
 {
     constexpr int HighBits = 32;
     const bool isFolder = found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY;
     const bool isReparsed = found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT;
     const DWORD tag = isReparsed ? found.dwReserved0 : 0;
     FolderEntry entry;
-    entry.name = name;
+    entry.name = textOf(found.cFileName);
     entry.kind = isFolder ? FolderEntry::Folder : FolderEntry::File;
     entry.isLink = tag == IO_REPARSE_TAG_SYMLINK || (isFolder && tag == IO_REPARSE_TAG_MOUNT_POINT);
     entry.isHidden = found.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN;
@@ -169,17 +169,26 @@ public:
 
     void visitEntries(const std::function<void(const FolderEntry &)> &visit) override
     {
-        visitFound(levels_.back().search, visit);
+        while (const WIN32_FIND_DATAW *found = levels_.back().search.next()) {
+            if (isDotName(found->cFileName))
+                continue;
+            const FolderEntry entry = entryOf(*found);
+            if (isShortcut(entry))
+                visitShortcut(entry.name, visit);
+            else
+                visit(entry);
+        }
     }
 
     // Links other than shortcuts have the kind that is stored in them.
     void visitLinks(const std::function<void(const FolderEntry &)> &visit) override
     {
-        Search shortcuts(levels_.back().longPath, QStringLiteral("*.lnk"));
-        visitFound(shortcuts, [&visit](const FolderEntry &entry) {
-            if (entry.isLink)
-                visit(entry);
-        });
+        Search search(levels_.back().longPath, QStringLiteral("*.lnk"));
+        while (const WIN32_FIND_DATAW *found = search.next()) {
+            const FolderEntry entry = entryOf(*found);
+            if (isShortcut(entry))
+                visitShortcut(entry.name, visit);
+        }
     }
 
     bool enter(const QString &name) override
@@ -206,20 +215,12 @@ public:
     }
 
 private:
-    void visitFound(Search &search, const std::function<void(const FolderEntry &)> &visit) const
+    void visitShortcut(const QString &name,
+                       const std::function<void(const FolderEntry &)> &visit) const
     {
-        while (const WIN32_FIND_DATAW *found = search.next()) {
-            if (isDotName(found->cFileName))
-                continue;
-            const FolderEntry entry = entryOf(*found, textOf(found->cFileName));
-            if (!isShortcut(entry)) {
-                visit(entry);
-                continue;
-            }
-            const QFileInfo shortcut(joined(levels_.back().path, QLatin1Char('/'), entry.name));
-            if (shortcut.exists())
-                visit(entryOfShortcut(shortcut));
-        }
+        const QFileInfo shortcut(joined(levels_.back().path, QLatin1Char('/'), name));
+        if (shortcut.exists())
+            visit(entryOfShortcut(shortcut));
     }
 
     QString longPathOf(const QString &name) const

@@ -136,7 +136,13 @@ bool Log::open(bool append)
     QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text;
     if (append)
         mode |= QIODevice::Append;
-    return file_->open(mode);
+    if (!file_->open(mode))
+        return false;
+    // If this QFile was open before, its next write goes back to the beginning, over lines that
+    // were written directly since. An explicit seek prevents this.
+    if (!append && !file_->isSequential())
+        file_->seek(0);
+    return true;
 }
 
 void Log::close()

@@ -46,6 +46,8 @@ private Q_SLOTS:
     void aNumberIsStreamedInTheShorterForm_data();
     void aNumberIsStreamedInTheShorterForm();
     void streamingChains();
+    void aLogThatIsOpenedAgainKeepsEachLine_data();
+    void aLogThatIsOpenedAgainKeepsEachLine();
 
 private:
     // What the log holds after \a value was streamed into it.
@@ -403,6 +405,37 @@ void TestLogLines::streamingChains()
     log << QStringLiteral("t = ") << 1.5 << ' ' << 2 << '\n' << QStringLiteral("end ");
     log.append(QStringLiteral("line"));
     QCOMPARE(written(), "t = 1.5 2" + lineEnd() + "end  line" + lineEnd());
+}
+
+void TestLogLines::aLogThatIsOpenedAgainKeepsEachLine_data()
+{
+    QTest::addColumn<bool>("append");
+    QTest::addColumn<bool>("appendAgain");
+
+    QTest::newRow("emptied twice") << false << false;
+    QTest::newRow("emptied, appended to") << false << true;
+    QTest::newRow("appended to, emptied") << true << false;
+    QTest::newRow("appended to twice") << true << true;
+}
+
+void TestLogLines::aLogThatIsOpenedAgainKeepsEachLine()
+{
+    QFETCH(bool, append);
+    QFETCH(bool, appendAgain);
+    Log log(fileName_, Log::NoFileTimeStamp);
+    log.setTimeStamp(Log::NoTimeStamp);
+    QVERIFY(log.open(append));
+    log << QStringLiteral("before\n");
+    log.close();
+    QVERIFY(log.open(appendAgain));
+    log.fastAppend(QStringLiteral("one"));
+    log << QStringLiteral("two\n");
+    log.append(QStringLiteral("three"));
+    log << QStringLiteral("four\n");
+    QByteArray expected = " one\ntwo\n three\nfour\n";
+    if (appendAgain)
+        expected.prepend("before\n");
+    QCOMPARE(written(), expected.replace('\n', lineEnd()));
 }
 
 QTEST_GUILESS_MAIN(TestLogLines)

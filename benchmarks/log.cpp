@@ -18,7 +18,8 @@ namespace {
 void openFresh(Log &log)
 {
     log.setName(Workplace::path(QStringLiteral("own.log")), Log::NoFileTimeStamp);
-    if (!log.open(false))
+    QFile::remove(log.name());
+    if (!log.open(true))
         qFatal("cannot open %s", qPrintable(log.name()));
 }
 

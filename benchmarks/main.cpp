@@ -2,6 +2,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QTemporaryDir>
 
@@ -27,6 +28,8 @@ int main(int argc, char *argv[])
         return 1;
     else
         Workplace::setFolder(temporary.path());
+    // The folder for temporary files is on the same file system, so that a truncation copies once.
+    qputenv("TMPDIR", QFile::encodeName(Workplace::path(QString())));
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

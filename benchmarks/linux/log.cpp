@@ -26,7 +26,8 @@ class RawFile
 public:
     RawFile()
         : name_(QFile::encodeName(Workplace::path(QStringLiteral("raw.log"))))
-        , descriptor_(open(name_.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600))
+        , descriptor_(
+              open(name_.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600))
     {
     }
     ~RawFile() { close(descriptor_); }

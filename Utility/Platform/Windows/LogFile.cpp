@@ -15,7 +15,10 @@ qint64 writeDirectly(const QFile & /*file*/, const char * /*bytes*/, int /*count
 
 qint64 sizeOf(const QFile &file)
 {
-    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(file.handle()));
+    const int descriptor = file.handle();
+    if (descriptor < 0)
+        return -1;
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
     LARGE_INTEGER size = {};
     return GetFileSizeEx(handle, &size) != 0 ? size.QuadPart : -1;
 }

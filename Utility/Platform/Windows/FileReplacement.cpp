@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 namespace Vorn::Util::Platform {
 
@@ -31,12 +32,13 @@ bool canBeOpened(const QString &name, DWORD access)
 // Copies \a count bytes from the current position of \a from to that of \a to.
 bool copyBytes(QIODevice &from, QIODevice &to, qint64 count)
 {
-    constexpr qint64 BlockSize = 1 << 18;
+    std::vector<char> block(1 << 18);
     while (count > 0) {
-        const QByteArray block = from.read(std::min(count, BlockSize));
-        if (block.isEmpty() || to.write(block) != block.size())
+        const qint64 size
+            = from.read(block.data(), std::min<qint64>(count, static_cast<qint64>(block.size())));
+        if (size <= 0 || to.write(block.data(), size) != size)
             return false;
-        count -= block.size();
+        count -= size;
     }
     return true;
 }

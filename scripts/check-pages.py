@@ -30,7 +30,8 @@ class Project:
     def __init__(self, root):
         self.root = root
         self.pages = [*sorted(root.glob("*.md")), *sorted((root / "docs").glob("*.md")),
-                      *sorted(root.glob("*/README.md")), *sorted(root.glob("tests/**/README.md"))]
+                      *sorted(root.glob("*/README.md")), *sorted(root.glob("tests/**/README.md")),
+                      *sorted(root.glob("examples/**/README.md"))]
         self.tests = {path.stem: read(path) for path in root.glob("tests/**/tst_*.cpp")}
         self.sources = {path: read(path) for folder in ("Utility", "examples", "tests")
                         for path in (root / folder).rglob("*") if path.suffix in (".h", ".cpp")}

@@ -75,6 +75,8 @@ JobAcctGatherType=jobacct_gather/none
 AccountingStorageType=accounting_storage/none
 JobCompType=jobcomp/none
 MailProg=/bin/true
+# Start waiting jobs at once, not only every three seconds.
+SchedulerParameters=batch_sched_delay=0
 SlurmdParameters=config_overrides
 ReturnToService=2
 KillWait=2

@@ -134,24 +134,24 @@ start() {
     until_true 30 daemons_ready || fail "the nodes do not become idle: see $folder/log"
 }
 
-# marked_processes: the daemons, which have a file of the folder open, and the processes of jobs that have
-# the configuration in their environment.
+# marked_processes: the daemons that have a file of the folder open or its configuration in their
+# environment, and the processes of jobs that have this configuration.
 marked_processes() {
     local process
     for process in /proc/[0-9]*; do
         case $(readlink "$process/exe") in
         */munged | */slurmctld* | */slurmd* | */slurmstepd*)
-            [ -z "$(find "$process/fd" -lname "$folder/*" -print -quit)" ] || echo "${process#/proc/}"
-            ;;
+            has_configuration "$process" || has_open_file "$process" || continue ;;
         *)
-            tr '\0' '\n' <"$process/environ" | awk -v conf="SLURM_CONF=$conf" -v process="${process#/proc/}" '
-                $0 == conf { ours = 1 }
-                /^SLURM_JOB_ID=/ { job = 1 }
-                END { if (ours && job) print process }'
-            ;;
+            has_configuration "$process" || continue
+            grep -qz '^SLURM_JOB_ID=' "$process/environ" || continue ;;
         esac
+        echo "${process#/proc/}"
     done 2>/dev/null
 }
+
+has_configuration() { grep -qzxF "SLURM_CONF=$conf" "$1/environ"; }
+has_open_file() { [ -n "$(find "$1/fd" -lname "$folder/*" -print -quit)" ]; }
 
 # processes: these and all that they have started.
 processes() {

@@ -82,7 +82,7 @@ void TestClusterTool::initTestCase()
     if (onWindows())
         QSKIP("The tool is for Slurm, which does not run on Windows");
     QVERIFY(folder_.isValid());
-    for (const char *name : {"awk", "sed", "tr"}) {
+    for (const char *name : {"awk", "sed", "timeout", "tr"}) {
         const QString program = QStandardPaths::findExecutable(QString::fromLatin1(name));
         QVERIFY2(!program.isEmpty(), name);
         QVERIFY(QFile::link(program, inPath(QString::fromLatin1(name))));

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QtCore/QProcess>
+
+#include <memory>
+
+namespace ClusterStudy {
+
+/// The process of a case, together with the processes that it starts. If this program is killed,
+/// they end too; on Linux only the process itself does.
+class CaseProcess : public QProcess
+{
+public:
+    CaseProcess();
+    ~CaseProcess() override;
+
+    /// Starts the program that was set. Ctrl-C on the terminal does not reach it.
+    void begin();
+
+    /// Asks the processes to end, or ends them at once if \a byForce is true. On Windows they
+    /// always end at once.
+    void endAll(bool byForce);
+
+protected:
+    void setupChildProcess() override;
+
+private:
+    struct System;
+    const std::unique_ptr<System> system_;
+};
+
+} // namespace ClusterStudy

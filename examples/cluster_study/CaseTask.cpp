@@ -1,0 +1,127 @@
+#include "CaseTask.h"
+
+#include "Study.h"
+#include "StudyFolder.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QProcessEnvironment>
+
+using namespace Vorn::Util;
+
+namespace ClusterStudy {
+
+namespace {
+
+constexpr int TimeToEnd = 3000; // milliseconds between the request to end and the force
+
+QProcessEnvironment environmentOf(const Cases &cases, int number)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(variableName(QStringLiteral("case")), QString::number(number));
+    for (int index = 0; index < cases.names.size(); ++index)
+        environment.insert(variableName(cases.names.at(index)),
+                           cases.values.at(number - 1).at(index));
+    return environment;
+}
+
+} // namespace
+
+CaseTask::CaseTask(int number, const Study &study, const StudyFolder &folder)
+    : AsyncTask(QStringLiteral("Case %1").arg(number), nullptr)
+    , number_(number)
+    , study_(study)
+    , folder_(folder)
+{
+    // Queued: the process is deleted with this task, which must not happen while it emits a signal.
+    connect(
+        &process_, &QProcess::errorOccurred, this, [this] { processEnded(); },
+        Qt::QueuedConnection);
+    connect(
+        &process_, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
+        [this] { processEnded(); }, Qt::QueuedConnection);
+    force_.setSingleShot(true);
+    connect(&force_, &QTimer::timeout, this, [this] { process_.endAll(true); });
+}
+
+void CaseTask::cancel()
+{
+    isCancelled_ = true;
+    if (process_.state() == QProcess::NotRunning)
+        return;
+    process_.endAll(false);
+    force_.start(TimeToEnd);
+}
+
+int CaseTask::number() const
+{
+    return number_;
+}
+
+CaseEnd CaseTask::end() const
+{
+    return end_;
+}
+
+QString CaseTask::problem() const
+{
+    return problem_;
+}
+
+void CaseTask::execute()
+{
+    if (isCancelled_) {
+        setFinished();
+        return;
+    }
+    problem_ = folder_.prepareCase(number_);
+    if (!problem_.isEmpty()) {
+        setError(problem_);
+        setFinished();
+        return;
+    }
+    const QString folder = folder_.caseFolder(number_);
+    process_.setProgram(study_.program);
+    process_.setArguments(filledArguments(study_.arguments, study_.cases, number_));
+    process_.setProcessEnvironment(environmentOf(study_.cases, number_));
+    process_.setWorkingDirectory(folder);
+    process_.setStandardInputFile(QProcess::nullDevice());
+    // The output goes directly to the file, so that its amount does not matter.
+    process_.setStandardOutputFile(folder + QStringLiteral("/output.txt"));
+    process_.setStandardErrorFile(folder + QStringLiteral("/errors.txt"));
+    time_.start();
+    process_.begin();
+}
+
+void CaseTask::processEnded()
+{
+    if (process_.state() != QProcess::NotRunning)
+        return; // finished() will follow
+    if (process_.error() == QProcess::FailedToStart) {
+        end_.error = QStringLiteral("Cannot be started: %1").arg(process_.errorString());
+    } else if (process_.exitStatus() == QProcess::CrashExit) {
+        end_.error = QStringLiteral("Ended abnormally");
+    } else {
+        end_.exitCode = process_.exitCode();
+        if (end_.exitCode != 0)
+            end_.error = QStringLiteral("Exit code %1").arg(end_.exitCode);
+    }
+    end_.milliseconds = time_.elapsed();
+    end_.state = end_.error.isEmpty() ? CaseEnd::Ok
+        : isCancelled_                ? CaseEnd::Cancelled
+                                      : CaseEnd::Failed;
+    if (isCancelled_)
+        process_.endAll(true); // processes that the case has started may still run
+    recordEnd();
+    setFinished();
+}
+
+void CaseTask::recordEnd()
+{
+    problem_ = folder_.writeEnd(number_, end_);
+    if (!problem_.isEmpty())
+        setError(problem_);
+    else if (!end_.error.isEmpty())
+        setError(end_.error);
+}
+
+} // namespace ClusterStudy

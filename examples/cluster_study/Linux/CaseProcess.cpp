@@ -1,0 +1,50 @@
+#include "CaseProcess.h"
+
+#include <csignal>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace ClusterStudy {
+
+struct CaseProcess::System
+{
+    pid_t group = 0; // of the started process; 0 if there is none
+    pid_t parent = 0;
+};
+
+CaseProcess::CaseProcess()
+    : system_(std::make_unique<System>())
+{
+}
+
+CaseProcess::~CaseProcess()
+{
+    endAll(true);
+}
+
+void CaseProcess::begin()
+{
+    system_->parent = getpid();
+    start();
+    system_->group = static_cast<pid_t>(processId());
+    // In both processes: each may be the first that needs the group.
+    if (system_->group > 0)
+        setpgid(system_->group, system_->group);
+}
+
+void CaseProcess::endAll(bool byForce)
+{
+    if (system_->group > 0)
+        ::kill(-system_->group, byForce ? SIGKILL : SIGTERM);
+}
+
+// Runs in the child process, before the program starts.
+void CaseProcess::setupChildProcess()
+{
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != system_->parent)
+        _exit(1); // the parent has ended before prctl()
+}
+
+} // namespace ClusterStudy

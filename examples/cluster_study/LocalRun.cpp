@@ -1,0 +1,105 @@
+#include "LocalRun.h"
+
+#include "CancelRequest.h"
+#include "CaseTask.h"
+#include "Output.h"
+#include "StudyFolder.h"
+
+#include <Utility/AsyncTaskProcessor.h>
+
+using namespace Vorn::Util;
+
+namespace ClusterStudy {
+
+namespace {
+
+constexpr int CancelTick = 100; // milliseconds
+
+} // namespace
+
+LocalRun::LocalRun(const Study &study, const StudyFolder &folder, const QList<int> &cases,
+                   int processors, Progress &progress, const CancelRequest &cancel, Log *log)
+    : AsyncTask(QStringLiteral("Run the cases"), nullptr)
+    , study_(study)
+    , folder_(folder)
+    , waiting_(cases)
+    , processorCount_(processors)
+    , progress_(progress)
+    , cancel_(cancel)
+    , log_(log)
+{
+    connect(&cancelTimer_, &QTimer::timeout, this, [this] { checkCancel(); });
+}
+
+LocalRun::~LocalRun() = default;
+
+void LocalRun::execute()
+{
+    for (int index = 0; index < processorCount_ && !waiting_.isEmpty(); ++index) {
+        auto processor = std::make_unique<AsyncTaskProcessor>();
+        processor->setLog(log_);
+        processor->setExitOnError(false);
+        connect(processor.get(), &AsyncTaskProcessor::finished, this,
+                [this, lane = processor.get()](AsyncTask *task) {
+                    caseEnded(*static_cast<CaseTask *>(task));
+                    // The processor continues with a task that is added here.
+                    if (!addNextCase(*lane))
+                        checkEnd();
+                });
+        addNextCase(*processor);
+        processor->startLater();
+        processors_.push_back(std::move(processor));
+    }
+    cancelTimer_.start(CancelTick);
+    checkEnd();
+}
+
+bool LocalRun::addNextCase(AsyncTaskProcessor &processor)
+{
+    if (waiting_.isEmpty())
+        return false;
+    auto *task = new CaseTask(waiting_.takeFirst(), study_, folder_);
+    running_.insert(task);
+    progress_.running = running_.size();
+    processor.addTask(task);
+    return true;
+}
+
+void LocalRun::caseEnded(const CaseTask &task)
+{
+    running_.remove(const_cast<CaseTask *>(&task));
+    progress_.running = running_.size();
+    ++progress_.finished;
+    if (task.end().state == CaseEnd::Ok)
+        ++progress_.done;
+    if (task.end().state == CaseEnd::Failed) {
+        ++progress_.failed;
+        printLine(stdout, QStringLiteral("%1 failed: %2").arg(task.name(), task.error()));
+    }
+    if (!task.problem().isEmpty() && isOk()) {
+        // A disk that is full for this case is full for the next one too.
+        setError(task.problem());
+        waiting_.clear();
+    }
+}
+
+void LocalRun::checkCancel()
+{
+    if (!cancel_.isRequested())
+        return;
+    cancelTimer_.stop();
+    waiting_.clear();
+    const QSet<CaseTask *> running = running_;
+    for (CaseTask *task : running)
+        task->cancel();
+}
+
+void LocalRun::checkEnd()
+{
+    // Queued: this task owns the processors, which may be emitting a signal now.
+    if (waiting_.isEmpty() && running_.isEmpty())
+        QMetaObject::invokeMethod(
+            this, [this] { setFinished(); }, Qt::QueuedConnection);
+}
+
+} // namespace ClusterStudy

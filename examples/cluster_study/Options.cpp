@@ -1,0 +1,118 @@
+#include "Options.h"
+
+#include "Text.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+namespace ClusterStudy {
+
+namespace {
+
+constexpr qint64 MaxCasesFile = 64 << 20; // bytes
+constexpr int MaxJobs = 1000;
+
+QString readCasesFile(const QString &path, Cases &cases)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return QStringLiteral("The file of cases cannot be read: %1").arg(shown(path));
+    if (file.size() > MaxCasesFile) {
+        return QStringLiteral("The file of cases has more than %1 bytes: %2")
+            .arg(QString::number(MaxCasesFile), shown(path));
+    }
+    const QString problem = readCases(file.readAll(), cases);
+    return problem.isEmpty() ? problem : QStringLiteral("%1: %2").arg(shown(path), problem);
+}
+
+// A name without a folder is searched for when a case starts.
+QString programPath(const QString &program)
+{
+    const bool hasFolder = QDir::fromNativeSeparators(program).contains(QLatin1Char('/'));
+    return hasFolder ? QFileInfo(program).absoluteFilePath() : program;
+}
+
+QString readStudy(const QStringList &words, Study &study)
+{
+    if (words.size() < 2)
+        return QStringLiteral("Expected a file of cases and a program; see --help");
+    study.program = programPath(words.at(1));
+    study.arguments = words.mid(2);
+    if (study.program.isEmpty())
+        return QStringLiteral("The program has no name");
+    const QString problem = readCasesFile(words.first(), study.cases);
+    return problem.isEmpty() ? unknownParameter(study.arguments, study.cases.names) : problem;
+}
+
+QString readJobs(const QString &text, int &jobs)
+{
+    bool isNumber = false;
+    jobs = text.toInt(&isNumber);
+    if (!isNumber || jobs < 1 || jobs > MaxJobs) {
+        return QStringLiteral("The number of jobs %1 is not valid: use 1 to %2")
+            .arg(oneLine(text), QString::number(MaxJobs));
+    }
+    return QString();
+}
+
+QString outputFolder(const QString &text, const QString &casesFile)
+{
+    const QFileInfo cases(casesFile);
+    return QDir::cleanPath(text.isEmpty() ? cases.absolutePath() + QLatin1Char('/')
+                                   + cases.completeBaseName() + QStringLiteral("-results")
+                                          : QFileInfo(text).absoluteFilePath());
+}
+
+} // namespace
+
+QString readOptions(Options &options)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Runs a program once for each row of a CSV file, and packs all results into an archive\n"
+        "with a table and a picture of the times.\n\n"
+        "The first row of the file has the names of the parameters. In an argument {name} is\n"
+        "replaced by the value of the parameter, {case} by the number of the case; {{name}}\n"
+        "stands for {name} itself. The values are also in environment variables, such as\n"
+        "STUDY_NAME. Each case has a folder of its own as the current folder: give files in\n"
+        "arguments with absolute paths. A case can write results as lines \"name=value\" into\n"
+        "the file result.txt; they become columns of the table.\n\n"
+        "Exit codes: 0 all cases succeeded, 1 the study could not be run, 2 a case failed,\n"
+        "130 cancelled."));
+    parser.addHelpOption();
+    const QCommandLineOption jobs(
+        QStringLiteral("jobs"),
+        QStringLiteral("Cases to run at a time. By default as many as the machine has cores."),
+        QStringLiteral("n"));
+    const QCommandLineOption resume(
+        QStringLiteral("resume"),
+        QStringLiteral("Continue a study: run the cases that have not succeeded yet."));
+    const QCommandLineOption output(
+        QStringLiteral("output"),
+        QStringLiteral("The folder of the results. By default CASES-results beside the file."),
+        QStringLiteral("folder"));
+    parser.addOptions({jobs, resume, output});
+    parser.addPositionalArgument(QStringLiteral("cases.csv"), QStringLiteral("The cases."));
+    parser.addPositionalArgument(QStringLiteral("program"),
+                                 QStringLiteral("The program and its arguments, after \"--\"."),
+                                 QStringLiteral("-- program [argument...]"));
+
+    if (!parser.parse(QCoreApplication::arguments()))
+        return parser.errorText();
+    if (parser.isSet(QStringLiteral("help")))
+        parser.showHelp();
+    const QStringList words = parser.positionalArguments();
+    QString problem = readStudy(words, options.study);
+    if (problem.isEmpty() && parser.isSet(jobs))
+        problem = readJobs(parser.value(jobs), options.jobs);
+    if (!problem.isEmpty())
+        return problem;
+    options.resume = parser.isSet(resume);
+    options.output = outputFolder(parser.value(output), words.first());
+    return QString();
+}
+
+} // namespace ClusterStudy

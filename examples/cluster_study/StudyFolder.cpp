@@ -1,0 +1,161 @@
+#include "StudyFolder.h"
+
+#include "Text.h"
+
+#include <Utility/System.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QSaveFile>
+
+using namespace Vorn::Util;
+
+namespace ClusterStudy {
+
+namespace {
+
+constexpr qint64 MaxResultFile = 1 << 20; // bytes
+constexpr qint64 MaxOwnFile = 1 << 24;
+
+const QString EndFile = QStringLiteral("case.json");
+const QString ResultFile = QStringLiteral("result.txt");
+const QString StudyFile = QStringLiteral("study.json");
+
+// Empty if the file cannot be read or is larger than \a limit.
+QByteArray contentOf(const QString &path, qint64 limit)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly) || file.size() > limit)
+        return QByteArray();
+    return file.read(limit);
+}
+
+QString writeWhole(const QString &path, const QByteArray &content)
+{
+    QSaveFile file(path);
+    // flush(): commit() does not notice that the last bytes do not fit on the disk.
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush()
+        || !file.commit())
+        return QStringLiteral("%1 cannot be written: %2").arg(shown(path), file.errorString());
+    return QString();
+}
+
+QJsonObject description(const Study &study)
+{
+    QJsonObject object;
+    object.insert(QStringLiteral("program"), study.program);
+    object.insert(QStringLiteral("arguments"), QJsonArray::fromStringList(study.arguments));
+    object.insert(QStringLiteral("parameters"), QJsonArray::fromStringList(study.cases.names));
+    object.insert(QStringLiteral("cases"), study.cases.count());
+    object.insert(QStringLiteral("fingerprint"), QString::fromLatin1(fingerprint(study.cases)));
+    return object;
+}
+
+} // namespace
+
+StudyFolder::StudyFolder(const QString &path)
+    : path_(path)
+{
+}
+
+QString StudyFolder::create(const Study &study)
+{
+    digits_ = qMax(4, QString::number(study.cases.count()).size());
+    if (QFileInfo::exists(path_) || QFileInfo(path_).isSymLink()) {
+        return QStringLiteral("The output folder exists already, use --resume or another --output: "
+                              "%1")
+            .arg(shown(path_));
+    }
+    // mkdir() fails if another run has just created the folder.
+    if (!QDir().mkpath(QFileInfo(path_).path()) || !QDir().mkdir(path_))
+        return QStringLiteral("The output folder cannot be created: %1").arg(shown(path_));
+    const QString problem = lock();
+    if (!problem.isEmpty())
+        return problem;
+    return writeFile(StudyFile, QJsonDocument(description(study)).toJson());
+}
+
+QString StudyFolder::resume(const Study &study)
+{
+    digits_ = qMax(4, QString::number(study.cases.count()).size());
+    if (!QFileInfo(file(StudyFile)).isFile())
+        return QStringLiteral("There is no study to resume in %1").arg(shown(path_));
+    const QString problem = lock();
+    if (!problem.isEmpty())
+        return problem;
+    const QJsonObject before
+        = QJsonDocument::fromJson(contentOf(file(StudyFile), MaxOwnFile)).object();
+    if (before != description(study))
+        return QStringLiteral("The cases or the command are not those of the study in %1")
+            .arg(shown(path_));
+    return QString();
+}
+
+QString StudyFolder::path() const
+{
+    return path_;
+}
+
+QString StudyFolder::file(const QString &name) const
+{
+    return path_ + QLatin1Char('/') + name;
+}
+
+QString StudyFolder::caseName(int number) const
+{
+    return QStringLiteral("cases/%1").arg(number, digits_, 10, QLatin1Char('0'));
+}
+
+QString StudyFolder::caseFolder(int number) const
+{
+    return file(caseName(number));
+}
+
+QString StudyFolder::prepareCase(int number) const
+{
+    const QString folder = caseFolder(number);
+    if (QFileInfo::exists(folder) && !System::removeDir(folder, false, QStringList()))
+        return QStringLiteral("%1 cannot be removed").arg(shown(folder));
+    if (!QDir().mkpath(folder))
+        return QStringLiteral("%1 cannot be created").arg(shown(folder));
+    return QString();
+}
+
+QString StudyFolder::writeEnd(int number, const CaseEnd &end) const
+{
+    return writeFile(caseName(number) + QLatin1Char('/') + EndFile, endFileContent(end, number));
+}
+
+CaseEnd StudyFolder::readEnd(int number) const
+{
+    return readEndFile(contentOf(caseFolder(number) + QLatin1Char('/') + EndFile, MaxOwnFile),
+                       number);
+}
+
+Results StudyFolder::readResults(int number) const
+{
+    return ClusterStudy::readResults(
+        contentOf(caseFolder(number) + QLatin1Char('/') + ResultFile, MaxResultFile));
+}
+
+QString StudyFolder::writeFile(const QString &name, const QByteArray &content) const
+{
+    return writeWhole(file(name), content);
+}
+
+QString StudyFolder::lock()
+{
+    lock_ = std::make_unique<QLockFile>(file(QStringLiteral("study.lock")));
+    lock_->setStaleLockTime(0); // a lock never expires while its process runs
+    if (lock_->tryLock())
+        return QString();
+    if (lock_->error() == QLockFile::LockFailedError)
+        return QStringLiteral("Another run uses the output folder: %1").arg(shown(path_));
+    return QStringLiteral("The output folder cannot be written: %1").arg(shown(path_));
+}
+
+} // namespace ClusterStudy

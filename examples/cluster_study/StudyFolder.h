@@ -1,0 +1,53 @@
+#pragma once
+
+#include "CaseEnd.h"
+#include "Study.h"
+
+#include <QtCore/QLockFile>
+#include <QtCore/QString>
+
+#include <memory>
+
+namespace ClusterStudy {
+
+/// The output folder of a study. Functions that return a text return an error message, empty if
+/// they succeeded. Each file is complete or not there, also if the disk is full or the program is
+/// killed.
+class StudyFolder
+{
+public:
+    explicit StudyFolder(const QString &path);
+
+    /// Creates the folder, which must not exist, and locks it as long as this object exists.
+    QString create(const Study &study);
+
+    /// Locks the folder, which must contain the same study.
+    QString resume(const Study &study);
+
+    QString path() const;
+    QString file(const QString &name) const;
+
+    /// The folder of the case \a number, relative to path(). It has at least four digits.
+    QString caseName(int number) const;
+    QString caseFolder(int number) const;
+
+    /// Creates the folder of a case. An earlier one is removed.
+    QString prepareCase(int number) const;
+
+    QString writeEnd(int number, const CaseEnd &end) const;
+    CaseEnd readEnd(int number) const;
+
+    /// What the case has written into "result.txt"; empty if the file is too large.
+    Results readResults(int number) const;
+
+    QString writeFile(const QString &name, const QByteArray &content) const;
+
+private:
+    QString lock();
+
+    const QString path_;
+    int digits_ = 4;
+    std::unique_ptr<QLockFile> lock_;
+};
+
+} // namespace ClusterStudy

@@ -1,0 +1,50 @@
+#include "CaseProcess.h"
+
+#include <windows.h>
+
+namespace ClusterStudy {
+
+struct CaseProcess::System
+{
+    HANDLE job = nullptr;
+    PROCESS_INFORMATION *process = nullptr; // owned by QProcess
+};
+
+CaseProcess::CaseProcess()
+    : system_(std::make_unique<System>())
+{
+    system_->job = CreateJobObjectW(nullptr, nullptr);
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(system_->job, JobObjectExtendedLimitInformation, &limits,
+                            sizeof limits);
+    setCreateProcessArgumentsModifier([this](CreateProcessArguments *arguments) {
+        // Suspended until it is in the job, so that no process is started outside the job.
+        arguments->flags |= CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP;
+        system_->process = arguments->processInformation;
+    });
+}
+
+CaseProcess::~CaseProcess()
+{
+    endAll(true);
+    CloseHandle(system_->job);
+}
+
+void CaseProcess::begin()
+{
+    start();
+    if (state() == NotRunning)
+        return;
+    AssignProcessToJobObject(system_->job, system_->process->hProcess);
+    ResumeThread(system_->process->hThread);
+}
+
+void CaseProcess::endAll(bool)
+{
+    TerminateJobObject(system_->job, 1);
+}
+
+void CaseProcess::setupChildProcess() { }
+
+} // namespace ClusterStudy

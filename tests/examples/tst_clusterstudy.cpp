@@ -1,0 +1,370 @@
+// Runs a parameter study: what becomes of the cases, the results, a cancel and a resumed study.
+
+#include "TestWithStudy.h"
+
+#include <Utility/SevenZip.h>
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QRegularExpression>
+#include <QtTest/QtTest>
+
+using namespace Vorn::Util;
+
+class TestClusterStudy : public TestWithStudy
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyCaseRunsInAFolderOfItsOwn();
+    void argumentsAndVariablesHaveTheExactValues();
+    void theResultsAreInTheTable();
+    void everythingIsInTheArchive();
+    void aFailedCaseIsARow_data();
+    void aFailedCaseIsARow();
+    void aProgramThatCannotBeStartedIsAFailedCase();
+    void anEndThatCannotBeWrittenStopsTheStudy();
+    void muchOutputGoesToTheFile();
+    void casesRunSideBySide_data();
+    void casesRunSideBySide();
+    void theOutputEndsWithASummary();
+    void theLogHoldsEachCase();
+    void aSignalEndsTheCases_data();
+    void aSignalEndsTheCases();
+    void aCancelledStudyIsPackedAndCanBeResumed();
+    void aKilledStudyIsResumed();
+    void onlyCasesThatHaveNotSucceededAreResumed();
+    void aStudyOfSeveralHundredCasesIsPackedWhole();
+};
+
+void TestClusterStudy::everyCaseRunsInAFolderOfItsOwn()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\na\nb\nc\n");
+    QCOMPARE(site.runCases({}, list("print {x}{case} error e{x} count here")), 0);
+    QCOMPARE(site.errors(), QString());
+    QCOMPARE(site.states(), list("ok ok ok"));
+    QCOMPARE(site.column(text("exit_code")), list("0 0 0"));
+    QCOMPARE(entriesOf(site.output()),
+             list("cases results.7z results.csv study.json study.log times.svg"));
+    QCOMPARE(entriesOf(site.output(text("cases"))), list("0001 0002 0003"));
+    const Tree second = readTree(site.output(text("cases/0002")));
+    QCOMPARE(QStringList(second.keys()), list("case.json errors.txt here output.txt"));
+    QCOMPARE(second.value(text("output.txt")), QByteArray("b2\n"));
+    QCOMPARE(second.value(text("errors.txt")), QByteArray("eb\n"));
+    const QJsonObject end = QJsonDocument::fromJson(second.value(text("case.json"))).object();
+    QCOMPARE(end.value(text("state")).toString(), text("ok"));
+}
+
+void TestClusterStudy::argumentsAndVariablesHaveTheExactValues()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    const QStringList values{text("a b"),     text("\"quoted\""), text("$(exit 3) ; & | > x"),
+                             text("%PATH%^"), text("back\\"),     text("{Value}"),
+                             text("*?"),      text("-n")};
+    QByteArray csv = "Value\n";
+    for (const QString &value : values)
+        csv += ClusterStudy::csvLine({value});
+    site.writeCases(csv);
+    QCOMPARE(site.runCases({},
+                           list("print {Value} print [{Value}] variable STUDY_VALUE "
+                                "variable STUDY_CASE")),
+             0);
+    QCOMPARE(site.column(text("Value")), values);
+    for (int index = 0; index < values.size(); ++index) {
+        const QString output = site.output(text("cases/000%1/output.txt").arg(index + 1));
+        QCOMPARE(QString::fromUtf8(contentOf(output)),
+                 text("%1\n[%1]\n%1\n%2\n").arg(values.at(index), QString::number(index + 1)));
+    }
+}
+
+void TestClusterStudy::theResultsAreInTheTable()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("load,name\r\n1.5,\"a,b\"\r\n2,c\r\n");
+    QCOMPARE(site.runCases({},
+                           list("result sum={load}{case} result odd result name=x "
+                                "result {case}=last")),
+             0);
+    QVERIFY(contentOf(site.output(text("results.csv")))
+                .startsWith("case,load,name,state,exit_code,seconds,sum,1,2\n"
+                            "1,1.5,\"a,b\",ok,0,"));
+    QCOMPARE(site.column(text("sum")), list("1.51 22"));
+    QCOMPARE(site.column(text("1")), QStringList({text("last"), QString()}));
+    QVERIFY(contentOf(site.output(text("times.svg"))).endsWith("</svg>\n"));
+}
+
+void TestClusterStudy::everythingIsInTheArchive()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n0\n");
+    QCOMPARE(site.runCases({}, list("result x={x} exit {x}")), 2);
+    SevenZip archive;
+    archive.setArchiveFile(site.output(text("results.7z")));
+    QVERIFY(archive.extractFilesTo(site.path(text("unpacked"))));
+    Tree expected = readTree(site.output());
+    for (const char *name : {"results.7z", "study.json", "study.log"})
+        QCOMPARE(expected.remove(text(name)), 1);
+    QCOMPARE(expected.size(), 2 + 2 * 4);
+    QCOMPARE(readTree(site.path(text("unpacked"))), expected);
+}
+
+void TestClusterStudy::aFailedCaseIsARow_data()
+{
+    QTest::addColumn<QString>("actions");
+    QTest::addColumn<QString>("exitCode");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("exit code") << text("exit 7") << text("7") << text("Exit code 7");
+    QTest::newRow("crash") << text("crash -") << QString() << text("Ended abnormally");
+}
+
+void TestClusterStudy::aFailedCaseIsARow()
+{
+    NEED_STUDY_ARCHIVER;
+    QFETCH(QString, actions);
+    QFETCH(QString, exitCode);
+    QFETCH(QString, message);
+    StudySite site;
+    site.writeCases("action,value\nprint,a\n" + actions.toLatin1().replace(' ', ',')
+                    + "\nprint,c\n");
+    QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("result r=1 {action} {value}")), 2);
+    QCOMPARE(site.states(), list("ok failed ok"));
+    QCOMPARE(site.column(text("exit_code")), QStringList({text("0"), exitCode, text("0")}));
+    QCOMPARE(site.column(text("r")), QStringList({text("1"), QString(), text("1")}));
+    QVERIFY(site.printed().contains(text("Case 2 failed: %1\n").arg(message)));
+    QVERIFY(site.printed().contains(text("3 cases: 2 ok, 1 failed, 0 cancelled, 0 missing, in ")));
+}
+
+void TestClusterStudy::aProgramThatCannotBeStartedIsAFailedCase()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    QCOMPARE(site.run({text("cases.csv"), text("no-such-program")}), 2);
+    QCOMPARE(site.states(), list("failed failed"));
+    QCOMPARE(site.column(text("exit_code")), QStringList({QString(), QString()}));
+    QVERIFY(site.printed().contains(text("Case 1 failed: Cannot be started: ")));
+}
+
+void TestClusterStudy::anEndThatCannotBeWrittenStopsTheStudy()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("folder case.json/in-the-way")), 1);
+    QVERIFY(site.errors().contains(text("case.json cannot be written: ")));
+    QCOMPARE(site.states(), list("missing missing"));
+    QCOMPARE(entriesOf(site.output(text("cases"))), list("0001"));
+}
+
+void TestClusterStudy::muchOutputGoesToTheFile()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n20000\n");
+    QCOMPARE(site.runCases({}, list("flood {x}")), 0);
+    QCOMPARE(QFileInfo(site.output(text("cases/0001/output.txt"))).size(), 20000 * 1024);
+}
+
+void TestClusterStudy::casesRunSideBySide_data()
+{
+    QTest::addColumn<int>("jobs");
+    QTest::newRow("two") << 2;
+    QTest::newRow("more than cases") << 30;
+}
+
+// Each case waits for a file that the other one writes.
+void TestClusterStudy::casesRunSideBySide()
+{
+    NEED_STUDY_ARCHIVER;
+    QFETCH(int, jobs);
+    StudySite site;
+    site.writeCases("mine,other\na,b\nb,a\n");
+    const QString folder = site.path(QString());
+    QCOMPARE(site.runCases(
+                 {text("--jobs"), QString::number(jobs)},
+                 {text("count"), folder + text("{mine}"), text("wait"), folder + text("{other}")}),
+             0);
+    QCOMPARE(site.states(), list("ok ok"));
+}
+
+void TestClusterStudy::theOutputEndsWithASummary()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QCOMPARE(site.runCases({}, list("print {x}")), 0);
+    QVERIFY2(QRegularExpression(
+                 text("\\A1 cases: 1 ok, 0 failed, 0 cancelled, 0 missing, in [0-9.]+ sec: "
+                      "%1\n\\z")
+                     .arg(QRegularExpression::escape(QDir::toNativeSeparators(
+                         QDir(site.path(QString())).canonicalPath() + text("/cases-results")))))
+                 .match(site.printed())
+                 .hasMatch(),
+             qPrintable(site.printed()));
+}
+
+void TestClusterStudy::theLogHoldsEachCase()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n0\n3\n");
+    QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("exit {x}")), 2);
+    const QString log = asText(contentOf(site.output(text("study.log"))));
+    int from = 0;
+    for (const char *line :
+         {"2 cases, 2 to run, 1 at a time\n", "Starting task: Run the cases\n",
+          "Starting task: Case 1\n", "Task finished in ", "Starting task: Case 2\n",
+          "error = Exit code 3\n", "Starting task: Write the table and the picture\n",
+          "Starting task: Pack\n", "2 cases: 1 ok, 1 failed"}) {
+        from = log.indexOf(text(line), from);
+        QVERIFY2(from > 0, line);
+    }
+}
+
+void TestClusterStudy::aSignalEndsTheCases_data()
+{
+    QTest::addColumn<QString>("signal");
+    QTest::addColumn<QString>("actions");
+    for (const char *signal : {"INT", "TERM"}) {
+        QTest::addRow("%s", signal) << text(signal) << text("child child");
+        QTest::addRow("%s, deaf", signal) << text(signal) << text("child child deaf -");
+    }
+}
+
+void TestClusterStudy::aSignalEndsTheCases()
+{
+    if (onWindows())
+        QSKIP("A process cannot send another one Ctrl-C here");
+    NEED_STUDY_ARCHIVER;
+    QFETCH(QString, signal);
+    QFETCH(QString, actions);
+    StudySite site;
+    site.writeCases("x\n1\n2\n3\n");
+    site.start(site.commandLine({text("--jobs"), text("1")},
+                                actions.split(QLatin1Char(' ')) << list("wait forever")));
+    const QString child = site.output(text("cases/0001/child"));
+    QTRY_VERIFY_WITH_TIMEOUT(!contentOf(child).isEmpty(), StudyTimeLimit);
+    const QString process = text("/proc/%1").arg(QString::fromLatin1(contentOf(child)));
+    QVERIFY(QFile::exists(process));
+    QCOMPARE(QProcess::execute(text("kill"),
+                               {text("-") + signal, QString::number(site.process().processId())}),
+             0);
+    QCOMPARE(site.finish(), 130);
+    QCOMPARE(site.states(), list("cancelled missing missing"));
+    QTRY_VERIFY(!contentOf(process + text("/cmdline")).contains("studycase"));
+    QVERIFY(site.printed().contains(text("3 cases: 0 ok, 0 failed, 1 cancelled, 2 missing")));
+}
+
+void TestClusterStudy::aCancelledStudyIsPackedAndCanBeResumed()
+{
+    if (onWindows())
+        QSKIP("A process cannot send another one Ctrl-C here");
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\nthere\nlater\nthere\n");
+    QVERIFY(writeFile(site.path(text("there")), "x"));
+    const QStringList actions{text("count"), site.path(text("runs-{case}")), text("wait"),
+                              site.path(text("{x}"))};
+    site.start(site.commandLine({text("--jobs"), text("1")}, actions));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("runs-2"))), StudyTimeLimit);
+    QCOMPARE(QProcess::execute(text("kill"),
+                               {text("-INT"), QString::number(site.process().processId())}),
+             0);
+    QCOMPARE(site.finish(), 130);
+    QCOMPARE(site.states(), list("ok cancelled missing"));
+    SevenZip archive;
+    archive.setArchiveFile(site.output(text("results.7z")));
+    QVERIFY(archive.listFiles());
+    QVERIFY(archive.files().contains(text("cases/0001/case.json")));
+    QVERIFY(!archive.files().contains(text("cases/0002/output.txt")));
+
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    QCOMPARE(site.runCases({text("--resume")}, actions), 0);
+    QCOMPARE(site.states(), list("ok ok ok"));
+    QCOMPARE(contentOf(site.path(text("runs-1"))), QByteArray("run\n"));
+    QCOMPARE(contentOf(site.path(text("runs-2"))), QByteArray("run\nrun\n"));
+    QCOMPARE(contentOf(site.path(text("runs-3"))), QByteArray("run\n"));
+    SevenZip complete;
+    complete.setArchiveFile(site.output(text("results.7z")));
+    QVERIFY(complete.listFiles());
+    QVERIFY(complete.files().contains(QDir::toNativeSeparators(text("cases/0003/case.json"))));
+}
+
+void TestClusterStudy::aKilledStudyIsResumed()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\nthere\nlater\nthere\n");
+    QVERIFY(writeFile(site.path(text("there")), "x"));
+    const QStringList actions{text("count"), site.path(text("runs-{case}")), text("wait"),
+                              site.path(text("{x}"))};
+    site.start(site.commandLine({text("--jobs"), text("1")}, actions));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("runs-2"))), StudyTimeLimit);
+    site.process().kill();
+    QVERIFY(site.process().waitForFinished(StudyTimeLimit)
+            || site.process().state() == QProcess::NotRunning);
+
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    QCOMPARE(site.runCases({text("--resume")}, actions), 0);
+    QCOMPARE(site.errors(), QString());
+    QCOMPARE(site.states(), list("ok ok ok"));
+    QCOMPARE(contentOf(site.path(text("runs-1"))), QByteArray("run\n"));
+    QCOMPARE(contentOf(site.path(text("runs-2"))), QByteArray("run\nrun\n"));
+    QCOMPARE(contentOf(site.path(text("runs-3"))), QByteArray("run\n"));
+}
+
+void TestClusterStudy::onlyCasesThatHaveNotSucceededAreResumed()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\nthere\nlater\nthere\nthere\n");
+    QVERIFY(writeFile(site.path(text("there")), "x"));
+    const QStringList actions{text("count"),        site.path(text("runs-{case}")),
+                              text("result"),       text("x={x}"),
+                              text("fail-without"), site.path(text("{x}"))};
+    QCOMPARE(site.runCases({}, actions), 2);
+    QCOMPARE(site.states(), list("ok failed ok ok"));
+    // An end file that is incomplete, and a file of the failed attempt.
+    QVERIFY(writeFile(site.output(text("cases/0004/case.json")), "{"));
+    QVERIFY(writeFile(site.output(text("cases/0002/left")), "x"));
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    QCOMPARE(site.runCases({text("--resume")}, actions), 0);
+    QCOMPARE(site.states(), list("ok ok ok ok"));
+    QCOMPARE(site.column(text("x")), list("there later there there"));
+    QCOMPARE(contentOf(site.path(text("runs-1"))), QByteArray("run\n"));
+    QCOMPARE(contentOf(site.path(text("runs-2"))), QByteArray("run\nrun\n"));
+    QCOMPARE(contentOf(site.path(text("runs-3"))), QByteArray("run\n"));
+    QCOMPARE(contentOf(site.path(text("runs-4"))), QByteArray("run\nrun\n"));
+    QVERIFY(!QFile::exists(site.output(text("cases/0002/left"))));
+    // Nothing is left to do.
+    QCOMPARE(site.runCases({text("--resume")}, actions), 0);
+    QCOMPARE(contentOf(site.path(text("runs-4"))), QByteArray("run\nrun\n"));
+}
+
+void TestClusterStudy::aStudyOfSeveralHundredCasesIsPackedWhole()
+{
+    if (onWindows())
+        QSKIP("The start of a program is slow under Wine");
+    NEED_STUDY_ARCHIVER;
+    constexpr int Count = 200;
+    StudySite site;
+    QByteArray csv = "x\n";
+    for (int number = 1; number <= Count; ++number)
+        csv += QByteArray::number(number * 3) + '\n';
+    site.writeCases(csv);
+    QCOMPARE(site.runCases({}, list("result y={x}")), 0);
+    QCOMPARE(site.column(text("y")), site.column(text("x")));
+    SevenZip archive;
+    archive.setArchiveFile(site.output(text("results.7z")));
+    QVERIFY(archive.extractFilesTo(site.path(text("unpacked"))));
+    QCOMPARE(readTree(site.path(text("unpacked"))).size(), 2 + 4 * Count);
+}
+
+QTEST_GUILESS_MAIN(TestClusterStudy)
+
+#include "tst_clusterstudy.moc"

@@ -1,0 +1,157 @@
+// What a parameter study refuses, before any case runs, and disks that are full.
+
+#include "TestWithStudy.h"
+
+#include <QtTest/QtTest>
+
+class TestClusterStudyRefusals : public TestWithStudy
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aWrongCommandLineIsRefused_data();
+    void aWrongCommandLineIsRefused();
+    void wrongCasesAreRefusedWithTheLine();
+    void anExistingOutputFolderIsRefused();
+    void aFolderWithoutAStudyIsNotResumed();
+    void anotherStudyIsNotResumed_data();
+    void anotherStudyIsNotResumed();
+    void twoRunsOnOneFolderAreRefused();
+    void theHelpSaysWhatIsRefused();
+};
+
+void TestClusterStudyRefusals::aWrongCommandLineIsRefused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+    const auto row = [](const char *name, const QString &arguments, const char *message) {
+        QTest::newRow(name) << arguments.split(QLatin1Char(' ')) << text(message);
+    };
+    const char *expected = "Expected a file of cases and a program; see --help";
+    row("no program", text("cases.csv"), expected);
+    row("nothing after --", text("cases.csv --"), expected);
+    row("no file", text("missing.csv -- p"), "The file of cases cannot be read: missing.csv");
+    row("a folder", text("program -- p"), "The file of cases cannot be read: program");
+    row("unknown option", text("--fast cases.csv -- p"), "Unknown option 'fast'.");
+    row("unknown parameter", text("cases.csv -- p {x} {y}"), "There is no parameter {y}");
+    row("no jobs", text("--jobs 0 cases.csv -- p"),
+        "The number of jobs 0 is not valid: use 1 to 1000");
+    row("too many jobs", text("--jobs 1001 cases.csv -- p"),
+        "The number of jobs 1001 is not valid: use 1 to 1000");
+    row("jobs in words", text("--jobs two cases.csv -- p"),
+        "The number of jobs two is not valid: use 1 to 1000");
+}
+
+void TestClusterStudyRefusals::aWrongCommandLineIsRefused()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QCOMPARE(site.run(arguments), 1);
+    QCOMPARE(site.errors(), asError(message));
+    QCOMPARE(site.printed(), QString());
+    QVERIFY(!QFile::exists(site.output()));
+}
+
+void TestClusterStudyRefusals::wrongCasesAreRefusedWithTheLine()
+{
+    StudySite site;
+    site.writeCases("x,y\n1,2\n3\n");
+    QCOMPARE(site.runCases({}, list("print x")), 1);
+    QCOMPARE(site.errors(), asError(text("cases.csv: Line 3: expected 2 values, found 1")));
+    QVERIFY(!QFile::exists(site.output()));
+}
+
+void TestClusterStudyRefusals::anExistingOutputFolderIsRefused()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QVERIFY(QDir().mkpath(site.output()));
+    QCOMPARE(site.runCases({}, list("print x")), 1);
+    QVERIFY(site.errors().contains(text("The output folder exists already, use --resume")));
+    QCOMPARE(entriesOf(site.output()), QStringList());
+    QCOMPARE(site.runCases({text("--output"), site.path(text("deep/other"))}, list("print x")), 0);
+    QVERIFY(QFile::exists(site.path(text("deep/other/results.7z"))));
+}
+
+void TestClusterStudyRefusals::aFolderWithoutAStudyIsNotResumed()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QCOMPARE(site.runCases({text("--resume")}, list("print x")), 1);
+    QVERIFY(site.errors().contains(text("There is no study to resume in ")));
+    QVERIFY(!QFile::exists(site.output()));
+    QVERIFY(writeFileInFolder(site.output(text("mine.txt")), "x"));
+    QCOMPARE(site.runCases({text("--resume")}, list("print x")), 1);
+    QVERIFY(site.errors().contains(text("There is no study to resume in ")));
+    QCOMPARE(entriesOf(site.output()), list("mine.txt"));
+}
+
+void TestClusterStudyRefusals::anotherStudyIsNotResumed_data()
+{
+    QTest::addColumn<QByteArray>("csv");
+    QTest::addColumn<QString>("actions");
+    QTest::addColumn<bool>("isSame");
+    QTest::newRow("same") << QByteArray("x\n1\n2\n") << text("print {x}") << true;
+    QTest::newRow("same in other bytes")
+        << QByteArray("\"x\"\r\n\r\n1\r\n2") << text("print {x}") << true;
+    QTest::newRow("other value") << QByteArray("x\n1\n3\n") << text("print {x}") << false;
+    QTest::newRow("other name") << QByteArray("X\n1\n2\n") << text("print {X}") << false;
+    QTest::newRow("more cases") << QByteArray("x\n1\n2\n3\n") << text("print {x}") << false;
+    QTest::newRow("other arguments") << QByteArray("x\n1\n2\n") << text("print {case}") << false;
+}
+
+void TestClusterStudyRefusals::anotherStudyIsNotResumed()
+{
+    NEED_STUDY_ARCHIVER;
+    QFETCH(QByteArray, csv);
+    QFETCH(QString, actions);
+    QFETCH(bool, isSame);
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    QCOMPARE(site.runCases({}, list("print {x}")), 0);
+    const Tree before = readTree(site.output());
+    site.writeCases(csv);
+    QCOMPARE(site.runCases({text("--resume")}, actions.split(QLatin1Char(' '))), isSame ? 0 : 1);
+    if (isSame)
+        return;
+    QVERIFY(
+        site.errors().contains(text("The cases or the command are not those of the study in ")));
+    QCOMPARE(readTree(site.output()), before);
+}
+
+void TestClusterStudyRefusals::twoRunsOnOneFolderAreRefused()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    const QStringList actions{text("count"), text("running"), text("wait"),
+                              site.path(text("later"))};
+    site.start(site.commandLine({}, actions));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0001/running"))),
+                             StudyTimeLimit);
+    QProcess second;
+    second.setWorkingDirectory(site.path(QString()));
+    second.start(site.program(), site.commandLine({text("--resume")}, actions));
+    QVERIFY(second.waitForFinished(StudyTimeLimit));
+    QCOMPARE(second.exitCode(), 1);
+    QVERIFY(second.readAllStandardError().contains("Another run uses the output folder: "));
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    QCOMPARE(site.finish(), 0);
+    QCOMPARE(site.states(), list("ok"));
+}
+
+void TestClusterStudyRefusals::theHelpSaysWhatIsRefused()
+{
+    StudySite site;
+    QCOMPARE(site.run({text("--help")}), 0);
+    for (const char *option : {"--jobs", "--resume", "--output", "STUDY_NAME", "result.txt"})
+        QVERIFY2(site.printed().contains(text(option)), option);
+}
+
+QTEST_GUILESS_MAIN(TestClusterStudyRefusals)
+
+#include "tst_clusterstudyrefusals.moc"

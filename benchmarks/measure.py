@@ -42,8 +42,11 @@ def first_match(pattern, path):
 
 
 def package_version(package):
-    query = ["dpkg-query", "-W", "-f=${Version}", package]
-    return subprocess.run(query, stdout=subprocess.PIPE, text=True, check=True).stdout
+    """The version that is installed or, for what is built from its source package, would be."""
+    policy = subprocess.run(["apt-cache", "policy", package], stdout=subprocess.PIPE, text=True,
+                            check=True, env={**os.environ, "LC_ALL": "C"}).stdout
+    installed, candidate = re.findall(r"^  (?:Installed|Candidate): (.*)$", policy, re.M)
+    return candidate if installed == "(none)" else installed
 
 
 def machine(system):

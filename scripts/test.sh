@@ -10,6 +10,7 @@
 #   linux-valgrind  all tests under valgrind; slow, and run only when it is named
 . "$(dirname "$0")/common.sh"
 need_build_tools
+need calculix-ccx # for tst_beamstudy
 cd "$project"
 VORNUTILITY_ARCHIVERS=$(scripts/test-archivers.sh p7zip-16.02)
 export VORNUTILITY_ARCHIVERS

@@ -147,8 +147,9 @@ void writeSettingsText(const QString &keyPath, const QString &name, const QStrin
         return;
     if (isNew) // all users may read the settings
         file.setPermissions(file.permissions() | QFile::ReadGroup | QFile::ReadOther);
-    file.write(after);
-    file.commit();
+    // flush(): commit() does not notice that the last bytes do not fit on the disk.
+    if (file.write(after) == after.size() && file.flush())
+        file.commit();
 }
 
 SettingsValue readSettingsValue(const QString &keyPath, const QString &name)

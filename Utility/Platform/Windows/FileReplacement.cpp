@@ -61,8 +61,9 @@ bool replaceByCopy(const QString &source, const QString &target)
 {
     QFile file(source);
     QSaveFile copy(target);
+    // flush(): commit() does not notice that the last bytes do not fit on the disk.
     return file.open(QIODevice::ReadOnly) && copy.open(QIODevice::WriteOnly)
-        && copyBytes(file, copy, file.size()) && copy.commit();
+        && copyBytes(file, copy, file.size()) && copy.flush() && copy.commit();
 }
 
 } // namespace

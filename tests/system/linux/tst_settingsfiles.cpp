@@ -1,6 +1,7 @@
 // Which file holds the machine-wide settings, and how its text is read and changed. Every call runs
 // in a fresh process: Qt works the folders out once.
 
+#include "FileSizeLimit.h"
 #include "HelperProgram.h"
 #include "OrdinaryUser.h"
 #include "SystemCalls.h"
@@ -52,6 +53,7 @@ private Q_SLOTS:
     void aChangeLeavesTheRestOfTheFileAsItIs();
     void aChangeIsReadByQt();
     void aDamagedFileLosesNothing();
+    void aFileThatDoesNotFitOnTheDiskLosesNothing();
     void aFileOfMoreThanAMebibyteIsNotRead();
     void aNewFileCanBeReadByEveryUser();
     void anExistingFolderKeepsItsPermissions();
@@ -242,6 +244,20 @@ void TestSettingsFiles::aDamagedFileLosesNothing()
     QCOMPARE(run({setLocale("it-IT"), QStringLiteral("getLocale")}).results,
              QStringList{QStringLiteral("en-US")});
     QCOMPARE(contentOf(file("first")), open);
+}
+
+void TestSettingsFiles::aFileThatDoesNotFitOnTheDiskLosesNothing()
+{
+    const QByteArray before = "[24.0]\nInstallationDirectory=" + QByteArray(2000, 'x') + "\n";
+    QVERIFY(writeSettings(file("first"), before));
+    {
+        const FileSizeLimit limit(before.size() / 2);
+        QVERIFY(limit.isSet());
+        run({setLocale("de-DE")});
+    }
+    QCOMPARE(contentOf(file("first")), before);
+    run({setLocale("de-DE")});
+    QVERIFY(contentOf(file("first")).contains("de-DE"));
 }
 
 void TestSettingsFiles::aFileOfMoreThanAMebibyteIsNotRead()

@@ -19,6 +19,7 @@ usage() { echo "usage: slurm.sh start|stop FOLDER" >&2; exit 2; }
 if [ $# -ne 2 ] || [[ $2 != /* ]]; then usage; fi
 folder=$(realpath -m -- "$2")
 conf=$folder/slurm.conf
+mark=$folder/made-by-slurm.sh
 daemons=(n1 n2 n3)
 
 cannot() { echo "slurm.sh: cannot start Slurm: $1" >&2; exit 77; }
@@ -116,6 +117,7 @@ start() {
         cannot "the name of this machine, $host, has no loopback address: see /etc/hosts"
 
     mkdir "$folder"
+    : >"$mark"
     chmod 711 "$folder" # as munged demands
     mkdir -m 700 "$folder/log" "$folder/state" "$folder/spool" "$folder/munge"
     write_configuration "$host" "$(free_ports 5)"
@@ -186,7 +188,7 @@ end_processes() {
 
 stop() {
     [ -d "$folder" ] || return 0
-    [ -f "$conf" ] || [ -z "$(ls -A "$folder")" ] || fail "no folder of this script: $folder"
+    [ -f "$mark" ] || [ -z "$(ls -A "$folder")" ] || fail "no folder of this script: $folder"
     until_true 10 end_processes || fail "processes are left: $(processes | tr '\n' ' ')"
     rm -rf "$folder"
 }

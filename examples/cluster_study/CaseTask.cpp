@@ -47,7 +47,8 @@ void CaseTask::cancel()
 {
     isCancelled_ = true;
     if (process_.state() == QProcess::NotRunning)
-        return;
+        return; // not started, or ended by itself
+    wasAskedToEnd_ = true;
     process_.endAll(false);
     force_.start(TimeToEnd);
 }
@@ -106,10 +107,11 @@ void CaseTask::processEnded()
             end_.error = QStringLiteral("Exit code %1").arg(end_.exitCode);
     }
     end_.milliseconds = time_.elapsed();
-    end_.state = end_.error.isEmpty() ? CaseEnd::Ok
-        : isCancelled_                ? CaseEnd::Cancelled
-                                      : CaseEnd::Failed;
-    if (isCancelled_)
+    // A case that was asked to end has not done all of its work, whatever its exit code is.
+    end_.state = wasAskedToEnd_ ? CaseEnd::Cancelled
+        : end_.error.isEmpty()  ? CaseEnd::Ok
+                                : CaseEnd::Failed;
+    if (wasAskedToEnd_)
         process_.endAll(true); // processes that the case has started may still run
     recordEnd();
     setFinished();

@@ -41,6 +41,7 @@ private:
     CaseEnd end_;
     QString problem_;
     bool isCancelled_ = false;
+    bool wasAskedToEnd_ = false;
     QElapsedTimer time_;
     QTimer force_;
     CaseProcess process_;

@@ -99,10 +99,10 @@ void TestClusterScript::stopEndsTheClusterAndItsJobs()
 
 void TestClusterScript::stopLeavesOtherFoldersAlone()
 {
-    QVERIFY(writeFileInFolder(pathInCluster("letter.txt"), "abc"));
+    QVERIFY(writeFileInFolder(pathInCluster("slurm.conf"), "abc"));
     const Answer stopped = script(QStringLiteral("stop"));
     QCOMPARE(stopped.exitCode, 1);
-    QCOMPARE(contentOf(pathInCluster("letter.txt")), QByteArray("abc"));
+    QCOMPARE(contentOf(pathInCluster("slurm.conf")), QByteArray("abc"));
 }
 
 QTEST_GUILESS_MAIN(TestClusterScript)

@@ -233,6 +233,7 @@ void TestClusterStudy::aSignalEndsTheCases_data()
     for (const char *signal : {"INT", "TERM"}) {
         QTest::addRow("%s", signal) << text(signal) << text("child child");
         QTest::addRow("%s, deaf", signal) << text(signal) << text("child child deaf -");
+        QTest::addRow("%s, ends with 0", signal) << text(signal) << text("obedient - child child");
     }
 }
 

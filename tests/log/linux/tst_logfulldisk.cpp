@@ -1,6 +1,7 @@
 // A log that cannot be written for a while. The limit on the size of the process's files stands for
 // a full disk: it too lets a write fail after some bytes.
 
+#include "FileSizeLimit.h"
 #include "TestFiles.h"
 #include "TestWithFolder.h"
 
@@ -8,50 +9,18 @@
 
 #include <QtTest/QtTest>
 
-#include <csignal>
-#include <sys/resource.h>
-
 using namespace Vorn::Util;
-
-namespace {
-
-// Limits the size of files to \a bytes as long as it exists.
-class SizeLimit
-{
-public:
-    explicit SizeLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        rlimit limit = before_;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~SizeLimit() { setrlimit(RLIMIT_FSIZE, &before_); }
-
-private:
-    Q_DISABLE_COPY(SizeLimit)
-
-    rlimit before_ = {};
-};
-
-} // namespace
 
 class TestLogFullDisk : public TestWithFolder
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void linesThatDoNotFitAreWrittenLater_data();
     void linesThatDoNotFitAreWrittenLater();
     void longLinesThatDoNotFitKeepTheirOrder();
     void aLogWithLinesThatDoNotFitIsNotTruncated();
 };
-
-void TestLogFullDisk::initTestCase()
-{
-    std::signal(SIGXFSZ, SIG_IGN);
-}
 
 void TestLogFullDisk::linesThatDoNotFitAreWrittenLater_data()
 {
@@ -79,7 +48,8 @@ void TestLogFullDisk::linesThatDoNotFitAreWrittenLater()
         = [&](const QString &text) { withCheck ? log.append(text) : log.fastAppend(text); };
     QByteArray meanwhile;
     {
-        const SizeLimit full(static_cast<rlim_t>(limit));
+        const FileSizeLimit full(limit);
+        QVERIFY(full.isSet());
         write(QStringLiteral("one"));
         write(QStringLiteral("two"));
         log << QStringLiteral("-");
@@ -101,11 +71,13 @@ void TestLogFullDisk::longLinesThatDoNotFitKeepTheirOrder()
     log.setTimeStamp(Log::NoTimeStamp);
     QVERIFY(log.open(true));
     {
-        const SizeLimit full(0);
+        const FileSizeLimit full(0);
+        QVERIFY(full.isSet());
         log.fastAppend(QString(12000, QLatin1Char('a')));
     }
     {
-        const SizeLimit full(11000);
+        const FileSizeLimit full(11000);
+        QVERIFY(full.isSet());
         log.fastAppend(QStringLiteral("b"));
     }
     log.fastAppend(QString(8000, QLatin1Char('c')));
@@ -124,7 +96,8 @@ void TestLogFullDisk::aLogWithLinesThatDoNotFitIsNotTruncated()
     log.setTimeStamp(Log::NoTimeStamp);
     QVERIFY(log.open(true));
     {
-        const SizeLimit full(static_cast<rlim_t>(Log::MaxLogSize) + 2);
+        const FileSizeLimit full(Log::MaxLogSize + 2);
+        QVERIFY(full.isSet());
         log.append(QStringLiteral("one"));
         log.append(QStringLiteral("two"));
     }

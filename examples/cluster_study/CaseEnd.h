@@ -14,7 +14,7 @@ struct CaseEnd
         Missing,   ///< not run, or not to its end
         Ok,        ///< exit code 0
         Failed,    ///< another exit code, a crash, or it could not be started
-        Cancelled, ///< ended because the user cancelled the study
+        Cancelled, ///< ended because the user cancelled the study or Slurm ended its job
     };
 
     State state = Missing;

@@ -1,6 +1,5 @@
 #include "CaseTask.h"
 
-#include "Study.h"
 #include "StudyFolder.h"
 
 #include <QtCore/QDir>
@@ -14,22 +13,20 @@ namespace {
 
 constexpr int TimeToEnd = 3000; // milliseconds between the request to end and the force
 
-QProcessEnvironment environmentOf(const Cases &cases, int number)
+QProcessEnvironment environmentWith(const QMap<QString, QString> &variables)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(variableName(QStringLiteral("case")), QString::number(number));
-    for (int index = 0; index < cases.names.size(); ++index)
-        environment.insert(variableName(cases.names.at(index)),
-                           cases.values.at(number - 1).at(index));
+    for (auto item = variables.cbegin(); item != variables.cend(); ++item)
+        environment.insert(item.key(), item.value());
     return environment;
 }
 
 } // namespace
 
-CaseTask::CaseTask(int number, const Study &study, const StudyFolder &folder)
+CaseTask::CaseTask(int number, const CaseCommand &command, const StudyFolder &folder)
     : AsyncTask(QStringLiteral("Case %1").arg(number), nullptr)
     , number_(number)
-    , study_(study)
+    , command_(command)
     , folder_(folder)
 {
     // Queued: the process is deleted with this task, which must not happen while it emits a signal.
@@ -43,10 +40,15 @@ CaseTask::CaseTask(int number, const Study &study, const StudyFolder &folder)
     connect(&force_, &QTimer::timeout, this, [this] { process_.endAll(true); });
 }
 
+void CaseTask::setTimeForSignal(int milliseconds)
+{
+    timeForSignal_ = milliseconds;
+}
+
 void CaseTask::cancel()
 {
     isCancelled_ = true;
-    if (process_.state() == QProcess::NotRunning)
+    if (process_.state() == QProcess::NotRunning && !isWaitingForSignal_)
         return; // not started, or ended by itself
     wasAskedToEnd_ = true;
     process_.endAll(false);
@@ -81,9 +83,9 @@ void CaseTask::execute()
         return;
     }
     const QString folder = folder_.caseFolder(number_);
-    process_.setProgram(study_.program);
-    process_.setArguments(filledArguments(study_.arguments, study_.cases, number_));
-    process_.setProcessEnvironment(environmentOf(study_.cases, number_));
+    process_.setProgram(command_.program);
+    process_.setArguments(command_.arguments);
+    process_.setProcessEnvironment(environmentWith(command_.variables));
     process_.setWorkingDirectory(folder);
     process_.setStandardInputFile(QProcess::nullDevice());
     // The output goes directly to the file, so that its amount does not matter.
@@ -95,8 +97,15 @@ void CaseTask::execute()
 
 void CaseTask::processEnded()
 {
-    if (process_.state() != QProcess::NotRunning)
-        return; // finished() will follow
+    if (process_.state() != QProcess::NotRunning || isWaitingForSignal_)
+        return; // finished() will follow, or has come
+    end_.milliseconds = time_.elapsed();
+    isWaitingForSignal_ = true;
+    QTimer::singleShot(timeForSignal_, this, [this] { recordEnd(); });
+}
+
+void CaseTask::recordEnd()
+{
     if (process_.error() == QProcess::FailedToStart) {
         end_.error = QStringLiteral("Cannot be started: %1").arg(process_.errorString());
     } else if (process_.exitStatus() == QProcess::CrashExit) {
@@ -106,24 +115,18 @@ void CaseTask::processEnded()
         if (end_.exitCode != 0)
             end_.error = QStringLiteral("Exit code %1").arg(end_.exitCode);
     }
-    end_.milliseconds = time_.elapsed();
     // A case that was asked to end has not done all of its work, whatever its exit code is.
     end_.state = wasAskedToEnd_ ? CaseEnd::Cancelled
         : end_.error.isEmpty()  ? CaseEnd::Ok
                                 : CaseEnd::Failed;
     if (wasAskedToEnd_)
         process_.endAll(true); // processes that the case has started may still run
-    recordEnd();
-    setFinished();
-}
-
-void CaseTask::recordEnd()
-{
     problem_ = folder_.writeEnd(number_, end_);
     if (!problem_.isEmpty())
         setError(problem_);
     else if (!end_.error.isEmpty())
         setError(end_.error);
+    setFinished();
 }
 
 } // namespace ClusterStudy

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CaseCommand.h"
 #include "CaseEnd.h"
 #include "CaseProcess.h"
 
@@ -11,13 +12,18 @@
 namespace ClusterStudy {
 
 class StudyFolder;
-struct Study;
 
 /// Runs one case in its folder and records its end there.
 class CaseTask : public Vorn::Util::AsyncTask
 {
 public:
-    CaseTask(int number, const Study &study, const StudyFolder &folder);
+    /// \a folder must outlive this task.
+    CaseTask(int number, const CaseCommand &command, const StudyFolder &folder);
+
+    /// How long after the end of the process cancel() still counts. 0 by default. Slurm sends its
+    /// signal to the processes of a job one after the other, so that this program may get it after
+    /// the case has ended.
+    void setTimeForSignal(int milliseconds);
 
     /// Ends the case. A case that has not started yet does not start.
     void cancel();
@@ -36,12 +42,14 @@ private:
     void recordEnd();
 
     const int number_;
-    const Study &study_;
+    const CaseCommand command_;
     const StudyFolder &folder_;
     CaseEnd end_;
     QString problem_;
     bool isCancelled_ = false;
     bool wasAskedToEnd_ = false;
+    bool isWaitingForSignal_ = false;
+    int timeForSignal_ = 0;
     QElapsedTimer time_;
     QTimer force_;
     CaseProcess process_;

@@ -1,8 +1,10 @@
 #include "LocalRun.h"
 
 #include "CancelRequest.h"
+#include "CaseCommand.h"
 #include "CaseTask.h"
 #include "Output.h"
+#include "Study.h"
 #include "StudyFolder.h"
 
 #include <Utility/AsyncTaskProcessor.h>
@@ -58,7 +60,8 @@ bool LocalRun::addNextCase(AsyncTaskProcessor &processor)
 {
     if (waiting_.isEmpty())
         return false;
-    auto *task = new CaseTask(waiting_.takeFirst(), study_, folder_);
+    const int number = waiting_.takeFirst();
+    auto *task = new CaseTask(number, commandOf(study_, number), folder_);
     running_.insert(task);
     progress_.running = running_.size();
     processor.addTask(task);

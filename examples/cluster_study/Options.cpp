@@ -85,7 +85,9 @@ QString readOptions(Options &options)
     parser.addHelpOption();
     const QCommandLineOption jobs(
         QStringLiteral("jobs"),
-        QStringLiteral("Cases to run at a time. By default as many as the machine has cores."),
+        QStringLiteral(
+            "Cases to run at a time. By default as many as the machine has cores, or as\n"
+            "Slurm allows."),
         QStringLiteral("n"));
     const QCommandLineOption resume(
         QStringLiteral("resume"),
@@ -94,7 +96,16 @@ QString readOptions(Options &options)
         QStringLiteral("output"),
         QStringLiteral("The folder of the results. By default CASES-results beside the file."),
         QStringLiteral("folder"));
-    parser.addOptions({jobs, resume, output});
+    const QCommandLineOption slurm(
+        QStringLiteral("slurm"),
+        QStringLiteral("Run the cases as job arrays on Slurm. The variables of sbatch choose the\n"
+                       "partition and the like, such as SBATCH_PARTITION."));
+    const QCommandLineOption clusterTools(
+        QStringLiteral("cluster-tools"),
+        QStringLiteral("The folder of the cluster tool NodeInformation. By default that of this\n"
+                       "program, or else PATH."),
+        QStringLiteral("folder"));
+    parser.addOptions({slurm, clusterTools, jobs, resume, output});
     parser.addPositionalArgument(QStringLiteral("cases.csv"), QStringLiteral("The cases."));
     parser.addPositionalArgument(QStringLiteral("program"),
                                  QStringLiteral("The program and its arguments, after \"--\"."),
@@ -110,6 +121,12 @@ QString readOptions(Options &options)
         problem = readJobs(parser.value(jobs), options.jobs);
     if (!problem.isEmpty())
         return problem;
+    options.slurm = parser.isSet(slurm);
+    if (parser.isSet(clusterTools) && !options.slurm)
+        return QStringLiteral("The option --cluster-tools needs --slurm");
+    options.clusterTools = parser.isSet(clusterTools)
+        ? QFileInfo(parser.value(clusterTools)).absoluteFilePath()
+        : QCoreApplication::applicationDirPath();
     options.resume = parser.isSet(resume);
     options.output = outputFolder(parser.value(output), words.first());
     return QString();

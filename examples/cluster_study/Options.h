@@ -11,7 +11,9 @@ struct Options
 {
     Study study;
     QString output;
-    int jobs = 0; ///< cases at a time; 0 for as many as the machine has cores
+    int jobs = 0; ///< cases at a time; 0 for as many as the machine has cores, or Slurm allows
+    bool slurm = false;
+    QString clusterTools; ///< the folder of the cluster tool
     bool resume = false;
 };
 

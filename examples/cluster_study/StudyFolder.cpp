@@ -24,6 +24,7 @@ constexpr qint64 MaxOwnFile = 1 << 24;
 const QString EndFile = QStringLiteral("case.json");
 const QString ResultFile = QStringLiteral("result.txt");
 const QString StudyFile = QStringLiteral("study.json");
+const QString CasesKey = QStringLiteral("cases");
 
 // Empty if the file cannot be read or is larger than \a limit.
 QByteArray contentOf(const QString &path, qint64 limit)
@@ -44,13 +45,18 @@ QString writeWhole(const QString &path, const QByteArray &content)
     return QString();
 }
 
+int digitsFor(int count)
+{
+    return qMax(4, QString::number(count).size());
+}
+
 QJsonObject description(const Study &study)
 {
     QJsonObject object;
     object.insert(QStringLiteral("program"), study.program);
     object.insert(QStringLiteral("arguments"), QJsonArray::fromStringList(study.arguments));
     object.insert(QStringLiteral("parameters"), QJsonArray::fromStringList(study.cases.names));
-    object.insert(QStringLiteral("cases"), study.cases.count());
+    object.insert(CasesKey, study.cases.count());
     object.insert(QStringLiteral("fingerprint"), QString::fromLatin1(fingerprint(study.cases)));
     return object;
 }
@@ -64,7 +70,7 @@ StudyFolder::StudyFolder(const QString &path)
 
 QString StudyFolder::create(const Study &study)
 {
-    digits_ = qMax(4, QString::number(study.cases.count()).size());
+    digits_ = digitsFor(study.cases.count());
     if (QFileInfo::exists(path_) || QFileInfo(path_).isSymLink()) {
         return QStringLiteral("The output folder exists already, use --resume or another --output: "
                               "%1")
@@ -81,17 +87,26 @@ QString StudyFolder::create(const Study &study)
 
 QString StudyFolder::resume(const Study &study)
 {
-    digits_ = qMax(4, QString::number(study.cases.count()).size());
+    digits_ = digitsFor(study.cases.count());
     if (!QFileInfo(file(StudyFile)).isFile())
         return QStringLiteral("There is no study to resume in %1").arg(shown(path_));
     const QString problem = lock();
     if (!problem.isEmpty())
         return problem;
-    const QJsonObject before
-        = QJsonDocument::fromJson(contentOf(file(StudyFile), MaxOwnFile)).object();
+    const QJsonObject before = QJsonDocument::fromJson(readFile(StudyFile)).object();
     if (before != description(study))
         return QStringLiteral("The cases or the command are not those of the study in %1")
             .arg(shown(path_));
+    return QString();
+}
+
+QString StudyFolder::open()
+{
+    const QJsonObject study = QJsonDocument::fromJson(readFile(StudyFile)).object();
+    const int count = study.value(CasesKey).toInt();
+    if (count < 1)
+        return QStringLiteral("There is no study in %1").arg(shown(path_));
+    digits_ = digitsFor(count);
     return QString();
 }
 
@@ -127,13 +142,20 @@ QString StudyFolder::prepareCase(int number) const
 
 QString StudyFolder::writeEnd(int number, const CaseEnd &end) const
 {
-    return writeFile(caseName(number) + QLatin1Char('/') + EndFile, endFileContent(end, number));
+    return writeFile(endFile(number), endFileContent(end, number));
 }
 
 CaseEnd StudyFolder::readEnd(int number) const
 {
-    return readEndFile(contentOf(caseFolder(number) + QLatin1Char('/') + EndFile, MaxOwnFile),
-                       number);
+    return readEndFile(readFile(endFile(number)), number);
+}
+
+QString StudyFolder::removeEnd(int number) const
+{
+    const QString path = file(endFile(number));
+    if (QFileInfo::exists(path) && !QFile::remove(path))
+        return QStringLiteral("%1 cannot be removed").arg(shown(path));
+    return QString();
 }
 
 Results StudyFolder::readResults(int number) const
@@ -145,6 +167,16 @@ Results StudyFolder::readResults(int number) const
 QString StudyFolder::writeFile(const QString &name, const QByteArray &content) const
 {
     return writeWhole(file(name), content);
+}
+
+QByteArray StudyFolder::readFile(const QString &name) const
+{
+    return contentOf(file(name), MaxOwnFile);
+}
+
+QString StudyFolder::endFile(int number) const
+{
+    return caseName(number) + QLatin1Char('/') + EndFile;
 }
 
 QString StudyFolder::lock()

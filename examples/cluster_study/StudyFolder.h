@@ -24,6 +24,9 @@ public:
     /// Locks the folder, which must contain the same study.
     QString resume(const Study &study);
 
+    /// Only for a job of the study: the folder is in use by the run that has submitted the job.
+    QString open();
+
     QString path() const;
     QString file(const QString &name) const;
 
@@ -36,13 +39,18 @@ public:
 
     QString writeEnd(int number, const CaseEnd &end) const;
     CaseEnd readEnd(int number) const;
+    QString removeEnd(int number) const;
 
     /// What the case has written into "result.txt"; empty if the file is too large.
     Results readResults(int number) const;
 
     QString writeFile(const QString &name, const QByteArray &content) const;
 
+    /// Empty if the file cannot be read or is too large for a file of this program.
+    QByteArray readFile(const QString &name) const;
+
 private:
+    QString endFile(int number) const;
     QString lock();
 
     const QString path_;

@@ -3,12 +3,16 @@
 // results.
 
 #include "CancelRequest.h"
+#include "Cluster.h"
 #include "Display.h"
 #include "LocalRun.h"
 #include "Options.h"
 #include "Output.h"
 #include "Progress.h"
 #include "Report.h"
+#include "RunCase.h"
+#include "SlurmFolder.h"
+#include "SlurmRun.h"
 #include "StudyFolder.h"
 #include "Tasks.h"
 #include "Text.h"
@@ -63,15 +67,30 @@ QList<int> casesToRun(const StudyFolder &folder, int count)
     return cases;
 }
 
+// The task that runs the cases, on this machine or on the cluster.
+AsyncTask *newRun(const Options &options, const StudyFolder &folder, const QList<int> &cases,
+                  Progress &progress, const CancelRequest &cancel, Log &log)
+{
+    const QString counts
+        = QStringLiteral("%1 cases, %2 to run, ")
+              .arg(QString::number(options.study.cases.count()), QString::number(cases.size()));
+    if (options.slurm) {
+        logCluster(log, options.clusterTools);
+        log.append(counts
+                   + (options.jobs > 0 ? QStringLiteral("%1 at a time on Slurm").arg(options.jobs)
+                                       : QStringLiteral("on Slurm")));
+        return new SlurmRun(options.study, folder, cases, options.jobs, progress, cancel);
+    }
+    const int jobs = options.jobs > 0 ? options.jobs : coreCount(log);
+    log.append(counts + QStringLiteral("%1 at a time").arg(jobs));
+    return new LocalRun(options.study, folder, cases, jobs, progress, cancel, &log);
+}
+
 // Runs the cases and writes the results. Returns the first error message, empty if there is none.
 QString runTasks(const Options &options, const StudyFolder &folder, Report &report,
                  CancelRequest &cancel, Log &log)
 {
     const QList<int> cases = casesToRun(folder, options.study.cases.count());
-    const int jobs = options.jobs > 0 ? options.jobs : coreCount(log);
-    log.append(QStringLiteral("%1 cases, %2 to run, %3 at a time")
-                   .arg(QString::number(options.study.cases.count()), QString::number(cases.size()),
-                        QString::number(jobs)));
     Progress progress;
     progress.total = options.study.cases.count();
     progress.toRun = cases.size();
@@ -87,7 +106,7 @@ QString runTasks(const Options &options, const StudyFolder &folder, Report &repo
                          if (!task->isOk() && problem.isEmpty())
                              problem = task->error();
                      });
-    auto *run = new LocalRun(options.study, folder, cases, jobs, progress, cancel, &log);
+    AsyncTask *run = newRun(options, folder, cases, progress, cancel, log);
     auto *write = new StepTask(QStringLiteral("Write the table and the picture"),
                                [&report] { return report.write(); });
     processor.addTask(run);
@@ -109,6 +128,8 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("cluster-study"));
     // SevenZip writes the arguments of 7-Zip to Qt's debug channel, which is not needed here.
     QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    if (QCoreApplication::arguments().value(1) == QLatin1String(RunCaseOption))
+        return runCaseOfJob();
     QElapsedTimer time;
     time.start();
 
@@ -123,6 +144,10 @@ int main(int argc, char *argv[])
     problem = options.resume ? folder.resume(options.study) : folder.create(options.study);
     if (!problem.isEmpty())
         return fail(problem);
+    if (!options.slurm && SlurmFolder(folder).exists()) {
+        return fail(QStringLiteral("Jobs of this study may still run on the cluster: use --slurm "
+                                   "to end them"));
+    }
     Log log(folder.file(QStringLiteral("study.log")), Log::NoFileTimeStamp);
     if (!log.open(true))
         return fail(QStringLiteral("The log cannot be written: %1").arg(shown(log.name())));

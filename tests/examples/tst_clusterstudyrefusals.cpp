@@ -17,6 +17,9 @@ private Q_SLOTS:
     void anotherStudyIsNotResumed_data();
     void anotherStudyIsNotResumed();
     void twoRunsOnOneFolderAreRefused();
+    void aStudyWithoutSlurmCanBeResumedWithoutIt();
+    void aStudyWithJobsOnTheClusterIsNotResumedWithoutSlurm();
+    void aCaseRunsOnlyInItsJob();
     void theHelpSaysWhatIsRefused();
 };
 
@@ -40,6 +43,8 @@ void TestClusterStudyRefusals::aWrongCommandLineIsRefused_data()
         "The number of jobs 1001 is not valid: use 1 to 1000");
     row("jobs in words", text("--jobs two cases.csv -- p"),
         "The number of jobs two is not valid: use 1 to 1000");
+    row("cluster tool without Slurm", text("--cluster-tools . cases.csv -- p"),
+        "The option --cluster-tools needs --slurm");
 }
 
 void TestClusterStudyRefusals::aWrongCommandLineIsRefused()
@@ -144,11 +149,55 @@ void TestClusterStudyRefusals::twoRunsOnOneFolderAreRefused()
     QCOMPARE(site.states(), list("ok"));
 }
 
+void TestClusterStudyRefusals::aStudyWithoutSlurmCanBeResumedWithoutIt()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    // Slurm is either not installed, or fails without its configuration.
+    site.environment().insert(text("SLURM_CONF"), site.path(text("missing.conf")));
+    QCOMPARE(site.runCases({text("--slurm")}, list("print {x}")), 1);
+    QVERIFY2(site.errors().startsWith(text("cluster-study: scontrol ")), qPrintable(site.errors()));
+    QCOMPARE(site.states(), list("missing missing"));
+    QVERIFY(!QFile::exists(site.output(text("slurm"))));
+    QCOMPARE(site.runCases({text("--resume")}, list("print {x}")), 0);
+    QCOMPARE(site.states(), list("ok ok"));
+}
+
+void TestClusterStudyRefusals::aStudyWithJobsOnTheClusterIsNotResumedWithoutSlurm()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QCOMPARE(site.runCases({}, list("exit 1")), 2);
+    QVERIFY(QDir().mkpath(site.output(text("slurm"))));
+    QCOMPARE(site.runCases({text("--resume")}, list("exit 1")), 1);
+    QCOMPARE(site.errors(),
+             asError(text("Jobs of this study may still run on the cluster: use --slurm to end "
+                          "them")));
+}
+
+void TestClusterStudyRefusals::aCaseRunsOnlyInItsJob()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QCOMPARE(site.run({text("--run-case")}), 1);
+    QCOMPARE(site.errors(), asError(text("--run-case is only for jobs of a study")));
+
+    QCOMPARE(site.runCases({}, list("exit 0")), 0);
+    site.environment().insert(text("CLUSTER_STUDY_FOLDER"), site.output());
+    site.environment().insert(text("SLURM_ARRAY_TASK_ID"), text("1"));
+    QCOMPARE(site.run({text("--run-case")}), 1);
+    QCOMPARE(site.errors(), asError(text("Case 1: its command cannot be read")));
+}
+
 void TestClusterStudyRefusals::theHelpSaysWhatIsRefused()
 {
     StudySite site;
     QCOMPARE(site.run({text("--help")}), 0);
-    for (const char *option : {"--jobs", "--resume", "--output", "STUDY_NAME", "result.txt"})
+    for (const char *option : {"--jobs", "--resume", "--output", "--slurm", "--cluster-tools",
+                               "STUDY_NAME", "result.txt"})
         QVERIFY2(site.printed().contains(text(option)), option);
 }
 

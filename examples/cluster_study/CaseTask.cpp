@@ -89,8 +89,8 @@ void CaseTask::execute()
     process_.setWorkingDirectory(folder);
     process_.setStandardInputFile(QProcess::nullDevice());
     // The output goes directly to the file, so that its amount does not matter.
-    process_.setStandardOutputFile(folder + QStringLiteral("/output.txt"));
-    process_.setStandardErrorFile(folder + QStringLiteral("/errors.txt"));
+    process_.setStandardOutputFile(folder + QStringLiteral("/study-output.txt"));
+    process_.setStandardErrorFile(folder + QStringLiteral("/study-errors.txt"));
     time_.start();
     process_.begin();
 }

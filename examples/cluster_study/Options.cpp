@@ -78,8 +78,13 @@ QString readOptions(Options &options)
         "replaced by the value of the parameter, {case} by the number of the case; {{name}}\n"
         "stands for {name} itself. The values are also in environment variables, such as\n"
         "STUDY_NAME. Each case has a folder of its own as the current folder: give files in\n"
-        "arguments with absolute paths. A case can write results as lines \"name=value\" into\n"
-        "the file result.txt; they become columns of the table.\n\n"
+        "arguments with absolute paths.\n\n"
+        "Files in the folder of a case:\n"
+        "  result.txt        written by the case: lines \"name=value\", the columns of the table\n"
+        "  study-output.txt  the standard output of the case\n"
+        "  study-errors.txt  the standard error of the case\n"
+        "  study-case.json   how the case ended\n"
+        "This program replaces a file of the last three names if the case writes one.\n\n"
         "Exit codes: 0 all cases succeeded, 1 the study could not be run, 2 a case failed,\n"
         "130 cancelled."));
     parser.addHelpOption();

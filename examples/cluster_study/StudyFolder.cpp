@@ -21,7 +21,7 @@ namespace {
 constexpr qint64 MaxResultFile = 1 << 20; // bytes
 constexpr qint64 MaxOwnFile = 1 << 24;
 
-const QString EndFile = QStringLiteral("case.json");
+const QString EndFile = QStringLiteral("study-case.json");
 const QString ResultFile = QStringLiteral("result.txt");
 const QString StudyFile = QStringLiteral("study.json");
 const QString CasesKey = QStringLiteral("cases");

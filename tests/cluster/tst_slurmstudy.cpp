@@ -87,13 +87,13 @@ void TestSlurmStudy::casesHaveTheExactValues()
     QCOMPARE(site.column(text("Value")), values);
     QCOMPARE(site.column(text("r")), list("1 2 3 4 5 6"));
     for (int index = 0; index < values.size(); ++index) {
-        const QString output = site.output(text("cases/000%1/output.txt").arg(index + 1));
+        const QString output = site.output(text("cases/000%1/study-output.txt").arg(index + 1));
         QCOMPARE(QString::fromUtf8(contentOf(output)), text("%1\n%1\n").arg(values.at(index)));
     }
     QCOMPARE(entriesOf(site.output()),
              list("cases results.7z results.csv study.json study.log times.svg"));
     QCOMPARE(entriesOf(site.output(text("cases/0001"))),
-             list("case.json errors.txt output.txt result.txt"));
+             list("result.txt study-case.json study-errors.txt study-output.txt"));
 }
 
 void TestSlurmStudy::aFailedCaseIsARow()

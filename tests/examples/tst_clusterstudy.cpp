@@ -50,10 +50,11 @@ void TestClusterStudy::everyCaseRunsInAFolderOfItsOwn()
              list("cases results.7z results.csv study.json study.log times.svg"));
     QCOMPARE(entriesOf(site.output(text("cases"))), list("0001 0002 0003"));
     const Tree second = readTree(site.output(text("cases/0002")));
-    QCOMPARE(QStringList(second.keys()), list("case.json errors.txt here output.txt"));
-    QCOMPARE(second.value(text("output.txt")), QByteArray("b2\n"));
-    QCOMPARE(second.value(text("errors.txt")), QByteArray("eb\n"));
-    const QJsonObject end = QJsonDocument::fromJson(second.value(text("case.json"))).object();
+    QCOMPARE(QStringList(second.keys()),
+             list("here study-case.json study-errors.txt study-output.txt"));
+    QCOMPARE(second.value(text("study-output.txt")), QByteArray("b2\n"));
+    QCOMPARE(second.value(text("study-errors.txt")), QByteArray("eb\n"));
+    const QJsonObject end = QJsonDocument::fromJson(second.value(text("study-case.json"))).object();
     QCOMPARE(end.value(text("state")).toString(), text("ok"));
 }
 
@@ -74,7 +75,7 @@ void TestClusterStudy::argumentsAndVariablesHaveTheExactValues()
              0);
     QCOMPARE(site.column(text("Value")), values);
     for (int index = 0; index < values.size(); ++index) {
-        const QString output = site.output(text("cases/000%1/output.txt").arg(index + 1));
+        const QString output = site.output(text("cases/000%1/study-output.txt").arg(index + 1));
         QCOMPARE(QString::fromUtf8(contentOf(output)),
                  text("%1\n[%1]\n%1\n%2\n").arg(values.at(index), QString::number(index + 1)));
     }
@@ -155,8 +156,9 @@ void TestClusterStudy::anEndThatCannotBeWrittenStopsTheStudy()
     NEED_STUDY_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
-    QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("folder case.json/in-the-way")), 1);
-    QVERIFY(site.errors().contains(text("case.json cannot be written: ")));
+    QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("folder study-case.json/in-the-way")),
+             1);
+    QVERIFY(site.errors().contains(text("study-case.json cannot be written: ")));
     QCOMPARE(site.states(), list("missing missing"));
     QCOMPARE(entriesOf(site.output(text("cases"))), list("0001"));
 }
@@ -167,7 +169,7 @@ void TestClusterStudy::muchOutputGoesToTheFile()
     StudySite site;
     site.writeCases("x\n20000\n");
     QCOMPARE(site.runCases({}, list("flood {x}")), 0);
-    QCOMPARE(QFileInfo(site.output(text("cases/0001/output.txt"))).size(), 20000 * 1024);
+    QCOMPARE(QFileInfo(site.output(text("cases/0001/study-output.txt"))).size(), 20000 * 1024);
 }
 
 void TestClusterStudy::casesRunSideBySide_data()
@@ -281,8 +283,8 @@ void TestClusterStudy::aCancelledStudyIsPackedAndCanBeResumed()
     SevenZip archive;
     archive.setArchiveFile(site.output(text("results.7z")));
     QVERIFY(archive.listFiles());
-    QVERIFY(archive.files().contains(text("cases/0001/case.json")));
-    QVERIFY(!archive.files().contains(text("cases/0002/output.txt")));
+    QVERIFY(archive.files().contains(text("cases/0001/study-case.json")));
+    QVERIFY(!archive.files().contains(text("cases/0002/study-output.txt")));
 
     QVERIFY(writeFile(site.path(text("later")), "x"));
     QCOMPARE(site.runCases({text("--resume")}, actions), 0);
@@ -293,7 +295,8 @@ void TestClusterStudy::aCancelledStudyIsPackedAndCanBeResumed()
     SevenZip complete;
     complete.setArchiveFile(site.output(text("results.7z")));
     QVERIFY(complete.listFiles());
-    QVERIFY(complete.files().contains(QDir::toNativeSeparators(text("cases/0003/case.json"))));
+    QVERIFY(
+        complete.files().contains(QDir::toNativeSeparators(text("cases/0003/study-case.json"))));
 }
 
 void TestClusterStudy::aKilledStudyIsResumed()
@@ -331,7 +334,7 @@ void TestClusterStudy::onlyCasesThatHaveNotSucceededAreResumed()
     QCOMPARE(site.runCases({}, actions), 2);
     QCOMPARE(site.states(), list("ok failed ok ok"));
     // An end file that is incomplete, and a file of the failed attempt.
-    QVERIFY(writeFile(site.output(text("cases/0004/case.json")), "{"));
+    QVERIFY(writeFile(site.output(text("cases/0004/study-case.json")), "{"));
     QVERIFY(writeFile(site.output(text("cases/0002/left")), "x"));
     QVERIFY(writeFile(site.path(text("later")), "x"));
     QCOMPARE(site.runCases({text("--resume")}, actions), 0);

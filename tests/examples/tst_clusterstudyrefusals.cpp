@@ -20,7 +20,7 @@ private Q_SLOTS:
     void aStudyWithoutSlurmCanBeResumedWithoutIt();
     void aStudyWithJobsOnTheClusterIsNotResumedWithoutSlurm();
     void aCaseRunsOnlyInItsJob();
-    void theHelpSaysWhatIsRefused();
+    void theHelpNamesOptionsVariablesAndFiles();
 };
 
 void TestClusterStudyRefusals::aWrongCommandLineIsRefused_data()
@@ -192,12 +192,13 @@ void TestClusterStudyRefusals::aCaseRunsOnlyInItsJob()
     QCOMPARE(site.errors(), asError(text("Case 1: its command cannot be read")));
 }
 
-void TestClusterStudyRefusals::theHelpSaysWhatIsRefused()
+void TestClusterStudyRefusals::theHelpNamesOptionsVariablesAndFiles()
 {
     StudySite site;
     QCOMPARE(site.run({text("--help")}), 0);
-    for (const char *option : {"--jobs", "--resume", "--output", "--slurm", "--cluster-tools",
-                               "STUDY_NAME", "result.txt"})
+    for (const char *option :
+         {"--jobs", "--resume", "--output", "--slurm", "--cluster-tools", "STUDY_NAME",
+          "result.txt", "study-output.txt", "study-errors.txt", "study-case.json"})
         QVERIFY2(site.printed().contains(text(option)), option);
 }
 

@@ -76,10 +76,10 @@ void CaseTask::execute()
         setFinished();
         return;
     }
-    problem_ = folder_.prepareCase(number_);
-    if (!problem_.isEmpty()) {
-        setError(problem_);
-        setFinished();
+    end_.error = folder_.prepareCase(number_);
+    if (!end_.error.isEmpty()) {
+        end_.state = CaseEnd::Failed;
+        writeEnd(); // fails too if the disk is full
         return;
     }
     const QString folder = folder_.caseFolder(number_);
@@ -121,6 +121,11 @@ void CaseTask::recordEnd()
                                 : CaseEnd::Failed;
     if (wasAskedToEnd_)
         process_.endAll(true); // processes that the case has started may still run
+    writeEnd();
+}
+
+void CaseTask::writeEnd()
+{
     problem_ = folder_.writeEnd(number_, end_);
     if (!problem_.isEmpty())
         setError(problem_);

@@ -40,6 +40,7 @@ protected:
 private:
     void processEnded();
     void recordEnd();
+    void writeEnd();
 
     const int number_;
     const CaseCommand command_;

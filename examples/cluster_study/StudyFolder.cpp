@@ -24,6 +24,7 @@ constexpr qint64 MaxOwnFile = 1 << 24;
 const QString EndFile = QStringLiteral("study-case.json");
 const QString ResultFile = QStringLiteral("result.txt");
 const QString StudyFile = QStringLiteral("study.json");
+const QString LockFile = QStringLiteral("study.lock");
 const QString CasesKey = QStringLiteral("cases");
 
 // Empty if the file cannot be read or is larger than \a limit.
@@ -71,17 +72,24 @@ StudyFolder::StudyFolder(const QString &path)
 QString StudyFolder::create(const Study &study)
 {
     digits_ = digitsFor(study.cases.count());
-    if (QFileInfo::exists(path_) || QFileInfo(path_).isSymLink()) {
-        return QStringLiteral("The output folder exists already, use --resume or another --output: "
-                              "%1")
-            .arg(shown(path_));
-    }
-    // mkdir() fails if another run has just created the folder.
-    if (!QDir().mkpath(QFileInfo(path_).path()) || !QDir().mkdir(path_))
+    if (!QDir().mkpath(path_))
         return QStringLiteral("The output folder cannot be created: %1").arg(shown(path_));
     const QString problem = lock();
     if (!problem.isEmpty())
         return problem;
+    // Nothing but the lock may be here, also of a run that was killed before it wrote more.
+    const QDir::Filters all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    const QStringList entries = QDir(path_).entryList(all);
+    if (entries.contains(StudyFile)) {
+        return QStringLiteral("The output folder contains a study: use --resume to continue it, or "
+                              "another --output: %1")
+            .arg(shown(path_));
+    }
+    if (entries != QStringList(LockFile)) {
+        return QStringLiteral("The output folder is not empty: use another --output, or remove its "
+                              "files: %1")
+            .arg(shown(path_));
+    }
     return writeFile(StudyFile, QJsonDocument(description(study)).toJson());
 }
 
@@ -89,7 +97,8 @@ QString StudyFolder::resume(const Study &study)
 {
     digits_ = digitsFor(study.cases.count());
     if (!QFileInfo(file(StudyFile)).isFile())
-        return QStringLiteral("There is no study to resume in %1").arg(shown(path_));
+        return QStringLiteral("There is no study to resume, start it without --resume: %1")
+            .arg(shown(path_));
     const QString problem = lock();
     if (!problem.isEmpty())
         return problem;
@@ -133,7 +142,10 @@ QString StudyFolder::caseFolder(int number) const
 QString StudyFolder::prepareCase(int number) const
 {
     const QString folder = caseFolder(number);
-    if (QFileInfo::exists(folder) && !System::removeDir(folder, false, QStringList()))
+    // removeDir() leaves pipes, sockets and broken links. It comes first because on Windows
+    // removeRecursively() would follow the junctions in the folder.
+    if (QFileInfo::exists(folder) && !System::removeDir(folder, false, QStringList())
+        && !QDir(folder).removeRecursively())
         return QStringLiteral("%1 cannot be removed").arg(shown(folder));
     if (!QDir().mkpath(folder))
         return QStringLiteral("%1 cannot be created").arg(shown(folder));
@@ -181,13 +193,19 @@ QString StudyFolder::endFile(int number) const
 
 QString StudyFolder::lock()
 {
-    lock_ = std::make_unique<QLockFile>(file(QStringLiteral("study.lock")));
+    lock_ = std::make_unique<QLockFile>(file(LockFile));
     lock_->setStaleLockTime(0); // a lock never expires while its process runs
     if (lock_->tryLock())
         return QString();
-    if (lock_->error() == QLockFile::LockFailedError)
-        return QStringLiteral("Another run uses the output folder: %1").arg(shown(path_));
-    return QStringLiteral("The output folder cannot be written: %1").arg(shown(path_));
+    if (lock_->error() != QLockFile::LockFailedError)
+        return QStringLiteral("The output folder cannot be written: %1").arg(shown(path_));
+    qint64 process = 0;
+    QString host;
+    QString application;
+    lock_->getLockInfo(&process, &host, &application);
+    return QStringLiteral("Another run uses the output folder: process %1 on %2. If it has ended, "
+                          "remove %3")
+        .arg(QString::number(process), oneLine(host), shown(file(LockFile)));
 }
 
 } // namespace ClusterStudy

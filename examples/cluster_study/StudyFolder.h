@@ -18,7 +18,8 @@ class StudyFolder
 public:
     explicit StudyFolder(const QString &path);
 
-    /// Creates the folder, which must not exist, and locks it as long as this object exists.
+    /// Creates the folder and locks it as long as this object exists. An existing folder must be
+    /// empty.
     QString create(const Study &study);
 
     /// Locks the folder, which must contain the same study.
@@ -34,7 +35,7 @@ public:
     QString caseName(int number) const;
     QString caseFolder(int number) const;
 
-    /// Creates the folder of a case. An earlier one is removed.
+    /// Creates the folder of a case. An earlier one is removed with its content.
     QString prepareCase(int number) const;
 
     QString writeEnd(int number, const CaseEnd &end) const;

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void aCancelledStudyIsPackedAndCanBeResumed();
     void aKilledStudyIsResumed();
     void onlyCasesThatHaveNotSucceededAreResumed();
+    void pipesAndBrokenLinksOfACaseAreRemoved();
+    void aCaseWhoseFolderCannotBeRemovedHasFailed();
     void aStudyOfSeveralHundredCasesIsPackedWhole();
 };
 
@@ -348,6 +350,53 @@ void TestClusterStudy::onlyCasesThatHaveNotSucceededAreResumed()
     // Nothing is left to do.
     QCOMPARE(site.runCases({text("--resume")}, actions), 0);
     QCOMPARE(contentOf(site.path(text("runs-4"))), QByteArray("run\nrun\n"));
+}
+
+void TestClusterStudy::pipesAndBrokenLinksOfACaseAreRemoved()
+{
+    if (onWindows())
+        QSKIP("There are no pipes in folders here");
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    const QStringList actions{text("fail-without"), site.path(text("later"))};
+    QCOMPARE(site.runCases({}, actions), 2);
+    const QString sub = site.output(text("cases/0001/sub"));
+    QVERIFY(QDir().mkpath(sub));
+    QCOMPARE(QProcess::execute(text("mkfifo"), {sub + text("/pipe")}), 0);
+    QVERIFY(QFile::link(text("missing"), sub + text("/link")));
+    QVERIFY(QFile::link(sub + text("/pipe"), sub + text("/to-pipe")));
+    QVERIFY(QDir().mkpath(site.path(text("mine"))));
+    QVERIFY(writeFile(site.path(text("mine/file")), "x"));
+    QVERIFY(QFile::link(site.path(text("mine")), sub + text("/to-mine")));
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    QCOMPARE(site.runCases({text("--resume")}, actions), 0);
+    QCOMPARE(site.errors(), QString());
+    QVERIFY(!QFile::exists(sub));
+    QVERIFY(QFile::exists(site.path(text("mine/file"))));
+}
+
+void TestClusterStudy::aCaseWhoseFolderCannotBeRemovedHasFailed()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    const QStringList actions{text("fail-without"), site.path(text("later"))};
+    QCOMPARE(site.runCases({}, actions), 2);
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    const QString folder = site.output(text("cases/0001"));
+    QFile open(folder + text("/open")); // Windows does not remove an open file
+    QVERIFY(open.open(QIODevice::WriteOnly));
+    if (!onWindows()) // nor can Qt remove a name that is no text
+        QCOMPARE(QProcess::execute(text("sh"),
+                                   {text("-c"), text("cd \"$1\" && : >\"$(printf '\\377')\""),
+                                    text("sh"), folder}),
+                 0);
+    QCOMPARE(site.runCases({text("--resume"), text("--jobs"), text("1")}, actions), 2);
+    // The name must not remain after this test.
+    QVERIFY(onWindows() || QProcess::execute(text("rm"), {text("-r"), folder}) == 0);
+    QCOMPARE(site.states(), list("failed ok"));
+    QVERIFY2(site.printed().contains(text("0001 cannot be removed\n")), qPrintable(site.printed()));
 }
 
 void TestClusterStudy::aStudyOfSeveralHundredCasesIsPackedWhole()

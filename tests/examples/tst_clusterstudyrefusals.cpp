@@ -12,8 +12,12 @@ private Q_SLOTS:
     void aWrongCommandLineIsRefused_data();
     void aWrongCommandLineIsRefused();
     void wrongCasesAreRefusedWithTheLine();
-    void anExistingOutputFolderIsRefused();
+    void anOutputFolderWithContentIsRefused_data();
+    void anOutputFolderWithContentIsRefused();
+    void anEmptyOutputFolderIsUsed_data();
+    void anEmptyOutputFolderIsUsed();
     void aFolderWithoutAStudyIsNotResumed();
+    void theLockOfAnotherMachineIsExplained();
     void anotherStudyIsNotResumed_data();
     void anotherStudyIsNotResumed();
     void twoRunsOnOneFolderAreRefused();
@@ -68,17 +72,58 @@ void TestClusterStudyRefusals::wrongCasesAreRefusedWithTheLine()
     QVERIFY(!QFile::exists(site.output()));
 }
 
-void TestClusterStudyRefusals::anExistingOutputFolderIsRefused()
+void TestClusterStudyRefusals::anOutputFolderWithContentIsRefused_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("a study") << text("study.json")
+                             << text("The output folder contains a study: use --resume to continue "
+                                     "it, or another --output: ");
+    QTest::newRow("other files") << text("mine.txt")
+                                 << text("The output folder is not empty: use another --output, or "
+                                         "remove its files: ");
+    QTest::newRow("a hidden file") << text(".mine")
+                                   << text("The output folder is not empty: use another --output, "
+                                           "or remove its files: ");
+}
+
+void TestClusterStudyRefusals::anOutputFolderWithContentIsRefused()
 {
     NEED_STUDY_ARCHIVER;
+    QFETCH(QString, file);
+    QFETCH(QString, message);
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QVERIFY(writeFileInFolder(site.output(file), "x"));
+    const Tree before = readTree(site.output());
+    QCOMPARE(site.runCases({}, list("print x")), 1);
+    QVERIFY2(site.errors().contains(message), qPrintable(site.errors()));
+    QCOMPARE(readTree(site.output()), before);
+    QCOMPARE(site.runCases({text("--output"), site.path(text("deep/other"))}, list("print x")), 0);
+    QVERIFY(QFile::exists(site.path(text("deep/other/results.7z"))));
+}
+
+void TestClusterStudyRefusals::anEmptyOutputFolderIsUsed_data()
+{
+    QTest::addColumn<QByteArray>("lock");
+    QTest::newRow("without a lock") << QByteArray();
+    // Process numbers are smaller.
+    QTest::newRow("with the lock of a process that has ended")
+        << QByteArray("2000000000\ncluster-study\n") + QSysInfo::machineHostName().toLocal8Bit()
+            + '\n';
+}
+
+void TestClusterStudyRefusals::anEmptyOutputFolderIsUsed()
+{
+    NEED_STUDY_ARCHIVER;
+    QFETCH(QByteArray, lock);
     StudySite site;
     site.writeCases("x\n1\n");
     QVERIFY(QDir().mkpath(site.output()));
-    QCOMPARE(site.runCases({}, list("print x")), 1);
-    QVERIFY(site.errors().contains(text("The output folder exists already, use --resume")));
-    QCOMPARE(entriesOf(site.output()), QStringList());
-    QCOMPARE(site.runCases({text("--output"), site.path(text("deep/other"))}, list("print x")), 0);
-    QVERIFY(QFile::exists(site.path(text("deep/other/results.7z"))));
+    QVERIFY(lock.isEmpty() || writeFile(site.output(text("study.lock")), lock));
+    QCOMPARE(site.runCases({}, list("print x")), 0);
+    QCOMPARE(site.errors(), QString());
+    QCOMPARE(site.states(), list("ok"));
 }
 
 void TestClusterStudyRefusals::aFolderWithoutAStudyIsNotResumed()
@@ -86,13 +131,30 @@ void TestClusterStudyRefusals::aFolderWithoutAStudyIsNotResumed()
     NEED_STUDY_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
+    const QString message = text("There is no study to resume, start it without --resume: ");
     QCOMPARE(site.runCases({text("--resume")}, list("print x")), 1);
-    QVERIFY(site.errors().contains(text("There is no study to resume in ")));
+    QVERIFY(site.errors().contains(message));
     QVERIFY(!QFile::exists(site.output()));
     QVERIFY(writeFileInFolder(site.output(text("mine.txt")), "x"));
     QCOMPARE(site.runCases({text("--resume")}, list("print x")), 1);
-    QVERIFY(site.errors().contains(text("There is no study to resume in ")));
+    QVERIFY(site.errors().contains(message));
     QCOMPARE(entriesOf(site.output()), list("mine.txt"));
+}
+
+void TestClusterStudyRefusals::theLockOfAnotherMachineIsExplained()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    const QString lock = site.output(text("study.lock"));
+    QVERIFY(writeFileInFolder(lock, "4711\ncluster-study\nelsewhere\n"));
+    QCOMPARE(site.runCases({}, list("print x")), 1);
+    QVERIFY2(site.errors().startsWith(text("cluster-study: Another run uses the output folder: "
+                                           "process 4711 on elsewhere. If it has ended, remove ")),
+             qPrintable(site.errors()));
+    QVERIFY(site.errors().endsWith(QDir::toNativeSeparators(text("/cases-results/study.lock\n"))));
+    QVERIFY(QFile::remove(lock));
+    QCOMPARE(site.runCases({}, list("print x")), 0);
 }
 
 void TestClusterStudyRefusals::anotherStudyIsNotResumed_data()

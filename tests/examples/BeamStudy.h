@@ -117,6 +117,32 @@ public:
         return hasEnded ? process.exitCode() : -1;
     }
 
+    /// Runs cluster-study with these options, kills it when a third of the cases have finished, and
+    /// resumes it. Returns what went wrong; empty if nothing did.
+    QString runKilledAndResumed(const QStringList &options)
+    {
+        constexpr int TimeLimit = 60000; // milliseconds
+        const int count = cases().size();
+        QProcess killed;
+        start(killed, options);
+        const bool isInTheMiddle
+            = QTest::qWaitFor([&] { return finishedCases().size() >= count / 3; }, TimeLimit);
+        killed.kill();
+        killed.waitForFinished();
+        const QMap<QString, QDateTime> before = finishedCases();
+        if (!isInTheMiddle || before.size() >= count)
+            return QStringLiteral("Killed after %1 of %2 cases").arg(before.size()).arg(count);
+
+        if (run(options + QStringList{QStringLiteral("--resume")}) != 0)
+            return output_;
+        const QMap<QString, QDateTime> after = finishedCases();
+        for (auto end = before.cbegin(); end != before.cend(); ++end) {
+            if (after.value(end.key()) != end.value())
+                return QStringLiteral("The finished case %1 has run again").arg(end.key());
+        }
+        return problem();
+    }
+
     /// What the last run has printed.
     QByteArray output() const { return output_.toLocal8Bit(); }
 

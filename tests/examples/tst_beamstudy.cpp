@@ -1,6 +1,5 @@
 #include "BeamStudy.h"
 
-#include <QtCore/QDateTime>
 #include <QtCore/QFileInfo>
 
 // The study in examples/cluster_study/beam: a real program with known results.
@@ -11,9 +10,8 @@ class TestBeamStudy : public QObject
 private Q_SLOTS:
     void initTestCase();
 
-    void theDeflectionsAgreeWithTheory();
+    void aKilledAndResumedStudyAgreesWithTheory();
     void aWrongDeflectionIsNoticed();
-    void aKilledStudyGoesOnWithTheMissingCases();
 };
 
 void TestBeamStudy::initTestCase()
@@ -23,12 +21,11 @@ void TestBeamStudy::initTestCase()
         QSKIP(qPrintable(missing));
 }
 
-void TestBeamStudy::theDeflectionsAgreeWithTheory()
+void TestBeamStudy::aKilledAndResumedStudyAgreesWithTheory()
 {
-    BeamStudy study(8);
-    QCOMPARE(study.cases().size(), 8);
-    QVERIFY2(study.run({}) == 0, study.output().constData());
-    QCOMPARE(study.problem(), QString());
+    BeamStudy study;
+    QVERIFY(study.cases().size() >= 40);
+    QCOMPARE(study.runKilledAndResumed({}), QString());
     QVERIFY(QFileInfo(study.outputFile(QStringLiteral("results.7z"))).size() > 0);
 }
 
@@ -50,26 +47,6 @@ void TestBeamStudy::aWrongDeflectionIsNoticed()
     table.write(QByteArray(content).replace(deflection, other));
     table.close();
     QVERIFY(study.problem().startsWith(QLatin1String("Case 1 deviates by -0.03")));
-}
-
-void TestBeamStudy::aKilledStudyGoesOnWithTheMissingCases()
-{
-    BeamStudy study(16);
-    QProcess killed;
-    study.start(killed, {QStringLiteral("--jobs"), QStringLiteral("1")});
-    QVERIFY(killed.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(study.finishedCases().size() >= 4, 60000);
-    killed.kill();
-    QVERIFY(killed.waitForFinished());
-    const QMap<QString, QDateTime> before = study.finishedCases();
-    QVERIFY(before.size() < 16);
-
-    QVERIFY2(study.run({QStringLiteral("--resume")}) == 0, study.output().constData());
-    QCOMPARE(study.problem(), QString());
-    const QMap<QString, QDateTime> after = study.finishedCases();
-    QCOMPARE(after.size(), 16);
-    for (auto end = before.cbegin(); end != before.cend(); ++end)
-        QCOMPARE(after.value(end.key()), end.value()); // has not run again
 }
 
 QTEST_GUILESS_MAIN(TestBeamStudy)

@@ -4,7 +4,8 @@
 # start: runs a Slurm cluster on this machine: munged, slurmctld and three slurmd, all in FOLDER (new,
 #     absolute, its path short) and reachable on the loopback addresses only. Nothing of the system's own
 #     Slurm is used or changed. Afterwards ". FOLDER/environment" makes the commands of Slurm use it.
-#     Exit code 77, with the reason, where a cluster cannot be started.
+#     Variables of another cluster have no effect, such as those inside a job. Exit code 77, with the
+#     reason, where a cluster cannot be started.
 # stop: ends all that belongs to the cluster in FOLDER, its jobs too, and removes FOLDER. Also after a
 #     start that failed.
 #
@@ -12,7 +13,8 @@
 #   short    n1, n2 (the default)
 #   long     n2, n4
 #   hidden   n3
-# n4 has no daemon. The nodes claim more cores and memory than the machine may have.
+# n5 is in no partition. n4 and n5 have no daemon. The nodes claim more cores and memory than the machine
+# may have.
 set -euo pipefail
 
 usage() { echo "usage: slurm.sh start|stop FOLDER" >&2; exit 2; }
@@ -89,13 +91,17 @@ NodeName=n3 NodeHostname=$host NodeAddr=127.0.0.1 Port=$((port + 3)) \
     Sockets=2 CoresPerSocket=2 ThreadsPerCore=1 RealMemory=4000
 NodeName=n4 NodeHostname=$host NodeAddr=127.0.0.1 Port=$((port + 4)) \
     Sockets=4 CoresPerSocket=16 ThreadsPerCore=1 RealMemory=262144
+NodeName=n5 NodeHostname=$host NodeAddr=127.0.0.1 Port=$((port + 5)) RealMemory=1024
 PartitionName=short Nodes=n1,n2 Default=YES
 PartitionName=long Nodes=n2,n4
 PartitionName=hidden Nodes=n3 Hidden=YES
 END
     # Slurm must not read a configuration of the system instead.
     echo "CgroupAutomount=no" >"$folder/cgroup.conf"
-    printf 'export SLURM_CONF=%q VORNUTILITY_CLUSTER=%q\n' "$conf" "$folder" >"$folder/environment"
+    cat >"$folder/environment" <<END
+unset \$(env | sed -n 's/^\(\(SLURM\|SBATCH\|SCANCEL\|SINFO\|SQUEUE\)_[A-Z0-9_]*\)=.*/\1/p')
+export SLURM_CONF=$(printf %q "$conf") VORNUTILITY_CLUSTER=$(printf %q "$folder")
+END
 }
 
 daemons_ready() {
@@ -120,10 +126,11 @@ start() {
     : >"$mark"
     chmod 711 "$folder" # as munged demands
     mkdir -m 700 "$folder/log" "$folder/state" "$folder/spool" "$folder/munge"
-    write_configuration "$host" "$(free_ports 5)"
+    write_configuration "$host" "$(free_ports 6)"
 
     (umask 077 && head -c 128 /dev/urandom >"$folder/munge/key")
-    export SLURM_CONF=$conf
+    # shellcheck source=/dev/null
+    . "$folder/environment"
     cd /
     munged --key-file="$folder/munge/key" --socket="$folder/munge.socket" \
         --pid-file="$folder/munge/munged.pid" --log-file="$folder/munge/munged.log" \

@@ -14,7 +14,7 @@ cannot_run() {
     exit 77
 }
 
-policy= folder= running=
+policy= folder= cluster= running=
 finish() {
     local status=$?
     trap '' INT TERM HUP
@@ -23,13 +23,17 @@ finish() {
         kill -- "-$running" 2>/dev/null || true
         wait "$running" 2>/dev/null || true
     fi
-    if [ $status -ne 0 ] && [ -d "$folder/log" ]; then
+    if [ $status -ne 0 ] && [ -d "$cluster/log" ]; then
         rm -rf "$project/build/cluster-log"
-        cp -r "$folder/log" "$project/build/cluster-log"
+        cp -r "$cluster/log" "$project/build/cluster-log"
         say "The logs of Slurm are in build/cluster-log"
     fi
     if [ -n "$folder" ]; then
-        "$project/scripts/slurm.sh" stop "$folder" && rmdir "${folder%/*}" || status=1
+        # A test may have started another cluster beside the first.
+        for cluster in "$folder"/*; do
+            "$project/scripts/slurm.sh" stop "$cluster" || status=1
+        done
+        rmdir "$folder" || status=1
     fi
     exit $status
 }
@@ -59,8 +63,9 @@ say "linux-release, for the cluster"
 cmake --preset linux-release >/dev/null
 cmake --build --preset linux-release --target VORNUtility cluster_tests
 
-folder=$(mktemp -d -p /tmp vorn-cluster.XXXXXX)/slurm # short: a socket lies in it
-chmod 711 "${folder%/*}" # munged demands it
+folder=$(mktemp -d -p /tmp vorn-cluster.XXXXXX) # short: a socket lies in it
+chmod 711 "$folder" # munged demands it
+cluster=$folder/slurm
 
 # run COMMAND...: in a process group of its own, which is ended when the command fails or a signal comes.
 run() {
@@ -72,12 +77,12 @@ run() {
     running=
 }
 
-say "Starting Slurm in $folder"
+say "Starting Slurm in $cluster"
 status=0
-run scripts/slurm.sh start "$folder" || status=$?
+run scripts/slurm.sh start "$cluster" || status=$?
 [ $status -ne 77 ] || cannot_run "see above"
 [ $status -eq 0 ] || exit 1
 # shellcheck source=/dev/null
-. "$folder/environment"
+. "$cluster/environment"
 
 run ctest --preset linux-release -C Cluster -L cluster --no-tests=error

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TestFiles.h"
 #include "TestWithFolder.h"
 
 #include <QtCore/QElapsedTimer>
@@ -31,6 +32,14 @@ inline Answer answerOf(const QString &program, const QStringList &arguments,
                        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     answer.errors = process.readAllStandardError();
     return answer;
+}
+
+/// Whether a process with this number runs. One that has ended counts as ended, also if nobody has
+/// waited for it.
+inline bool isRunning(const QByteArray &process)
+{
+    const QString exe = QStringLiteral("/proc/%1/exe").arg(QString::fromLatin1(process));
+    return !QFile::symLinkTarget(exe).isEmpty();
 }
 
 /// The base class of tests on the Slurm cluster that scripts/slurm.sh has started. Without one they

@@ -39,10 +39,11 @@ private Q_SLOTS:
 
 private:
     static QString configuration() { return clusterFile(QStringLiteral("slurm.conf")); }
-    static pid_t controller()
+    static QByteArray process()
     {
-        return contentOf(clusterFile(QStringLiteral("slurmctld.pid"))).trimmed().toInt();
+        return contentOf(clusterFile(QStringLiteral("slurmctld.pid"))).trimmed();
     }
+    static pid_t controller() { return process().toInt(); }
     bool useConfiguration(const QByteArray &added);
 };
 
@@ -59,7 +60,7 @@ void TestClusterController::cleanup()
     qputenv("SLURM_CONF", QFile::encodeName(configuration()));
     if (controller() > 0)
         kill(controller(), SIGCONT);
-    if (controller() <= 0 || kill(controller(), 0) != 0)
+    if (!isRunning(process()))
         answerOf(QStringLiteral("/usr/sbin/slurmctld"), {QStringLiteral("-f"), configuration()});
     QTRY_VERIFY_WITH_TIMEOUT(isAnsweredByController(), 30000);
     TestWithCluster::cleanup();

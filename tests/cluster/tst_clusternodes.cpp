@@ -50,6 +50,7 @@ private Q_SLOTS:
     void aNodeThatCannotBeUsedIsListed_data();
     void aNodeThatCannotBeUsedIsListed();
     void aNodeWithoutItsDaemonIsListed();
+    void aNodeInNoPartitionIsNotListed();
 
     void theLibraryReadsTheCluster();
     void resultsArchiveLogsTheCluster();
@@ -154,6 +155,12 @@ void TestClusterNodes::aNodeWithoutItsDaemonIsListed()
                  || state.startsWith(QStringLiteral("down")),
              qPrintable(state));
     QVERIFY(tool().lines.contains(QStringLiteral("n4:64:4:256:ComputeNodes")));
+}
+
+void TestClusterNodes::aNodeInNoPartitionIsNotListed()
+{
+    QCOMPARE(scontrol(texts({"show", "node", "n5"})).exitCode, 0);
+    QVERIFY(!namesIn(tool().lines).contains(QStringLiteral("n5")));
 }
 
 void TestClusterNodes::theLibraryReadsTheCluster()

@@ -1,6 +1,7 @@
 #include "Cases.h"
 
 #include "CsvText.h"
+#include "Platform.h"
 
 #include <QtCore/QCryptographicHash>
 #include <QtCore/QRegularExpression>
@@ -86,6 +87,13 @@ QString readCases(const QByteArray &csv, Cases &cases)
             return QStringLiteral("Line %1: expected %2 values, found %3")
                 .arg(QString::number(row.line), QString::number(cases.names.size()),
                      QString::number(row.fields.size()));
+        }
+        for (int index = 0; index < row.fields.size(); ++index) {
+            if (!canBePassed(row.fields.at(index))) {
+                return QStringLiteral("Line %1: the encoding of the system cannot hold the value "
+                                      "of %2; set LC_ALL to one that can, such as C.UTF-8")
+                    .arg(QString::number(row.line), cases.names.at(index));
+            }
         }
         cases.values << row.fields;
     }

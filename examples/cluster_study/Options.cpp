@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include "Platform.h"
 #include "Text.h"
 
 #include <QtCore/QCommandLineParser>
@@ -43,6 +44,11 @@ QString readStudy(const QStringList &words, Study &study)
     study.arguments = words.mid(2);
     if (study.program.isEmpty())
         return QStringLiteral("The program has no name");
+    if (isRunByShell(study.program)) {
+        return QStringLiteral("The command interpreter of Windows would read the values of "
+                              "parameters as commands: use a program instead of the batch file %1")
+            .arg(oneLine(words.at(1)));
+    }
     const QString problem = readCasesFile(words.first(), study.cases);
     return problem.isEmpty() ? unknownParameter(study.arguments, study.cases.names) : problem;
 }
@@ -78,7 +84,7 @@ QString readOptions(Options &options)
         "replaced by the value of the parameter, {case} by the number of the case; {{name}}\n"
         "stands for {name} itself. The values are also in environment variables, such as\n"
         "STUDY_NAME. Each case has a folder of its own as the current folder: give files in\n"
-        "arguments with absolute paths.\n\n"
+        "arguments with absolute paths. The program cannot be a batch file of Windows.\n\n"
         "Files in the folder of a case:\n"
         "  result.txt        written by the case: lines \"name=value\", the columns of the table\n"
         "  study-output.txt  the standard output of the case\n"
@@ -134,6 +140,14 @@ QString readOptions(Options &options)
         : QCoreApplication::applicationDirPath();
     options.resume = parser.isSet(resume);
     options.output = outputFolder(parser.value(output), words.first());
+    const QStringList texts = QCoreApplication::arguments() << options.output;
+    for (const QString &text : texts) {
+        if (!canBePassed(text)) {
+            return QStringLiteral("The encoding of the system cannot hold this argument; set "
+                                  "LC_ALL to one that can, such as C.UTF-8: %1")
+                .arg(oneLine(text));
+        }
+    }
     return QString();
 }
 

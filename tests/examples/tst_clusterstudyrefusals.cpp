@@ -12,10 +12,14 @@ private Q_SLOTS:
     void aWrongCommandLineIsRefused_data();
     void aWrongCommandLineIsRefused();
     void wrongCasesAreRefusedWithTheLine();
+    void anArgumentThatIsNoTextIsRefused_data();
+    void anArgumentThatIsNoTextIsRefused();
+    void aBatchFileIsRefusedOnWindows_data();
+    void aBatchFileIsRefusedOnWindows();
     void anOutputFolderWithContentIsRefused_data();
     void anOutputFolderWithContentIsRefused();
-    void anEmptyOutputFolderIsUsed_data();
     void anEmptyOutputFolderIsUsed();
+    void aFolderWithOnlyALockThatIsStaleIsUsed();
     void aFolderWithoutAStudyIsNotResumed();
     void theLockOfAnotherMachineIsExplained();
     void anotherStudyIsNotResumed_data();
@@ -72,6 +76,67 @@ void TestClusterStudyRefusals::wrongCasesAreRefusedWithTheLine()
     QVERIFY(!QFile::exists(site.output()));
 }
 
+void TestClusterStudyRefusals::anArgumentThatIsNoTextIsRefused_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::newRow("argument") << text("cases.csv -- p a \"$(printf '\\377')\"");
+    QTest::newRow("program") << text("cases.csv -- \"$(printf '\\377')\"");
+    QTest::newRow("output folder") << text("--output \"$(printf '\\377')\" cases.csv -- p");
+}
+
+void TestClusterStudyRefusals::anArgumentThatIsNoTextIsRefused()
+{
+    if (onWindows())
+        QSKIP("Arguments have UTF-16 here");
+    QFETCH(QString, arguments);
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QProcess shell;
+    shell.setWorkingDirectory(site.path(QString()));
+    shell.start(text("sh"), {text("-c"), text("exec \"$0\" ") + arguments, site.program()});
+    QVERIFY(shell.waitForFinished(StudyTimeLimit));
+    QCOMPARE(shell.exitCode(), 1);
+    const QByteArray message = "cluster-study: The encoding of the system cannot hold this "
+                               "argument; set LC_ALL to one that can, such as C.UTF-8: ";
+    QVERIFY(shell.readAllStandardError().startsWith(message));
+    QCOMPARE(entriesOf(site.path(QString())), list("cases.csv program"));
+}
+
+void TestClusterStudyRefusals::aBatchFileIsRefusedOnWindows_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<bool>("isRefused");
+    QTest::newRow("bat") << text("tool.bat") << true;
+    QTest::newRow("in a folder, with capitals") << text("./tool.BAT") << true;
+    QTest::newRow("cmd") << text("TOOL.Cmd") << true;
+    QTest::newRow("with an ending that the system ignores") << text("tool.bat. .") << true;
+    QTest::newRow("not found without its suffix") << text("./tool") << false;
+    QTest::newRow("in the middle") << text("tool.bat.exe") << false;
+}
+
+void TestClusterStudyRefusals::aBatchFileIsRefusedOnWindows()
+{
+    NEED_STUDY_ARCHIVER;
+    QFETCH(QString, program);
+    QFETCH(bool, isRefused);
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QVERIFY(writeFile(site.path(text("tool.bat")), "echo started >started.txt\r\n"));
+    const int exitCode = site.run({text("cases.csv"), text("--"), program, text("{x}")});
+    if (onWindows() && isRefused) {
+        QCOMPARE(exitCode, 1);
+        QCOMPARE(site.errors(),
+                 asError(text("The command interpreter of Windows would read the values of "
+                              "parameters as commands: use a program instead of the batch file ")
+                         + program));
+        QVERIFY(!QFile::exists(site.output()));
+    } else {
+        QCOMPARE(exitCode, 2);
+        QVERIFY2(site.printed().contains(text("Case 1 failed: Cannot be started: ")),
+                 qPrintable(site.printed()));
+    }
+}
+
 void TestClusterStudyRefusals::anOutputFolderWithContentIsRefused_data()
 {
     QTest::addColumn<QString>("file");
@@ -103,26 +168,33 @@ void TestClusterStudyRefusals::anOutputFolderWithContentIsRefused()
     QVERIFY(QFile::exists(site.path(text("deep/other/results.7z"))));
 }
 
-void TestClusterStudyRefusals::anEmptyOutputFolderIsUsed_data()
-{
-    QTest::addColumn<QByteArray>("lock");
-    QTest::newRow("without a lock") << QByteArray();
-    // Process numbers are smaller.
-    QTest::newRow("with the lock of a process that has ended")
-        << QByteArray("2000000000\ncluster-study\n") + QSysInfo::machineHostName().toLocal8Bit()
-            + '\n';
-}
-
 void TestClusterStudyRefusals::anEmptyOutputFolderIsUsed()
 {
     NEED_STUDY_ARCHIVER;
-    QFETCH(QByteArray, lock);
     StudySite site;
     site.writeCases("x\n1\n");
     QVERIFY(QDir().mkpath(site.output()));
-    QVERIFY(lock.isEmpty() || writeFile(site.output(text("study.lock")), lock));
     QCOMPARE(site.runCases({}, list("print x")), 0);
     QCOMPARE(site.errors(), QString());
+    QCOMPARE(site.states(), list("ok"));
+}
+
+void TestClusterStudyRefusals::aFolderWithOnlyALockThatIsStaleIsUsed()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    site.start(site.commandLine({}, list("count running wait forever")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0001/running"))),
+                             StudyTimeLimit);
+    site.process().kill();
+    QVERIFY(site.process().waitForFinished(StudyTimeLimit)
+            || site.process().state() == QProcess::NotRunning);
+    QTRY_VERIFY(QDir(site.output(text("cases"))).removeRecursively());
+    QVERIFY(QFile::remove(site.output(text("study.json"))));
+    QVERIFY(QFile::remove(site.output(text("study.log"))));
+    QCOMPARE(entriesOf(site.output()), list("study.lock"));
+    QCOMPARE(site.runCases({}, list("print x")), 0);
     QCOMPARE(site.states(), list("ok"));
 }
 

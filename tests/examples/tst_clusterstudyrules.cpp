@@ -12,6 +12,7 @@
 #include "Table.h"
 #include "TimesPicture.h"
 
+#include <QtCore/QTextCodec>
 #include <QtCore/QXmlStreamReader>
 #include <QtTest/QtTest>
 
@@ -66,6 +67,7 @@ private Q_SLOTS:
     void csvThatIsWrittenReadsBack();
     void casesThatAreWrongAreRefused_data();
     void casesThatAreWrongAreRefused();
+    void valuesThatTheEncodingCannotHoldAreRefused();
     void aCaseKnowsTheValuesOfItsRow();
     void argumentsAreFilled_data();
     void argumentsAreFilled();
@@ -220,6 +222,22 @@ void TestClusterStudyRules::casesThatAreWrongAreRefused()
     QFETCH(QString, problem);
     Cases cases;
     QCOMPARE(readCases(csv, cases), problem);
+}
+
+void TestClusterStudyRules::valuesThatTheEncodingCannotHoldAreRefused()
+{
+    const bool onWindows = QDir::separator() == QLatin1Char('\\'); // arguments have UTF-16 there
+    QTextCodec *former = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    Cases cases;
+    const QString latin = readCases("x,y\n\xC3\xA4,1\n", cases);
+    const QString euro = readCases("x,y\n\xC3\xA4,1\n1,\xE2\x82\xAC\n", cases);
+    QTextCodec::setCodecForLocale(former);
+    QCOMPARE(latin, QString());
+    QCOMPARE(euro,
+             onWindows ? QString()
+                       : text("Line 3: the encoding of the system cannot hold the value of y; set "
+                              "LC_ALL to one that can, such as C.UTF-8"));
 }
 
 void TestClusterStudyRules::aCaseKnowsTheValuesOfItsRow()

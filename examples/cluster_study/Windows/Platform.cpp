@@ -1,5 +1,7 @@
 #include "Platform.h"
 
+#include <QtCore/QRegularExpression>
+
 #include <cstdio>
 #include <io.h>
 
@@ -8,6 +10,20 @@ namespace ClusterStudy {
 bool isTerminal()
 {
     return _isatty(_fileno(stdout)) != 0;
+}
+
+bool canBePassed(const QString &)
+{
+    return true;
+}
+
+// A name without a suffix is no batch file: CreateProcess() adds only ".exe".
+bool isRunByShell(const QString &program)
+{
+    // Windows ignores dots and blanks at the end of a name.
+    static const QRegularExpression batchFile(QStringLiteral("\\.(bat|cmd)[. ]*$"),
+                                              QRegularExpression::CaseInsensitiveOption);
+    return batchFile.match(program).hasMatch();
 }
 
 } // namespace ClusterStudy

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # demo.sh [FOLDER]
 #
-# Builds and installs the library, builds the example with the installed package, and runs it: the
-# example packs FOLDER, by default a copy of the project's files, and checks the archive. The archive
-# is written to a temporary folder, which is removed at the end.
+# Builds and installs the library, builds the examples with the installed package, and runs them:
+# results-archive packs FOLDER, by default a copy of the project's files, and checks the archive. The
+# archive is written to a temporary folder, which is removed at the end. cluster-study runs a small study;
+# its results stay in build/demo-study/results.
 . "$(dirname "$0")/common.sh"
 
 folder=${1:-}
@@ -20,10 +21,16 @@ cmake --preset linux-release >/dev/null
 cmake --build --preset linux-release --target VORNUtility
 cmake --install build/linux-release --prefix build/stage >/dev/null
 
-say "Building the example against the installed package"
-cmake -S examples/results_archive -B build/demo -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DVORNUtility_ROOT="$project/build/stage" >/dev/null
-cmake --build build/demo
+# build_example SOURCE FOLDER
+build_example() {
+    cmake -S "$1" -B "$2" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DVORNUtility_ROOT="$project/build/stage" >/dev/null
+    cmake --build "$2"
+}
+
+say "Building the examples against the installed package"
+build_example examples/results_archive build/demo
+build_example examples/cluster_study build/demo-study
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -40,4 +47,21 @@ build/demo/results-archive --archive "$scratch/results.7z" --log "$scratch/log/d
     -- "$folder" || status=$?
 say "The log"
 find "$scratch/log" -type f -exec cat {} +
-exit $status
+[ $status -eq 0 ] || exit $status
+
+say "A study: the area of a circle by random points, more of them in each case"
+study=$project/build/demo-study
+cat >"$scratch/area.py" <<'END'
+import random, sys
+points = int(sys.argv[1])
+inside = sum(random.random() ** 2 + random.random() ** 2 < 1 for _ in range(points))
+with open("result.txt", "w") as result:
+    print(f"area={4 * inside / points}", file=result)
+END
+printf '%s\n' points 100 1000 10000 100000 1000000 >"$scratch/circles.csv"
+rm -rf "$study/results"
+"$study/cluster-study" --output "$study/results" "$scratch/circles.csv" -- \
+    python3 "$scratch/area.py" '{points}'
+say "The table of results"
+cat "$study/results/results.csv"
+say "The times of the cases are in $study/results/times.svg"

@@ -1,14 +1,15 @@
 #include "CaseEnd.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QStringList>
 
-#include <algorithm>
-
 namespace ClusterStudy {
 
 namespace {
+
+constexpr int MaxResults = 1000;
 
 const QString CaseKey = QStringLiteral("case");
 const QString StateKey = QStringLiteral("state");
@@ -56,22 +57,25 @@ CaseEnd readEndFile(const QByteArray &content, int number)
     return end;
 }
 
-Results readResults(const QByteArray &content)
+Results readResults(const QByteArray &content, QString &ignored)
 {
     Results results;
+    QHash<QString, int> places;
     const QStringList lines = QString::fromUtf8(content).split(QLatin1Char('\n'));
     for (const QString &line : lines) {
         const int equals = line.indexOf(QLatin1Char('='));
         const QString name = line.left(equals).trimmed();
         if (equals < 0 || name.isEmpty())
             continue;
-        const auto found = std::find_if(results.begin(), results.end(),
-                                        [&name](const auto &item) { return item.first == name; });
         const QString value = line.mid(equals + 1).trimmed();
-        if (found == results.end())
+        if (places.contains(name)) {
+            results[places.value(name)].second = value;
+        } else if (results.size() < MaxResults) {
+            places.insert(name, results.size());
             results.append(qMakePair(name, value));
-        else
-            found->second = value;
+        } else {
+            ignored = QStringLiteral("only the first %1 names are read").arg(MaxResults);
+        }
     }
     return results;
 }

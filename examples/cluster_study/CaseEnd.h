@@ -35,7 +35,8 @@ CaseEnd readEndFile(const QByteArray &content, int number);
 using Results = QVector<QPair<QString, QString>>;
 
 /// Reads the lines "name=value" of a case's file of results. Lines without a "=" or without a name
-/// are ignored. Of several lines with one name the last counts. The text is UTF-8.
-Results readResults(const QByteArray &content);
+/// are ignored. Of several lines with one name the last counts. The text is UTF-8. At most 1000
+/// names are read; if there are more, \a ignored says so.
+Results readResults(const QByteArray &content, QString &ignored);
 
 } // namespace ClusterStudy

@@ -2,10 +2,11 @@
 
 #include "CsvText.h"
 #include "Platform.h"
+#include "Text.h"
 
 #include <QtCore/QCryptographicHash>
+#include <QtCore/QHash>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QSet>
 
 namespace ClusterStudy {
 
@@ -17,24 +18,34 @@ const QString &numberName()
     return name;
 }
 
+// Names of environment variables on Windows have no letter case.
 QString checkNames(const QStringList &names)
 {
     static const QRegularExpression valid(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_]*\\z"));
-    // The columns that the table of results has besides the parameters.
-    QSet<QString> used{numberName(), QStringLiteral("state"), QStringLiteral("exit_code"),
-                       QStringLiteral("seconds")};
-    for (const QString &name : names) {
+    const QStringList reserved = fixedColumns({});
+    QHash<QString, int> used;
+    for (int column = 1; column <= names.size(); ++column) {
+        const QString name = names.at(column - 1);
+        QString problem;
         if (name.isEmpty())
-            return QStringLiteral("A parameter has no name");
-        if (!valid.match(name).hasMatch()) {
-            return QStringLiteral("The parameter name \"%1\" is not valid: use letters, digits "
-                                  "and _")
-                .arg(name.simplified());
-        }
-        // Names of environment variables on Windows have no letter case.
-        if (used.contains(name.toLower()))
-            return QStringLiteral("The parameter name %1 is used twice or reserved").arg(name);
-        used.insert(name.toLower());
+            problem = QStringLiteral("the parameter has no name");
+        else if (name != name.trimmed())
+            problem = QStringLiteral("the name \"%1\" begins or ends with a blank; remove it")
+                          .arg(oneLine(name));
+        else if (!valid.match(name).hasMatch())
+            problem = QStringLiteral("the name \"%1\" is not valid; use letters, digits and _")
+                          .arg(oneLine(name));
+        else if (reserved.contains(name.toLower()))
+            problem = QStringLiteral("this name is reserved for the table of results; use "
+                                     "another: %1")
+                          .arg(name);
+        else if (used.contains(name.toLower()))
+            problem = QStringLiteral("column %1 has this name too (letter case does not count); "
+                                     "use another: %2")
+                          .arg(QString::number(used.value(name.toLower())), name);
+        if (!problem.isEmpty())
+            return QStringLiteral("Column %1: %2").arg(QString::number(column), problem);
+        used.insert(name.toLower(), column);
     }
     return QString();
 }
@@ -124,6 +135,13 @@ QString unknownParameter(const QStringList &arguments, const QStringList &names)
 QString variableName(const QString &name)
 {
     return QStringLiteral("STUDY_") + name.toUpper();
+}
+
+QStringList fixedColumns(const QStringList &names)
+{
+    return QStringList{numberName()} + names
+        + QStringList{QStringLiteral("state"), QStringLiteral("exit_code"),
+                      QStringLiteral("seconds"), QStringLiteral("error")};
 }
 
 QByteArray fingerprint(const Cases &cases)

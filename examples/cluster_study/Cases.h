@@ -32,6 +32,10 @@ QString unknownParameter(const QStringList &arguments, const QStringList &names)
 /// The name of the environment variable for the parameter \a name.
 QString variableName(const QString &name);
 
+/// The columns of the table of results for parameters with these \a names, without the columns that
+/// cases add.
+QStringList fixedColumns(const QStringList &names);
+
 /// A number that differs between studies with different cases.
 QByteArray fingerprint(const Cases &cases);
 

@@ -35,9 +35,20 @@ QString Report::write()
     QVector<Results> results;
     for (int number = 1; number <= cases_.count(); ++number) {
         ends_ << folder_.readEnd(number);
-        results << (ends_.last().state == CaseEnd::Ok ? folder_.readResults(number) : Results());
+        QString ignored;
+        results << (ends_.last().state == CaseEnd::Ok ? folder_.readResults(number, ignored)
+                                                      : Results());
+        if (!ignored.isEmpty())
+            log_.append(QStringLiteral("Case %1: %2").arg(QString::number(number), ignored));
     }
-    const QString problem = folder_.writeFile(TableFile, tableOf(cases_, ends_, results));
+    QStringList ignored;
+    const QByteArray table = tableOf(cases_, ends_, results, ignored);
+    if (!ignored.isEmpty()) {
+        log_.append(QStringLiteral("Results with the name of another column are not in the table: "
+                                   "%1")
+                        .arg(ignored.join(QStringLiteral(", "))));
+    }
+    const QString problem = folder_.writeFile(TableFile, table);
     return problem.isEmpty() ? folder_.writeFile(PictureFile, timesPicture(ends_)) : problem;
 }
 

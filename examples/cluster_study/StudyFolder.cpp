@@ -170,10 +170,14 @@ QString StudyFolder::removeEnd(int number) const
     return QString();
 }
 
-Results StudyFolder::readResults(int number) const
+Results StudyFolder::readResults(int number, QString &ignored) const
 {
-    return ClusterStudy::readResults(
-        contentOf(caseFolder(number) + QLatin1Char('/') + ResultFile, MaxResultFile));
+    const QString path = caseFolder(number) + QLatin1Char('/') + ResultFile;
+    if (QFileInfo(path).size() > MaxResultFile) {
+        ignored = QStringLiteral("%1 has more than %2 bytes and is not read")
+                      .arg(ResultFile, QString::number(MaxResultFile));
+    }
+    return ClusterStudy::readResults(contentOf(path, MaxResultFile), ignored);
 }
 
 QString StudyFolder::writeFile(const QString &name, const QByteArray &content) const

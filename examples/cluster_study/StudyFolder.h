@@ -42,8 +42,8 @@ public:
     CaseEnd readEnd(int number) const;
     QString removeEnd(int number) const;
 
-    /// What the case has written into "result.txt"; empty if the file is too large.
-    Results readResults(int number) const;
+    /// What the case has written into "result.txt". What is not read is described in \a ignored.
+    Results readResults(int number, QString &ignored) const;
 
     QString writeFile(const QString &name, const QByteArray &content) const;
 

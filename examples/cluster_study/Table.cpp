@@ -7,11 +7,9 @@
 namespace ClusterStudy {
 
 QByteArray tableOf(const Cases &cases, const QVector<CaseEnd> &ends,
-                   const QVector<Results> &results)
+                   const QVector<Results> &results, QStringList &ignored)
 {
-    QStringList columns = QStringList{QStringLiteral("case")} + cases.names
-        + QStringList{QStringLiteral("state"), QStringLiteral("exit_code"),
-                      QStringLiteral("seconds")};
+    QStringList columns = fixedColumns(cases.names);
     const int ownColumns = columns.size();
     QHash<QString, int> columnOf;
     for (int column = 0; column < ownColumns; ++column)
@@ -34,12 +32,15 @@ QByteArray tableOf(const Cases &cases, const QVector<CaseEnd> &ends,
         fields << (end.exitCode < 0 ? QString() : QString::number(end.exitCode));
         fields << (hasRun ? QString::number(static_cast<double>(end.milliseconds) / 1000, 'f', 3)
                           : QString());
+        fields << (end.state == CaseEnd::Failed ? end.error : QString());
         while (fields.size() < columns.size())
             fields << QString();
         for (const auto &result : results.at(index)) {
             const int column = columnOf.value(result.first);
             if (column >= ownColumns)
                 fields[column] = result.second;
+            else if (!ignored.contains(result.first))
+                ignored << result.first;
         }
         table += csvLine(fields);
     }

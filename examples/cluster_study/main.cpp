@@ -154,11 +154,11 @@ int main(int argc, char *argv[])
 
     Report report(options.study.cases, folder, log);
     problem = runTasks(options, folder, report, cancel, log);
-    if (!problem.isEmpty())
-        return fail(problem);
     const QString summary = report.summary(time.elapsed());
     log.append(summary);
     printLine(stdout, summary);
+    if (!problem.isEmpty())
+        return fail(problem);
     if (cancel.isRequested())
         return Cancelled;
     return report.count(CaseEnd::Ok) == options.study.cases.count() ? AllOk : CasesFailed;

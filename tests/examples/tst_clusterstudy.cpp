@@ -19,6 +19,8 @@ private Q_SLOTS:
     void everyCaseRunsInAFolderOfItsOwn();
     void argumentsAndVariablesHaveTheExactValues();
     void theResultsAreInTheTable();
+    void resultsThatAreIgnoredAreInTheLog();
+    void theSummaryIsShownWithoutAnArchive();
     void everythingIsInTheArchive();
     void aFailedCaseIsARow_data();
     void aFailedCaseIsARow();
@@ -93,11 +95,36 @@ void TestClusterStudy::theResultsAreInTheTable()
                                 "result {case}=last")),
              0);
     QVERIFY(contentOf(site.output(text("results.csv")))
-                .startsWith("case,load,name,state,exit_code,seconds,sum,1,2\n"
+                .startsWith("case,load,name,state,exit_code,seconds,error,sum,1,2\n"
                             "1,1.5,\"a,b\",ok,0,"));
     QCOMPARE(site.column(text("sum")), list("1.51 22"));
     QCOMPARE(site.column(text("1")), QStringList({text("last"), QString()}));
     QVERIFY(contentOf(site.output(text("times.svg"))).endsWith("</svg>\n"));
+}
+
+void TestClusterStudy::resultsThatAreIgnoredAreInTheLog()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2000000\n");
+    QCOMPARE(site.runCases({}, list("result x=5 result state=5 result y=5 long-result {x}")), 0);
+    QCOMPARE(site.column(text("y")), QStringList({text("5"), QString()}));
+    const QString log = asText(contentOf(site.output(text("study.log"))));
+    QVERIFY(log.contains(text("Results with the name of another column are not in the table: x, "
+                              "state\n")));
+    QVERIFY(log.contains(text("Case 2: result.txt has more than 1048576 bytes and is not read\n")));
+}
+
+void TestClusterStudy::theSummaryIsShownWithoutAnArchive()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QCOMPARE(site.runCases({}, {text("folder"), text("../../results.7z/in-the-way")}), 1);
+    QVERIFY2(site.errors().contains(text("results.7z cannot be ")), qPrintable(site.errors()));
+    const QString summary = text("1 cases: 1 ok, 0 failed, 0 cancelled, 0 missing, in ");
+    QVERIFY(site.printed().contains(summary));
+    QVERIFY(asText(contentOf(site.output(text("study.log")))).contains(summary));
 }
 
 void TestClusterStudy::everythingIsInTheArchive()
@@ -138,6 +165,7 @@ void TestClusterStudy::aFailedCaseIsARow()
     QCOMPARE(site.states(), list("ok failed ok"));
     QCOMPARE(site.column(text("exit_code")), QStringList({text("0"), exitCode, text("0")}));
     QCOMPARE(site.column(text("r")), QStringList({text("1"), QString(), text("1")}));
+    QCOMPARE(site.column(text("error")), QStringList({QString(), message, QString()}));
     QVERIFY(site.printed().contains(text("Case 2 failed: %1\n").arg(message)));
     QVERIFY(site.printed().contains(text("3 cases: 2 ok, 1 failed, 0 cancelled, 0 missing, in ")));
 }

@@ -80,8 +80,10 @@ private Q_SLOTS:
     void anEndFileThatIsWrongReadsAsMissing();
     void resultsAreReadFromLines_data();
     void resultsAreReadFromLines();
+    void manyResultsAreReadUpToALimit();
     void theTableHasAColumnForEachResult();
     void theTableKeepsItsOwnColumns();
+    void onlyAFailedCaseHasAnErrorInTheTable();
     void thePictureHasABarForEachCaseThatRan();
     void thePictureOfManyCasesHasFewerBars();
     void thePictureShowsTheWorstStateOfABar();
@@ -192,25 +194,33 @@ void TestClusterStudyRules::casesThatAreWrongAreRefused_data()
     };
     const QString none
         = text("Expected a row with the names of the parameters and at least one case");
-    const auto used = [](const char *name) {
-        return text("The parameter name %1 is used twice or reserved").arg(text(name));
-    };
     const auto invalid = [](const char *name) {
-        return text("The parameter name \"%1\" is not valid: use letters, digits and _")
+        return text("Column 1: the name \"%1\" is not valid; use letters, digits and _")
             .arg(QString::fromUtf8(name));
     };
+    const auto blank = [](const char *name) {
+        return text("Column 2: the name \"%1\" begins or ends with a blank; remove it")
+            .arg(text(name));
+    };
+    const QString twice
+        = text("Column 3: column 1 has this name too (letter case does not count); use another: ");
+    const QString reserved
+        = text("Column 1: this name is reserved for the table of results; use another: ");
     row("empty file", "", none);
     row("no case", "a,b\n", none);
-    row("no name", "a,\n1,2\n", text("A parameter has no name"));
-    row("a name twice", "a,a\n1,2\n", used("a"));
-    row("the same variable", "a,A\n1,2\n", used("A"));
-    row("number of the case", "case\n1\n", used("case"));
-    row("column of the table", "Exit_Code\n1\n", used("Exit_Code"));
+    row("no name", "a,\n1,2\n", text("Column 2: the parameter has no name"));
+    row("a name twice", "a,b,a\n1,2,3\n", twice + text("a"));
+    row("the same variable", "a,b,A\n1,2,3\n", twice + text("A"));
+    row("number of the case", "case\n1\n", reserved + text("case"));
+    row("column of the table", "Exit_Code\n1\n", reserved + text("Exit_Code"));
+    row("column of errors", "error\n1\n", reserved + text("error"));
+    row("blank before a name", "length, width\n1,2\n", blank(" width"));
+    row("blank after a name", "length,width \n1,2\n", blank("width "));
+    row("line end after a name", "a,\"b\n\"\n1,2\n", blank("b?"));
     row("blank in a name", "a b\n1\n", invalid("a b"));
     row("name with =", "a=b\n1\n", invalid("a=b"));
     row("name with a digit first", "1a\n1\n", invalid("1a"));
     row("name with other letters", "\xC3\xA4\n1\n", invalid("\xC3\xA4"));
-    row("name with a line end", "\"a\n\"\n1\n", invalid("a"));
     row("too few values", "a,b\n1,2\n\n3\n", text("Line 4: expected 2 values, found 1"));
     row("too many values", "a\n1,2\n", text("Line 2: expected 1 values, found 2"));
     row("wrong CSV", "a\n\"1\n", text("Line 2: the closing quotation mark is missing"));
@@ -386,9 +396,25 @@ void TestClusterStudyRules::resultsAreReadFromLines()
     QFETCH(QByteArray, content);
     QFETCH(QString, results);
     QString all;
-    for (const auto &result : readResults(content))
+    QString ignored;
+    for (const auto &result : readResults(content, ignored))
         all += text("[%1|%2]").arg(result.first, result.second);
     QCOMPARE(all, results);
+    QCOMPARE(ignored, QString());
+}
+
+void TestClusterStudyRules::manyResultsAreReadUpToALimit()
+{
+    QByteArray content;
+    for (int number = 0; number < 100000; ++number)
+        content += "n" + QByteArray::number(number) + "=1\n";
+    content += "n0=last\n";
+    QString ignored;
+    const Results results = readResults(content, ignored);
+    QCOMPARE(results.size(), 1000);
+    QCOMPARE(results.first(), qMakePair(text("n0"), text("last")));
+    QCOMPARE(results.last().first, text("n999"));
+    QCOMPARE(ignored, text("only the first 1000 names are read"));
 }
 
 void TestClusterStudyRules::theTableHasAColumnForEachResult()
@@ -398,19 +424,34 @@ void TestClusterStudyRules::theTableHasAColumnForEachResult()
     const QVector<CaseEnd> ends{okAfter(1234), {CaseEnd::Failed, 2, 10, text("Exit code 2")}, {}};
     const QVector<Results> results{
         {{text("x"), text("1,5")}}, {{text("y"), text("2")}, {text("x"), text("3")}}, {}};
-    QCOMPARE(tableOf(cases, ends, results),
-             QByteArray("case,load,name,state,exit_code,seconds,x,y\n"
-                        "1,1.5,a,ok,0,1.234,\"1,5\",\n"
-                        "2,{name},,failed,2,0.010,3,2\n"
-                        "3,3,c,missing,,,,\n"));
+    QStringList ignored;
+    QCOMPARE(tableOf(cases, ends, results, ignored),
+             QByteArray("case,load,name,state,exit_code,seconds,error,x,y\n"
+                        "1,1.5,a,ok,0,1.234,,\"1,5\",\n"
+                        "2,{name},,failed,2,0.010,Exit code 2,3,2\n"
+                        "3,3,c,missing,,,,,\n"));
+    QCOMPARE(ignored, QStringList());
 }
 
 void TestClusterStudyRules::theTableKeepsItsOwnColumns()
 {
+    const Cases cases{{text("load")}, {{text("1")}, {text("2")}}};
+    const Results ofCase{
+        {text("load"), text("9")}, {text("x"), text("5")}, {text("state"), text("9")}};
+    QStringList ignored;
+    QCOMPARE(tableOf(cases, {okAfter(1000), okAfter(1000)}, {ofCase, ofCase}, ignored),
+             QByteArray("case,load,state,exit_code,seconds,error,x\n1,1,ok,0,1.000,,5\n"
+                        "2,2,ok,0,1.000,,5\n"));
+    QCOMPARE(ignored, list("load state"));
+}
+
+void TestClusterStudyRules::onlyAFailedCaseHasAnErrorInTheTable()
+{
     const Cases cases{{text("load")}, {{text("1")}}};
-    const QVector<Results> results{{{text("load"), text("9")}, {text("state"), text("9")}}};
-    QCOMPARE(tableOf(cases, {okAfter(1000)}, results),
-             QByteArray("case,load,state,exit_code,seconds\n1,1,ok,0,1.000\n"));
+    QStringList ignored;
+    QCOMPARE(
+        tableOf(cases, {{CaseEnd::Cancelled, -1, 10, text("Ended abnormally")}}, {{}}, ignored),
+        QByteArray("case,load,state,exit_code,seconds,error\n1,1,cancelled,,0.010,\n"));
 }
 
 void TestClusterStudyRules::thePictureHasABarForEachCaseThatRan()

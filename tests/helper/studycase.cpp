@@ -81,6 +81,8 @@ void run(const QString &action, const QString &value)
         print(stdout, qEnvironmentVariable(qPrintable(value)).toUtf8() + '\n');
     else if (action == QLatin1String("result"))
         append(QStringLiteral("result.txt"), value.toUtf8());
+    else if (action == QLatin1String("long-result")) // bytes
+        append(QStringLiteral("result.txt"), QByteArray(value.toInt(), '#'));
     else if (action == QLatin1String("count"))
         append(value, "run");
     else if (action == QLatin1String("folder"))

@@ -1,5 +1,6 @@
 #include "FilesToPack.h"
 
+#include "Platform.h"
 #include "Text.h"
 
 #include <QtCore/QDirIterator>
@@ -16,23 +17,39 @@ bool canBePacked(const QString &name)
         && !name.endsWith(QLatin1Char('"'));
 }
 
+QString withReason(const QString &name, const QString &reason)
+{
+    return QStringLiteral("%1: %2").arg(oneLine(name), reason);
+}
+
 } // namespace
 
 QStringList filesToPack(const QString &folder, const QString &name, QStringList &leftOut)
 {
     QStringList names;
     const int prefix = folder.size() + 1;
-    QDirIterator files(folder + QLatin1Char('/') + name,
-                       QDir::Files | QDir::Hidden | QDir::System | QDir::NoSymLinks,
-                       QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString path = files.next();
-        const QFileInfo file = files.fileInfo();
-        if (!file.isFile() || file.isSymLink())
-            continue; // such as a pipe
+    const QString start = folder + QLatin1Char('/') + name;
+    QDirIterator entries(start,
+                         QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden
+                             | QDir::System | QDir::NoSymLinks,
+                         QDirIterator::Subdirectories);
+    while (entries.hasNext()) {
+        const QString path = entries.next();
+        const QFileInfo entry = entries.fileInfo();
         const QString relative = path.mid(prefix);
-        (canBePacked(relative) ? names : leftOut) << relative;
+        if (entry.isSymLink() || (!entry.isFile() && !entry.isDir()))
+            continue; // such as a pipe
+        if (!entry.isReadable())
+            leftOut << withReason(relative, QStringLiteral("cannot be read"));
+        else if (entry.isFile() && !canBePacked(relative))
+            leftOut << withReason(relative, QStringLiteral("7-Zip cannot be given this name"));
+        else if (entry.isFile())
+            names << relative;
     }
+    const QStringList unknown = namesThatAreNoText(start); // Qt does not list them
+    for (const QString &path : unknown)
+        leftOut << withReason(path.mid(prefix),
+                              QStringLiteral("the name is no text in the encoding of the system"));
     names.sort();
     return names;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 namespace ClusterStudy {
 
@@ -12,5 +13,9 @@ bool canBePassed(const QString &text);
 
 /// Whether \a program is run by the shell of the system, which reads its arguments as commands.
 bool isRunByShell(const QString &program);
+
+/// The paths in \a folder and its subfolders that are no text in the encoding of the system. Their
+/// invalid characters are replaced.
+QStringList namesThatAreNoText(const QString &folder);
 
 } // namespace ClusterStudy

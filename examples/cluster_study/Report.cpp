@@ -52,7 +52,7 @@ QString Report::write()
     return problem.isEmpty() ? folder_.writeFile(PictureFile, timesPicture(ends_)) : problem;
 }
 
-QStringList Report::filesForArchive() const
+QStringList Report::filesForArchive()
 {
     QStringList leftOut;
     QStringList names{TableFile, PictureFile};
@@ -62,8 +62,8 @@ QStringList Report::filesForArchive() const
             names += filesToPack(folder_.path(), folder_.caseName(number), leftOut);
     }
     for (const QString &name : qAsConst(leftOut))
-        log_.append(
-            QStringLiteral("Not packed, 7-Zip cannot be given this name: %1").arg(oneLine(name)));
+        log_.append(QStringLiteral("Not packed: %1").arg(name));
+    notPacked_ = leftOut.size();
     return names;
 }
 
@@ -75,11 +75,15 @@ int Report::count(CaseEnd::State state) const
 
 QString Report::summary(qint64 milliseconds) const
 {
-    return QStringLiteral("%1 cases: %2 ok, %3 failed, %4 cancelled, %5 missing, in %6: %7")
-        .arg(QString::number(ends_.size()), QString::number(count(CaseEnd::Ok)),
-             QString::number(count(CaseEnd::Failed)), QString::number(count(CaseEnd::Cancelled)),
-             QString::number(count(CaseEnd::Missing)), System::getElapsedTimeString(milliseconds),
-             shown(folder_.path()));
+    QString line = QStringLiteral("%1 cases: %2 ok, %3 failed, %4 cancelled, %5 missing, in %6: %7")
+                       .arg(QString::number(ends_.size()), QString::number(count(CaseEnd::Ok)),
+                            QString::number(count(CaseEnd::Failed)),
+                            QString::number(count(CaseEnd::Cancelled)),
+                            QString::number(count(CaseEnd::Missing)),
+                            System::getElapsedTimeString(milliseconds), shown(folder_.path()));
+    if (notPacked_ > 0)
+        line += QStringLiteral("; %1 files were not packed, see study.log").arg(notPacked_);
+    return line;
 }
 
 } // namespace ClusterStudy

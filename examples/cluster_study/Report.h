@@ -26,7 +26,7 @@ public:
 
     /// The files for the archive: those of the cases that have ended by themselves, the table and
     /// the picture. Call it after write().
-    QStringList filesForArchive() const;
+    QStringList filesForArchive();
 
     int count(CaseEnd::State state) const;
 
@@ -38,6 +38,7 @@ private:
     const StudyFolder &folder_;
     Vorn::Util::Log &log_;
     QVector<CaseEnd> ends_;
+    int notPacked_ = 0;
 };
 
 } // namespace ClusterStudy

@@ -1,5 +1,6 @@
 #include "Tasks.h"
 
+#include "Output.h"
 #include "Text.h"
 
 #include <QtCore/QFile>
@@ -54,10 +55,13 @@ void PackTask::execute()
 
 void PackTask::end()
 {
-    if (!archive_.isOk() || archive_.compressedSize() <= 0) {
+    if (!archive_.isOk())
         log(archive_.output());
+    if (archive_.error() == SevenZip::FatalError || archive_.compressedSize() <= 0) {
         QFile::remove(file_);
         setError(QStringLiteral("7-Zip could not pack the results"));
+    } else if (archive_.error() == SevenZip::Warning) {
+        printLine(stdout, QStringLiteral("Some files could not be packed, see study.log"));
     }
     setFinished();
 }

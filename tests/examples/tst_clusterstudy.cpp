@@ -22,6 +22,8 @@ private Q_SLOTS:
     void resultsThatAreIgnoredAreInTheLog();
     void theSummaryIsShownWithoutAnArchive();
     void everythingIsInTheArchive();
+    void filesThatAreNotPackedAreCounted();
+    void theArchiveIsKeptWhenAFileCannotBeRead();
     void aFailedCaseIsARow_data();
     void aFailedCaseIsARow();
     void aProgramThatCannotBeStartedIsAFailedCase();
@@ -141,6 +143,53 @@ void TestClusterStudy::everythingIsInTheArchive()
         QCOMPARE(expected.remove(text(name)), 1);
     QCOMPARE(expected.size(), 2 + 2 * 4);
     QCOMPARE(readTree(site.path(text("unpacked"))), expected);
+}
+
+void TestClusterStudy::filesThatAreNotPackedAreCounted()
+{
+    if (onWindows())
+        QSKIP("No name ends with a quotation mark here");
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    QCOMPARE(site.runCases({}, list("count mark\"")), 0);
+    QVERIFY2(site.printed().contains(text("; 2 files were not packed, see study.log\n")),
+             qPrintable(site.printed()));
+    QVERIFY(
+        asText(contentOf(site.output(text("study.log"))))
+            .contains(text("Not packed: cases/0002/mark\": 7-Zip cannot be given this name\n")));
+}
+
+// 7-Zip reports a file that is removed before it is read with the same exit code as one that cannot
+// be read.
+void TestClusterStudy::theArchiveIsKeptWhenAFileCannotBeRead()
+{
+    if (onWindows())
+        QSKIP("7-Zip is started by a shell script here");
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    QString archiver;
+    for (const char *name : {"7za", "7zz", "7z"}) {
+        const QString found = QStandardPaths::findExecutable(text(name));
+        archiver = found.isEmpty() ? archiver : found;
+    }
+    const QString wrapper = site.path(text("bin/7z"));
+    QVERIFY(writeFileInFolder(
+        wrapper, "#!/bin/sh\nrm -f cases/0001/gone\nexec " + archiver.toLatin1() + " \"$@\"\n"));
+    QVERIFY(QFile::setPermissions(wrapper, QFile::ReadOwner | QFile::ExeOwner));
+    site.environment().insert(text("PATH"),
+                              site.path(text("bin:")) + site.environment().value(text("PATH")));
+    site.writeCases("x\n1\n2\n");
+    QCOMPARE(site.runCases({}, list("count gone count here")), 0);
+    QVERIFY2(site.printed().contains(text("Some files could not be packed, see study.log\n")),
+             qPrintable(site.printed()));
+    QVERIFY(asText(contentOf(site.output(text("study.log")))).contains(text("cases/0001/gone")));
+    SevenZip archive;
+    archive.setArchiveFile(site.output(text("results.7z")));
+    QVERIFY(archive.listFiles());
+    QVERIFY(archive.files().contains(text("cases/0001/here")));
+    QVERIFY(archive.files().contains(text("cases/0002/gone")));
+    QVERIFY(!archive.files().contains(text("cases/0001/gone")));
 }
 
 void TestClusterStudy::aFailedCaseIsARow_data()

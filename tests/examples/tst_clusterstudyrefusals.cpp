@@ -331,7 +331,7 @@ void TestClusterStudyRefusals::theHelpNamesOptionsVariablesAndFiles()
     StudySite site;
     QCOMPARE(site.run({text("--help")}), 0);
     for (const char *option :
-         {"--jobs", "--resume", "--output", "--slurm", "--cluster-tools", "STUDY_NAME",
+         {"--jobs", "--resume", "--output", "--slurm", "--cluster-tools", "STUDY_NAME", "exit_code",
           "result.txt", "study-output.txt", "study-errors.txt", "study-case.json"})
         QVERIFY2(site.printed().contains(text(option)), option);
 }

@@ -1,5 +1,9 @@
 #include "Platform.h"
 
+#include <QtCore/QFile>
+
+#include <filesystem>
+#include <system_error>
 #include <unistd.h>
 
 namespace ClusterStudy {
@@ -19,6 +23,24 @@ bool canBePassed(const QString &text)
 bool isRunByShell(const QString &)
 {
     return false;
+}
+
+QStringList namesThatAreNoText(const QString &folder)
+{
+    using Entries = std::filesystem::recursive_directory_iterator;
+    QStringList names;
+    std::error_code error;
+    Entries entry(QFile::encodeName(folder).toStdString(),
+                  std::filesystem::directory_options::skip_permission_denied, error);
+    for (; !error && entry != Entries(); entry.increment(error)) {
+        const QByteArray path = QByteArray::fromStdString(entry->path().string());
+        const QString text = QFile::decodeName(path);
+        if (QFile::encodeName(text) != path) {
+            names << text;
+            entry.disable_recursion_pending();
+        }
+    }
+    return names;
 }
 
 } // namespace ClusterStudy

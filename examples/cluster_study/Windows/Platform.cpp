@@ -26,4 +26,9 @@ bool isRunByShell(const QString &program)
     return batchFile.match(program).hasMatch();
 }
 
+QStringList namesThatAreNoText(const QString &)
+{
+    return {};
+}
+
 } // namespace ClusterStudy

@@ -57,6 +57,7 @@ need_but_do_not_start() {
 [ "$(id -u)" -eq 0 ] || cannot_run "root is needed"
 need_build_tools
 need_but_do_not_start slurmctld slurmd slurm-client munge
+need calculix-ccx # for tst_slurmstudy
 cd "$project"
 
 say "linux-release, for the cluster"

@@ -1,25 +1,28 @@
 #include "CancelRequest.h"
 
+#include "Platform.h"
+
 #include <csignal>
 
 namespace ClusterStudy {
 
 namespace {
 
-volatile std::sig_atomic_t requested = 0;
+volatile std::sig_atomic_t requests = 0;
 
 extern "C" void request(int signal)
 {
     std::signal(signal, request); // some systems remove the handler when they call it
-    requested = 1;
+    requests = requests + 1;
 }
 
 } // namespace
 
 CancelRequest::CancelRequest()
 {
-    std::signal(SIGINT, request);
-    std::signal(SIGTERM, request);
+    const QVector<int> signalsToEnd = endSignals();
+    for (const int signal : signalsToEnd)
+        std::signal(signal, request);
 }
 
 bool CancelRequest::isCanceled()
@@ -29,7 +32,12 @@ bool CancelRequest::isCanceled()
 
 bool CancelRequest::isRequested() const
 {
-    return requested != 0;
+    return requests != 0;
+}
+
+int CancelRequest::count() const
+{
+    return requests;
 }
 
 } // namespace ClusterStudy

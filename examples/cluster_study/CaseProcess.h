@@ -6,19 +6,22 @@
 
 namespace ClusterStudy {
 
-/// The process of a case, together with the processes that it starts. If this program is killed,
-/// they end too; on Linux only the process itself does.
+/// A process together with the processes that it starts. If this program is killed, they end too;
+/// on Linux only the process itself does.
 class CaseProcess : public QProcess
 {
 public:
     CaseProcess();
+
+    /// Ends the processes if the first one still runs.
     ~CaseProcess() override;
 
     /// Starts the program that was set. Ctrl-C on the terminal does not reach it.
     void begin();
 
     /// Asks the processes to end, or ends them at once if \a byForce is true. On Windows they
-    /// always end at once.
+    /// always end at once. Call it no later than at the end of the first process: afterwards the
+    /// system may give its number to another process.
     void endAll(bool byForce);
 
 protected:

@@ -11,8 +11,6 @@ namespace ClusterStudy {
 
 namespace {
 
-constexpr int TimeToEnd = 3000; // milliseconds between the request to end and the force
-
 QProcessEnvironment environmentWith(const QMap<QString, QString> &variables)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -48,11 +46,12 @@ void CaseTask::setTimeForSignal(int milliseconds)
 void CaseTask::cancel()
 {
     isCancelled_ = true;
-    if (process_.state() == QProcess::NotRunning && !isWaitingForSignal_)
-        return; // not started, or ended by itself
-    wasAskedToEnd_ = true;
-    process_.endAll(false);
-    force_.start(TimeToEnd);
+    const bool isRunning = process_.state() != QProcess::NotRunning;
+    wasAskedToEnd_ = isRunning || isWaitingForSignal_; // else not started, or ended by itself
+    if (isRunning) {
+        process_.endAll(false);
+        force_.start(TimeToEnd);
+    }
 }
 
 int CaseTask::number() const
@@ -100,6 +99,8 @@ void CaseTask::processEnded()
     if (process_.state() != QProcess::NotRunning || isWaitingForSignal_)
         return; // finished() will follow, or has come
     end_.milliseconds = time_.elapsed();
+    force_.stop();
+    process_.endAll(true); // processes that the case has started may still run
     isWaitingForSignal_ = true;
     QTimer::singleShot(timeForSignal_, this, [this] { recordEnd(); });
 }
@@ -119,8 +120,6 @@ void CaseTask::recordEnd()
     end_.state = wasAskedToEnd_ ? CaseEnd::Cancelled
         : end_.error.isEmpty()  ? CaseEnd::Ok
                                 : CaseEnd::Failed;
-    if (wasAskedToEnd_)
-        process_.endAll(true); // processes that the case has started may still run
     writeEnd();
 }
 

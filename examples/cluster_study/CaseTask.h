@@ -13,6 +13,9 @@ namespace ClusterStudy {
 
 class StudyFolder;
 
+/// The milliseconds that a cancelled case has to end before it is killed.
+constexpr int TimeToEnd = 10000;
+
 /// Runs one case in its folder and records its end there.
 class CaseTask : public Vorn::Util::AsyncTask
 {

@@ -42,10 +42,10 @@ void LocalRun::execute()
         processor->setLog(log_);
         processor->setExitOnError(false);
         connect(processor.get(), &AsyncTaskProcessor::finished, this,
-                [this, lane = processor.get()](AsyncTask *task) {
+                [this, runner = processor.get()](AsyncTask *task) {
                     caseEnded(*static_cast<CaseTask *>(task));
                     // The processor continues with a task that is added here.
-                    if (!addNextCase(*lane))
+                    if (!addNextCase(*runner))
                         checkEnd();
                 });
         addNextCase(*processor);
@@ -72,9 +72,8 @@ void LocalRun::caseEnded(const CaseTask &task)
 {
     running_.remove(const_cast<CaseTask *>(&task));
     progress_.running = running_.size();
-    ++progress_.finished;
     if (task.end().state == CaseEnd::Ok)
-        ++progress_.done;
+        ++progress_.ok;
     if (task.end().state == CaseEnd::Failed) {
         ++progress_.failed;
         printLine(stdout, QStringLiteral("%1 failed: %2").arg(task.name(), task.error()));
@@ -91,6 +90,7 @@ void LocalRun::checkCancel()
     if (!cancel_.isRequested())
         return;
     cancelTimer_.stop();
+    progress_.step = QStringLiteral("cancelling");
     waiting_.clear();
     const QSet<CaseTask *> running = running_;
     for (CaseTask *task : running)

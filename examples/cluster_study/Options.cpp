@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include "CaseTask.h"
 #include "Platform.h"
 #include "Text.h"
 
@@ -15,6 +16,29 @@ namespace {
 
 constexpr qint64 MaxCasesFile = 64 << 20; // bytes
 constexpr int MaxJobs = 1000;
+
+constexpr const char *Description
+    = "Runs a program once for each row of a CSV file, and packs all results into an archive\n"
+      "with a table and a picture of the times.\n\n"
+      "The first row of the file has the names of the parameters. In an argument {name} is\n"
+      "replaced by the value of the parameter, {case} by the number of the case; {{name}}\n"
+      "stands for {name} itself. The values are also in environment variables, such as\n"
+      "STUDY_NAME. Each case has a folder of its own as the current folder: give files in\n"
+      "arguments with absolute paths. The program cannot be a batch file of Windows.\n\n"
+      "Files in the folder of a case:\n"
+      "  result.txt        written by the case: lines \"name=value\". Each name is a column of\n"
+      "                    the table, but not case, state, exit_code, seconds, error and the\n"
+      "                    names of parameters. No more than 1000 names and 1 MiB are read.\n"
+      "  study-output.txt  the standard output of the case\n"
+      "  study-errors.txt  the standard error of the case\n"
+      "  study-case.json   how the case ended\n"
+      "This program replaces a file of the last three names if the case writes one.\n\n"
+      "Ctrl-C cancels the study, and packs the cases that have ended. A running case is asked\n"
+      "to end, and killed after %1 seconds; on Windows it is killed at once. If this program\n"
+      "is killed, the programs of the cases end too. But on Linux the processes that they have\n"
+      "started may run on: end them before you use --resume.\n\n"
+      "Exit codes: 0 all cases succeeded, 1 the study could not be run, 2 a case failed,\n"
+      "130 cancelled.";
 
 QString readCasesFile(const QString &path, Cases &cases)
 {
@@ -77,24 +101,7 @@ QString outputFolder(const QString &text, const QString &casesFile)
 QString readOptions(Options &options)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Runs a program once for each row of a CSV file, and packs all results into an archive\n"
-        "with a table and a picture of the times.\n\n"
-        "The first row of the file has the names of the parameters. In an argument {name} is\n"
-        "replaced by the value of the parameter, {case} by the number of the case; {{name}}\n"
-        "stands for {name} itself. The values are also in environment variables, such as\n"
-        "STUDY_NAME. Each case has a folder of its own as the current folder: give files in\n"
-        "arguments with absolute paths. The program cannot be a batch file of Windows.\n\n"
-        "Files in the folder of a case:\n"
-        "  result.txt        written by the case: lines \"name=value\". Each name is a column of\n"
-        "                    the table, but not case, state, exit_code, seconds, error and the\n"
-        "                    names of parameters. No more than 1000 names and 1 MiB are read.\n"
-        "  study-output.txt  the standard output of the case\n"
-        "  study-errors.txt  the standard error of the case\n"
-        "  study-case.json   how the case ended\n"
-        "This program replaces a file of the last three names if the case writes one.\n\n"
-        "Exit codes: 0 all cases succeeded, 1 the study could not be run, 2 a case failed,\n"
-        "130 cancelled."));
+    parser.setApplicationDescription(QString::fromLatin1(Description).arg(TimeToEnd / 1000));
     parser.addHelpOption();
     const QCommandLineOption jobs(
         QStringLiteral("jobs"),

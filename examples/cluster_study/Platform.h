@@ -2,6 +2,7 @@
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+#include <QtCore/QVector>
 
 namespace ClusterStudy {
 
@@ -17,5 +18,8 @@ bool isRunByShell(const QString &program);
 /// The paths in \a folder and its subfolders that are no text in the encoding of the system. Their
 /// invalid characters are replaced.
 QStringList namesThatAreNoText(const QString &folder);
+
+/// The signals that ask this program to end.
+QVector<int> endSignals();
 
 } // namespace ClusterStudy

@@ -7,12 +7,12 @@ namespace ClusterStudy {
 /// How far a study is.
 struct Progress
 {
-    int total = 0;    ///< all cases
-    int done = 0;     ///< succeeded, in this run or before
-    int failed = 0;   ///< failed in this run
-    int running = 0;  ///< now
-    int finished = 0; ///< ended in this run
-    int toRun = 0;    ///< cases of this run
+    int total = 0;   ///< all cases
+    int before = 0;  ///< succeeded before this run
+    int ok = 0;      ///< succeeded in this run
+    int failed = 0;  ///< ended without success in this run
+    int running = 0; ///< now
+    QString step;    ///< such as "cancelling"; empty while cases run
 };
 
 /// The expected time in milliseconds until all cases have ended; -1 as long as none has ended.

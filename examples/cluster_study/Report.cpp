@@ -73,6 +73,11 @@ int Report::count(CaseEnd::State state) const
         ends_.begin(), ends_.end(), [state](const CaseEnd &end) { return end.state == state; }));
 }
 
+int Report::packedCount() const
+{
+    return count(CaseEnd::Ok) + count(CaseEnd::Failed);
+}
+
 QString Report::summary(qint64 milliseconds) const
 {
     QString line = QStringLiteral("%1 cases: %2 ok, %3 failed, %4 cancelled, %5 missing, in %6: %7")

@@ -30,6 +30,9 @@ public:
 
     int count(CaseEnd::State state) const;
 
+    /// The number of cases with files in the archive.
+    int packedCount() const;
+
     /// A line about the result of the study.
     QString summary(qint64 milliseconds) const;
 

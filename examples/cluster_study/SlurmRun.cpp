@@ -253,9 +253,8 @@ void SlurmRun::caseEnded(int number, const CaseEnd &end)
 {
     active_.remove(number);
     gone_.remove(number);
-    ++progress_.finished;
     if (end.state == CaseEnd::Ok) {
-        ++progress_.done;
+        ++progress_.ok;
     } else if (!isStopping_) {
         ++progress_.failed;
         printLine(

@@ -93,8 +93,7 @@ QString runTasks(const Options &options, const StudyFolder &folder, Report &repo
     const QList<int> cases = casesToRun(folder, options.study.cases.count());
     Progress progress;
     progress.total = options.study.cases.count();
-    progress.toRun = cases.size();
-    progress.done = progress.total - progress.toRun;
+    progress.before = progress.total - cases.size();
 
     AsyncTaskProcessor processor;
     processor.setLog(&log);
@@ -112,8 +111,14 @@ QString runTasks(const Options &options, const StudyFolder &folder, Report &repo
     processor.addTask(run);
     processor.addTask(write);
     processor.setCleanUpTask(run, write); // also after a failure and a cancel
-    processor.addTask(new PackTask(folder.file(QStringLiteral("results.7z")), folder.path(),
-                                   [&report] { return report.filesForArchive(); }));
+    auto *pack = new PackTask(
+        folder.path(), QStringLiteral("results"), [&report] { return report.filesForArchive(); },
+        cancel);
+    processor.addTask(pack);
+    QObject::connect(&processor, &AsyncTaskProcessor::started, pack, [&, pack](AsyncTask *task) {
+        if (task == pack)
+            progress.step = QStringLiteral("packing %1 cases").arg(report.packedCount());
+    });
     const Display display(progress);
     processor.startLater();
     QCoreApplication::exec();

@@ -90,6 +90,7 @@ private Q_SLOTS:
     void thePictureShowsTheWorstStateOfABar();
     void theTimeLeftIsInProportion_data();
     void theTimeLeftIsInProportion();
+    void aStepIsShownInsteadOfTheTimeLeft();
     void filesThatCannotBePackedAreLeftOut();
 };
 
@@ -479,25 +480,45 @@ void TestClusterStudyRules::thePictureShowsTheWorstStateOfABar()
 
 void TestClusterStudyRules::theTimeLeftIsInProportion_data()
 {
-    QTest::addColumn<int>("finished");
+    QTest::addColumn<int>("before");
+    QTest::addColumn<int>("ok");
+    QTest::addColumn<int>("failed");
     QTest::addColumn<QString>("line");
-    QTest::newRow("none") << 0 << text("5 of 12 done, 1 failed, 2 running, time left unknown");
-    QTest::newRow("some") << 2 << text("5 of 12 done, 1 failed, 2 running, time left 40.00 sec");
-    QTest::newRow("all") << 10 << text("5 of 12 done, 1 failed, 2 running, time left 0.00 sec");
+    QTest::newRow("none") << 0 << 0 << 0
+                          << text("0 of 12 done, 0 failed, 2 running, time left unknown");
+    QTest::newRow("some") << 0 << 3 << 1
+                          << text("3 of 12 done, 1 failed, 2 running, time left 20.00 sec");
+    QTest::newRow("resumed, none")
+        << 5 << 0 << 0 << text("5 of 12 done, 0 failed, 2 running, time left unknown");
+    QTest::newRow("resumed, some")
+        << 2 << 1 << 1 << text("3 of 12 done, 1 failed, 2 running, time left 40.00 sec");
+    QTest::newRow("all") << 5 << 6 << 1
+                         << text("11 of 12 done, 1 failed, 2 running, time left 0.00 sec");
 }
 
 void TestClusterStudyRules::theTimeLeftIsInProportion()
 {
-    QFETCH(int, finished);
+    QFETCH(int, before);
+    QFETCH(int, ok);
+    QFETCH(int, failed);
     QFETCH(QString, line);
     Progress progress;
     progress.total = 12;
-    progress.done = 5;
-    progress.failed = 1;
+    progress.before = before;
+    progress.ok = ok;
+    progress.failed = failed;
     progress.running = 2;
-    progress.finished = finished;
-    progress.toRun = 10;
     QCOMPARE(progressLine(progress, 10000), line);
+}
+
+void TestClusterStudyRules::aStepIsShownInsteadOfTheTimeLeft()
+{
+    Progress progress;
+    progress.total = 12;
+    progress.ok = 12;
+    progress.step = text("packing 12 cases");
+    QCOMPARE(progressLine(progress, 10000),
+             text("12 of 12 done, 0 failed, 0 running, packing 12 cases"));
 }
 
 void TestClusterStudyRules::filesThatCannotBePackedAreLeftOut()

@@ -9,7 +9,9 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
+#include <QtCore/QRandomGenerator>
 #include <QtCore/QThread>
+#include <QtCore/QVector>
 
 #include <csignal>
 #include <cstdio>
@@ -57,6 +59,13 @@ void append(const QString &name, const QByteArray &line)
         leave(UnknownAction);
 }
 
+QByteArray noise(int kibibytes)
+{
+    QVector<quint32> numbers(kibibytes * 256);
+    QRandomGenerator(static_cast<quint32>(kibibytes)).fillRange(numbers.data(), numbers.size());
+    return {reinterpret_cast<const char *>(numbers.constData()), kibibytes * 1024};
+}
+
 // Starts a process that ends only when it is killed, and records its number.
 void startChild(const QString &record)
 {
@@ -77,6 +86,8 @@ void run(const QString &action, const QString &value)
         print(stderr, value.toUtf8() + '\n');
     else if (action == QLatin1String("flood")) // kibibytes
         print(stdout, QByteArray(1024, 'x').repeated(value.toInt()));
+    else if (action == QLatin1String("noise")) // kibibytes, which cannot be compressed
+        print(stdout, noise(value.toInt()));
     else if (action == QLatin1String("variable"))
         print(stdout, qEnvironmentVariable(qPrintable(value)).toUtf8() + '\n');
     else if (action == QLatin1String("result"))
@@ -85,6 +96,8 @@ void run(const QString &action, const QString &value)
         append(QStringLiteral("result.txt"), QByteArray(value.toInt(), '#'));
     else if (action == QLatin1String("count"))
         append(value, "run");
+    else if (action == QLatin1String("process"))
+        append(value, QByteArray::number(QCoreApplication::applicationPid()));
     else if (action == QLatin1String("folder"))
         QDir().mkpath(value);
     else if (action == QLatin1String("deaf"))

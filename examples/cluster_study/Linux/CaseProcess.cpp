@@ -19,7 +19,8 @@ CaseProcess::CaseProcess()
 
 CaseProcess::~CaseProcess()
 {
-    endAll(true);
+    if (state() != NotRunning)
+        endAll(true);
 }
 
 void CaseProcess::begin()

@@ -2,6 +2,7 @@
 
 #include <QtCore/QFile>
 
+#include <csignal>
 #include <filesystem>
 #include <system_error>
 #include <unistd.h>
@@ -41,6 +42,16 @@ QStringList namesThatAreNoText(const QString &folder)
         }
     }
     return names;
+}
+
+QVector<int> endSignals()
+{
+    QVector<int> all{SIGINT, SIGTERM};
+    struct sigaction hangUp = {};
+    sigaction(SIGHUP, nullptr, &hangUp);
+    if (hangUp.sa_handler != SIG_IGN) // nohup ignores it, so that the program runs on
+        all << SIGHUP;
+    return all;
 }
 
 } // namespace ClusterStudy

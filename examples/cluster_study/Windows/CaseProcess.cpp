@@ -19,16 +19,16 @@ CaseProcess::CaseProcess()
     SetInformationJobObject(system_->job, JobObjectExtendedLimitInformation, &limits,
                             sizeof limits);
     setCreateProcessArgumentsModifier([this](CreateProcessArguments *arguments) {
-        // Suspended until it is in the job, so that no process is started outside the job.
-        arguments->flags |= CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP;
+        // Suspended until it is in the job, so that no process is started outside the job. Without
+        // this program's console, so that neither Ctrl-C nor Ctrl-Break reaches it.
+        arguments->flags |= CREATE_SUSPENDED | CREATE_NO_WINDOW;
         system_->process = arguments->processInformation;
     });
 }
 
 CaseProcess::~CaseProcess()
 {
-    endAll(true);
-    CloseHandle(system_->job);
+    CloseHandle(system_->job); // ends the processes
 }
 
 void CaseProcess::begin()

@@ -2,6 +2,7 @@
 
 #include <QtCore/QRegularExpression>
 
+#include <csignal>
 #include <cstdio>
 #include <io.h>
 
@@ -29,6 +30,11 @@ bool isRunByShell(const QString &program)
 QStringList namesThatAreNoText(const QString &)
 {
     return {};
+}
+
+QVector<int> endSignals()
+{
+    return {SIGINT, SIGTERM, SIGBREAK}; // SIGBREAK also when the window of the console is closed
 }
 
 } // namespace ClusterStudy

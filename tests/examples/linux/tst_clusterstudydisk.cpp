@@ -12,6 +12,7 @@ class TestClusterStudyDisk : public TestWithStudy
 private Q_SLOTS:
     void aStudyThatCannotBeRecordedIsRefused();
     void aTableThatCannotBeWrittenIsAnErrorAndCanBeResumed();
+    void anOlderArchiveRemainsIfPackingFails();
 };
 
 void TestClusterStudyDisk::aStudyThatCannotBeRecordedIsRefused()
@@ -52,6 +53,35 @@ void TestClusterStudyDisk::aTableThatCannotBeWrittenIsAnErrorAndCanBeResumed()
     QCOMPARE(site.runCases({text("--resume")}, actions), 0);
     QCOMPARE(site.states(), list("ok ok"));
     QCOMPARE(contentOf(site.path(text("runs-1"))), QByteArray("run\n"));
+}
+
+void TestClusterStudyDisk::anOlderArchiveRemainsIfPackingFails()
+{
+    NEED_STUDY_ARCHIVER;
+    constexpr qint64 Limit = 60000; // less than two cases need in the archive
+    StudySite site;
+    site.writeCases("x\nthere\nlater\n");
+    QVERIFY(writeFile(site.path(text("there")), "x"));
+    const QStringList actions{text("noise"), text("4{case}"), text("fail-without"),
+                              site.path(text("{x}"))};
+    QCOMPARE(site.runCases({}, actions), 2);
+    const QByteArray before = contentOf(site.output(text("results.7z")));
+    QVERIFY(!before.isEmpty());
+
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    int exitCode = -1;
+    {
+        const FileSizeLimit limit(Limit);
+        exitCode = site.runCases({text("--resume")}, actions);
+    }
+    QCOMPARE(exitCode, 1);
+    QCOMPARE(site.errors(), asError(text("7-Zip could not pack the results")));
+    QCOMPARE(site.states(), list("ok ok"));
+    QVERIFY(contentOf(site.output(text("results.7z"))) == before);
+    QVERIFY(!QFile::exists(site.output(text("results-new.7z"))));
+
+    QCOMPARE(site.runCases({text("--resume")}, actions), 0);
+    QVERIFY(contentOf(site.output(text("results.7z"))) != before);
 }
 
 QTEST_GUILESS_MAIN(TestClusterStudyDisk)

@@ -1,9 +1,25 @@
-// A parameter study on a terminal.
+// A parameter study on a terminal, and what becomes of the processes of its cases.
 
 #include "Terminal.h"
 #include "TestWithStudy.h"
 
+#include <Utility/SevenZip.h>
+
 #include <QtTest/QtTest>
+
+using Vorn::Util::SevenZip;
+
+namespace {
+
+// A process that has ended but was not waited for has no command line.
+bool isRunning(const QString &numberFile)
+{
+    const QByteArray number = contentOf(numberFile).trimmed();
+    return contentOf(QStringLiteral("/proc/%1/cmdline").arg(QString::fromLatin1(number)))
+        .contains("studycase");
+}
+
+} // namespace
 
 class TestClusterStudyTerminal : public TestWithStudy
 {
@@ -11,6 +27,13 @@ class TestClusterStudyTerminal : public TestWithStudy
 
 private Q_SLOTS:
     void theProgressIsOneLineAndCtrlCEndsTheStudy();
+    void ctrlCWhilePackingDoesNotLoseTheArchive();
+    void anArchiveOfAKilledRunIsRemoved();
+    void aClosedTerminalEndsTheStudy();
+    void aProgramStartedWithNohupDoesNotEndWithTheTerminal();
+    void aReaderThatEndsDoesNotEndTheStudy();
+    void aCaseEndsWithTheKilledStudy();
+    void processesThatACaseLeavesBehindAreEnded();
 };
 
 void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
@@ -33,6 +56,128 @@ void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
     QVERIFY(terminal.waitForEnd(StudyTimeLimit));
     QCOMPARE(site.states(), list("cancelled missing"));
     QVERIFY(terminal.output().contains("\r2 cases: 0 ok, 0 failed, 1 cancelled, 1 missing, in "));
+}
+
+void TestClusterStudyTerminal::ctrlCWhilePackingDoesNotLoseTheArchive()
+{
+    NEED_STUDY_ARCHIVER;
+    constexpr int UntilTheNextKey = 100; // milliseconds
+    StudySite site;
+    site.writeCases("x\nthere\nlater\n");
+    QVERIFY(writeFile(site.path(text("there")), "x"));
+    Terminal terminal(site.program(),
+                      {text("--jobs"), text("1"), site.path(text("cases.csv")), text("--"),
+                       builtProgram(STUDY_CASE), text("noise"), text("32768"), text("count"),
+                       text("running"), text("wait"), site.path(text("{x}"))});
+    QVERIFY(terminal.isStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0002/running"))),
+                             StudyTimeLimit);
+    QVERIFY(terminal.type("\x03")); // Ctrl-C
+    for (int round = 0; round < 2; ++round) {
+        const auto isPacking
+            = [&] { return !entriesOf(site.output()).filter(text(".7z")).isEmpty(); };
+        QTRY_VERIFY_WITH_TIMEOUT(isPacking(), StudyTimeLimit);
+        QVERIFY(terminal.type("\x03"));
+        terminal.waitForEnd(UntilTheNextKey);
+    }
+    QVERIFY(terminal.waitForEnd(StudyTimeLimit));
+    QVERIFY2(terminal.output().contains("2 cases: 1 ok, 0 failed, 1 cancelled, 0 missing"),
+             terminal.output().constData());
+    QVERIFY(terminal.output().contains("\r1 of 2 done, 0 failed, 0 running, packing 1 cases "));
+    QVERIFY(contentOf(site.output(text("study.log"))).contains("packing again"));
+    QCOMPARE(entriesOf(site.output()).filter(text(".7z")), list("results.7z"));
+    SevenZip archive;
+    archive.setArchiveFile(site.output(text("results.7z")));
+    QVERIFY(archive.listFiles());
+    QVERIFY(archive.files().contains(text("cases/0001/study-output.txt")));
+}
+
+void TestClusterStudyTerminal::anArchiveOfAKilledRunIsRemoved()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QCOMPARE(site.runCases({}, list("print x")), 0);
+    QVERIFY(writeFile(site.output(text("results-new.7z")), "half of an archive"));
+    QCOMPARE(site.runCases({text("--resume")}, list("print x")), 0);
+    QCOMPARE(entriesOf(site.output()).filter(text(".7z")), list("results.7z"));
+}
+
+void TestClusterStudyTerminal::aClosedTerminalEndsTheStudy()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    Terminal terminal(site.program(),
+                      {text("--jobs"), text("1"), site.path(text("cases.csv")), text("--"),
+                       builtProgram(STUDY_CASE), text("count"), text("running"), text("wait"),
+                       text("forever")});
+    QVERIFY(terminal.isStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0001/running"))),
+                             StudyTimeLimit);
+    terminal.hangUp();
+    QVERIFY(terminal.waitForEnd(StudyTimeLimit));
+    QCOMPARE(site.states(), list("cancelled missing"));
+    QVERIFY(QFile::exists(site.output(text("results.7z"))));
+}
+
+void TestClusterStudyTerminal::aProgramStartedWithNohupDoesNotEndWithTheTerminal()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    const QString go = site.path(text("go"));
+    Terminal terminal(text("/usr/bin/nohup"),
+                      {site.program(), site.path(text("cases.csv")), text("--"),
+                       builtProgram(STUDY_CASE), text("count"), text("running"), text("wait"), go});
+    QVERIFY(terminal.isStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0001/running"))),
+                             StudyTimeLimit);
+    terminal.hangUp();
+    QVERIFY(!terminal.waitForEnd(500));
+    QVERIFY(writeFile(go, "x"));
+    QVERIFY(terminal.waitForEnd(StudyTimeLimit));
+    QCOMPARE(site.states(), list("ok"));
+}
+
+void TestClusterStudyTerminal::aReaderThatEndsDoesNotEndTheStudy()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n2\n3\n");
+    QProcess shell;
+    shell.setWorkingDirectory(site.path(QString()));
+    shell.start(text("/bin/sh"),
+                QStringList{text("-c"), text("\"$@\" | head -n 1"), text("sh"), site.program()}
+                    + site.commandLine({text("--jobs"), text("1")}, list("exit 1")));
+    QVERIFY(shell.waitForFinished(StudyTimeLimit));
+    QCOMPARE(shell.readAllStandardOutput(), QByteArray("Case 1 failed: Exit code 1\n"));
+    QCOMPARE(site.states(), list("failed failed failed"));
+    QVERIFY(QFile::exists(site.output(text("results.7z"))));
+}
+
+void TestClusterStudyTerminal::aCaseEndsWithTheKilledStudy()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    const QString number = site.path(text("number"));
+    site.start(site.commandLine(
+        {}, {text("deaf"), text("-"), text("process"), number, text("wait"), text("forever")}));
+    QTRY_VERIFY_WITH_TIMEOUT(isRunning(number), StudyTimeLimit);
+    site.process().kill();
+    QTRY_VERIFY(!isRunning(number));
+}
+
+void TestClusterStudyTerminal::processesThatACaseLeavesBehindAreEnded()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    const QString number = site.path(text("number"));
+    QCOMPARE(site.runCases({}, {text("child"), number}), 0);
+    QVERIFY(!contentOf(number).isEmpty());
+    QTRY_VERIFY(!isRunning(number));
 }
 
 QTEST_GUILESS_MAIN(TestClusterStudyTerminal)

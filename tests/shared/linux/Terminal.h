@@ -40,11 +40,18 @@ public:
             kill(process_, SIGKILL);
             waitpid(process_, nullptr, 0);
         }
-        if (terminal_ >= 0)
-            close(terminal_); // hangs up what still runs there
+        hangUp();
     }
 
     bool isStarted() const { return process_ > 0; }
+
+    /// Closes the terminal, as if the user had closed its window.
+    void hangUp()
+    {
+        if (terminal_ >= 0)
+            close(terminal_);
+        terminal_ = -1;
+    }
 
     bool type(const QByteArray &keys) const
     {

@@ -43,13 +43,19 @@ SlurmCommand::SlurmCommand()
     limit_.setSingleShot(true);
     connect(&limit_, &QTimer::timeout, this, [this] {
         isTooLate_ = true;
-        process_.endAll(true);
+        stop();
     });
 }
 
 bool SlurmCommand::isRunning() const
 {
     return done_ != nullptr;
+}
+
+void SlurmCommand::stop()
+{
+    if (process_.state() != QProcess::NotRunning)
+        process_.endAll(true);
 }
 
 void SlurmCommand::run(const QString &program, const QStringList &arguments, const Done &done,

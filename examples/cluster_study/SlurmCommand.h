@@ -29,6 +29,9 @@ public:
 
     bool isRunning() const;
 
+    /// Ends a running command at once. Its answer is then neither isOk nor isTooLate.
+    void stop();
+
     /// Starts a command with \a input as its standard input and \a variables added to its
     /// environment. Calls \a done when it has ended. A command that takes too long is ended. Ctrl-C
     /// on the terminal does not reach it. May be called by \a done.

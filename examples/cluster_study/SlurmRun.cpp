@@ -10,6 +10,7 @@
 #include "Text.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QFileInfo>
 
 namespace ClusterStudy {
 
@@ -157,6 +158,7 @@ void SlurmRun::submit()
         return;
     }
     mayHaveJobs_ = true;
+    isSubmitting_ = true;
     QProcessEnvironment variables;
     variables.insert(QLatin1String(ProgramVariable), QCoreApplication::applicationFilePath());
     variables.insert(QLatin1String(FolderVariable), folder_.path());
@@ -188,8 +190,11 @@ QString SlurmRun::prepare(const TaskArray &array) const
 
 void SlurmRun::readSubmitted(const SlurmCommand::Answer &answer)
 {
+    isSubmitting_ = false;
     const qint64 job = answer.isOk ? submittedJob(answer.output) : 0;
-    if (answer.isTooLate) {
+    if (isStopping_) {
+        // Whether Slurm has accepted the array does not matter: its jobs are found by their name.
+    } else if (answer.isTooLate) {
         // sbatch waits if the queue is full.
         if (!refused_.isValid())
             log(QStringLiteral("Slurm does not accept more jobs now. %1").arg(answer.error));
@@ -233,6 +238,8 @@ void SlurmRun::checkCases()
             if (row.isPending())
                 pending.insert(number);
             progress_.running += row.isRunning() ? 1 : 0;
+            if (isStopping_ && row.isRunning())
+                stopped_.insert(number);
         }
     }
     const QSet<int> started = active_ - pending;
@@ -274,7 +281,10 @@ void SlurmRun::checkCancel()
     if (tick_.isActive()) {
         tick_.stop();
         askForQueue();
-    } // else the end of the running command leads there
+    } else if (isSubmitting_) {
+        command_.stop(); // sbatch waits if the queue is full
+    }
+    // The end of a running command leads to askForQueue().
 }
 
 // Ends all jobs; \a problem is empty after a cancel.
@@ -286,6 +296,7 @@ void SlurmRun::stop(const QString &problem)
     if (!isStopping_)
         stopping_.start();
     isStopping_ = true;
+    progress_.step = QStringLiteral("cancelling");
 }
 
 void SlurmRun::end(bool areJobsGone)
@@ -293,14 +304,33 @@ void SlurmRun::end(bool areJobsGone)
     cancelTimer_.stop();
     progress_.running = 0;
     logMessages();
-    const QString problem = areJobsGone
-        ? jobs_.remove()
+    QString problem = areJobsGone
+        ? recordKilledCases()
         : QStringLiteral("Jobs may still run on the cluster; their name is %1").arg(jobName_);
+    if (problem.isEmpty())
+        problem = jobs_.remove();
     if (!problem.isEmpty() && isOk())
         setError(problem);
     else if (!problem.isEmpty())
         log(problem);
     setFinished();
+}
+
+// Slurm kills a cancelled job if its case does not end within KillWait. If that is shorter than
+// TimeToEnd, the job cannot record the end.
+QString SlurmRun::recordKilledCases() const
+{
+    for (const int number : stopped_) {
+        if (folder_.readEnd(number).state != CaseEnd::Missing
+            || !QFileInfo::exists(folder_.caseFolder(number)))
+            continue;
+        CaseEnd cancelled;
+        cancelled.state = CaseEnd::Cancelled;
+        QString problem = folder_.writeEnd(number, cancelled);
+        if (!problem.isEmpty())
+            return problem;
+    }
+    return QString();
 }
 
 void SlurmRun::logMessages()

@@ -49,6 +49,7 @@ private:
     void checkCancel();
     void stop(const QString &problem);
     void end(bool areJobsGone);
+    QString recordKilledCases() const;
     void logMessages();
 
     const Study &study_;
@@ -66,7 +67,9 @@ private:
     QVector<QueueRow> queue_;        // the last answer of squeue
     QString jobName_;
     bool mayHaveJobs_ = false;
+    bool isSubmitting_ = false;
     bool isStopping_ = false;
+    QSet<int> stopped_; // cases that ran when their jobs were cancelled
     QElapsedTimer stopping_;
     QElapsedTimer refused_; // valid while Slurm does not accept the next array
     bool wasSilent_ = false;

@@ -38,6 +38,9 @@ private Q_SLOTS:
     void noMoreCasesRunThanAllowed();
     void aCaseWhoseJobIsLostIsMissing();
     void ctrlCEndsTheJobs();
+    void ctrlCCancelsEveryRunningCase_data();
+    void ctrlCCancelsEveryRunningCase();
+    void ctrlCEndsAWaitingSubmission();
     void aKilledStudyIsResumed();
     void aKilledAndResumedBeamStudyGivesTheSameTableOnBothEngines();
 
@@ -171,6 +174,52 @@ void TestSlurmStudy::ctrlCEndsTheJobs()
              list("ok cancelled cancelled missing missing missing missing missing missing"));
     QCOMPARE(queue(), QStringList());
     QVERIFY(QFile::exists(site.output(text("results.7z"))));
+    QVERIFY(!QFile::exists(site.output(text("slurm"))));
+}
+
+void TestSlurmStudy::ctrlCCancelsEveryRunningCase_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::newRow("ends with exit code 0") << text("obedient");
+    QTest::newRow("is killed by Slurm") << text("deaf");
+}
+
+void TestSlurmStudy::ctrlCCancelsEveryRunningCase()
+{
+    NEED_STUDY_ARCHIVER;
+    QFETCH(QString, action);
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    site.start(site.commandLine(slurm() + list("--jobs 1"),
+                                {action, text("-"), text("count"), site.path(text("run-{case}")),
+                                 text("wait"), text("forever")}));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("run-1"))), 30000);
+    ::kill(static_cast<pid_t>(site.process().processId()), SIGINT);
+    QVERIFY2(site.finish() == 130, qPrintable(site.errors()));
+    QCOMPARE(site.states(), list("cancelled missing"));
+}
+
+// As when the queue of Slurm is full.
+void TestSlurmStudy::ctrlCEndsAWaitingSubmission()
+{
+    NEED_STUDY_ARCHIVER;
+    constexpr int AtOnce = 10000; // milliseconds; sbatch is ended after 20 seconds otherwise
+    StudySite site;
+    site.writeCases("x\n1\n");
+    QVERIFY(writeFile(site.path(text("sbatch")),
+                      "#!/bin/sh\necho >\"${0%/*}/waiting\"\nexec sleep 60\n"));
+    QVERIFY(QFile::setPermissions(site.path(text("sbatch")),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    site.environment().insert(
+        text("PATH"), site.path(QString()) + QLatin1Char(':') + qEnvironmentVariable("PATH"));
+    site.start(site.commandLine(slurm(), list("print x")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("waiting"))), 30000);
+    QElapsedTimer time;
+    time.start();
+    ::kill(static_cast<pid_t>(site.process().processId()), SIGINT);
+    QVERIFY2(site.finish() == 130, qPrintable(site.errors()));
+    QVERIFY2(time.elapsed() < AtOnce, QByteArray::number(time.elapsed()).constData());
+    QCOMPARE(site.states(), list("missing"));
     QVERIFY(!QFile::exists(site.output(text("slurm"))));
 }
 

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void aSignalEndsTheCases();
     void aCancelledStudyIsPackedAndCanBeResumed();
     void aKilledStudyIsResumed();
+    void anArchiveIsReplacedAndAnIncompleteOneRemoved();
     void onlyCasesThatHaveNotSucceededAreResumed();
     void pipesAndBrokenLinksOfACaseAreRemoved();
     void aCaseWhoseFolderCannotBeRemovedHasFailed();
@@ -376,6 +377,21 @@ void TestClusterStudy::aCancelledStudyIsPackedAndCanBeResumed()
     QVERIFY(complete.listFiles());
     QVERIFY(
         complete.files().contains(QDir::toNativeSeparators(text("cases/0003/study-case.json"))));
+}
+
+void TestClusterStudy::anArchiveIsReplacedAndAnIncompleteOneRemoved()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    const QStringList actions{text("fail-without"), site.path(text("later"))};
+    QCOMPARE(site.runCases({}, actions), 2);
+    const QByteArray before = contentOf(site.output(text("results.7z")));
+    QVERIFY(writeFile(site.output(text("results-new.7z")), "half of an archive"));
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    QCOMPARE(site.runCases({text("--resume")}, actions), 0);
+    QCOMPARE(QDir(site.output()).entryList({text("*.7z")}), list("results.7z"));
+    QVERIFY(contentOf(site.output(text("results.7z"))) != before);
 }
 
 void TestClusterStudy::aKilledStudyIsResumed()

@@ -28,7 +28,6 @@ class TestClusterStudyTerminal : public TestWithStudy
 private Q_SLOTS:
     void theProgressIsOneLineAndCtrlCEndsTheStudy();
     void ctrlCWhilePackingDoesNotLoseTheArchive();
-    void anArchiveOfAKilledRunIsRemoved();
     void aClosedTerminalEndsTheStudy();
     void aProgramStartedWithNohupDoesNotEndWithTheTerminal();
     void aReaderThatEndsDoesNotEndTheStudy();
@@ -67,7 +66,7 @@ void TestClusterStudyTerminal::ctrlCWhilePackingDoesNotLoseTheArchive()
     QVERIFY(writeFile(site.path(text("there")), "x"));
     Terminal terminal(site.program(),
                       {text("--jobs"), text("1"), site.path(text("cases.csv")), text("--"),
-                       builtProgram(STUDY_CASE), text("noise"), text("32768"), text("count"),
+                       builtProgram(STUDY_CASE), text("noise"), text("8192"), text("count"),
                        text("running"), text("wait"), site.path(text("{x}"))});
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0002/running"))),
@@ -90,17 +89,6 @@ void TestClusterStudyTerminal::ctrlCWhilePackingDoesNotLoseTheArchive()
     archive.setArchiveFile(site.output(text("results.7z")));
     QVERIFY(archive.listFiles());
     QVERIFY(archive.files().contains(text("cases/0001/study-output.txt")));
-}
-
-void TestClusterStudyTerminal::anArchiveOfAKilledRunIsRemoved()
-{
-    NEED_STUDY_ARCHIVER;
-    StudySite site;
-    site.writeCases("x\n1\n");
-    QCOMPARE(site.runCases({}, list("print x")), 0);
-    QVERIFY(writeFile(site.output(text("results-new.7z")), "half of an archive"));
-    QCOMPARE(site.runCases({text("--resume")}, list("print x")), 0);
-    QCOMPARE(entriesOf(site.output()).filter(text(".7z")), list("results.7z"));
 }
 
 void TestClusterStudyTerminal::aClosedTerminalEndsTheStudy()

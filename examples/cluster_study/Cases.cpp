@@ -25,7 +25,7 @@ QString checkNames(const QStringList &names)
     const QStringList reserved = fixedColumns({});
     QHash<QString, int> used;
     for (int column = 1; column <= names.size(); ++column) {
-        const QString name = names.at(column - 1);
+        const QString &name = names.at(column - 1);
         QString problem;
         if (name.isEmpty())
             problem = QStringLiteral("the parameter has no name");

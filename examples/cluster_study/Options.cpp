@@ -32,7 +32,7 @@ constexpr const char *Description
       "  study-output.txt  the standard output of the case\n"
       "  study-errors.txt  the standard error of the case\n"
       "  study-case.json   how the case ended\n"
-      "This program replaces a file of the last three names if the case writes one.\n\n"
+      "The last three belong to this program: a case must not write files with these names.\n\n"
       "Ctrl-C cancels the study, and packs the cases that have ended. A running case is asked\n"
       "to end, and killed after %1 seconds; on Windows it is killed at once. If this program\n"
       "is killed, the programs of the cases end too. But on Linux the processes that they have\n"

@@ -74,7 +74,7 @@ QString StudyFolder::create(const Study &study)
     digits_ = digitsFor(study.cases.count());
     if (!QDir().mkpath(path_))
         return QStringLiteral("The output folder cannot be created: %1").arg(shown(path_));
-    const QString problem = lock();
+    QString problem = lock();
     if (!problem.isEmpty())
         return problem;
     // Nothing but the lock may be here, also of a run that was killed before it wrote more.
@@ -99,7 +99,7 @@ QString StudyFolder::resume(const Study &study)
     if (!QFileInfo(file(StudyFile)).isFile())
         return QStringLiteral("There is no study to resume, start it without --resume: %1")
             .arg(shown(path_));
-    const QString problem = lock();
+    QString problem = lock();
     if (!problem.isEmpty())
         return problem;
     const QJsonObject before = QJsonDocument::fromJson(readFile(StudyFile)).object();

@@ -266,7 +266,7 @@ void TestClusterStudy::casesRunSideBySide()
     QFETCH(int, jobs);
     StudySite site;
     site.writeCases("mine,other\na,b\nb,a\n");
-    const QString folder = site.path(QString());
+    const QString folder = site.path(QString()) + QLatin1Char('/');
     QCOMPARE(site.runCases(
                  {text("--jobs"), QString::number(jobs)},
                  {text("count"), folder + text("{mine}"), text("wait"), folder + text("{other}")}),

@@ -1,5 +1,6 @@
 #include "Cluster.h"
 
+#include "Output.h"
 #include "Text.h"
 
 #include <Utility/ClusterInfo.h>
@@ -38,9 +39,12 @@ void logCluster(Log &log, const QString &tools)
         log.append(QStringLiteral("The cluster tool named no compute node"));
         return;
     }
-    log.append(QStringLiteral("Head node: %1, compute nodes: %2, cores: %3")
-                   .arg(oneLine(cluster.headNode()), QString::number(cluster.computeNodeCount()),
-                        QString::number(cluster.computeCoreCount())));
+    const QString size
+        = QStringLiteral("Head node: %1, compute nodes: %2, cores: %3")
+              .arg(oneLine(cluster.headNode()), QString::number(cluster.computeNodeCount()),
+                   QString::number(cluster.computeCoreCount()));
+    log.append(size);
+    printLine(stdout, size);
 }
 
 } // namespace ClusterStudy

@@ -31,8 +31,8 @@ constexpr const char *Description
       "                    names of parameters. No more than 1000 names and 1 MiB are read.\n"
       "  study-output.txt  the standard output of the case\n"
       "  study-errors.txt  the standard error of the case\n"
-      "  study-case.json   how the case ended\n"
-      "The last three belong to this program: a case must not write files with these names.\n\n"
+      "The last two belong to this program: a case must not write files with these names.\n"
+      "How a case ended is in a file beside its folder, such as cases/0001.json.\n\n"
       "Ctrl-C cancels the study, and packs the cases that have ended. A running case is asked\n"
       "to end, and killed after %1 seconds; on Windows it is killed at once. If this program\n"
       "is killed, the programs of the cases end too. But on Linux the processes that they have\n"
@@ -105,9 +105,8 @@ QString readOptions(Options &options)
     parser.addHelpOption();
     const QCommandLineOption jobs(
         QStringLiteral("jobs"),
-        QStringLiteral(
-            "Cases to run at a time. By default as many as the machine has cores, or as\n"
-            "Slurm allows."),
+        QStringLiteral("Cases to run at a time. By default as many as the machine has cores, or as "
+                       "Slurm allows."),
         QStringLiteral("n"));
     const QCommandLineOption resume(
         QStringLiteral("resume"),
@@ -118,11 +117,11 @@ QString readOptions(Options &options)
         QStringLiteral("folder"));
     const QCommandLineOption slurm(
         QStringLiteral("slurm"),
-        QStringLiteral("Run the cases as job arrays on Slurm. The variables of sbatch choose the\n"
+        QStringLiteral("Run the cases as job arrays on Slurm. The variables of sbatch choose the "
                        "partition and the like, such as SBATCH_PARTITION."));
     const QCommandLineOption clusterTools(
         QStringLiteral("cluster-tools"),
-        QStringLiteral("The folder of the cluster tool NodeInformation. By default that of this\n"
+        QStringLiteral("The folder of the cluster tool NodeInformation. By default that of this "
                        "program, or else PATH."),
         QStringLiteral("folder"));
     parser.addOptions({slurm, clusterTools, jobs, resume, output});

@@ -58,8 +58,10 @@ QStringList Report::filesForArchive()
     QStringList names{TableFile, PictureFile};
     for (int number = 1; number <= cases_.count(); ++number) {
         const CaseEnd::State state = ends_.at(number - 1).state;
-        if (state == CaseEnd::Ok || state == CaseEnd::Failed)
-            names += filesToPack(folder_.path(), folder_.caseName(number), leftOut);
+        if (state != CaseEnd::Ok && state != CaseEnd::Failed)
+            continue;
+        names << folder_.endFile(number);
+        names += filesToPack(folder_.path(), folder_.caseName(number), leftOut);
     }
     for (const QString &name : qAsConst(leftOut))
         log_.append(QStringLiteral("Not packed: %1").arg(name));

@@ -21,7 +21,6 @@ namespace {
 constexpr qint64 MaxResultFile = 1 << 20; // bytes
 constexpr qint64 MaxOwnFile = 1 << 24;
 
-const QString EndFile = QStringLiteral("study-case.json");
 const QString ResultFile = QStringLiteral("result.txt");
 const QString StudyFile = QStringLiteral("study.json");
 const QString LockFile = QStringLiteral("study.lock");
@@ -149,7 +148,7 @@ QString StudyFolder::prepareCase(int number) const
         return QStringLiteral("%1 cannot be removed").arg(shown(folder));
     if (!QDir().mkpath(folder))
         return QStringLiteral("%1 cannot be created").arg(shown(folder));
-    return QString();
+    return removeEnd(number);
 }
 
 QString StudyFolder::writeEnd(int number, const CaseEnd &end) const
@@ -192,7 +191,8 @@ QByteArray StudyFolder::readFile(const QString &name) const
 
 QString StudyFolder::endFile(int number) const
 {
-    return caseName(number) + QLatin1Char('/') + EndFile;
+    // Not in the folder of the case, with which the case may do what it wants.
+    return caseName(number) + QStringLiteral(".json");
 }
 
 QString StudyFolder::lock()

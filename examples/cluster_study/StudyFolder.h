@@ -35,9 +35,12 @@ public:
     QString caseName(int number) const;
     QString caseFolder(int number) const;
 
-    /// Creates the folder of a case. An earlier one is removed with its content.
+    /// Creates the folder of a case. An earlier one is removed with its content, and the file that
+    /// tells how the case ended.
     QString prepareCase(int number) const;
 
+    /// The file that tells how the case ended, relative to path().
+    QString endFile(int number) const;
     QString writeEnd(int number, const CaseEnd &end) const;
     CaseEnd readEnd(int number) const;
     QString removeEnd(int number) const;
@@ -51,7 +54,6 @@ public:
     QByteArray readFile(const QString &name) const;
 
 private:
-    QString endFile(int number) const;
     QString lock();
 
     const QString path_;

@@ -95,7 +95,7 @@ void TestSlurmStudy::casesHaveTheExactValues()
     QCOMPARE(entriesOf(site.output()),
              list("cases results.7z results.csv study.json study.log times.svg"));
     QCOMPARE(entriesOf(site.output(text("cases/0001"))),
-             list("result.txt study-case.json study-errors.txt study-output.txt"));
+             list("result.txt study-errors.txt study-output.txt"));
 }
 
 void TestSlurmStudy::aFailedCaseIsARow()

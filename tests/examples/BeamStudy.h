@@ -80,7 +80,7 @@ public:
         QMap<QString, QDateTime> ends;
         const QDir folder(outputFile(QStringLiteral("cases")));
         for (const QString &name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-            const QFileInfo end(folder.filePath(name + QStringLiteral("/study-case.json")));
+            const QFileInfo end(folder.filePath(name + QStringLiteral(".json")));
             if (end.exists())
                 ends.insert(name, end.lastModified());
         }

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void aFailedCaseIsARow();
     void aProgramThatCannotBeStartedIsAFailedCase();
     void anEndThatCannotBeWrittenStopsTheStudy();
+    void aCaseThatRemovesItsFolderDoesNotStopTheStudy();
     void muchOutputGoesToTheFile();
     void casesRunSideBySide_data();
     void casesRunSideBySide();
@@ -55,23 +56,24 @@ void TestClusterStudy::everyCaseRunsInAFolderOfItsOwn()
     QCOMPARE(site.column(text("exit_code")), list("0 0 0"));
     QCOMPARE(entriesOf(site.output()),
              list("cases results.7z results.csv study.json study.log times.svg"));
-    QCOMPARE(entriesOf(site.output(text("cases"))), list("0001 0002 0003"));
+    QCOMPARE(entriesOf(site.output(text("cases"))),
+             list("0001 0001.json 0002 0002.json 0003 0003.json"));
     const Tree second = readTree(site.output(text("cases/0002")));
-    QCOMPARE(QStringList(second.keys()),
-             list("here study-case.json study-errors.txt study-output.txt"));
+    QCOMPARE(QStringList(second.keys()), list("here study-errors.txt study-output.txt"));
     QCOMPARE(second.value(text("study-output.txt")), QByteArray("b2\n"));
     QCOMPARE(second.value(text("study-errors.txt")), QByteArray("eb\n"));
-    const QJsonObject end = QJsonDocument::fromJson(second.value(text("study-case.json"))).object();
-    QCOMPARE(end.value(text("state")).toString(), text("ok"));
+    const QByteArray end = contentOf(site.output(text("cases/0002.json")));
+    QCOMPARE(QJsonDocument::fromJson(end).object().value(text("state")).toString(), text("ok"));
 }
 
 void TestClusterStudy::argumentsAndVariablesHaveTheExactValues()
 {
     NEED_STUDY_ARCHIVER;
     StudySite site;
-    const QStringList values{text("a b"),     text("\"quoted\""), text("$(exit 3) ; & | > x"),
-                             text("%PATH%^"), text("back\\"),     text("{Value}"),
-                             text("*?"),      text("-n")};
+    const QStringList values{
+        text("a b"),     text("\"quoted\""), text("$(exit 3) ; & | > x"),
+        text("%PATH%^"), text("back\\"),     text("{Value}"),
+        text("*?"),      text("-n"),         QString::fromUtf8("\xEF\xBB\xBFz")};
     QByteArray csv = "Value\n";
     for (const QString &value : values)
         csv += ClusterStudy::csvLine({value});
@@ -236,11 +238,21 @@ void TestClusterStudy::anEndThatCannotBeWrittenStopsTheStudy()
     NEED_STUDY_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
-    QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("folder study-case.json/in-the-way")),
-             1);
-    QVERIFY(site.errors().contains(text("study-case.json cannot be written: ")));
+    QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("folder ../0001.json/in-the-way")), 1);
+    QVERIFY(site.errors().contains(text("0001.json cannot be written: ")));
     QCOMPARE(site.states(), list("missing missing"));
-    QCOMPARE(entriesOf(site.output(text("cases"))), list("0001"));
+    QCOMPARE(entriesOf(site.output(text("cases"))), list("0001 0001.json"));
+}
+
+void TestClusterStudy::aCaseThatRemovesItsFolderDoesNotStopTheStudy()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("action,value\nremove-folder,-\nprint,2\n");
+    QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("{action} {value}")), 0);
+    QCOMPARE(site.states(), list("ok ok"));
+    if (!onWindows()) // it does not remove the open files of the output
+        QVERIFY(!QFile::exists(site.output(text("cases/0001"))));
 }
 
 void TestClusterStudy::muchOutputGoesToTheFile()
@@ -363,7 +375,7 @@ void TestClusterStudy::aCancelledStudyIsPackedAndCanBeResumed()
     SevenZip archive;
     archive.setArchiveFile(site.output(text("results.7z")));
     QVERIFY(archive.listFiles());
-    QVERIFY(archive.files().contains(text("cases/0001/study-case.json")));
+    QVERIFY(archive.files().contains(text("cases/0001.json")));
     QVERIFY(!archive.files().contains(text("cases/0002/study-output.txt")));
 
     QVERIFY(writeFile(site.path(text("later")), "x"));
@@ -375,8 +387,7 @@ void TestClusterStudy::aCancelledStudyIsPackedAndCanBeResumed()
     SevenZip complete;
     complete.setArchiveFile(site.output(text("results.7z")));
     QVERIFY(complete.listFiles());
-    QVERIFY(
-        complete.files().contains(QDir::toNativeSeparators(text("cases/0003/study-case.json"))));
+    QVERIFY(complete.files().contains(QDir::toNativeSeparators(text("cases/0003.json"))));
 }
 
 void TestClusterStudy::anArchiveIsReplacedAndAnIncompleteOneRemoved()
@@ -429,7 +440,7 @@ void TestClusterStudy::onlyCasesThatHaveNotSucceededAreResumed()
     QCOMPARE(site.runCases({}, actions), 2);
     QCOMPARE(site.states(), list("ok failed ok ok"));
     // An end file that is incomplete, and a file of the failed attempt.
-    QVERIFY(writeFile(site.output(text("cases/0004/study-case.json")), "{"));
+    QVERIFY(writeFile(site.output(text("cases/0004.json")), "{"));
     QVERIFY(writeFile(site.output(text("cases/0002/left")), "x"));
     QVERIFY(writeFile(site.path(text("later")), "x"));
     QCOMPARE(site.runCases({text("--resume")}, actions), 0);

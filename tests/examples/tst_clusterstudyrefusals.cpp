@@ -332,7 +332,7 @@ void TestClusterStudyRefusals::theHelpNamesOptionsVariablesAndFiles()
     QCOMPARE(site.run({text("--help")}), 0);
     for (const char *option :
          {"--jobs", "--resume", "--output", "--slurm", "--cluster-tools", "STUDY_NAME", "exit_code",
-          "result.txt", "study-output.txt", "study-errors.txt", "study-case.json"})
+          "result.txt", "study-output.txt", "study-errors.txt", "cases/0001.json"})
         QVERIFY2(site.printed().contains(text(option)), option);
 }
 

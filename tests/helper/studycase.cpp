@@ -66,6 +66,13 @@ QByteArray noise(int kibibytes)
     return {reinterpret_cast<const char *>(numbers.constData()), kibibytes * 1024};
 }
 
+void removeCurrentFolder()
+{
+    QDir folder = QDir::current();
+    QDir::setCurrent(folder.filePath(QStringLiteral("..")));
+    folder.removeRecursively(); // Windows leaves the open files of the output
+}
+
 // Starts a process that ends only when it is killed, and records its number.
 void startChild(const QString &record)
 {
@@ -100,6 +107,8 @@ void run(const QString &action, const QString &value)
         append(value, QByteArray::number(QCoreApplication::applicationPid()));
     else if (action == QLatin1String("folder"))
         QDir().mkpath(value);
+    else if (action == QLatin1String("remove-folder"))
+        removeCurrentFolder();
     else if (action == QLatin1String("deaf"))
         std::signal(SIGTERM, SIG_IGN);
     else if (action == QLatin1String("obedient"))

@@ -16,9 +16,11 @@ bool isTerminal()
 
 bool canBePassed(const QString &text)
 {
+    // fromLocal8Bit() removes a byte order mark at the beginning.
+    const QString marked = QLatin1Char('x') + text;
     // Qt reads bytes that are no text as this character.
     return !text.contains(QChar(QChar::ReplacementCharacter))
-        && QString::fromLocal8Bit(text.toLocal8Bit()) == text;
+        && QString::fromLocal8Bit(marked.toLocal8Bit()) == marked;
 }
 
 bool isRunByShell(const QString &)

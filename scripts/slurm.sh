@@ -2,7 +2,7 @@
 # slurm.sh start|stop FOLDER
 #
 # start: runs a Slurm cluster on this machine: munged, slurmctld and three slurmd, all in FOLDER (new,
-#     absolute, its path short) and reachable on the loopback addresses only. Nothing of the system's own
+#     absolute, its path short and plain) and reachable on the loopback addresses only. Nothing of the system's own
 #     Slurm is used or changed. Afterwards ". FOLDER/environment" makes the commands of Slurm use it.
 #     Variables of another cluster have no effect, such as those inside a job. Exit code 77, with the
 #     reason, where a cluster cannot be started.
@@ -78,6 +78,8 @@ JobAcctGatherType=jobacct_gather/none
 AccountingStorageType=accounting_storage/none
 JobCompType=jobcomp/none
 MailProg=/bin/true
+# Small, so that studies consist of several arrays.
+MaxArraySize=5
 # Start waiting jobs at once, not only every three seconds.
 SchedulerParameters=batch_sched_delay=0
 SlurmdParameters=config_overrides
@@ -121,6 +123,9 @@ start() {
     address=$(getent ahostsv4 "$host" | awk '{ print $1; exit }')
     [[ $address == 127.* ]] ||
         cannot "the name of this machine, $host, has no loopback address: see /etc/hosts"
+    # Slurm reads a blank as the end of a value, "#" as a comment and "%" as a variable.
+    [[ ! $folder =~ [^[:alnum:]/._+-] ]] ||
+        fail "letters, digits and . _ + - only in the path of the folder: $folder"
 
     mkdir "$folder"
     : >"$mark"

@@ -79,6 +79,8 @@ private Q_SLOTS:
     void theClusterListensOnLoopbackAddressesOnly();
     void stopEndsTheClusterAndItsJobs();
     void stopLeavesOtherFoldersAlone();
+    void aFolderThatSlurmCannotReadIsRefused_data();
+    void aFolderThatSlurmCannotReadIsRefused();
 
 private:
     static Answer script(const QString &action, const QStringList &variables = {})
@@ -172,6 +174,28 @@ void TestClusterScript::stopLeavesOtherFoldersAlone()
         = answerOf(QStringLiteral(CLUSTER_SCRIPT), {QStringLiteral("stop"), path("other")});
     QCOMPARE(stopped.exitCode, 1);
     QCOMPARE(contentOf(path("other/slurm.conf")), QByteArray("abc"));
+}
+
+void TestClusterScript::aFolderThatSlurmCannotReadIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"a b", "a#b", "a%nb"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestClusterScript::aFolderThatSlurmCannotReadIsRefused()
+{
+    QFETCH(QString, name);
+    const QString folder = cluster() + name;
+    const Answer started
+        = answerOf(QStringLiteral(CLUSTER_SCRIPT), {QStringLiteral("start"), folder});
+    const bool wasCreated = QFile::exists(folder);
+    answerOf(QStringLiteral(CLUSTER_SCRIPT), {QStringLiteral("stop"), folder});
+    QCOMPARE(started.exitCode, 1);
+    QVERIFY2(started.errors.startsWith("slurm.sh: ")
+                 && started.errors.endsWith(QFile::encodeName(folder) + '\n'),
+             started.errors.constData());
+    QVERIFY(!wasCreated);
 }
 
 QTEST_GUILESS_MAIN(TestClusterScript)

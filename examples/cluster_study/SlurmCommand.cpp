@@ -25,6 +25,15 @@ QProcessEnvironment environmentWith(const QProcessEnvironment &variables)
     return environment;
 }
 
+// The lines that a command has printed, as one line.
+QString joinedLines(const QByteArray &output)
+{
+    QStringList lines = QString::fromLocal8Bit(output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (QString &line : lines)
+        line = oneLine(line.trimmed());
+    return lines.join(QStringLiteral("; "));
+}
+
 } // namespace
 
 SlurmCommand::SlurmCommand()
@@ -79,8 +88,7 @@ void SlurmCommand::end()
     Answer answer;
     answer.isTooLate = isTooLate_;
     const QString program = process_.program();
-    const QString errors
-        = oneLine(QString::fromLocal8Bit(process_.readAllStandardError().trimmed()));
+    const QString errors = joinedLines(process_.readAllStandardError());
     answer.output = QString::fromUtf8(process_.readAllStandardOutput());
     if (process_.error() == QProcess::FailedToStart)
         answer.error

@@ -10,6 +10,7 @@
 #include "Text.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 namespace ClusterStudy {
@@ -20,11 +21,11 @@ namespace {
 constexpr int CancelTick = 100;
 constexpr int QueueTick = 2000;
 constexpr int StoppingTick = 1000;
-// A file system in the network may show an end file that late.
+// An end file may appear later than its job has left the queue.
 constexpr int TimeUntilMissing = 10000;
 // Slurm waits 30 seconds by default before it kills a job.
 constexpr int TimeToStop = 120000;
-constexpr int TimeUntilNextTry = 30000;
+constexpr int TimeUntilNextTry = 10000; // before sbatch is called again
 
 constexpr int MaxTask = 10000; // so that the list of tasks fits into an argument
 
@@ -32,6 +33,15 @@ constexpr int MaxTask = 10000; // so that the list of tasks fits into an argumen
 QByteArray batchScript()
 {
     return "#!/bin/sh\nexec \"$" + QByteArray(ProgramVariable) + "\" " + RunCaseOption + "\n";
+}
+
+// A file system in the network may answer from what it has kept of a folder, on NFS for up to a
+// minute. After a change of the folder it asks the server.
+void readAgain(const QString &folder)
+{
+    QFile file(folder + QStringLiteral("/study-change"));
+    if (file.open(QIODevice::WriteOnly))
+        file.remove();
 }
 
 } // namespace
@@ -194,8 +204,9 @@ void SlurmRun::readSubmitted(const SlurmCommand::Answer &answer)
     const qint64 job = answer.isOk ? submittedJob(answer.output) : 0;
     if (isStopping_) {
         // Whether Slurm has accepted the array does not matter: its jobs are found by their name.
-    } else if (answer.isTooLate) {
-        // sbatch waits if the queue is full.
+    } else if (answer.isTooLate || (!answer.isOk && !offsets_.isEmpty())) {
+        // sbatch waits if the queue is full. What fails after a first array was accepted can end by
+        // itself, such as a limit for the jobs of a user or a restart of the controller.
         if (!refused_.isValid())
             log(QStringLiteral("Slurm does not accept more jobs now. %1").arg(answer.error));
         refused_.start();
@@ -247,13 +258,22 @@ void SlurmRun::checkCases()
         const CaseEnd end = folder_.readEnd(number);
         const bool isLost
             = gone_.contains(number) && gone_.value(number).elapsed() > TimeUntilMissing;
-        if (end.state != CaseEnd::Missing || (isLost && !queued.contains(number)))
+        if (end.state != CaseEnd::Missing)
             caseEnded(number, end);
+        else if (isLost && !queued.contains(number))
+            caseEnded(number, readLateEnd(number));
         else if (queued.contains(number))
             gone_.remove(number);
         else if (!gone_.contains(number))
             gone_[number].start();
     }
+}
+
+CaseEnd SlurmRun::readLateEnd(int number) const
+{
+    const QString file = folder_.file(folder_.endFile(number));
+    readAgain(QFileInfo(file).path());
+    return folder_.readEnd(number);
 }
 
 void SlurmRun::caseEnded(int number, const CaseEnd &end)
@@ -262,7 +282,11 @@ void SlurmRun::caseEnded(int number, const CaseEnd &end)
     gone_.remove(number);
     if (end.state == CaseEnd::Ok) {
         ++progress_.ok;
-    } else if (!isStopping_) {
+    } else if (isStopping_) {
+        // The user has cancelled it.
+    } else if (end.state == CaseEnd::Cancelled) {
+        printLine(stdout, QStringLiteral("Case %1 cancelled: Slurm ended its job").arg(number));
+    } else {
         ++progress_.failed;
         printLine(
             stdout,

@@ -45,6 +45,7 @@ private:
     void readSubmitted(const SlurmCommand::Answer &answer);
     void cancelJobs(const QStringList &which);
     void checkCases();
+    CaseEnd readLateEnd(int number) const;
     void caseEnded(int number, const CaseEnd &end);
     void checkCancel();
     void stop(const QString &problem);

@@ -2,6 +2,7 @@
 #include "TestWithCluster.h"
 
 #include "BeamStudy.h"
+#include "Terminal.h"
 #include "TestWithStudy.h"
 
 #include <csignal>
@@ -35,6 +36,11 @@ private Q_SLOTS:
     void casesHaveTheExactValues();
     void aFailedCaseIsARow();
     void theClusterIsInTheLog();
+    void aStudyGoesOnAfterCommandsOfSlurmHaveFailed();
+    void aFirstSubmissionThatFailsEndsTheStudy();
+    void aFailedCaseRunsAgain();
+    void slurmDoesNotRunACaseTwice();
+    void aCaseThatSlurmEndsIsCancelled();
     void noMoreCasesRunThanAllowed();
     void aCaseWhoseJobIsLostIsMissing();
     void ctrlCEndsTheJobs();
@@ -54,6 +60,23 @@ private:
                             + QStringList{text("--noheader"), text("--all"), text("--array"),
                                           text("--format=%j %t")})
             .lines;
+    }
+    // A shell script that the study runs instead of a command of Slurm. In it the command is that
+    // of Slurm, and $folder is the folder of the site.
+    static void replaceCommand(StudySite &site, const char *command, const QByteArray &script)
+    {
+        const QString file = site.path(text("bin/") + text(command));
+        const QByteArray begin = "#!/bin/sh\nPATH=${PATH#*:}\nfolder=${0%/*}/..\n";
+        const QFile::Permissions executable
+            = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
+        if (!writeFileInFolder(file, begin + script) || !QFile::setPermissions(file, executable))
+            qFatal("%s cannot be written.", command);
+        site.environment().insert(text("PATH"),
+                                  site.path(text("bin:")) + qEnvironmentVariable("PATH"));
+    }
+    static QString logOf(const StudySite &site)
+    {
+        return asText(contentOf(site.output(text("study.log"))));
     }
     static QStringList slurm() { return {text("--slurm"), text("--cluster-tools"), tools()}; }
     static QString tools() { return QFileInfo(QStringLiteral(CLUSTER_TOOL)).path(); }
@@ -115,10 +138,115 @@ void TestSlurmStudy::theClusterIsInTheLog()
     StudySite site;
     site.writeCases("x\n1\n");
     QCOMPARE(site.runCases(slurm(), list("print {x}")), 0);
-    const QString log = asText(contentOf(site.output(text("study.log"))));
+    const QString log = logOf(site);
     // n1 to n4: 2, 2, 4 and 64 cores
     QVERIFY2(log.contains(text("compute nodes: 4, cores: 72\n")), qPrintable(log));
     QVERIFY2(log.contains(text("1 cases, from 1 to 1\n")), qPrintable(log));
+}
+
+// The second call of each fails.
+void TestSlurmStudy::aStudyGoesOnAfterCommandsOfSlurmHaveFailed()
+{
+    NEED_STUDY_ARCHIVER;
+    const QByteArray failOnce
+        = "echo >>\"$folder/NAME\"\n"
+          "[ $(wc -l <\"$folder/NAME\") -ne 2 ] || { printf 'NAME: a\\n  b\\n' >&2; exit 1; }\n"
+          "exec NAME \"$@\"\n";
+    StudySite site;
+    for (const char *command : {"sbatch", "squeue"})
+        replaceCommand(site, command, QByteArray(failOnce).replace("NAME", command));
+    site.writeCases("x\n1\n2\n3\n4\n5\n"); // an array has up to four, see scripts/slurm.sh
+    QCOMPARE(site.runCases(slurm(), {text("count"), site.path(text("runs-{x}"))}), 0);
+    QCOMPARE(site.states(), list("ok ok ok ok ok"));
+    for (int number = 1; number <= 5; ++number)
+        QCOMPARE(contentOf(site.path(text("runs-%1").arg(number))), QByteArray("run\n"));
+    const QString log = logOf(site);
+    for (const char *line :
+         {"4 cases, from 1 to 4\n", "squeue failed: squeue: a; b\n", "squeue answers again\n",
+          "Slurm does not accept more jobs now. sbatch failed: sbatch: a; b\n",
+          "1 cases, from 5 to 5\n"})
+        QVERIFY2(log.contains(text(line)), qPrintable(text(line) + log));
+}
+
+void TestSlurmStudy::aFirstSubmissionThatFailsEndsTheStudy()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    replaceCommand(site, "sbatch", "echo 'no such partition' >&2\nexit 1\n");
+    QCOMPARE(site.runCases(slurm(), list("print x")), 1);
+    QVERIFY2(site.errors().contains(text("sbatch failed: no such partition\n")),
+             qPrintable(site.errors()));
+    QCOMPARE(site.states(), list("missing"));
+}
+
+void TestSlurmStudy::aFailedCaseRunsAgain()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\nthere\nlater\n");
+    QVERIFY(writeFile(site.path(text("there")), "x"));
+    const QStringList actions{text("count"), site.path(text("runs-{case}")), text("fail-without"),
+                              site.path(text("{x}"))};
+    QCOMPARE(site.runCases(slurm(), actions), 2);
+    QCOMPARE(site.states(), list("ok failed"));
+
+    QVERIFY(writeFile(site.path(text("later")), "x"));
+    // Before the job of a case exists, nothing may be left that reads as its end.
+    replaceCommand(site, "sbatch",
+                   "cd \"$folder/cases-results/cases\"\n"
+                   "echo *.json >\"$folder/ends\"\n"
+                   "exec sbatch \"$@\"\n");
+    QCOMPARE(site.runCases(slurm() + list("--resume"), actions), 0);
+    QCOMPARE(site.states(), list("ok ok"));
+    QCOMPARE(contentOf(site.path(text("ends"))), QByteArray("0001.json\n"));
+    QCOMPARE(contentOf(site.path(text("runs-1"))), QByteArray("run\n"));
+    QCOMPARE(contentOf(site.path(text("runs-2"))), QByteArray("run\nrun\n"));
+}
+
+void TestSlurmStudy::slurmDoesNotRunACaseTwice()
+{
+    NEED_STUDY_ARCHIVER;
+    StudySite site;
+    site.writeCases("x\n1\n");
+    site.start(site.commandLine(
+        slurm(), {text("count"), site.path(text("runs")), text("wait"), site.path(text("go"))}));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("runs"))), 30000);
+    const Answer jobs = answerOf(text("squeue"), list("--noheader --all --format=%A"));
+    QCOMPARE(jobs.lines.size(), 1);
+    QVERIFY(scontrol({text("requeue"), jobs.lines.first().trimmed()}).exitCode != 0);
+    QVERIFY(writeFile(site.path(text("go")), "x"));
+    QCOMPARE(site.finish(), 0);
+    QCOMPARE(contentOf(site.path(text("runs"))), QByteArray("run\n"));
+}
+
+// As at the end of its time limit, or if an administrator ends it.
+void TestSlurmStudy::aCaseThatSlurmEndsIsCancelled()
+{
+    NEED_STUDY_ARCHIVER;
+    constexpr int UntilTheNextLine = 500; // milliseconds
+    StudySite site;
+    site.writeCases("x\n1\n2\n");
+    Terminal terminal(site.program(),
+                      slurm()
+                          + QStringList{site.path(text("cases.csv")), text("--"),
+                                        builtProgram(STUDY_CASE), text("count"),
+                                        site.path(text("run-{x}")), text("wait"),
+                                        site.path(text("go-{x}"))});
+    QVERIFY(terminal.isStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("run-1"))), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("run-2"))), 30000);
+    const QStringList first
+        = answerOf(text("squeue"), list("--noheader --array --format=%i")).lines.filter(text("_1"));
+    QCOMPARE(answerOf(text("scancel"), first).exitCode, 0);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        !terminal.waitForEnd(UntilTheNextLine) && terminal.output().contains("1 running"), 30000);
+    QVERIFY(writeFile(site.path(text("go-2")), "x"));
+    QVERIFY(terminal.waitForEnd(StudyTimeLimit));
+    QCOMPARE(site.states(), list("cancelled ok"));
+    const QByteArray output = terminal.output();
+    QVERIFY2(output.contains("Case 1 cancelled: Slurm ended its job\r\n"), output.constData());
+    QVERIFY2(!output.contains("1 failed"), output.constData());
 }
 
 void TestSlurmStudy::noMoreCasesRunThanAllowed()
@@ -152,9 +280,14 @@ void TestSlurmStudy::aCaseWhoseJobIsLostIsMissing()
     const qint64 job = jobOf(site);
     QVERIFY(job > 0);
     QCOMPARE(::kill(static_cast<pid_t>(job), SIGKILL), 0);
+    const QFileInfo cases(site.output(text("cases")));
+    const QDateTime before = cases.lastModified();
     QCOMPARE(site.finish(), 2);
     QCOMPARE(site.states(), list("ok missing"));
     QVERIFY(site.printed().contains(text("Case 2 is missing: ")));
+    // The folder of the end files was changed, so that a file system in the network reads it again.
+    QVERIFY(QFileInfo(cases.filePath()).lastModified() > before);
+    QCOMPARE(entriesOf(cases.filePath()), list("0001 0001.json 0002"));
 }
 
 void TestSlurmStudy::ctrlCEndsTheJobs()
@@ -189,6 +322,9 @@ void TestSlurmStudy::ctrlCCancelsEveryRunningCase()
     NEED_STUDY_ARCHIVER;
     QFETCH(QString, action);
     StudySite site;
+    // Variables of the user that hide the jobs.
+    site.environment().insert(text("SQUEUE_STATES"), text("PENDING"));
+    site.environment().insert(text("SCANCEL_STATE"), text("PENDING"));
     site.writeCases("x\n1\n2\n");
     site.start(site.commandLine(slurm() + list("--jobs 1"),
                                 {action, text("-"), text("count"), site.path(text("run-{case}")),
@@ -206,12 +342,7 @@ void TestSlurmStudy::ctrlCEndsAWaitingSubmission()
     constexpr int AtOnce = 10000; // milliseconds; sbatch is ended after 20 seconds otherwise
     StudySite site;
     site.writeCases("x\n1\n");
-    QVERIFY(writeFile(site.path(text("sbatch")),
-                      "#!/bin/sh\necho >\"${0%/*}/waiting\"\nexec sleep 60\n"));
-    QVERIFY(QFile::setPermissions(site.path(text("sbatch")),
-                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    site.environment().insert(
-        text("PATH"), site.path(QString()) + QLatin1Char(':') + qEnvironmentVariable("PATH"));
+    replaceCommand(site, "sbatch", "echo >\"$folder/waiting\"\nexec sleep 60\n");
     site.start(site.commandLine(slurm(), list("print x")));
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("waiting"))), 30000);
     QElapsedTimer time;

@@ -33,16 +33,12 @@ private Q_SLOTS:
     void init() override { TestWithCluster::init(); }
     void cleanup() override;
 
-    void casesHaveTheExactValues();
-    void aFailedCaseIsARow();
-    void theClusterIsInTheLog();
-    void aStudyGoesOnAfterCommandsOfSlurmHaveFailed();
+    void theValuesAreExactAndTheClusterIsInTheLog();
+    void aFailedCaseIsARowAndRunsAgain();
     void aFirstSubmissionThatFailsEndsTheStudy();
-    void aFailedCaseRunsAgain();
-    void slurmDoesNotRunACaseTwice();
-    void aCaseThatSlurmEndsIsCancelled();
+    void aCaseThatSlurmEndsIsCancelledAndNoneIsRequeued();
     void noMoreCasesRunThanAllowed();
-    void aCaseWhoseJobIsLostIsMissing();
+    void studiesGoOnAfterALostJobAndAfterFailedCommands();
     void ctrlCEndsTheJobs();
     void ctrlCCancelsEveryRunningCase_data();
     void ctrlCCancelsEveryRunningCase();
@@ -51,6 +47,8 @@ private Q_SLOTS:
     void aKilledAndResumedBeamStudyGivesTheSameTableOnBothEngines();
 
 private:
+    void goesOnAfterCommandsOfSlurmHaveFailed();
+
     static QString text(const char *latin) { return QString::fromLatin1(latin); }
     static QStringList list(const char *words) { return text(words).split(QLatin1Char(' ')); }
     static QStringList queue(const QStringList &options = {})
@@ -96,7 +94,7 @@ void TestSlurmStudy::cleanup()
     TestWithCluster::cleanup();
 }
 
-void TestSlurmStudy::casesHaveTheExactValues()
+void TestSlurmStudy::theValuesAreExactAndTheClusterIsInTheLog()
 {
     NEED_STUDY_ARCHIVER;
     StudySite site;
@@ -119,35 +117,14 @@ void TestSlurmStudy::casesHaveTheExactValues()
              list("cases results.7z results.csv study.json study.log times.svg"));
     QCOMPARE(entriesOf(site.output(text("cases/0001"))),
              list("result.txt study-errors.txt study-output.txt"));
-}
-
-void TestSlurmStudy::aFailedCaseIsARow()
-{
-    NEED_STUDY_ARCHIVER;
-    StudySite site;
-    site.writeCases("action,value\nprint,a\nexit,7\ncrash,-\n");
-    QCOMPARE(site.runCases(slurm(), list("{action} {value}")), 2);
-    QCOMPARE(site.states(), list("ok failed failed"));
-    QCOMPARE(site.column(text("exit_code")), QStringList({text("0"), text("7"), QString()}));
-    QVERIFY(site.printed().contains(text("Case 2 failed: Exit code 7\n")));
-}
-
-void TestSlurmStudy::theClusterIsInTheLog()
-{
-    NEED_STUDY_ARCHIVER;
-    StudySite site;
-    site.writeCases("x\n1\n");
-    QCOMPARE(site.runCases(slurm(), list("print {x}")), 0);
     const QString log = logOf(site);
     // n1 to n4: 2, 2, 4 and 64 cores
     QVERIFY2(log.contains(text("compute nodes: 4, cores: 72\n")), qPrintable(log));
-    QVERIFY2(log.contains(text("1 cases, from 1 to 1\n")), qPrintable(log));
 }
 
-// The second call of each fails.
-void TestSlurmStudy::aStudyGoesOnAfterCommandsOfSlurmHaveFailed()
+// The second call of each fails. Run inside of the test of a lost job, since both wait 10 seconds.
+void TestSlurmStudy::goesOnAfterCommandsOfSlurmHaveFailed()
 {
-    NEED_STUDY_ARCHIVER;
     const QByteArray failOnce
         = "echo >>\"$folder/NAME\"\n"
           "[ $(wc -l <\"$folder/NAME\") -ne 2 ] || { printf 'NAME: a\\n  b\\n' >&2; exit 1; }\n"
@@ -180,16 +157,18 @@ void TestSlurmStudy::aFirstSubmissionThatFailsEndsTheStudy()
     QCOMPARE(site.states(), list("missing"));
 }
 
-void TestSlurmStudy::aFailedCaseRunsAgain()
+void TestSlurmStudy::aFailedCaseIsARowAndRunsAgain()
 {
     NEED_STUDY_ARCHIVER;
     StudySite site;
-    site.writeCases("x\nthere\nlater\n");
-    QVERIFY(writeFile(site.path(text("there")), "x"));
-    const QStringList actions{text("count"), site.path(text("runs-{case}")), text("fail-without"),
-                              site.path(text("{x}"))};
+    site.writeCases("action,value\nprint,a\nexit,7\nfail-without,../../../later\ncrash,-\n");
+    const QStringList actions{text("count"), site.path(text("runs-{case}")), text("{action}"),
+                              text("{value}")};
     QCOMPARE(site.runCases(slurm(), actions), 2);
-    QCOMPARE(site.states(), list("ok failed"));
+    QCOMPARE(site.states(), list("ok failed failed failed"));
+    QCOMPARE(site.column(text("exit_code")),
+             QStringList({text("0"), text("7"), text("1"), QString()}));
+    QVERIFY(site.printed().contains(text("Case 2 failed: Exit code 7\n")));
 
     QVERIFY(writeFile(site.path(text("later")), "x"));
     // Before the job of a case exists, nothing may be left that reads as its end.
@@ -197,31 +176,16 @@ void TestSlurmStudy::aFailedCaseRunsAgain()
                    "cd \"$folder/cases-results/cases\"\n"
                    "echo *.json >\"$folder/ends\"\n"
                    "exec sbatch \"$@\"\n");
-    QCOMPARE(site.runCases(slurm() + list("--resume"), actions), 0);
-    QCOMPARE(site.states(), list("ok ok"));
+    QCOMPARE(site.runCases(slurm() + list("--resume"), actions), 2);
+    QCOMPARE(site.states(), list("ok failed ok failed"));
     QCOMPARE(contentOf(site.path(text("ends"))), QByteArray("0001.json\n"));
     QCOMPARE(contentOf(site.path(text("runs-1"))), QByteArray("run\n"));
-    QCOMPARE(contentOf(site.path(text("runs-2"))), QByteArray("run\nrun\n"));
-}
-
-void TestSlurmStudy::slurmDoesNotRunACaseTwice()
-{
-    NEED_STUDY_ARCHIVER;
-    StudySite site;
-    site.writeCases("x\n1\n");
-    site.start(site.commandLine(
-        slurm(), {text("count"), site.path(text("runs")), text("wait"), site.path(text("go"))}));
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("runs"))), 30000);
-    const Answer jobs = answerOf(text("squeue"), list("--noheader --all --format=%A"));
-    QCOMPARE(jobs.lines.size(), 1);
-    QVERIFY(scontrol({text("requeue"), jobs.lines.first().trimmed()}).exitCode != 0);
-    QVERIFY(writeFile(site.path(text("go")), "x"));
-    QCOMPARE(site.finish(), 0);
-    QCOMPARE(contentOf(site.path(text("runs"))), QByteArray("run\n"));
+    for (int number = 2; number <= 4; ++number)
+        QCOMPARE(contentOf(site.path(text("runs-%1").arg(number))), QByteArray("run\nrun\n"));
 }
 
 // As at the end of its time limit, or if an administrator ends it.
-void TestSlurmStudy::aCaseThatSlurmEndsIsCancelled()
+void TestSlurmStudy::aCaseThatSlurmEndsIsCancelledAndNoneIsRequeued()
 {
     NEED_STUDY_ARCHIVER;
     constexpr int UntilTheNextLine = 500; // milliseconds
@@ -236,8 +200,11 @@ void TestSlurmStudy::aCaseThatSlurmEndsIsCancelled()
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("run-1"))), 30000);
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.path(text("run-2"))), 30000);
-    const QStringList first
-        = answerOf(text("squeue"), list("--noheader --array --format=%i")).lines.filter(text("_1"));
+    const QStringList jobs = answerOf(text("squeue"), list("--noheader --array --format=%i")).lines;
+    const QStringList first = jobs.filter(text("_1"));
+    const QStringList second = jobs.filter(text("_2"));
+    QCOMPARE(second.size(), 1);
+    QVERIFY(scontrol({text("requeue"), second.first().trimmed()}).exitCode != 0);
     QCOMPARE(answerOf(text("scancel"), first).exitCode, 0);
     QTRY_VERIFY_WITH_TIMEOUT(
         !terminal.waitForEnd(UntilTheNextLine) && terminal.output().contains("1 running"), 30000);
@@ -265,7 +232,7 @@ void TestSlurmStudy::noMoreCasesRunThanAllowed()
     QCOMPARE(site.finish(), 0);
 }
 
-void TestSlurmStudy::aCaseWhoseJobIsLostIsMissing()
+void TestSlurmStudy::studiesGoOnAfterALostJobAndAfterFailedCommands()
 {
     NEED_STUDY_ARCHIVER;
     StudySite site;
@@ -282,6 +249,7 @@ void TestSlurmStudy::aCaseWhoseJobIsLostIsMissing()
     QCOMPARE(::kill(static_cast<pid_t>(job), SIGKILL), 0);
     const QFileInfo cases(site.output(text("cases")));
     const QDateTime before = cases.lastModified();
+    goesOnAfterCommandsOfSlurmHaveFailed();
     QCOMPARE(site.finish(), 2);
     QCOMPARE(site.states(), list("ok missing"));
     QVERIFY(site.printed().contains(text("Case 2 is missing: ")));
@@ -385,6 +353,15 @@ void TestSlurmStudy::aKilledAndResumedBeamStudyGivesTheSameTableOnBothEngines()
     const QString missing = BeamStudy::missingProgram();
     if (!missing.isEmpty())
         QSKIP(qPrintable(missing));
+    // Meanwhile another study waits, as when the queue is full: its first call of sbatch is ended
+    // after 20 seconds, and the second follows 10 seconds later.
+    NEED_STUDY_ARCHIVER;
+    StudySite waiting;
+    waiting.writeCases("x\n1\n");
+    replaceCommand(waiting, "sbatch",
+                   "mkdir \"$folder/called\" || exec sbatch \"$@\"\nexec sleep 60\n");
+    waiting.start(waiting.commandLine(slurm(), list("print x")));
+
     BeamStudy onSlurm;
     QCOMPARE(onSlurm.runKilledAndResumed(slurm()), QString());
     BeamStudy here;
@@ -397,6 +374,11 @@ void TestSlurmStudy::aKilledAndResumedBeamStudyGivesTheSameTableOnBothEngines()
             QCOMPARE(row.remove(text("seconds")), 1);
     }
     QCOMPARE(first, second);
+
+    QVERIFY2(waiting.finish() == 0, qPrintable(waiting.errors()));
+    QCOMPARE(waiting.states(), list("ok"));
+    QVERIFY(logOf(waiting).contains(
+        text("Slurm does not accept more jobs now. sbatch does not answer.")));
 }
 
 QTEST_GUILESS_MAIN(TestSlurmStudy)

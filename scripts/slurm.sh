@@ -120,7 +120,7 @@ start() {
     done
     export PATH=$PATH:/usr/sbin
     host=$(hostname -s)
-    address=$(getent ahostsv4 "$host" | awk '{ print $1; exit }')
+    address=$({ getent ahostsv4 "$host" || true; } | awk '{ print $1; exit }')
     [[ $address == 127.* ]] ||
         cannot "the name of this machine, $host, has no loopback address: see /etc/hosts"
     # Slurm reads a blank as the end of a value, "#" as a comment and "%" as a variable.

@@ -36,14 +36,14 @@ until_true() {
     done
 }
 
-# free_ports COUNT: prints the first of so many ports in a row to which nothing listens. They lie below
+# free_ports COUNT ADDRESS: prints the first of so many ports in a row to which nothing listens. They lie below
 # those that the system hands out.
 free_ports() {
     local first port
     while :; do
         first=$((20000 + RANDOM % 10000))
         for ((port = first; port < first + $1; port++)); do
-            ! (: 3<>"/dev/tcp/127.0.0.1/$port") 2>/dev/null || continue 2
+            ! (: 3<>"/dev/tcp/$2/$port") 2>/dev/null || continue 2
         done
         echo "$first"
         return
@@ -51,10 +51,10 @@ free_ports() {
 }
 
 write_configuration() {
-    local host=$1 port=$2
+    local host=$1 address=$2 port=$3
     cat >"$conf" <<END
 ClusterName=vornutility
-SlurmctldHost=$host(127.0.0.1)
+SlurmctldHost=$host($address)
 SlurmctldPort=$port
 SlurmUser=root
 AuthType=auth/munge
@@ -85,15 +85,15 @@ SchedulerParameters=batch_sched_delay=0
 SlurmdParameters=config_overrides
 ReturnToService=2
 KillWait=2
-NodeName=n1 NodeHostname=$host NodeAddr=127.0.0.1 Port=$((port + 1)) \
+NodeName=n1 NodeHostname=$host NodeAddr=$address Port=$((port + 1)) \
     Sockets=2 CoresPerSocket=1 ThreadsPerCore=1 RealMemory=2048
-NodeName=n2 NodeHostname=$host NodeAddr=127.0.0.1 Port=$((port + 2)) \
+NodeName=n2 NodeHostname=$host NodeAddr=$address Port=$((port + 2)) \
     Sockets=1 CoresPerSocket=2 ThreadsPerCore=2 RealMemory=1536
-NodeName=n3 NodeHostname=$host NodeAddr=127.0.0.1 Port=$((port + 3)) \
+NodeName=n3 NodeHostname=$host NodeAddr=$address Port=$((port + 3)) \
     Sockets=2 CoresPerSocket=2 ThreadsPerCore=1 RealMemory=4000
-NodeName=n4 NodeHostname=$host NodeAddr=127.0.0.1 Port=$((port + 4)) \
+NodeName=n4 NodeHostname=$host NodeAddr=$address Port=$((port + 4)) \
     Sockets=4 CoresPerSocket=16 ThreadsPerCore=1 RealMemory=262144
-NodeName=n5 NodeHostname=$host NodeAddr=127.0.0.1 Port=$((port + 5)) RealMemory=1024
+NodeName=n5 NodeHostname=$host NodeAddr=$address Port=$((port + 5)) RealMemory=1024
 PartitionName=short Nodes=n1,n2 Default=YES
 PartitionName=long Nodes=n2,n4
 PartitionName=hidden Nodes=n3 Hidden=YES
@@ -131,7 +131,7 @@ start() {
     : >"$mark"
     chmod 711 "$folder" # as munged demands
     mkdir -m 700 "$folder/log" "$folder/state" "$folder/spool" "$folder/munge"
-    write_configuration "$host" "$(free_ports 6)"
+    write_configuration "$host" "$address" "$(free_ports 6 "$address")"
 
     (umask 077 && head -c 128 /dev/urandom >"$folder/munge/key")
     # shellcheck source=/dev/null

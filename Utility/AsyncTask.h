@@ -10,6 +10,7 @@ namespace Vorn::Util {
 
 class Log;
 
+/// \ingroup tasks
 /// Base class of the tasks that an AsyncTaskProcessor runs. A task does its work immediately, or
 /// over several turns of the event loop, and then calls setFinished().
 ///
@@ -68,8 +69,10 @@ class VORNUTILITY_EXPORT AsyncTask : public QObject
 public:
     /// \a name identifies the task in the log and to the user. It cannot be changed later.
     AsyncTask(const QString &name, QObject *parent);
+    /// Does not emit finished(). See above for who deletes a task.
     ~AsyncTask() override;
 
+    /// The name given to the constructor.
     QString name() const;
 
     /// The text of the last failure; empty while isOk() is true.
@@ -81,6 +84,8 @@ public:
     /// Whether the processor ignores a failure of this task: it logs the error, continues with the
     /// queue, and its own isOk() does not change. Default: false.
     bool ignoreError() const;
+
+    /// Sets ignoreError(). The processor reads it when the task has finished.
     void setIgnoreError(bool ignoreError);
 
     /// Milliseconds from start() to setFinished(); 0 for a task that has not finished.

@@ -4,6 +4,7 @@
 
 namespace Vorn::Util {
 
+/// \ingroup tasks
 /// Tells an AsyncTaskProcessor whether the user has cancelled the run.
 ///
 /// \code
@@ -27,9 +28,17 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT AsyncTaskMonitor
 {
 public:
+    /// Does nothing: the class has no data.
     AsyncTaskMonitor();
+
+    /// Does nothing.
     AsyncTaskMonitor(const AsyncTaskMonitor &other);
+
+    /// Does nothing.
     AsyncTaskMonitor &operator=(const AsyncTaskMonitor &other);
+
+    /// Does nothing. Before, call AsyncTaskProcessor::setTaskMonitor() with null if the run has not
+    /// ended.
     virtual ~AsyncTaskMonitor();
 
     /// True once the user has asked to stop.

@@ -15,6 +15,7 @@ class AsyncTask;
 class AsyncTaskMonitor;
 class Log;
 
+/// \ingroup tasks
 /// Runs a queue of tasks one after another in the Qt event loop.
 ///
 /// \code
@@ -40,6 +41,9 @@ class Log;
 /// - The monitor reports a cancel after a task: the processor skips to the clean-up task of that
 ///   task. If it has none, the waiting tasks still run.
 /// - After the first such failure or cancel, later ones do not change the queue any more.
+///
+/// Kept for compatibility: see "Cancel without a clean-up task", "Tasks dropped after a failure"
+/// and "One stop" in docs/compatibility.md.
 ///
 /// A task that fails without ignoreError() always makes isOk() false.
 ///
@@ -72,7 +76,11 @@ class VORNUTILITY_EXPORT AsyncTaskProcessor : public QObject
     Q_OBJECT
 
 public:
+    /// A processor without tasks, log and monitor.
     AsyncTaskProcessor(QObject *parent = nullptr);
+
+    /// Deletes all tasks that are its children, without starting any. No signal of the processor is
+    /// emitted, and the event loop is not ended.
     ~AsyncTaskProcessor() override;
 
     /// Appends \a task to the queue, sets its log to the log of the processor and takes ownership.
@@ -90,11 +98,15 @@ public:
     /// Whether the end of the run ends the application's event loop: with exit code 0 if isOk() is
     /// true, otherwise with 1. Default: false.
     void setExitEventLoopWhenDone(bool exitEventLoopWhenDone);
+
+    /// See setExitEventLoopWhenDone().
     bool exitEventLoopWhenDone() const;
 
     /// Whether a failure changes the queue as described above. If not, a failure skips no task.
     /// Default: true.
     void setExitOnError(bool exitOnError);
+
+    /// See setExitOnError().
     bool exitOnError() const;
 
     /// Sets the log, also for the tasks that are added later. Tasks that were added before keep
@@ -106,6 +118,7 @@ public:
     void setTaskMonitor(Vorn::Util::AsyncTaskMonitor *monitor);
 
     /// True if no task is waiting. It is already true while the last task runs.
+    /// Kept for compatibility: see "isFinished() during the last task" in docs/compatibility.md.
     bool isFinished() const;
 
     /// False after a task has failed without ignoreError().
@@ -113,6 +126,7 @@ public:
 
     /// Starts the first task when control returns to the event loop. Does nothing if the queue is
     /// empty.
+    /// Kept for compatibility: see "Start on an empty queue" in docs/compatibility.md.
     void startLater();
 
 Q_SIGNALS:

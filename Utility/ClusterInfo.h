@@ -10,6 +10,7 @@ namespace Vorn::Util {
 
 class Log;
 
+/// \ingroup machine
 /// The nodes of the compute cluster, as reported by the cluster tool "NodeInformation".
 ///
 /// \code
@@ -34,11 +35,14 @@ public:
     /// Runs the tool in the folder \a dir and reads the nodes.
     ClusterInfo(Log *log, const QString &dir);
 
-    /// The nodes in the order of the tool's output. A node that is both a head node and a compute
-    /// node is in both lists.
+    /// The head nodes in the order of the tool's output. A node that is both a head node and a
+    /// compute node is in both lists.
     QList<NodeInfo> headNodes() const;
+
+    /// The compute nodes in the order of the tool's output.
     QList<NodeInfo> computeNodes() const;
 
+    /// The number of compute nodes that were read.
     int computeNodeCount() const;
 
     /// The total number of cores of the compute nodes.

@@ -9,6 +9,7 @@ namespace Vorn::Util {
 
 class Log;
 
+/// \ingroup commands
 /// Runs a command line with the command interpreter of the system: cmd.exe, or /bin/sh on Linux.
 ///
 /// \code
@@ -42,7 +43,11 @@ class Log;
 class VORNUTILITY_EXPORT Command
 {
 public:
+    /// The calls of this object write to \a logFile if they are told to log. It is not owned and
+    /// may be null.
     Command(Log *logFile = nullptr);
+
+    /// Stops nothing: a command started with runNoWait() continues.
     ~Command() = default;
 
     /// Runs \a command and returns its output, at most \a maxLines + 2 lines (one line if
@@ -65,9 +70,11 @@ public:
     /// Starts \a command and returns immediately. Always returns 0, also if the interpreter cannot
     /// be started. The output is discarded. If \a logIt is true, logs the call of the interpreter
     /// with the command. If \a workingDirectory is empty, the command runs in the current folder.
+    /// Kept for compatibility: see "Logged command" in docs/compatibility.md.
     ///
     /// Resources: each call allocates a small object that is never freed, and a pipe that is closed
     /// when the event loop of the thread processes the end of the command.
+    /// Kept for compatibility: see "Command that nobody waits for" in docs/compatibility.md.
     int runNoWait(const QString &command, bool logIt, const QString &workingDirectory);
 
 private:

@@ -10,6 +10,7 @@ namespace Vorn::Util {
 
 class SysInfo;
 
+/// \ingroup machine
 /// Reads a performance counter of the system as an integer.
 ///
 /// \code
@@ -37,8 +38,13 @@ public:
 
     /// Opens the counter \a counterPath and takes the first sample.
     CpuCounter(const QString &counterPath);
+    /// Closes the counter.
     ~CpuCounter();
+
+    /// Takes the counter of \a other, whose getValue() then returns -1.
     CpuCounter(CpuCounter &&other) noexcept;
+
+    /// Closes the own counter and takes the one of \a other, whose getValue() then returns -1.
     CpuCounter &operator=(CpuCounter &&other) noexcept;
 
     /// Takes a sample and returns the value of the counter; -1 if the counter does not exist, or

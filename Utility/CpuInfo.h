@@ -10,6 +10,7 @@ namespace Vorn::Util {
 
 class Log;
 
+/// \ingroup machine
 /// The number of processors and cores of this machine, and whether hyper-threading is on. Querying
 /// the system is slow. So the result is saved in the file "SystemInfo.xml" and read from there as
 /// long as the file exists.

@@ -8,6 +8,7 @@
 
 namespace Vorn::Util {
 
+/// \ingroup values
 /// Base class of enumerations whose members can be looked up by name and by value at run time.
 ///
 /// \code
@@ -33,6 +34,7 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT Enum
 {
 public:
+    /// Destroys the object. The member stays registered.
     ~Enum() = default;
 
     /// The number of members of \a type; 0 if the type is unknown.
@@ -52,10 +54,13 @@ public:
     /// The value; -1 for an invalid member.
     int toValue() const;
 
+    /// False for the result of a lookup that found nothing.
     bool isValid() const;
 
     /// Compares type and id.
     bool operator==(const Enum &other) const;
+
+    /// The opposite of `==`.
     bool operator!=(const Enum &other) const;
 
 protected:
@@ -72,11 +77,16 @@ protected:
 
     /// Registers a new member whose value is its id, also if an earlier member has another value
     /// than its id. After "A" and "B" = 10 the member "C" gets the value 2, not 11.
+    /// Kept for compatibility: see "Automatic values" in docs/compatibility.md.
     Enum(const QString &type, const QString &string);
 
+    /// The same member of the same type. Registers nothing.
     Enum(const Enum &other);
+
+    /// Becomes the same member of the same type.
     Enum &operator=(const Enum &other);
 
+    /// The index of the member in its type; Invalid for an invalid member.
     int id() const;
 
 private:

@@ -12,6 +12,7 @@ class QFile;
 
 namespace Vorn::Util {
 
+/// \ingroup logs
 /// A log file in UTF-8. Each message is one line that begins with the time of writing.
 ///
 /// A log of more than MaxLogSize bytes is truncated: about its first AmountToTruncate bytes are
@@ -37,7 +38,8 @@ namespace Vorn::Util {
 /// \par Truncation
 /// The tail of the log, about 4 MiB, is copied to a new file in the folder for temporary files. The
 /// new file then replaces the log. If the folder is on another file system than the log, the tail
-/// is copied a second time.
+/// is copied a second time. The truncated log can begin inside a line of more than 255 bytes.
+/// Kept for compatibility: see "Long line in a truncated log" in docs/compatibility.md.
 /// - If the name of the log is a symbolic link, the file that it points to is replaced, and the
 ///   link is kept. A hard link still refers to the old file.
 /// - Linux: permission bits, owner, group and access control list are kept as far as the process
@@ -113,7 +115,11 @@ public:
     /// open before.
     bool open(bool append);
 
+    /// Closes the file. Does nothing if the log is not open. open() opens it again.
     void close();
+
+    /// Writes what is buffered to the file. append() and fastAppend() do so themselves. It does not
+    /// wait for the disk.
     void flush();
 
     /// Writes a line: the time stamp in brackets, a blank, and \a text without white space at its
@@ -125,15 +131,23 @@ public:
     /// Like append(), but takes no lock and does not check the size.
     void fastAppend(const QString &text);
 
-    /// Writes only the value, without time stamp and line end. The operators check the size like
-    /// append(), but take no lock. A character is read as Latin-1. A floating-point number has up
-    /// to 6 significant digits (3.14159, 1e+10).
+    /// Writes only \a text, without time stamp and line end. The operators check the size like
+    /// append(), but take no lock.
     Log &operator<<(const QString &text);
+
+    /// Writes only one character, which is read as Latin-1.
     Log &operator<<(char character);
+
+    /// Writes only the number, in decimal.
     Log &operator<<(int number);
+
+    /// Writes only the number, with up to 6 significant digits (3.14159, 1e+10).
     Log &operator<<(double number);
 
+    /// Sets the time stamp of the lines that are written from now on.
     void setTimeStamp(Log::TimeStamp timeStamp);
+
+    /// The time stamp at the beginning of a line. Default: TimeOnly.
     Log::TimeStamp timeStamp() const;
 
     /// The time in the file name, "yyyy-MM-dd-hhmmss"; empty if the name contains no time.

@@ -6,6 +6,7 @@
 
 namespace Vorn::Util {
 
+/// \ingroup system
 /// Reads the product's machine-wide settings and builds the paths of its translator folders. The
 /// results are written to buffers of the caller, so that programs without Qt strings can use the
 /// class. Static members only.
@@ -35,6 +36,7 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT Registry
 {
 public:
+    /// There are no objects of this class.
     explicit Registry() = delete; // explicit: Registry{} does not compile either
 
     /// Reads the value \a valueName of the key \a keyPath. If \a keyPath is null, the key of the

@@ -10,6 +10,7 @@ namespace Vorn::Util {
 
 class SevenZipCommand;
 
+/// \ingroup commands
 /// Creates, extracts and lists archives with the console program of 7-Zip.
 ///
 /// \code
@@ -92,23 +93,36 @@ class VORNUTILITY_EXPORT SevenZip : public QObject
 
 public:
     /// The format of the archive.
-    enum Type : int { Type7z = 0, TypeZip = 1 };
+    enum Type : int {
+        Type7z = 0, ///< a 7z archive
+        TypeZip = 1 ///< a zip archive
+    };
 
     /// The compression method.
     enum Method : int {
-        Copy = 0, ///< no compression
-        Deflate = 1,
-        LZMA = 2,  ///< 7z archives only
-        LZMA2 = 3, ///< 7z archives only
-        BZip2 = 4  ///< 7z archives only
+        Copy = 0,    ///< no compression
+        Deflate = 1, ///< fast, and the usual method of zip archives
+        LZMA = 2,    ///< 7z archives only
+        LZMA2 = 3,   ///< 7z archives only; like LZMA, but uses more processors
+        BZip2 = 4    ///< 7z archives only
     };
 
     /// The compression level. Any other number is passed to 7-Zip unchanged.
-    enum Level : int { Store = 0, Fastest = 1, Fast = 3, Normal = 5, Maximum = 7, Ultra = 9 };
+    enum Level : int {
+        Store = 0,   ///< no compression
+        Fastest = 1, ///< fast, larger archive
+        Fast = 3,    ///< between Fastest and Normal
+        Normal = 5,  ///< the level that 7-Zip itself uses if it is given none
+        Maximum = 7, ///< between Normal and Ultra
+        Ultra = 9    ///< smallest archive, most time and memory
+    };
 
     /// The compression mode of LZMA and LZMA2 (7-Zip's switch "-ma="). Any other number is passed
     /// to 7-Zip unchanged.
-    enum Mode : int { FastMode = 0, NormalMode = 1 };
+    enum Mode : int {
+        FastMode = 0,  ///< faster, larger archive
+        NormalMode = 1 ///< slower, smaller archive
+    };
 
     /// The result of an operation.
     /// Kept for compatibility: see "Exit codes of the archiver" in docs/compatibility.md.
@@ -118,38 +132,59 @@ public:
         FatalError = 2 ///< exit code 2, a crash, or an incomplete list file
     };
 
+    /// An object with the default settings and without results.
     SevenZip(QObject *parent = nullptr);
+
+    /// If an operation runs, 7-Zip continues, but its end is not handled: no signal is emitted, the
+    /// current folder stays changed, and a list file is not removed.
     ~SevenZip() override;
 
     /// The path of the archive to create, extract or list.
     QString archiveFile() const;
+
+    /// Sets archiveFile(). Give an absolute path.
     void setArchiveFile(const QString &archiveFile);
 
     /// The current folder of the process while 7-Zip runs. If it is empty, the current folder is
     /// not changed.
     QString currentPath() const;
+
+    /// Sets currentPath(). Names below this folder are passed to 7-Zip without it.
     void setCurrentPath(const QString &currentPath);
 
-    /// Type and method of the archive. Default: Type7z and LZMA2. Before compressing a zip archive,
-    /// set the method to Copy or Deflate.
-    ///
-    /// A listing sets type and method to those that 7-Zip prints. It prints no method for a zip
-    /// archive and for an empty archive; method() then does not change.
+    /// The type of the archive. Default: Type7z. A listing sets it to the type that 7-Zip prints.
     Type type() const;
+
+    /// Sets the type of the archive to create. Before compressing a zip archive, also set the
+    /// method to Copy or Deflate.
     void setType(Type type);
+
+    /// The compression method. Default: LZMA2. A listing sets it to the method that 7-Zip prints.
+    /// 7-Zip prints none for a zip archive and for an empty archive; the method then does not
+    /// change.
     Method method() const;
+
+    /// Sets the method of the next compression. For a zip archive it must be Copy or Deflate: any
+    /// other method fails an assertion, and in release builds 7-Zip gets an empty argument.
     void setMethod(Method method);
 
-    /// Default: Fastest.
+    /// The compression level. Default: Fastest.
     Level level() const;
+
+    /// Sets the level of the next compression.
     void setLevel(Level level);
 
-    /// Default: FastMode.
+    /// The compression mode. Default: FastMode.
     Mode mode() const;
+
+    /// Sets the mode of the next compression. It is passed to 7-Zip only for 7z archives with the
+    /// method LZMA or LZMA2.
     void setMode(Mode mode);
 
     /// Whether 7-Zip uses several threads. Default: true.
     bool useThreads() const;
+
+    /// Sets useThreads() for the next compression.
     void setUseThreads(bool useThreads);
 
     /// Has no effect.
@@ -187,49 +222,88 @@ public:
     /// This includes exit codes such as 7 (wrong command line), 8 (not enough memory) and 255
     /// (stopped by the user).
     bool compressFiles(const QStringList &files);
+
+    /// Starts to pack \a files into archiveFile() and returns. The end is told by
+    /// compressionFinished(); no signal is emitted if 7-Zip cannot be started.
     void startCompressingFiles(const QStringList &files);
 
-    /// Extracts archiveFile() to \a folder. The result is as above.
+    /// Extracts archiveFile() to \a folder. The result is that of compressFiles().
     bool extractFilesTo(const QString &folder);
+
+    /// Starts to extract archiveFile() to \a folder and returns. The end is told by
+    /// extractionFinished(); no signal is emitted if 7-Zip cannot be started.
     void startExtractingFilesTo(const QString &folder);
 
-    /// Appends the entries of archiveFile() to files(). The result is as above.
+    /// Appends the entries of archiveFile() to files(). The result is that of
+    /// compressFiles().
     bool listFiles();
+
+    /// Starts to list archiveFile() and returns. The end is told by listFinished(); no signal is
+    /// emitted if 7-Zip cannot be started.
     void startListingFiles();
 
 Q_SIGNALS:
     /// Never emitted.
     void progress(qint64 processed, qint64 total);
+
+    /// Emitted at the end of a compression, also after an error. The results can be read.
     void compressionFinished();
+
+    /// Emitted at the end of an extraction, also after an error. The results can be read.
     void extractionFinished();
+
+    /// Emitted at the end of a listing, also after an error. The results can be read.
     void listFinished();
 
 protected:
-    void setError(Error error);
-    void setOutput(const QString &output);
-    void setFiles(const QStringList &files);
-    void addFile(const QString &file);
-    void setFolder(const QString &folder);
-    void setCompressedSize(qint64 size);
-    void setUncompressedSize(qint64 size);
+    void setError(Error error);              ///< Sets error().
+    void setOutput(const QString &output);   ///< Sets output().
+    void setFiles(const QStringList &files); ///< Sets files().
+    void addFile(const QString &file);       ///< Appends \a file to files().
+    void setFolder(const QString &folder);   ///< Sets folder().
+    void setCompressedSize(qint64 size);     ///< Sets compressedSize() to \a size bytes.
+    void setUncompressedSize(qint64 size);   ///< Sets uncompressedSize() to \a size bytes.
 
     /// Emits the signal of the operation that was started last.
+    /// Kept for compatibility: see "Signal of the latest operation" in docs/compatibility.md.
     void setCommandFinished();
 
-    // These functions convert settings to switches of 7-Zip and texts of 7-Zip to settings. An
-    // unknown value fails an assertion. In release builds the result is then an empty text, Type7z
-    // or LZMA2. A method with parameters ("LZMA:16") is an unknown value.
+    /// The switch of 7-Zip for \a type: "-t7z" or "-tzip". Any other value fails an assertion; in
+    /// release builds the result is empty.
     static QString typeArg(Type type);
+
+    /// The switch of 7-Zip for \a method: for example "-m0=LZMA2" for a 7z archive, "-mm=Deflate"
+    /// for a zip archive. A method that archives of this type cannot have here fails an assertion;
+    /// in release builds the result is empty.
     static QString methodArg(Type type, Method method);
+
+    /// The switch of 7-Zip for \a level, for example "-mx=1".
     static QString levelArg(Level level);
+
+    /// The switch of 7-Zip for \a mode, for example "-ma=0".
     static QString modeArg(Mode mode);
+
+    /// The switch of 7-Zip for several threads: "-mmt=on" or "-mmt=off".
     static QString multithreadArg(bool useThreads);
+
+    /// The suffix of archives of \a type: "7z" or "zip". Any other value fails an assertion; in
+    /// release builds the result is empty.
     static QString fileExt(Type type);
+
+    /// The type for "7z" or "zip". Any other text fails an assertion; in release builds the result
+    /// is Type7z.
+    /// Kept for compatibility: see "Unknown types and methods" in docs/compatibility.md.
     static Type toType(const QString &text);
+
+    /// The method for its name, in the same letter case. Any other text fails an assertion; in
+    /// release builds the result is LZMA2. A method with parameters ("LZMA:16") is such a text.
+    /// Kept for compatibility: see "Unknown types and methods" in docs/compatibility.md.
     static Method toMethod(const QString &text);
 
-    /// In bytes; 0 for a file that does not exist.
+    /// The size of a file in bytes; 0 for a file that does not exist.
     static qint64 fileSize(const QString &path);
+
+    /// The sum of fileSize() of all \a paths.
     static qint64 fileSizes(const QStringList &paths);
 
 private:

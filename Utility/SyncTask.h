@@ -6,6 +6,7 @@
 
 namespace Vorn::Util {
 
+/// \ingroup tasks
 /// A task that calls a method of an object. The task is finished when the method returns.
 ///
 /// \code
@@ -27,9 +28,11 @@ public:
     /// The task will call \a method of \a receiver. \a method is the name of a slot or Q_INVOKABLE
     /// method without parentheses.
     SyncTask(QObject *receiver, const QString &method, QObject *parent);
+    /// Does not change the receiver.
     ~SyncTask() override;
 
 protected:
+    /// Calls the method of the receiver directly, then setFinished().
     void execute() override;
 
 private:

@@ -8,6 +8,7 @@
 
 namespace Vorn::Util {
 
+/// \ingroup system
 /// The product's standard folders and other services of the operating system: paths, processes,
 /// language, flags, folder trees. Static members only.
 ///
@@ -39,6 +40,7 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT System
 {
 public:
+    /// There are no objects of this class.
     explicit System() = delete; // explicit: System{} does not compile either
 
     /// The data folder for all users; native. It is not created.
@@ -125,7 +127,10 @@ public:
     static QString toWindowsPath(const QString &path);
 
     /// Converts "D:\work\case1" to "/mnt/d/work/case1". Any other path is returned unchanged. If
-    /// "D:" occurs again in the path, it is replaced there, too.
+    /// "D:" occurs again in the path, it is replaced there, too. A vertical bar is accepted as the
+    /// letter of a drive.
+    /// Kept for compatibility: see "Every occurrence of a drive" and "Vertical bar as a drive
+    /// letter" in docs/compatibility.md.
     static QString toWslPath(const QString &path);
 
     /// The network path of a path on a mapped drive, or the folder of a path on a substituted drive
@@ -154,6 +159,7 @@ public:
     /// \a pathFilter, both in any letter case. An empty filter matches every path. If the path of a
     /// process cannot be read, its name is compared with the filter. Processes that this process
     /// may not open are skipped.
+    /// Kept for compatibility: see "Filter without a path" in docs/compatibility.md.
     ///
     /// Returns the names of the terminated processes. Does not wait for their end.
     ///

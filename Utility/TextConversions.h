@@ -27,16 +27,31 @@
 
 namespace Vorn::Util {
 
+/// \addtogroup values
+/// \{
+
+/// Reads UTF-8 up to the first null byte.
 VORNUTILITY_EXPORT QString toQString(const std::string &text);
+
+/// Reads wide text, also after a null character.
 VORNUTILITY_EXPORT QString toQString(const std::wstring &text);
 
+/// Returns UTF-8, which ends at the first null byte.
 VORNUTILITY_EXPORT std::string toStdString(const QString &text);
+
+/// Returns UTF-8, which ends at the first null byte.
 VORNUTILITY_EXPORT std::string toStdString(const std::wstring &text);
 
+/// Reads UTF-8 up to the first null byte and returns wide text.
 VORNUTILITY_EXPORT std::wstring toStdWString(const std::string &text);
+
+/// Returns wide text, also after a null character.
 VORNUTILITY_EXPORT std::wstring toStdWString(const QString &text);
 
+/// Converts each element with toQString() and keeps the order.
 VORNUTILITY_EXPORT QStringList toQStringList(const std::vector<std::string> &texts);
+
+/// Converts each element with toStdString() and keeps the order.
 VORNUTILITY_EXPORT std::vector<std::string> toStringVector(const QStringList &texts);
 
 /// Returns a new null-terminated array. The caller owns it and frees it with `delete[]`.
@@ -54,5 +69,7 @@ VORNUTILITY_EXPORT void toChar16Array(const QString &text, char16_t *out);
 /// must be at least the length of the UTF-16 text plus one. If a pointer is null, nothing is
 /// written.
 VORNUTILITY_EXPORT void toChar16Array(const wchar_t *in, char16_t *out);
+
+/// \}
 
 } // namespace Vorn::Util

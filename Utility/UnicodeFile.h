@@ -6,6 +6,7 @@
 
 namespace Vorn::Util {
 
+/// \ingroup system
 /// Moves a file to a path in 7-bit ASCII, for programs that cannot open other paths, and moves it
 /// back in the destructor. A file whose path is already ASCII is not moved.
 ///
@@ -69,7 +70,13 @@ class VORNUTILITY_EXPORT UnicodeFile
 public:
     /// Moves the file \a filePath to its ASCII path with renameToAscii().
     UnicodeFile(const QString &filePath);
+
+    /// Copies the paths and the state. Moves no file.
+    /// Kept for compatibility: see "Copies of a UnicodeFile" in docs/compatibility.md.
     UnicodeFile(const UnicodeFile &other);
+
+    /// Copies the paths and the state. Moves no file: the file that this object stood for is not
+    /// moved back.
     UnicodeFile &operator=(const UnicodeFile &other);
 
     /// Moves the file back with renameToUnicode(). If no move to the ASCII path has succeeded, does
@@ -112,8 +119,10 @@ public:
     /// The folder of the Unicode path.
     QString unicodePath() const;
 
-    /// Folder and name, joined with "/".
+    /// asciiPath() and asciiName(), joined with "/". Empty parts are not left out.
     QString asciiFilePath() const;
+
+    /// unicodePath() and unicodeName(), joined with "/".
     QString unicodeFilePath() const;
 
 private:

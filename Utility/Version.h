@@ -15,6 +15,7 @@
 
 namespace Vorn::Util {
 
+/// \ingroup values
 /// The version number of a release of the product: major, minor and patch number. A version also
 /// has a development stage, which is neither compared nor converted to text or XML.
 ///
@@ -32,17 +33,17 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT Version
 {
 public:
-    // The version of this library.
-    static const int Major = 24;
-    static const int Minor = 0;
-    static const int Patch = 75;
-    static const int Hotfix = 1;
-    static const int DevStage = 0;
+    static const int Major = 24;   ///< the major number of this library
+    static const int Minor = 0;    ///< the minor number of this library
+    static const int Patch = 75;   ///< the patch number of this library
+    static const int Hotfix = 1;   ///< the number of the release; see CurrentRelease
+    static const int DevStage = 0; ///< the development stage of this library
 
     static const Version Current;        ///< 24.0.75
     static const Version CurrentRelease; ///< 24.0.1; its patch number is Hotfix
     static const QString Public;         ///< "2024", the public name of the release
 
+    /// The version with these numbers. They are not checked.
     constexpr Version(int major = 0, int minor = 0, int patch = 0, int developmentStage = 0)
         : major_(major)
         , minor_(minor)
@@ -54,12 +55,17 @@ public:
     /// Reads \a text with fromString(). The version is 0.0.0 if \a text does not have three parts.
     Version(const QString &text);
 
+    /// Sets all four numbers. They are not checked.
     void setVersion(int major, int minor, int patch, int developmentStage);
 
-    constexpr int major() const { return major_; }
-    constexpr int minor() const { return minor_; }
-    constexpr int patch() const { return patch_; }
+    constexpr int major() const { return major_; } ///< The first number.
+    constexpr int minor() const { return minor_; } ///< The second number.
+    constexpr int patch() const { return patch_; } ///< The third number.
+
+    /// A number of the caller, which the class only stores.
     constexpr int developmentStage() const { return developmentStage_; }
+
+    /// Sets developmentStage().
     void setDevelopmentStage(int developmentStage);
 
     /// Whether the major number is not 0.
@@ -74,6 +80,7 @@ public:
 
     /// The public name of the major number: "v9", "v10", "2010" and "2011" for 9 to 12, otherwise
     /// the number itself. For 24 it is "24"; the public name of this release is Public.
+    /// Kept for compatibility: see "Public names of versions" in docs/compatibility.md.
     QString toPublic() const;
 
     /// Reads the child elements "major", "minor" and "patch". If "patch" is 0 or missing, the child
@@ -89,13 +96,18 @@ public:
     /// from a branch.
     static QString Branch();
 
-    /// The comparisons ignore the development stage.
+    /// Compares the major, minor and patch number. No comparison looks at the development stage.
     bool operator==(const Version &other) const;
-    bool operator!=(const Version &other) const;
+
+    bool operator!=(const Version &other) const; ///< The opposite of `==`.
+
+    /// Compares the major numbers; if they are equal, the minor numbers, and then the patch
+    /// numbers.
     bool operator<(const Version &other) const;
-    bool operator<=(const Version &other) const;
-    bool operator>(const Version &other) const;
-    bool operator>=(const Version &other) const;
+
+    bool operator<=(const Version &other) const; ///< The opposite of `>`.
+    bool operator>(const Version &other) const;  ///< Like `<` with exchanged sides.
+    bool operator>=(const Version &other) const; ///< The opposite of `<`.
 
 private:
     int major_;

@@ -7,6 +7,7 @@
 
 namespace Vorn::Util {
 
+/// \ingroup values
 /// Helper functions for small XML documents with the DOM classes of Qt. Static members only. They
 /// have no state: any thread may call them for a document of its own.
 ///
@@ -18,6 +19,7 @@ namespace Vorn::Util {
 class VORNUTILITY_EXPORT Xml
 {
 public:
+    /// There are no objects of this class.
     explicit Xml() = delete; // explicit: Xml{} does not compile either
 
     /// "true" or "false".

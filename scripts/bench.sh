@@ -21,7 +21,7 @@ cd "$project"
 build() {
     local library
     library=$(scripts/benchmark-library.sh "$1")
-    cmake -S . -B "$2" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER_LAUNCHER=ccache \
+    cmake -S . -B "$2" -G Ninja -DCMAKE_BUILD_TYPE=Release \
         -DVORNUTILITY_BUILD_TESTS=OFF -DVORNUTILITY_BUILD_BENCHMARKS=ON \
         -Dbenchmark_DIR="$library/lib/cmake/benchmark" "${@:3}" >/dev/null
     cmake --build "$2"

@@ -24,13 +24,28 @@ need() {
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     say "Installing ${missing[*]}"
-    as_root apt-get -qq update
-    as_root env DEBIAN_FRONTEND=noninteractive \
-        apt-get -qq install -y --no-install-recommends "${missing[@]}" >/dev/null
+    apt_get update
+    apt_get install -y --no-install-recommends "${missing[@]}"
+}
+
+# apt_get ARGUMENT...: runs apt-get and prints its output only if it fails. Waits up to 30 minutes while
+# another package manager runs. apt-get itself can wait for dpkg's lock. If one of its own locks is held,
+# that of the package lists or that of the downloaded packages, it fails at once.
+apt_get() {
+    local output end=$((SECONDS + 1800))
+    until output=$(as_root env LC_ALL=C DEBIAN_FRONTEND=noninteractive \
+        apt-get -qq -o DPkg::Lock::Timeout=1800 "$@" 2>&1); do
+        if [[ $output != *'Could not get lock'* ]] || [ $SECONDS -ge $end ]; then
+            printf '%s\n' "$output" >&2
+            return 1
+        fi
+        sleep 1
+    done
 }
 
 need_build_tools() {
     need g++ cmake ninja-build ccache qtbase5-dev 7zip python3
+    export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
     export CCACHE_DIR=${CCACHE_DIR:-$cache_home/ccache}
     # Clones in other folders share the cached objects.
     export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$project} CCACHE_NOHASHDIR=1

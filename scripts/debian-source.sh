@@ -13,7 +13,7 @@ package_version() {
     local version
     version=$(apt-cache show "$1" 2>/dev/null | sed -n 's/^Version: *//p' | head -n 1)
     if [ -z "$version" ]; then
-        as_root apt-get -qq update >&2
+        apt_get update
         version=$(apt-cache show "$1" | sed -n 's/^Version: *//p' | head -n 1)
     fi
     echo "$version"

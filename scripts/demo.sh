@@ -24,7 +24,7 @@ cmake --install build/linux-release --prefix build/stage >/dev/null
 # build_example SOURCE FOLDER
 build_example() {
     cmake -S "$1" -B "$2" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-        -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DVORNUtility_ROOT="$project/build/stage" >/dev/null
+        -DVORNUtility_ROOT="$project/build/stage" >/dev/null
     cmake --build "$2"
 }
 

@@ -50,6 +50,8 @@ class Log;
 /// };
 /// \endcode
 ///
+/// \dotfile task-life.dot "The life of a task"
+///
 /// Ownership: AsyncTaskProcessor::addTask() makes the processor the owner of the task. The
 /// processor deletes the task while it emits finished(), that is, inside setFinished().
 /// - Do not use a task after calling setFinished().

@@ -26,6 +26,8 @@ class SevenZipCommand;
 /// function ("start..."), which needs the event loop of the thread. Both emit the signal of the
 /// operation at its end; the blocking function emits it before it returns.
 ///
+/// \dotfile archive-operation.dot "An operation on an archive"
+///
 /// Run one operation at a time. If currentPath() is not empty, it is the current folder of the
 /// process during the operation.
 ///

@@ -7,6 +7,7 @@
 #   linux-asan      all tests, debug build, address and undefined-behaviour sanitizers
 #   linux-tsan      the tests with several threads, thread sanitizer
 #   fuzz            each fuzzer for 20 seconds
+#   docs            the documentation site: every public member is described, no link is dead
 #   linux-valgrind  all tests under valgrind; slow, and run only when it is named
 . "$(dirname "$0")/common.sh"
 need_build_tools
@@ -15,7 +16,7 @@ cd "$project"
 VORNUTILITY_ARCHIVERS=$(scripts/test-archivers.sh p7zip-16.02)
 export VORNUTILITY_ARCHIVERS
 
-[ $# -gt 0 ] || set -- linux-release tidy linux-asan linux-tsan fuzz
+[ $# -gt 0 ] || set -- linux-release tidy linux-asan linux-tsan fuzz docs
 
 run_tidy() {
     need clang-tidy
@@ -41,6 +42,7 @@ for part in "$@"; do
     case $part in
     tidy) run_tidy ;;
     fuzz) scripts/fuzz.sh 20 ;;
+    docs) scripts/docs.sh ;;
     linux-valgrind)
         need valgrind
         run_preset linux-valgrind

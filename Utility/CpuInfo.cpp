@@ -1,5 +1,6 @@
 #include <Utility/CpuInfo.h>
 
+#include <Utility/DebugMessages_p.h>
 #include <Utility/Log.h>
 #include <Utility/Platform/Files.h>
 #include <Utility/Platform/Processors.h>
@@ -7,7 +8,6 @@
 #include <Utility/Product_p.h>
 #include <Utility/Xml.h>
 
-#include <QtCore/QDebug>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextCodec>
@@ -188,7 +188,7 @@ void CpuInfo::log(const QString &message)
     if (log_)
         log_->append(message);
     else
-        qDebug("%s", qUtf8Printable(message));
+        qCDebug(debugMessages, "%s", qUtf8Printable(message));
 }
 
 } // namespace Vorn::Util

@@ -21,7 +21,8 @@ class Log;
 /// \endcode
 ///
 /// \par Failures
-/// A failure is logged or, if there is no log, written with qDebug(). The numbers are then:
+/// A failure is logged or, if there is no log, written as a debug message of the category
+/// "vorn.utility". The numbers are then:
 /// - The file cannot be read: 1 processor, 1 core, hyper-threading off. The system is not queried,
 ///   and the file is not changed. Delete the file to query the system again.
 /// - The file has no entry for hyper-threading: the numbers of the system. If the system cannot be

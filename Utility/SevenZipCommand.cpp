@@ -1,6 +1,7 @@
 #include <Utility/SevenZipCommand_p.h>
 
 #include <Utility/ArchiverProgram_p.h>
+#include <Utility/DebugMessages_p.h>
 #include <Utility/Platform/Archiver.h>
 #include <Utility/SevenZip.h>
 #include <Utility/System.h>
@@ -118,7 +119,7 @@ void SevenZipCommand::start()
     reader_
         = Formats::makeArchiverReader(archiver.dialect, archiver.separator, operation, *results_);
     const QStringList all = Formats::archiverArguments(archiver.dialect, operation, arguments());
-    qDebug().noquote() << all.join(QLatin1Char(' '));
+    qCDebug(debugMessages).noquote() << all.join(QLatin1Char(' '));
     process_->start(archiver.path, all, QIODevice::ReadWrite);
     process_->closeWriteChannel();
 }

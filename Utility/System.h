@@ -22,7 +22,7 @@ namespace Vorn::Util {
 ///
 /// "Native" means with the separators of the system. If a folder cannot be found, the result is an
 /// empty text or the fallback described at the function. No function throws. Messages are written
-/// with qDebug().
+/// as debug messages of the category "vorn.utility".
 ///
 /// \par Threads
 /// Any thread may call the functions for processes, environment variables, the host name and the

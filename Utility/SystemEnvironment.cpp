@@ -1,9 +1,9 @@
 // Environment variables, the machine and the user.
 
+#include <Utility/DebugMessages_p.h>
 #include <Utility/Platform/Processes.h>
 #include <Utility/System.h>
 
-#include <QtCore/QDebug>
 #include <QtNetwork/QHostInfo>
 
 #include <mutex>
@@ -39,7 +39,7 @@ QString System::getUserName()
 {
     QString name = Platform::userName();
     if (name.isEmpty())
-        qDebug("Cannot determine user name");
+        qCDebug(debugMessages, "Cannot determine user name");
     return name;
 }
 

@@ -2,6 +2,7 @@
 
 #include <Utility/System.h>
 
+#include <Utility/DebugMessages_p.h>
 #include <Utility/Formats/AsciiText_p.h>
 #include <Utility/Product_p.h>
 #include <Utility/StandardFolders_p.h>
@@ -28,7 +29,7 @@ namespace {
 void createIfMissing(const QString &path)
 {
     if (!QDir(path).exists() && !QDir().mkpath(path))
-        qDebug() << "Serious: Unable to create the folder: " << path;
+        qCDebug(debugMessages) << "Serious: Unable to create the folder: " << path;
 }
 
 } // namespace
@@ -92,7 +93,7 @@ void System::setWorkingDirPath(const QString &path)
     workingDirPath_ = path;
     const QFileInfo info(path);
     if (info.isFile()) {
-        qDebug() << "Passing file name to Util::System::setWorkingDirPath" << path;
+        qCDebug(debugMessages) << "Passing file name to Util::System::setWorkingDirPath" << path;
         workingDirPath_ = info.absolutePath();
     }
 }

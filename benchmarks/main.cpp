@@ -15,7 +15,7 @@
 int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    QLoggingCategory::setFilterRules(QStringLiteral("vorn.utility.debug=false"));
     benchmark::Initialize(&argc, argv);
     benchmark::AddCustomContext("qt", qVersion());
     const std::string option = "--folder=";

@@ -132,7 +132,7 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("cluster-study"));
     // SevenZip writes the arguments of 7-Zip to Qt's debug channel, which is not needed here.
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    QLoggingCategory::setFilterRules(QStringLiteral("vorn.utility.debug=false"));
     if (QCoreApplication::arguments().value(1) == QLatin1String(RunCaseOption))
         return runCaseOfJob();
     QElapsedTimer time;

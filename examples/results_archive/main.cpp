@@ -77,7 +77,7 @@ int main(int argc, char *argv[])
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("results-archive"));
     // SevenZip writes the arguments of 7-Zip to Qt's debug channel, which is not needed here.
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    QLoggingCategory::setFilterRules(QStringLiteral("vorn.utility.debug=false"));
     QElapsedTimer time;
     time.start();
 

@@ -83,7 +83,7 @@ private:
 void TestSlurmStudy::initTestCase()
 {
     TestWithCluster::initTestCase();
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    QLoggingCategory::setFilterRules(QStringLiteral("vorn.utility.debug=false"));
 }
 
 void TestSlurmStudy::cleanup()

@@ -248,6 +248,6 @@ class TestWithResultsArchive : public Fixture
 protected:
     void initTestCase() override
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+        QLoggingCategory::setFilterRules(QStringLiteral("vorn.utility.debug=false"));
     }
 };

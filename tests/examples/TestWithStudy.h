@@ -170,7 +170,7 @@ class TestWithStudy : public Fixture
 protected:
     void initTestCase() override
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+        QLoggingCategory::setFilterRules(QStringLiteral("vorn.utility.debug=false"));
     }
 
     static QString text(const char *latin) { return QString::fromLatin1(latin); }

@@ -5,8 +5,8 @@
 #include <QtCore/QtGlobal>
 
 /// Keeps what is written to Qt's debug channel while it lives, instead of showing it. Messages of
-/// other kinds are kept too, with their kind in front, so that no test mistakes them for debug
-/// messages.
+/// other kinds and categories are kept too, with kind and category in front, so that no test
+/// mistakes them for debug messages of the library.
 class TestMessages
 {
 public:
@@ -29,9 +29,12 @@ private:
         return lines;
     }
 
-    static void keep(QtMsgType type, const QMessageLogContext &, const QString &text)
+    static void keep(QtMsgType type, const QMessageLogContext &context, const QString &text)
     {
-        kept().append(type == QtDebugMsg ? text : QStringLiteral("%1: %2").arg(type).arg(text));
+        const QString category = QString::fromLatin1(context.category);
+        const bool isOwn = type == QtDebugMsg && category == QLatin1String("vorn.utility");
+        kept().append(
+            isOwn ? text : QStringLiteral("%1 %2: %3").arg(QString::number(type), category, text));
     }
 
     QtMessageHandler before_;

@@ -3,6 +3,7 @@
 #
 # Runs the tests on Linux. The parts are:
 #   linux-release   all tests, release build
+#   abi             the binary interface of the release build, see abi.sh
 #   tidy            clang-tidy on the library
 #   linux-asan      all tests, debug build, address and undefined-behaviour sanitizers
 #   linux-tsan      the tests with several threads, thread sanitizer
@@ -16,7 +17,7 @@ cd "$project"
 VORNUTILITY_ARCHIVERS=$(scripts/test-archivers.sh p7zip-16.02)
 export VORNUTILITY_ARCHIVERS
 
-[ $# -gt 0 ] || set -- linux-release tidy linux-asan linux-tsan fuzz docs
+[ $# -gt 0 ] || set -- linux-release abi tidy linux-asan linux-tsan fuzz docs
 
 run_tidy() {
     need clang-tidy
@@ -40,6 +41,7 @@ run_preset() {
 
 for part in "$@"; do
     case $part in
+    abi) scripts/abi.sh ;;
     tidy) run_tidy ;;
     fuzz) scripts/fuzz.sh 20 ;;
     docs) scripts/docs.sh ;;

@@ -1,0 +1,179 @@
+// Writes the SHA-256 checksums of files into a new file:
+//
+//     task-queue LIST FILE...
+//
+// Shows a queue of tasks with a line about the progress, a cancel with Ctrl-C, and a clean-up task
+// that runs after a failure or a cancel too. Ends with 0 if the list was written; otherwise there
+// is no list, and the exit code is 130 after a cancel and 1 after a failure.
+
+#include <Utility/AsyncTask.h>
+#include <Utility/AsyncTaskMonitor.h>
+#include <Utility/AsyncTaskProcessor.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QCryptographicHash>
+#include <QtCore/QFile>
+#include <QtCore/QTimer>
+
+#include <csignal>
+#include <cstdio>
+
+using namespace Vorn::Util;
+
+namespace {
+
+volatile std::sig_atomic_t cancelRequested = 0;
+
+extern "C" void requestCancel(int) // a signal handler may do little more than set a flag
+{
+    cancelRequested = 1;
+}
+
+// The processor asks this object after each task. A long task looks at the flag itself.
+class CancelRequest : public AsyncTaskMonitor
+{
+public:
+    bool isCanceled() override { return cancelRequested != 0; }
+};
+
+// The checksums, in a file that gets its name when they are complete.
+struct List
+{
+    QFile file;
+    QString name;
+    int missing;
+};
+
+// Adds the checksum of a file to the list.
+class ChecksumTask : public AsyncTask
+{
+public:
+    ChecksumTask(const QString &fileName, List &list)
+        : AsyncTask(fileName, nullptr)
+        , file_(fileName)
+        , list_(list)
+    {
+    }
+
+protected:
+    void execute() override
+    {
+        file_.open(QIODevice::ReadOnly);
+        readBlock();
+    }
+
+private:
+    // Returns to the event loop after each block, so that the program stays responsive.
+    void readBlock()
+    {
+        constexpr qint64 BlockSize = 1 << 20;
+        const QByteArray block = file_.isOpen() ? file_.read(BlockSize) : QByteArray();
+        if (file_.error() != QFile::NoError)
+            setError(QStringLiteral("%1: %2").arg(name(), file_.errorString()));
+        else if (block.isEmpty() && !cancelRequested)
+            addToList();
+        if (block.isEmpty() || !isOk() || cancelRequested)
+            return setFinished(); // deletes this task
+        hash_.addData(block);
+        Q_EMIT progress(
+            QStringLiteral("%1 %").arg(100 * file_.pos() / qMax(file_.pos(), file_.size())));
+        QTimer::singleShot(0, this, [this] { readBlock(); });
+    }
+
+    void addToList()
+    {
+        const QByteArray line = hash_.result().toHex() + "  " + name().toUtf8() + '\n';
+        if (list_.file.write(line) == line.size() && list_.file.flush())
+            --list_.missing;
+        else
+            setError(QStringLiteral("%1: %2").arg(list_.name, list_.file.errorString()));
+    }
+
+    QFile file_;
+    List &list_;
+    QCryptographicHash hash_{QCryptographicHash::Sha256};
+};
+
+// Publishes the list if it is complete, otherwise removes it.
+class CleanUpTask : public AsyncTask
+{
+public:
+    explicit CleanUpTask(List &list)
+        : AsyncTask(QStringLiteral("Clean up"), nullptr)
+        , list_(list)
+    {
+    }
+
+protected:
+    void execute() override
+    {
+        if (!(list_.missing == 0 ? list_.file.rename(list_.name) : list_.file.remove()))
+            setError(QStringLiteral("%1: %2").arg(list_.name, list_.file.errorString()));
+        setFinished();
+    }
+
+private:
+    List &list_;
+};
+
+void print(std::FILE *stream, const QString &text)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fflush(stream);
+}
+
+int fail(const QString &problem, int exitCode = 1)
+{
+    print(stderr, QStringLiteral("task-queue: %1\n").arg(problem));
+    return exitCode;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList files = QCoreApplication::arguments().mid(2);
+    if (files.isEmpty())
+        return fail(QStringLiteral("Usage: task-queue LIST FILE..."));
+    const int count = static_cast<int>(files.size());
+    List list{{}, QCoreApplication::arguments().at(1), count};
+    list.file.setFileName(list.name + QStringLiteral(".part"));
+    if (QFile::exists(list.name))
+        return fail(QStringLiteral("%1 exists already").arg(list.name));
+    if (!list.file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return fail(QStringLiteral("%1: %2").arg(list.file.fileName(), list.file.errorString()));
+    std::signal(SIGINT, requestCancel);
+    std::signal(SIGTERM, requestCancel);
+
+    CancelRequest cancelRequest;
+    AsyncTaskProcessor processor;
+    processor.setTaskMonitor(&cancelRequest);
+    processor.setExitEventLoopWhenDone(true);
+    auto *cleanUp = new CleanUpTask(list);
+    for (const QString &file : files) {
+        auto *task = new ChecksumTask(file, list);
+        processor.addTask(task);
+        processor.setCleanUpTask(task, cleanUp); // skip to it after a failure or a cancel
+    }
+    processor.addTask(cleanUp);
+
+    QObject::connect(&processor, &AsyncTaskProcessor::progress, &processor,
+                     [&](AsyncTask *task, const QString &text) {
+                         print(stdout,
+                               QStringLiteral("\r%1 of %2: %3: %4 ")
+                                   .arg(QString::number(count - list.missing + 1),
+                                        QString::number(count), task->name(), text));
+                     });
+    QString problem;
+    QObject::connect(&processor, &AsyncTaskProcessor::finished, &processor, [&](AsyncTask *task) {
+        if (!task->isOk() && problem.isEmpty())
+            problem = task->error();
+    });
+    processor.startLater();
+    const int exitCode = QCoreApplication::exec();
+    print(stdout, QStringLiteral("\n"));
+    if (!problem.isEmpty())
+        return fail(problem);
+    return list.missing == 0 ? exitCode : fail(QStringLiteral("Cancelled"), 130);
+}

@@ -1,0 +1,166 @@
+// Waits until other programs have written the line "done" at the end of files:
+//
+//     task-watchdog LOG SECONDS FILE...
+//
+// Shows how to end a task that never ends by itself. A watchdog deletes the running task when it
+// has reported no progress for this time. The processor counts it as failed and skips to its
+// clean-up task. Ends with 0 if all files are done, otherwise with 1.
+//
+// The watchdog needs the event loop: it cannot end a task that never returns to it.
+
+#include <Utility/AsyncTask.h>
+#include <Utility/AsyncTaskProcessor.h>
+#include <Utility/Log.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QPointer>
+#include <QtCore/QTimer>
+
+#include <cstdio>
+
+using namespace Vorn::Util;
+
+namespace {
+
+int fail(const QString &problem)
+{
+    std::fputs(QStringLiteral("task-watchdog: %1\n").arg(problem).toLocal8Bit().constData(),
+               stderr);
+    return 1;
+}
+
+// Waits for the last line of a file. A file that has grown is progress.
+class WaitTask : public AsyncTask
+{
+public:
+    explicit WaitTask(const QString &fileName)
+        : AsyncTask(QStringLiteral("Wait for %1").arg(fileName), nullptr)
+        , file_(fileName)
+    {
+        // Queued: setFinished() deletes the timer with this task.
+        connect(&timer_, &QTimer::timeout, this, &WaitTask::look, Qt::QueuedConnection);
+    }
+
+protected:
+    void execute() override
+    {
+        constexpr int Pause = 50; // milliseconds
+        timer_.start(Pause);
+    }
+
+private:
+    void look()
+    {
+        // The file may not exist yet.
+        if (!file_.isOpen() && !file_.open(QIODevice::ReadOnly | QIODevice::Text))
+            return;
+        const QByteArray text = file_.readAll();
+        if (text.isEmpty())
+            return;
+        end_ = (end_ + text).right(6);
+        if (end_ == "done\n" || end_.endsWith("\ndone\n"))
+            return setFinished(); // deletes this task
+        Q_EMIT progress(QStringLiteral("%1 bytes").arg(file_.pos()));
+    }
+
+    QFile file_;
+    QByteArray end_;
+    QTimer timer_;
+};
+
+// Ends the running task of a processor when it has reported no progress for a time.
+class Watchdog : public QObject
+{
+public:
+    Watchdog(AsyncTaskProcessor &processor, Log &log, int milliseconds)
+        : log_(log)
+    {
+        timer_.setSingleShot(true);
+        timer_.setInterval(milliseconds);
+        connect(&processor, &AsyncTaskProcessor::started, this, [this](AsyncTask *task) {
+            task_ = task;
+            timer_.start();
+        });
+        connect(&processor, &AsyncTaskProcessor::progress, this, [this] { timer_.start(); });
+        connect(&processor, &AsyncTaskProcessor::finished, this, [this] { timer_.stop(); });
+        connect(&timer_, &QTimer::timeout, this, &Watchdog::endTask);
+    }
+
+    /// An error message; empty if no task had to be ended.
+    QString problem() const { return problem_; }
+
+private:
+    void endTask()
+    {
+        if (!task_)
+            return;
+        problem_ = QStringLiteral("No progress for %1 s, task ended: %2")
+                       .arg(QString::number(timer_.interval() / 1000.0), task_->name());
+        log_.append(problem_); // first: the processor logs nothing about a deleted task
+        delete task_;
+    }
+
+    Log &log_;
+    QTimer timer_;
+    QPointer<AsyncTask> task_;
+    QString problem_;
+};
+
+// Runs in any case, as the last task.
+class SummaryTask : public AsyncTask
+{
+public:
+    SummaryTask(const int &done, int all)
+        : AsyncTask(QStringLiteral("Summary"), nullptr)
+        , done_(done)
+        , all_(all)
+    {
+    }
+
+protected:
+    void execute() override
+    {
+        log(QStringLiteral("%1 of %2 files are done").arg(done_).arg(all_));
+        setFinished();
+    }
+
+private:
+    const int &done_;
+    const int all_;
+};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const QStringList files = arguments.mid(3);
+    const double seconds = arguments.value(2).toDouble(); // 0 if it is no number
+    if (files.isEmpty() || !(seconds > 0 && seconds <= 1000000))
+        return fail(QStringLiteral("Usage: task-watchdog LOG SECONDS FILE..."));
+    Log log(QDir::current().absoluteFilePath(arguments.at(1)), Log::NoFileTimeStamp);
+    if (!log.open(true)) {
+        return fail(QStringLiteral("The log cannot be written: %1")
+                        .arg(QDir::toNativeSeparators(log.name())));
+    }
+
+    AsyncTaskProcessor processor;
+    processor.setLog(&log); // before the tasks are added
+    processor.setExitEventLoopWhenDone(true);
+    const Watchdog watchdog(processor, log, qRound(seconds * 1000));
+    int done = 0;
+    auto *summary = new SummaryTask(done, static_cast<int>(files.size()));
+    for (const QString &file : files) {
+        auto *task = new WaitTask(file);
+        QObject::connect(task, &AsyncTask::finished, &processor, [&done] { ++done; });
+        processor.addTask(task);
+        processor.setCleanUpTask(task, summary);
+    }
+    processor.addTask(summary);
+    processor.startLater();
+    const int exitCode = QCoreApplication::exec(); // 1 if a task was deleted
+    return watchdog.problem().isEmpty() ? exitCode : fail(watchdog.problem());
+}

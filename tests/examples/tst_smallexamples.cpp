@@ -1,0 +1,462 @@
+// The small examples: what they write, print and end with.
+
+#include "HelperProgram.h"
+#include "TestFiles.h"
+#include "TestFolder.h"
+#include "TestSystem.h"
+
+#include <Utility/Log.h>
+
+#include <QtCore/QCryptographicHash>
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QMap>
+#include <QtCore/QProcess>
+#include <QtCore/QRegularExpression>
+#include <QtTest/QtTest>
+
+using namespace Vorn::Util;
+
+namespace {
+
+constexpr int TimeLimit = 60000; // milliseconds
+
+QString text(const QByteArray &latin)
+{
+    return QString::fromLatin1(latin);
+}
+
+QString native(const QString &path)
+{
+    return QDir::toNativeSeparators(path);
+}
+
+QString asText(QByteArray bytes)
+{
+    return QString::fromLocal8Bit(bytes.replace("\r\n", "\n"));
+}
+
+bool appendTo(const QString &fileName, const QByteArray &bytes)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::WriteOnly | QIODevice::Append) && file.write(bytes) == bytes.size()
+        && file.flush();
+}
+
+// An example in a folder of its own.
+class Example
+{
+public:
+    explicit Example(const char *name)
+        // The path may have no drive letter, as under Wine.
+        : program_(
+            QDir(QCoreApplication::applicationDirPath())
+                .absoluteFilePath(text(SMALL_EXAMPLES "/") + text(name) + text(PROGRAM_SUFFIX)))
+    {
+        process_.setWorkingDirectory(folder_.path());
+    }
+
+    ~Example()
+    {
+        process_.kill();
+        process_.waitForFinished();
+    }
+
+    QString program() const { return program_; }
+    QString path(const char *name = "") const { return folder_.filePath(text(name)); }
+    QStringList entries() const { return entriesOf(folder_.path()); }
+    QProcess &process() { return process_; }
+
+    void start(const QStringList &arguments) { process_.start(program_, arguments); }
+
+    int finish()
+    {
+        if (!process_.waitForFinished(TimeLimit) && process_.state() != QProcess::NotRunning)
+            return -1;
+        printed_ += asText(process_.readAllStandardOutput());
+        errors_ = asText(process_.readAllStandardError());
+        return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -2;
+    }
+
+    int run(const QStringList &arguments)
+    {
+        start(arguments);
+        return finish();
+    }
+
+    // Whether the program prints this within the time limit.
+    bool waitsForOutput(const char *part)
+    {
+        return QTest::qWaitFor(
+            [&] {
+                printed_ += asText(process_.readAllStandardOutput());
+                return printed_.contains(text(part));
+            },
+            TimeLimit);
+    }
+
+    QString printed() const { return printed_; }
+    QString errors() const { return errors_; }
+
+private:
+    Q_DISABLE_COPY(Example)
+
+    const QString program_;
+    TestFolder folder_;
+    QProcess process_;
+    QString printed_;
+    QString errors_;
+};
+
+// The lines of a log without the time in front.
+QStringList linesOfLog(const QString &name)
+{
+    QStringList lines = QString::fromUtf8(contentOf(name).replace("\r\n", "\n")).split(text("\n"));
+    lines.removeLast();
+    for (QString &line : lines)
+        line.remove(QRegularExpression(text("^\\[\\d\\d:\\d\\d:\\d\\d\\] ")));
+    return lines;
+}
+
+// What log-threads prints about a log, read in another way than the program reads it.
+QString heldLines(const QString &name, int threads)
+{
+    QMap<int, QStringList> numbers;
+    for (const QString &line : linesOfLog(name)) {
+        const QStringList words = line.split(text(" "));
+        numbers[words.value(1).toInt()] << words.value(3);
+    }
+    QString report;
+    for (int thread = 1; thread <= threads; ++thread) {
+        const QStringList held = numbers.value(thread);
+        report += held.isEmpty() ? QStringLiteral("thread %1: all lines were removed\n").arg(thread)
+                                 : QStringLiteral("thread %1: lines %2 to %3\n")
+                                       .arg(QString::number(thread), held.first(), held.last());
+    }
+    return report;
+}
+
+} // namespace
+
+class TestSmallExamples : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aWrongCallIsRefused_data();
+    void aWrongCallIsRefused();
+    void aLogThatCannotBeWrittenIsReported_data();
+    void aLogThatCannotBeWrittenIsReported();
+
+    void aSmallLogHoldsAllLines();
+    void aTruncatedLogHoldsTheNewestLines();
+    void missingLinesAreReported();
+
+    void checksumsAreWritten();
+    void aFailureLeavesNoList();
+    void aListThatExistsIsKept();
+    void aCancelLeavesNoList_data();
+    void aCancelLeavesNoList();
+
+    void theExitCodeIsPassedOn_data();
+    void theExitCodeIsPassedOn();
+    void argumentsArePassedAsTheyAre();
+    void theTimeLimitEndsTheProgram_data();
+    void theTimeLimitEndsTheProgram();
+    void aProgramThatCannotBeStartedIsReported();
+    void aCrashIsReported();
+
+    void filesThatAreDoneEndTheRun();
+    void theWatchdogEndsATaskThatNeverEnds();
+    void progressKeepsATaskAlive();
+};
+
+void TestSmallExamples::aWrongCallIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<int>("exitCode");
+    const auto row = [](const char *name, const char *arguments, int exitCode) {
+        QTest::addRow("%s %s", name, arguments) << QByteArray(name) << text(arguments) << exitCode;
+    };
+    row("log-threads", "", 1);
+    row("log-threads", "a.log 0", 1);
+    row("log-threads", "a.log 1 x", 1);
+    row("log-threads", "a.log 1 1 1", 1);
+    row("task-queue", "", 1);
+    row("task-queue", "list", 1);
+    row("process-task", "1", 125);
+    row("process-task", "0 program", 125);
+    row("process-task", "program 1", 125);
+    row("task-watchdog", "a.log 1", 1);
+    row("task-watchdog", "a.log -1 file", 1);
+    row("task-watchdog", "a.log file 1", 1);
+}
+
+void TestSmallExamples::aWrongCallIsRefused()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QString, arguments);
+    Example example(name.constData());
+    QStringList list = arguments.split(text(" "));
+    list.removeAll(QString());
+    QTEST(example.run(list), "exitCode");
+    const QString start = text(name + ": Usage: " + name + ' ');
+    QVERIFY2(example.errors().startsWith(start), qPrintable(example.errors()));
+    QCOMPARE(example.entries(), QStringList());
+}
+
+void TestSmallExamples::aLogThatCannotBeWrittenIsReported_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addRow("log-threads") << QByteArray("log-threads") << QStringList();
+    QTest::addRow("task-watchdog")
+        << QByteArray("task-watchdog") << QStringList{text("1"), text("file")};
+}
+
+void TestSmallExamples::aLogThatCannotBeWrittenIsReported()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QStringList, arguments);
+    Example example(name.constData());
+    const QString log = example.path("missing/run.log");
+    QCOMPARE(example.run(QStringList{log} + arguments), 1);
+    QCOMPARE(example.errors(),
+             text(name) + text(": The log cannot be written: ") + native(log) + text("\n"));
+}
+
+void TestSmallExamples::aSmallLogHoldsAllLines()
+{
+    Example example("log-threads");
+    QCOMPARE(example.run({text("run.log"), text("3"), text("20")}), 0);
+    QCOMPARE(linesOfLog(example.path("run.log")).size(), 60);
+    const QString report = text("thread 1: lines 1 to 20\nthread 2: lines 1 to 20\n"
+                                "thread 3: lines 1 to 20\n");
+    QVERIFY2(example.printed().endsWith(text("run.log: 0.0 MiB\n") + report),
+             qPrintable(example.printed()));
+    QCOMPARE(heldLines(example.path("run.log"), 3), report);
+}
+
+void TestSmallExamples::aTruncatedLogHoldsTheNewestLines()
+{
+    constexpr int Threads = 4;
+    Example example("log-threads");
+    QCOMPARE(example.run({text("run.log")}), 0);
+    const QString log = example.path("run.log");
+    const qint64 size = QFile(log).size();
+    QVERIFY(size <= Log::MaxLogSize + 255);
+    QVERIFY(size >= Log::MaxLogSize - Log::AmountToTruncate - 255);
+    QCOMPARE(example.printed().section(QLatin1Char('\n'), 1), heldLines(log, Threads));
+    QVERIFY(linesOfLog(log).size() < Threads * 10000);
+    QVERIFY(example.printed().contains(text(" to 10000\n")));
+}
+
+void TestSmallExamples::missingLinesAreReported()
+{
+    if (onWindows())
+        QSKIP("The size of files cannot be limited here");
+    Example example("log-threads");
+    example.process().start(
+        text("sh"),
+        {text("-c"), text("trap '' XFSZ; ulimit -f 100; exec \"$0\" run.log"), example.program()});
+    QCOMPARE(example.finish(), 1);
+    QVERIFY(QFile(example.path("run.log")).size() > 0);
+    QCOMPARE(example.errors(), text("log-threads: The log holds a damaged line\n"));
+}
+
+void TestSmallExamples::checksumsAreWritten()
+{
+    Example example("task-queue");
+    const QByteArray large(3 << 20, 'x');
+    QVERIFY(writeFile(example.path("large"), large));
+    QVERIFY(writeFile(example.path("empty"), QByteArray()));
+    QCOMPARE(example.run({text("list"), text("large"), text("empty")}), 0);
+    const auto line = [](const QByteArray &bytes, const char *name) {
+        return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex() + "  " + name
+            + '\n';
+    };
+    QCOMPARE(contentOf(example.path("list")), line(large, "large") + line(QByteArray(), "empty"));
+    QCOMPARE(example.entries(), QStringList({text("empty"), text("large"), text("list")}));
+    QCOMPARE(example.printed(),
+             text("\r1 of 2: large: 33 % \r1 of 2: large: 66 % \r1 of 2: large: 100 % \n"));
+    QCOMPARE(example.errors(), QString());
+}
+
+void TestSmallExamples::aFailureLeavesNoList()
+{
+    Example example("task-queue");
+    QVERIFY(writeFile(example.path("file"), "x"));
+    QCOMPARE(example.run({text("list"), text("file"), text("missing"), text("file")}), 1);
+    QVERIFY2(example.errors().startsWith(text("task-queue: missing: ")),
+             qPrintable(example.errors()));
+    QCOMPARE(example.printed(), text("\r1 of 3: file: 100 % \n"));
+    QCOMPARE(example.entries(), QStringList{text("file")});
+}
+
+void TestSmallExamples::aListThatExistsIsKept()
+{
+    Example example("task-queue");
+    QVERIFY(writeFile(example.path("list"), "precious"));
+    QCOMPARE(example.run({text("list"), text("list")}), 1);
+    QCOMPARE(example.errors(), text("task-queue: list exists already\n"));
+    QCOMPARE(contentOf(example.path("list")), QByteArray("precious"));
+    QCOMPARE(example.entries(), QStringList{text("list")});
+}
+
+void TestSmallExamples::aCancelLeavesNoList_data()
+{
+    QTest::addColumn<QString>("signal");
+    QTest::addRow("Ctrl-C") << text("INT");
+    QTest::addRow("request to end") << text("TERM");
+}
+
+void TestSmallExamples::aCancelLeavesNoList()
+{
+    if (onWindows())
+        QSKIP("A process cannot send another one Ctrl-C here");
+    QFETCH(QString, signal);
+    Example example("task-queue");
+    QFile endless(example.path("endless"));
+    QVERIFY(endless.open(QIODevice::WriteOnly));
+    QVERIFY(endless.resize(qint64(1) << 40)); // sparse
+    example.start({text("list"), text("endless")});
+    QVERIFY(example.waitsForOutput("1 of 1: endless: 0 %"));
+    QCOMPARE(example.entries(), QStringList({text("endless"), text("list.part")}));
+    QCOMPARE(QProcess::execute(text("sh"),
+                               {text("-c"), text("kill -$0 $1"), signal,
+                                QString::number(example.process().processId())}),
+             0);
+    QCOMPARE(example.finish(), 130);
+    QCOMPARE(example.errors(), text("task-queue: Cancelled\n"));
+    QCOMPARE(example.entries(), QStringList{text("endless")});
+}
+
+void TestSmallExamples::theExitCodeIsPassedOn_data()
+{
+    QTest::addColumn<int>("exitCode");
+    for (const int exitCode : {0, 1, 3, 255})
+        QTest::addRow("%d", exitCode) << exitCode;
+}
+
+void TestSmallExamples::theExitCodeIsPassedOn()
+{
+    QFETCH(int, exitCode);
+    Example example("process-task");
+    QCOMPARE(example.run({text("60"), helperProgram(), text("exit"), QString::number(exitCode)}),
+             exitCode);
+    QCOMPARE(example.errors(), QString());
+}
+
+void TestSmallExamples::argumentsArePassedAsTheyAre()
+{
+    const QStringList arguments{text("a b"),         QString(),  text("\"quoted\""),
+                                text("%PATH%$HOME"), text("--"), text("ends with \\")};
+    Example example("process-task");
+    QCOMPARE(
+        example.run(QStringList{text("60"), helperProgram(), text("print-arguments")} + arguments),
+        0);
+    QCOMPARE(example.printed(), arguments.join(text("\n")) + text("\n"));
+}
+
+void TestSmallExamples::theTimeLimitEndsTheProgram_data()
+{
+    QTest::addColumn<bool>("isAskedFirst");
+    QTest::addColumn<int>("atLeast"); // milliseconds
+    QTest::addRow("killed") << false << 3000;
+    if (!onWindows())
+        QTest::addRow("ends when it is asked") << true << 1000;
+}
+
+void TestSmallExamples::theTimeLimitEndsTheProgram()
+{
+    QFETCH(bool, isAskedFirst);
+    QFETCH(int, atLeast);
+    Example example("process-task");
+    const QString limit = onWindows() ? text("3") : text("1"); // the start takes longer there
+    const QStringList arguments{example.program(), limit,        helperProgram(),
+                                text("hang"),      text("6869"), text("ended by itself")};
+    QElapsedTimer time;
+    time.start();
+    if (isAskedFirst || onWindows()) {
+        example.start(arguments.mid(1));
+    } else { // the program inherits that the signal is ignored
+        example.process().start(text("sh"),
+                                QStringList{text("-c"), text("trap '' TERM; exec \"$0\" \"$@\"")}
+                                    + arguments);
+    }
+    QCOMPARE(example.finish(), 124);
+    QVERIFY(time.elapsed() >= atLeast);
+    QCOMPARE(example.printed(), text("hi"));
+    QCOMPARE(example.errors(),
+             text("process-task: The time limit of ") + limit + text(" s has ended the program\n"));
+    QCOMPARE(example.entries(), QStringList());
+}
+
+void TestSmallExamples::aProgramThatCannotBeStartedIsReported()
+{
+    Example example("process-task");
+    QCOMPARE(example.run({text("60"), text("./missing")}), 127);
+    QVERIFY2(example.errors().startsWith(text("process-task: ./missing: ")),
+             qPrintable(example.errors()));
+}
+
+void TestSmallExamples::aCrashIsReported()
+{
+    if (onWindows())
+        QSKIP("There is no program that crashes here");
+    Example example("process-task");
+    QCOMPARE(example.run({text("60"), text("sh"), text("-c"), text("kill -SEGV $$")}), 126);
+    QCOMPARE(example.errors(), text("process-task: The program has crashed\n"));
+}
+
+void TestSmallExamples::filesThatAreDoneEndTheRun()
+{
+    Example example("task-watchdog");
+    QVERIFY(writeFile(example.path("a"), "done\n"));
+    QVERIFY(writeFile(example.path("b"), "iteration 1\ndone\n"));
+    QCOMPARE(example.run({text("run.log"), text("60"), text("a"), text("b")}), 0);
+    QCOMPARE(example.errors(), QString());
+    QVERIFY(linesOfLog(example.path("run.log")).contains(text("2 of 2 files are done")));
+}
+
+void TestSmallExamples::theWatchdogEndsATaskThatNeverEnds()
+{
+    Example example("task-watchdog");
+    QVERIFY(writeFile(example.path("a"), "done\n"));
+    QVERIFY(writeFile(example.path("b"), "abandoned\n"));
+    QVERIFY(writeFile(example.path("c"), "done\n"));
+    QCOMPARE(example.run({text("run.log"), text("1"), text("a"), text("b"), text("c")}), 1);
+    const QString problem = text("No progress for 1 s, task ended: Wait for b");
+    QCOMPARE(example.errors(), text("task-watchdog: ") + problem + text("\n"));
+    QStringList lines = linesOfLog(example.path("run.log"));
+    for (QString &line : lines)
+        line.remove(QRegularExpression(text(" in [^ ]+ sec$")));
+    QCOMPARE(lines,
+             QStringList({text("Start processing tasks"), text("Starting task: Wait for a"),
+                          text("Task finished"), text("Starting task: Wait for b"), problem,
+                          text("Skipping to clean-up task: Summary"),
+                          text("Starting task: Summary"), text("1 of 3 files are done"),
+                          text("Task finished"), text("Finished processing tasks")}));
+}
+
+void TestSmallExamples::progressKeepsATaskAlive()
+{
+    Example example("task-watchdog");
+    example.start({text("run.log"), text("2"), text("file")});
+    QElapsedTimer time;
+    time.start();
+    while (time.elapsed() < 3000) {
+        QVERIFY(appendTo(example.path("file"), "a line\n"));
+        QTest::qWait(200);
+    }
+    QCOMPARE(example.process().state(), QProcess::Running);
+    QVERIFY(appendTo(example.path("file"), "done\n"));
+    QCOMPARE(example.finish(), 0);
+    QVERIFY(linesOfLog(example.path("run.log")).contains(text("1 of 1 files are done")));
+}
+
+QTEST_GUILESS_MAIN(TestSmallExamples)
+
+#include "tst_smallexamples.moc"

@@ -5,6 +5,8 @@
 #include <QtCore/QDir>
 #include <QtCore/QStorageInfo>
 
+#include <cmath>
+
 namespace ResultsArchive {
 
 namespace {
@@ -19,9 +21,13 @@ QString problemIn(const QString &folder, qint64 free, quint64 needed)
 {
     if (free < 0 || static_cast<quint64>(free) >= needed)
         return QString();
-    return QStringLiteral("Not enough disk space in %1: need %2 bytes, have %3")
-        .arg(oneLine(QDir::toNativeSeparators(folder)), QString::number(needed),
-             QString::number(free));
+    // Rounded so that the numbers always differ.
+    constexpr double TenthOfMebibyte = (1 << 20) / 10.0;
+    const double need = std::ceil(static_cast<double>(needed) / TenthOfMebibyte) / 10;
+    const double have = std::floor(static_cast<double>(free) / TenthOfMebibyte) / 10;
+    return QStringLiteral("Not enough disk space in %1: need %2 MiB, have %3 MiB")
+        .arg(oneLine(QDir::toNativeSeparators(folder)), QString::number(need, 'f', 1),
+             QString::number(have, 'f', 1));
 }
 
 } // namespace

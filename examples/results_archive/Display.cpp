@@ -1,5 +1,6 @@
 #include "Display.h"
 
+#include "Names.h"
 #include "Platform.h"
 
 #include <Utility/AsyncTask.h>
@@ -72,9 +73,9 @@ void Display::showLiveLine()
 {
     if (!isTerminal_)
         return;
-    const QString line = QStringLiteral("%1  %2  archive: %3 bytes  %4")
+    const QString line = QStringLiteral("%1  %2  archive: %3  %4")
                              .arg(name_, System::getElapsedTimeString(time_.elapsed()),
-                                  QString::number(QFileInfo(archive_).size()), progress_);
+                                  sizeText(QFileInfo(archive_).size()), progress_);
     print(stdout, QLatin1Char('\r') + line.leftJustified(LineWidth, QLatin1Char(' '), true));
 }
 

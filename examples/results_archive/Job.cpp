@@ -64,8 +64,8 @@ void Job::inspectFolder()
     files_ = filesOf(options_.folder);
     for (const QString &name : qAsConst(files_.leftOut))
         log_.append(QStringLiteral("Left out, neither file nor folder: %1").arg(oneLine(name)));
-    log_.append(QStringLiteral("%1 files, %2 bytes, %3 left out")
-                    .arg(QString::number(files_.names.size()), QString::number(files_.bytes),
+    log_.append(QStringLiteral("%1 files, %2, %3 left out")
+                    .arg(QString::number(files_.names.size()), sizeText(files_.bytes),
                          QString::number(files_.leftOut.size())));
 }
 
@@ -118,9 +118,10 @@ QString Job::checkSizes() const
     }
     const DiskSpace space
         = diskSpaceIn(QFileInfo(options_.archive).absolutePath(), QDir::tempPath());
-    const QString unit = QStringLiteral("bytes");
+    const auto freeText
+        = [](qint64 size) { return size < 0 ? QStringLiteral("unknown") : sizeText(size); };
     log_.append(QStringLiteral("Free for the archive: %1, for the unpacked files: %2")
-                    .arg(measure(space.archiveFree, unit), measure(space.unpackFree, unit)));
+                    .arg(freeText(space.archiveFree), freeText(space.unpackFree)));
     return diskSpaceProblem(space, files_.bytes);
 }
 
@@ -150,7 +151,8 @@ QString Job::checkPacking(const SevenZip &archive)
 {
     packedBytes_ = archive.compressedSize();
     if (archive.isOk() && packedBytes_ > 0) {
-        log_.append(QStringLiteral("Packed into %1 bytes").arg(packedBytes_));
+        log_.append(QStringLiteral("Packed into %1 (%2)")
+                        .arg(sizeText(packedBytes_), percentText(packedBytes_, files_.bytes)));
         return QString();
     }
     if (!archive.output().isEmpty())
@@ -259,13 +261,9 @@ bool Job::isComplete() const
 
 QString Job::summary(qint64 milliseconds) const
 {
-    const double bytes = static_cast<double>(files_.bytes);
-    const QString ratio = files_.bytes == 0
-        ? QStringLiteral("-")
-        : QStringLiteral("%1 %").arg(100.0 * static_cast<double>(packedBytes_) / bytes, 0, 'f', 1);
-    return QStringLiteral("Packed and verified: %1 files, %2 bytes in %3 bytes (%4), %5: %6")
-        .arg(QString::number(files_.names.size()), QString::number(files_.bytes),
-             QString::number(packedBytes_), ratio, System::getElapsedTimeString(milliseconds),
+    return QStringLiteral("Packed and verified: %1 files, %2 in %3 (%4), %5: %6")
+        .arg(QString::number(files_.names.size()), sizeText(files_.bytes), sizeText(packedBytes_),
+             percentText(packedBytes_, files_.bytes), System::getElapsedTimeString(milliseconds),
              shown(options_.archive));
 }
 

@@ -69,6 +69,20 @@ QString oneLine(QString text)
     return text;
 }
 
+QString sizeText(qint64 bytes)
+{
+    constexpr double Mebibyte = 1 << 20;
+    return QString::number(static_cast<double>(bytes) / Mebibyte, 'f', 1) + QStringLiteral(" MiB");
+}
+
+QString percentText(qint64 part, qint64 whole)
+{
+    if (whole == 0)
+        return QString(QLatin1Char('-'));
+    const double percent = 100.0 * static_cast<double>(part) / static_cast<double>(whole);
+    return QString::number(percent, 'f', 1) + QStringLiteral(" %");
+}
+
 QString differenceInNames(const QStringList &packed, const QStringList &listed)
 {
     QHash<QString, int> missing;

@@ -17,6 +17,12 @@ QString nameForArchiver(const QString &name);
 /// \a text with "?" for each control character, such as a line end.
 QString oneLine(QString text);
 
+/// A number of bytes for the user: "12.3 MiB".
+QString sizeText(qint64 bytes);
+
+/// A part of a whole for the user: "12.3 %"; "-" if the whole is 0.
+QString percentText(qint64 part, qint64 whole);
+
 /// Compares the names \a listed in an archive with the names \a packed. Returns the first
 /// difference; empty if there is none. Older versions of 7-Zip do not print every name unchanged,
 /// so differences in white space, in numbers at the beginning and in letters outside ASCII do not

@@ -2,6 +2,7 @@
 
 #include "CancelRequest.h"
 #include "Job.h"
+#include "Names.h"
 
 #include <QtCore/QTimer>
 
@@ -86,8 +87,9 @@ void CompareTask::compareNext()
         finishWith(problem);
         return;
     }
-    Q_EMIT progress(QStringLiteral("%1 of %2 files")
-                        .arg(QString::number(next_), QString::number(names.size())));
+    Q_EMIT progress(QStringLiteral("%1 of %2 files, %3")
+                        .arg(QString::number(next_), QString::number(names.size()),
+                             percentText(next_, names.size())));
     QTimer::singleShot(0, this, [this] { compareNext(); });
 }
 

@@ -56,6 +56,12 @@ inline QStringList words(const QString &text)
     return all;
 }
 
+/// A size as the program prints it.
+inline QString mebibytes(qint64 bytes)
+{
+    return QStringLiteral("%1 MiB").arg(static_cast<double>(bytes) / 1048576.0, 0, 'f', 1);
+}
+
 inline QString native(const QString &path)
 {
     return QDir::toNativeSeparators(path);

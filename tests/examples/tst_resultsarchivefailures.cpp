@@ -231,7 +231,7 @@ void TestResultsArchiveFailures::hiddenFilesAndLinksDoNotCountAsAChange()
     QCOMPARE(site.errors(), QString());
     QCOMPARE(exitCode, 0);
     QVERIFY(site.logLines().contains(
-        QStringLiteral("6 files, %1 bytes, 9 left out").arg(sizeOf(tree))));
+        QStringLiteral("6 files, %1, 9 left out").arg(mebibytes(sizeOf(tree)))));
 }
 
 // Although their sum is the same.

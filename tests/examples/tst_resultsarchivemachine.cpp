@@ -4,6 +4,7 @@
 #include "DiskSpace.h"
 #include "FakeArchiver.h"
 #include "Machine.h"
+#include "Names.h"
 #include "TestSystem.h"
 #include "TestWithResultsArchive.h"
 
@@ -17,6 +18,7 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
+#include <cmath>
 #include <limits>
 
 using namespace Vorn::Util;
@@ -44,6 +46,8 @@ private Q_SLOTS:
     void theMachineIsLogged();
     void aValueThatIsNotKnownIsCalledUnknown_data();
     void aValueThatIsNotKnownIsCalledUnknown();
+    void sizesAreShownInMebibytes();
+    void partsAreShownInPercent();
     void theSizeOfTheArchiveIsLogged();
     void theFreeBytesAreLogged();
     void aDiskNeedsSpaceForItsFiles_data();
@@ -104,6 +108,21 @@ void TestResultsArchiveMachine::aValueThatIsNotKnownIsCalledUnknown()
     QTEST(ResultsArchive::measure(value, QStringLiteral("MiB")), "text");
 }
 
+void TestResultsArchiveMachine::sizesAreShownInMebibytes()
+{
+    QCOMPARE(ResultsArchive::sizeText(0), QStringLiteral("0.0 MiB"));
+    QCOMPARE(ResultsArchive::sizeText(52429), QStringLiteral("0.1 MiB"));
+    QCOMPARE(ResultsArchive::sizeText(1 << 20), QStringLiteral("1.0 MiB"));
+    QCOMPARE(ResultsArchive::sizeText(qint64(3) << 40), QStringLiteral("3145728.0 MiB"));
+}
+
+void TestResultsArchiveMachine::partsAreShownInPercent()
+{
+    QCOMPARE(ResultsArchive::percentText(1, 3), QStringLiteral("33.3 %"));
+    QCOMPARE(ResultsArchive::percentText(3, 3), QStringLiteral("100.0 %"));
+    QCOMPARE(ResultsArchive::percentText(0, 0), QStringLiteral("-"));
+}
+
 void TestResultsArchiveMachine::theSizeOfTheArchiveIsLogged()
 {
     NEED_ARCHIVER;
@@ -111,7 +130,10 @@ void TestResultsArchiveMachine::theSizeOfTheArchiveIsLogged()
     site.useRealArchiver();
     QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
     const qint64 size = QFileInfo(site.archive()).size();
-    QVERIFY(site.logLines().contains(QStringLiteral("Packed into %1 bytes").arg(size)));
+    const double percent
+        = 100.0 * static_cast<double>(size) / static_cast<double>(sizeOf(fewResultsTree()));
+    QVERIFY(site.logLines().contains(QStringLiteral("Packed into %1 (%2 %)")
+                                         .arg(mebibytes(size), QString::number(percent, 'f', 1))));
 }
 
 void TestResultsArchiveMachine::theFreeBytesAreLogged()
@@ -121,7 +143,7 @@ void TestResultsArchiveMachine::theFreeBytesAreLogged()
     makeGood(archiver, site);
     site.useFakeArchiver(archiver);
     QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
-    const QString free = knowsFreeSpace(site.outFolder()) ? QStringLiteral("[1-9]\\d* bytes")
+    const QString free = knowsFreeSpace(site.outFolder()) ? QStringLiteral("[1-9]\\d*\\.\\d MiB")
                                                           : QStringLiteral("unknown");
     const QString pattern
         = QStringLiteral("Free for the archive: %1, for the unpacked files: %1").arg(free);
@@ -135,29 +157,38 @@ void TestResultsArchiveMachine::aDiskNeedsSpaceForItsFiles_data()
     QTest::addColumn<bool>("isOneDisk");
     QTest::addColumn<qint64>("bytes");
     QTest::addColumn<QString>("problem");
-    const auto row = [](const char *name, qint64 archiveFree, qint64 unpackFree, bool isOneDisk,
-                        qint64 bytes, const char *problem) {
+    const auto exactRow = [](const char *name, qint64 archiveFree, qint64 unpackFree,
+                             bool isOneDisk, qint64 bytes, const char *problem) {
         const QString text = QString::fromLatin1(problem);
         QTest::newRow(name) << archiveFree << unpackFree << isOneDisk << bytes
                             << (text.isEmpty()
                                     ? text
                                     : QStringLiteral("Not enough disk space in ") + text);
     };
+    const auto row = [&exactRow](const char *name, int archiveFree, int unpackFree, bool isOneDisk,
+                                 int size, const char *problem) { // in MiB
+        const auto bytes
+            = [](int mebibytes) { return mebibytes < 0 ? qint64(-1) : qint64(mebibytes) << 20; };
+        exactRow(name, bytes(archiveFree), bytes(unpackFree), isOneDisk, bytes(size), problem);
+    };
     constexpr qint64 Most = std::numeric_limits<qint64>::max();
     row("just enough", 100, 100, false, 100, "");
-    row("archive", 99, 100, false, 100, "out: need 100 bytes, have 99");
-    row("unpacked files", 100, 99, false, 100, "tmp: need 100 bytes, have 99");
-    row("both", 98, 99, false, 100, "out: need 100 bytes, have 98");
+    row("archive", 99, 100, false, 100, "out: need 100.0 MiB, have 99.0 MiB");
+    row("unpacked files", 100, 99, false, 100, "tmp: need 100.0 MiB, have 99.0 MiB");
+    row("both", 98, 99, false, 100, "out: need 100.0 MiB, have 98.0 MiB");
     row("one disk, just enough", 200, 200, true, 100, "");
-    row("one disk", 199, 199, true, 100, "out: need 200 bytes, have 199");
-    row("one disk, two quotas", 200, 199, true, 100, "tmp: need 200 bytes, have 199");
-    row("full", 0, 100, false, 1, "out: need 1 bytes, have 0");
+    row("one disk", 199, 199, true, 100, "out: need 200.0 MiB, have 199.0 MiB");
+    row("one disk, two quotas", 200, 199, true, 100, "tmp: need 200.0 MiB, have 199.0 MiB");
+    row("full", 0, 100, false, 1, "out: need 1.0 MiB, have 0.0 MiB");
     row("full, nothing to pack", 0, 0, true, 0, "");
     row("both unknown", -1, -1, true, 100, "");
-    row("archive unknown", -1, 99, false, 100, "tmp: need 100 bytes, have 99");
-    row("unpacked files unknown", 99, -1, false, 100, "out: need 100 bytes, have 99");
-    row("largest numbers", Most, Most, true, Most,
-        "out: need 18446744073709551614 bytes, have 9223372036854775807");
+    row("archive unknown", -1, 99, false, 100, "tmp: need 100.0 MiB, have 99.0 MiB");
+    row("unpacked files unknown", 99, -1, false, 100, "out: need 100.0 MiB, have 99.0 MiB");
+    exactRow("a tenth", 104858, 104858, false, 104859, "out: need 0.2 MiB, have 0.1 MiB");
+    exactRow("one byte", 157286399, 157286399, false, 157286400,
+             "out: need 150.0 MiB, have 149.9 MiB");
+    exactRow("largest numbers", Most, Most, true, Most,
+             "out: need 17592186044416.0 MiB, have 8796093022208.0 MiB");
 }
 
 void TestResultsArchiveMachine::aDiskNeedsSpaceForItsFiles()
@@ -187,9 +218,11 @@ void TestResultsArchiveMachine::aRunWithoutDiskSpaceIsRefused()
     file.close();
     const int exitCode = site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
     const QString pattern
-        = QStringLiteral("^results-archive: Not enough disk space in %2: need %1 bytes, "
-                         "have \\d+\n$")
-              .arg(QString::number(2 * (file.size() + 3)),
+        = QStringLiteral("^results-archive: Not enough disk space in %2: need %1 MiB, "
+                         "have \\d+\\.\\d MiB\n$")
+              .arg(QString::number(std::ceil(2.0 * static_cast<double>(file.size() + 3) / 104857.6)
+                                       / 10,
+                                   'f', 1),
                    QRegularExpression::escape(native(site.outFolder())));
     QVERIFY(file.remove());
     QVERIFY2(QRegularExpression(pattern).match(site.errors()).hasMatch(),

@@ -1,0 +1,219 @@
+#!/usr/bin/env bash
+# test-packages.sh [PART...]
+#
+# Tests the packages in build/packages, and makes them with package.sh if they are missing. The program that
+# is built with them is the one in README.md. The parts, debian and windows by default:
+#   debian      in a bare Debian 12: installs the packages, runs the example programs, builds a program with
+#               CMake and with pkg-config and runs it, and checks that nothing is left after the removal
+#   debian-qt6  the same with the packages for Qt 6
+#   windows     builds the program with the unpacked zip and runs it with Wine and the DLLs of the zip
+#
+# The bare Debian lies in a temporary folder (about 1 GiB), which is removed at the end, also after a failure.
+# It needs root. Exit code 77: a part cannot run on this machine, and the message says why.
+. "$(dirname "$0")/common.sh"
+. "$(dirname "$0")/wine.sh"
+cd "$project"
+[ $# -gt 0 ] || set -- debian windows
+
+cannot_run() {
+    echo "test-packages.sh: the packages were not tested: $1" >&2
+    exit 77
+}
+case " $* " in
+*" debian"*) [ "$(id -u)" -eq 0 ] || cannot_run "root is needed" ;;
+esac
+need_build_tools
+
+scratch=$(mktemp -d)
+root=$scratch/root
+clean_up() {
+    cd /
+    wineserver -k 2>/dev/null || true
+    # A folder with something mounted must never be removed.
+    if mountpoint -q "$root/proc"; then umount "$root/proc" || return; fi
+    rm -rf --one-file-system "$scratch"
+}
+trap clean_up EXIT
+trap 'exit 130' INT TERM HUP
+
+# unpack_program FOLDER: writes the program of README.md.
+unpack_program() {
+    mkdir -p "$1"
+    python3 - README.md "$1" <<'END'
+import pathlib, re, sys
+page = pathlib.Path(sys.argv[1]).read_text(encoding="utf-8")
+for name in "CMakeLists.txt", "main.cpp":
+    text = re.search(rf"`{re.escape(name)}`[^\n]*:\n\n```\w+\n(.*?)```", page, re.S).group(1)
+    pathlib.Path(sys.argv[2], name).write_text(text, encoding="utf-8")
+END
+}
+
+# check_result FOLDER: the program has packed its sources in FOLDER. Removes what it wrote.
+check_result() {
+    grep -q 'Packed [1-9][0-9]* bytes' "$1"/pack_*.log || { cat "$1"/pack_*.log; return 1; }
+    [ "$(head -c 2 "$1/source.7z")" = 7z ]
+    rm "$1"/pack_*.log "$1/source.7z"
+}
+
+in_root() {
+    chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
+        DEBIAN_FRONTEND=noninteractive "$@"
+}
+
+apt_in_root() {
+    in_root apt-get -qq "$@" >"$scratch/apt.log" 2>&1 || { cat "$scratch/apt.log"; return 1; }
+}
+
+# make_root: a bare Debian, from a copy that is kept in the cache folder.
+make_root() {
+    local copy kept
+    kept=$cache_home/debian-bookworm-$(dpkg --print-architecture).tar
+    if [ ! -e "$kept" ]; then
+        say "Fetching a bare Debian"
+        need debootstrap
+        debootstrap --variant=minbase bookworm "$root" "${VORNUTILITY_DEBIAN_MIRROR:-http://deb.debian.org/debian}" \
+            >"$scratch/debootstrap.log" 2>&1 || {
+            tail "$scratch/debootstrap.log"
+            cannot_run "debootstrap failed"
+        }
+        rm -f "$root"/var/cache/apt/archives/*.deb
+        mkdir -p "$cache_home"
+        copy=$(mktemp "$kept.XXXXXX")
+        tar -C "$root" -cf "$copy" .
+        mv "$copy" "$kept"
+    else
+        mkdir "$root"
+        tar -C "$root" -xf "$kept"
+    fi
+    mount -t proc proc "$root/proc" || cannot_run "/proc cannot be mounted"
+    # The network, as this machine uses it.
+    cp -L /etc/resolv.conf "$root/etc/resolv.conf"
+    apt-config dump Acquire >"$root/etc/apt/apt.conf.d/90acquire"
+    rm -f "$root/etc/apt/sources.list"
+    cp -r /etc/apt/sources.list* "$root/etc/apt/"
+    find "$root/etc/apt/sources.list.d" -type f ! -name 'debian*' -delete # only Debian's own packages
+    mkdir -p "$root/usr/share/keyrings" "$root/packages"
+    cp -n /usr/share/keyrings/debian-archive-* "$root/usr/share/keyrings/"
+    apt_in_root update
+}
+
+# The files in the bare Debian, without those that every use of the package manager changes.
+files_in_root() {
+    in_root find / -xdev '(' -path /proc -o -path /tmp -o -path /root -o -path /packages -o -path /var/cache \
+        -o -path /var/log -o -path /var/lib/apt -o -path /var/lib/dpkg ')' -prune -o -print | sort
+}
+
+# with_packages COMMAND TOOLS PACKAGE...: installs the packages in the bare Debian, where TOOLS are
+# installed too, runs the command, removes them, and checks that nothing is left of them.
+with_packages() {
+    local name dependencies files=()
+    for name in "${@:3}"; do
+        cp build/packages/*/"${name}"_*.deb "$root/packages/"
+        files+=("/packages/$(basename build/packages/*/"${name}"_*.deb)")
+    done
+    dependencies=$(in_root apt-get -s install --no-install-recommends "${files[@]}" |
+        sed -n 's/^Inst \([^ ]*\).*/\1/p' | grep -v '^libvornutility')
+    # shellcheck disable=SC2086
+    apt_in_root install -y --no-install-recommends $dependencies $2
+    apt_in_root clean
+    files_in_root >"$scratch/before"
+    apt_in_root install -y --no-install-recommends "${files[@]}"
+    "$1"
+    apt_in_root purge -y "${@:3}"
+    files_in_root >"$scratch/after"
+    diff "$scratch/before" "$scratch/after" || { echo "test-packages.sh: not removed completely" >&2; return 1; }
+    if in_root dpkg-query -W 'libvornutility*' 2>/dev/null | grep .; then return 1; fi
+}
+
+run_examples() {
+    local program
+    for program in "$root"/usr/bin/*; do
+        program=${program#"$root"}
+        if in_root dpkg -S "$program" 2>/dev/null | grep -q '^libvornutility-tools:'; then
+            say "$program --help"
+            in_root "$program" --help >"$scratch/help"
+            grep -qi usage "$scratch/help"
+        fi
+    done
+    [ -s "$scratch/help" ]
+    # Slurm is not there, so that the tool fails.
+    { in_root /usr/libexec/vornutility/NodeInformation -cluster || true; } | grep '^Error: '
+}
+
+build_program() {
+    local folder=$root/root/program
+    unpack_program "$folder"
+    if [ -n "$qt6" ]; then sed -i 's/find_package(VORNUtility /find_package(VORNUtilityQt6 /' "$folder/CMakeLists.txt"; fi
+    say "With CMake"
+    in_root sh -ec 'cd /root/program; cmake -S . -B build >/dev/null; cmake --build build; build/pack'
+    check_result "$folder"
+    say "With pkg-config"
+    in_root sh -ec 'cd /root/program; g++ -std=c++17 -fPIC main.cpp $(pkg-config --cflags --libs "$0") -o pack; ./pack' \
+        "vornutility$qt6"
+    check_result "$folder"
+    in_root pkg-config --modversion "vornutility$qt6"
+    rm -r "$folder"
+}
+
+test_debian() {
+    qt6=
+    make_root
+    say "The library and the tools"
+    with_packages run_examples "" libvornutility24 libvornutility-tools
+    say "The library and the development files"
+    with_packages build_program "g++ cmake make pkg-config 7zip" libvornutility24 libvornutility-dev
+    umount "$root/proc"
+    rm -rf --one-file-system "$root"
+}
+
+test_debian_qt6() {
+    qt6=-qt6
+    make_root
+    say "The library and the development files"
+    with_packages build_program "g++ cmake make pkg-config 7zip" libvornutility-qt6-24 libvornutility-qt6-dev
+    umount "$root/proc"
+    rm -rf --one-file-system "$root"
+}
+
+test_windows() {
+    local unpacked program=$scratch/program archivers
+    need g++-mingw-w64-x86-64-posix wine wine64
+    VORNUTILITY_QT_WINDOWS=$(scripts/qt-windows.sh)
+    archivers=$(scripts/test-archivers.sh 7zip-16.04)
+    python3 -m zipfile -e build/packages/windows/*.zip "$scratch/unpacked"
+    unpacked=$(echo "$scratch"/unpacked/*)
+    unpack_program "$program"
+    cmake -S "$program" -B "$program/build" -G Ninja -DVORNUtility_ROOT="$unpacked" \
+        -DCMAKE_TOOLCHAIN_FILE="$project/cmake/windows-x86_64.cmake" \
+        -DVORNUTILITY_QT_WINDOWS="$VORNUTILITY_QT_WINDOWS" >/dev/null
+    grep -qF "VORNUtility_DIR:PATH=$unpacked/" "$program/build/CMakeCache.txt"
+    cmake --build "$program/build"
+    cp "$archivers"/7zip-16.04/7z.* "$program/build/"
+
+    start_wine "$unpacked/bin" "$VORNUTILITY_QT_WINDOWS"
+    trap clean_up EXIT
+    WINEPATH=$(windows_path "$unpacked/bin") # only the DLLs of the zip
+    say "A program that was built with the zip"
+    (cd "$program" && wine build/pack.exe)
+    check_result "$program"
+    unset WINEPATH
+    local example
+    for example in "$unpacked"/bin/*.exe; do
+        say "$(basename "$example") --help"
+        wine "$example" --help # prints nothing without a console; fails if a DLL is missing
+    done
+    wineserver -k 2>/dev/null || true
+}
+
+for part in "$@"; do
+    if [ -z "$(find "build/packages/$part" -maxdepth 1 -name '*.deb' -o -maxdepth 1 -name '*.zip' 2>/dev/null)" ]; then
+        scripts/package.sh "$part"
+    fi
+    say "Testing the packages: $part"
+    case $part in
+    debian) test_debian ;;
+    debian-qt6) test_debian_qt6 ;;
+    windows) test_windows ;;
+    esac
+done
+say "The packages work"

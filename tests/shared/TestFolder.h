@@ -12,6 +12,8 @@ public:
     using QTemporaryDir::QTemporaryDir;
     ~TestFolder()
     {
+        if (!isValid())
+            return; // its path is empty, which for QDir is the current folder
         const bool isGone = QTest::qWaitFor([this] { return QDir(path()).removeRecursively(); });
         if (!isGone)
             qWarning("The folder %s stays.", qPrintable(path()));

@@ -7,20 +7,8 @@ namespace Vorn::Util {
 /// \ingroup tasks
 /// Tells an AsyncTaskProcessor whether the user has cancelled the run.
 ///
-/// \code
-/// class CancelButton : public AsyncTaskMonitor
-/// {
-/// public:
-///     void press() { pressed_ = true; }
-///     bool isCanceled() override { return pressed_; }
-///
-/// private:
-///     bool pressed_ = false;
-/// };
-///
-/// CancelButton cancelButton;
-/// processor.setTaskMonitor(&cancelButton);
-/// \endcode
+/// \snippet docs/samples/tasks.cpp monitor
+/// \snippet docs/samples/tasks.cpp set monitor
 ///
 /// The processor does not own the monitor, which must exist until the run has ended.
 ///

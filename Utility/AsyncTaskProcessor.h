@@ -18,19 +18,7 @@ class Log;
 /// \ingroup tasks
 /// Runs a queue of tasks one after another in the Qt event loop.
 ///
-/// \code
-/// AsyncTaskProcessor processor;
-/// processor.setLog(&log);                          // before addTask()
-/// auto *mesh = new SyncTask(&worker, "mesh", nullptr);
-/// auto *cleanUp = new SyncTask(&worker, "cleanUp", nullptr);
-/// processor.addTask(mesh);
-/// processor.addTask(new SyncTask(&worker, "solve", nullptr));
-/// processor.addTask(cleanUp);
-/// processor.setCleanUpTask(mesh, cleanUp);         // if mesh fails, skip to cleanUp
-/// processor.setExitEventLoopWhenDone(true);
-/// processor.startLater();
-/// return app.exec();                               // 0, or 1 when a task failed
-/// \endcode
+/// \snippet docs/samples/tasks.cpp processor
 ///
 /// Each task starts in a new turn of the event loop, after the previous task has emitted
 /// finished().

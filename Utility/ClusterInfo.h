@@ -13,11 +13,7 @@ class Log;
 /// \ingroup machine
 /// The nodes of the compute cluster, as reported by the cluster tool "NodeInformation".
 ///
-/// \code
-/// ClusterInfo cluster(&log, toolFolder);
-/// if (!cluster.headNode().isEmpty())
-///     submit(cluster.headNode(), cluster.computeCoreCount());
-/// \endcode
+/// \snippet docs/samples/machine.cpp cluster
 ///
 /// The constructor runs the tool with Command::runL() and waits for it, at most 30 seconds. So it
 /// writes "work.bat" to the current folder, and logs the command and its output. At most 32 lines

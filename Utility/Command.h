@@ -12,10 +12,7 @@ class Log;
 /// \ingroup commands
 /// Runs a command line with the command interpreter of the system: cmd.exe, or /bin/sh on Linux.
 ///
-/// \code
-/// Command command(&log);
-/// QStringList lines = command.runL("hostname", 10, true);   // each with its line end
-/// \endcode
+/// \snippet docs/samples/commands.cpp command
 ///
 /// run(), runL() and runQ() write the command to the file "work.bat" in the current folder, let the
 /// interpreter run this file, wait until it ends, and remove the file. All calls in a process use

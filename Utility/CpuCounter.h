@@ -13,11 +13,7 @@ class SysInfo;
 /// \ingroup machine
 /// Reads a performance counter of the system as an integer.
 ///
-/// \code
-/// CpuCounter load(CpuCounter::CpuPercent);
-/// runSolver();
-/// const long percent = load.getValue(); // the average load while the solver ran
-/// \endcode
+/// \snippet docs/samples/machine.cpp counter
 ///
 /// A counter is identified by its path. On Windows every counter of the system can be read. The
 /// path must be in the language of the system: a Windows in another language than English may not

@@ -15,10 +15,7 @@ class Log;
 /// the system is slow. So the result is saved in the file "SystemInfo.xml" and read from there as
 /// long as the file exists.
 ///
-/// \code
-/// CpuInfo cpu(&log, System::getUserDataPath());
-/// pool.setMaxThreadCount(qMax(1, cpu.coreCount()));
-/// \endcode
+/// \snippet docs/samples/machine.cpp processors
 ///
 /// \par Failures
 /// A failure is logged or, if there is no log, written as a debug message of the category

@@ -11,19 +11,8 @@ namespace Vorn::Util {
 /// \ingroup values
 /// Base class of enumerations whose members can be looked up by name and by value at run time.
 ///
-/// \code
-/// class Colour : public Enum
-/// {
-/// public:
-///     static const Colour Red, Green;
-///     static Enum named(const QString &name) { return fromString("Colour", name); }
-/// private:
-///     Colour(const QString &name) : Enum("Colour", name) {}
-/// };
-/// const Colour Colour::Red("Red");        // value 0
-/// const Colour Colour::Green("Green");    // value 1
-/// Colour::named("Green").toValue();       // 1
-/// \endcode
+/// \snippet docs/samples/values.cpp enum
+/// \snippet docs/samples/values.cpp enum lookup
 ///
 /// The constructors that take a name register a new member, usually as a static object. Members are
 /// never removed. All modules of the process share the registered members. The id of a member is

@@ -19,11 +19,7 @@ namespace Vorn::Util {
 /// removed. The file name can contain the time at which it was set. Then at most MaxLogCount older
 /// logs with the same base name are kept.
 ///
-/// \code
-/// Log log(folder + "/run.log", Log::WithFileTimeStamp);
-/// if (log.open(true))
-///     log.append("Mesh read");           // "[14:23:10] Mesh read"
-/// \endcode
+/// \snippet docs/samples/logs.cpp log
 ///
 /// Writing to a log that is not open has no effect. No member throws.
 ///

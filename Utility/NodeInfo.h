@@ -9,11 +9,7 @@ namespace Vorn::Util {
 /// \ingroup machine
 /// A node of a compute cluster. ClusterInfo creates one for each node.
 ///
-/// \code
-/// const QList<NodeInfo> nodes = cluster.computeNodes();
-/// for (const NodeInfo &node : nodes)
-///     log.append(node.toString());
-/// \endcode
+/// \snippet docs/samples/machine.cpp nodes
 class VORNUTILITY_EXPORT NodeInfo
 {
 public:

@@ -11,11 +11,7 @@ namespace Vorn::Util {
 /// results are written to buffers of the caller, so that programs without Qt strings can use the
 /// class. Static members only.
 ///
-/// \code
-/// wchar_t folder[1024];
-/// if (Registry::readProductInstallationFolder(folder, nullptr))
-///     use(folder);
-/// \endcode
+/// \snippet docs/samples/system.cpp registry
 ///
 /// The settings are in the registry below HKEY_LOCAL_MACHINE, on Linux in a file (docs/linux.md).
 ///

@@ -13,13 +13,7 @@ class SevenZipCommand;
 /// \ingroup commands
 /// Creates, extracts and lists archives with the console program of 7-Zip.
 ///
-/// \code
-/// SevenZip archive;
-/// archive.setArchiveFile(folder + "/results.7z");
-/// archive.setCurrentPath(folder); // the names in the archive are relative to this folder
-/// if (!archive.compressFiles({folder + "/mesh.dat", folder + "/log.txt"}))
-///     report(archive.error(), archive.output());
-/// \endcode
+/// \snippet docs/samples/commands.cpp archive
 ///
 /// \par Operations
 /// Each operation has a blocking function, which waits without a time limit, and an asynchronous

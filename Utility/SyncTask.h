@@ -9,10 +9,7 @@ namespace Vorn::Util {
 /// \ingroup tasks
 /// A task that calls a method of an object. The task is finished when the method returns.
 ///
-/// \code
-/// // Worker has a slot or Q_INVOKABLE method void update().
-/// processor.addTask(new SyncTask(&worker, "update", nullptr));    // named "Worker::update"
-/// \endcode
+/// \snippet docs/samples/tasks.cpp sync task
 ///
 /// The task succeeds if the method can be called, whatever the method does.
 ///

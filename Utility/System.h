@@ -12,13 +12,7 @@ namespace Vorn::Util {
 /// The product's standard folders and other services of the operating system: paths, processes,
 /// language, flags, folder trees. Static members only.
 ///
-/// \code
-/// QFile results(System::getWorkingDirPath() + "/results.dat");
-/// // The result of getTempFileName() can be a path: take the file name.
-/// const QString name = QFileInfo(System::getTempFileName("scratch.dat")).fileName();
-/// QFile scratch(System::getTempDirPath() + "/" + name);
-/// const bool isNew = scratch.open(QIODevice::WriteOnly | QIODevice::NewOnly);
-/// \endcode
+/// \snippet docs/samples/system.cpp folders
 ///
 /// "Native" means with the separators of the system. If a folder cannot be found, the result is an
 /// empty text or the fallback described at the function. No function throws. Messages are written

@@ -20,10 +20,7 @@
 /// `std::wstring` is removed. At the beginning of a QString it is kept. The functions with an array
 /// always keep it.
 ///
-/// \code
-/// std::string name = Vorn::Util::toStdString(QStringLiteral("Träger.dat"));
-/// QString again = Vorn::Util::toQString(name);
-/// \endcode
+/// \snippet docs/samples/values.cpp text
 
 namespace Vorn::Util {
 

@@ -10,13 +10,7 @@ namespace Vorn::Util {
 /// Moves a file to a path in 7-bit ASCII, for programs that cannot open other paths, and moves it
 /// back in the destructor. A file whose path is already ASCII is not moved.
 ///
-/// \code
-/// {
-///     UnicodeFile file(folder + "/Träger.dat");
-///     if (file.isOk())
-///         runSolver(file.asciiFilePath());
-/// }                                               // moved back
-/// \endcode
+/// \snippet docs/samples/system.cpp unicode file
 ///
 /// The original path of the file is called its Unicode path, the other its ASCII path. For the
 /// ASCII path a name with other characters is replaced by a random name with the same suffix, and a

@@ -19,10 +19,7 @@ namespace Vorn::Util {
 /// The version number of a release of the product: major, minor and patch number. A version also
 /// has a development stage, which is neither compared nor converted to text or XML.
 ///
-/// \code
-/// if (Version(QStringLiteral("23.1.12")) < Version::Current)
-///     convert();
-/// \endcode
+/// \snippet docs/samples/values.cpp version
 ///
 /// A default-constructed version is 0.0.0, which is not valid. Objects can be copied; any thread
 /// may use this class.

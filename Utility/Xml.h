@@ -11,11 +11,7 @@ namespace Vorn::Util {
 /// Helper functions for small XML documents with the DOM classes of Qt. Static members only. They
 /// have no state: any thread may call them for a document of its own.
 ///
-/// \code
-/// QDomElement root = document.documentElement();
-/// root.appendChild(Xml::textElement("cores", "8", document));
-/// int cores = Xml::valueOf("cores", root, "1").toInt();
-/// \endcode
+/// \snippet docs/samples/values.cpp xml
 class VORNUTILITY_EXPORT Xml
 {
 public:

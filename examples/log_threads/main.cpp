@@ -126,10 +126,15 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
+    const QString usage = QStringLiteral("Usage: log-threads LOG [THREADS [LINES]]");
+    if (arguments.value(1) == QLatin1String("--help")) {
+        print(stdout, usage);
+        return 0;
+    }
     const int threads = number(arguments, 2, 4);
     const int lines = number(arguments, 3, 10000);
     if (arguments.size() < 2 || arguments.size() > 4 || threads == 0 || threads > 100 || lines == 0)
-        return fail(QStringLiteral("Usage: log-threads LOG [THREADS [LINES]]"));
+        return fail(usage);
 
     Log log(QDir::current().absoluteFilePath(arguments.at(1)), Log::NoFileTimeStamp);
     if (!log.open(false)) {

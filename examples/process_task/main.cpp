@@ -22,9 +22,14 @@ namespace {
 
 enum ExitCode : int { TimedOut = 124, WrongCall = 125, Crashed = 126, NotStarted = 127 };
 
+void print(std::FILE *stream, const QString &line)
+{
+    std::fputs((line + QLatin1Char('\n')).toLocal8Bit().constData(), stream);
+}
+
 void report(const QString &text)
 {
-    std::fputs(QStringLiteral("process-task: %1\n").arg(text).toLocal8Bit().constData(), stderr);
+    print(stderr, QStringLiteral("process-task: %1").arg(text));
 }
 
 class ProcessTask : public AsyncTask
@@ -44,6 +49,7 @@ public:
         connect(&process_, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
                 &ProcessTask::end, Qt::QueuedConnection);
         limit_.setSingleShot(true);
+        limit_.setTimerType(Qt::PreciseTimer); // never before the time
         connect(&limit_, &QTimer::timeout, this, &ProcessTask::stop);
     }
 
@@ -107,9 +113,14 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
+    const QString usage = QStringLiteral("Usage: process-task SECONDS PROGRAM [ARGUMENT...]");
+    if (arguments.value(1) == QLatin1String("--help")) {
+        print(stdout, usage);
+        return 0;
+    }
     const double seconds = arguments.value(1).toDouble(); // 0 if it is no number
     if (arguments.size() < 3 || !(seconds > 0 && seconds <= 1000000)) {
-        report(QStringLiteral("Usage: process-task SECONDS PROGRAM [ARGUMENT...]"));
+        report(usage);
         return WrongCall;
     }
 

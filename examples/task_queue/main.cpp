@@ -133,9 +133,14 @@ int fail(const QString &problem, int exitCode = 1)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
+    const QString usage = QStringLiteral("Usage: task-queue LIST FILE...");
+    if (QCoreApplication::arguments().value(1) == QLatin1String("--help")) {
+        print(stdout, usage + QLatin1Char('\n'));
+        return 0;
+    }
     const QStringList files = QCoreApplication::arguments().mid(2);
     if (files.isEmpty())
-        return fail(QStringLiteral("Usage: task-queue LIST FILE..."));
+        return fail(usage);
     const int count = static_cast<int>(files.size());
     List list{{}, QCoreApplication::arguments().at(1), count};
     list.file.setFileName(list.name + QStringLiteral(".part"));

@@ -24,10 +24,14 @@ using namespace Vorn::Util;
 
 namespace {
 
+void print(std::FILE *stream, const QString &line)
+{
+    std::fputs((line + QLatin1Char('\n')).toLocal8Bit().constData(), stream);
+}
+
 int fail(const QString &problem)
 {
-    std::fputs(QStringLiteral("task-watchdog: %1\n").arg(problem).toLocal8Bit().constData(),
-               stderr);
+    print(stderr, QStringLiteral("task-watchdog: %1").arg(problem));
     return 1;
 }
 
@@ -137,10 +141,15 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
+    const QString usage = QStringLiteral("Usage: task-watchdog LOG SECONDS FILE...");
+    if (arguments.value(1) == QLatin1String("--help")) {
+        print(stdout, usage);
+        return 0;
+    }
     const QStringList files = arguments.mid(3);
     const double seconds = arguments.value(2).toDouble(); // 0 if it is no number
     if (files.isEmpty() || !(seconds > 0 && seconds <= 1000000))
-        return fail(QStringLiteral("Usage: task-watchdog LOG SECONDS FILE..."));
+        return fail(usage);
     Log log(QDir::current().absoluteFilePath(arguments.at(1)), Log::NoFileTimeStamp);
     if (!log.open(true)) {
         return fail(QStringLiteral("The log cannot be written: %1")

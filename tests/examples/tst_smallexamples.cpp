@@ -144,6 +144,8 @@ class TestSmallExamples : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theHelpIsPrinted_data();
+    void theHelpIsPrinted();
     void aWrongCallIsRefused_data();
     void aWrongCallIsRefused();
     void aLogThatCannotBeWrittenIsReported_data();
@@ -171,6 +173,22 @@ private Q_SLOTS:
     void theWatchdogEndsATaskThatNeverEnds();
     void progressKeepsATaskAlive();
 };
+
+void TestSmallExamples::theHelpIsPrinted_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"log-threads", "task-queue", "process-task", "task-watchdog"})
+        QTest::addRow("%s", name) << text(name);
+}
+
+void TestSmallExamples::theHelpIsPrinted()
+{
+    QFETCH(QString, name);
+    Example example(name.toLatin1().constData());
+    QCOMPARE(example.run({text("--help")}), 0);
+    QVERIFY2(example.printed().startsWith(text("Usage: ") + name), qPrintable(example.printed()));
+    QCOMPARE(example.entries(), QStringList());
+}
 
 void TestSmallExamples::aWrongCallIsRefused_data()
 {

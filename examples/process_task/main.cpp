@@ -49,7 +49,7 @@ public:
         connect(&process_, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
                 &ProcessTask::end, Qt::QueuedConnection);
         limit_.setSingleShot(true);
-        limit_.setTimerType(Qt::PreciseTimer); // never before the time
+        limit_.setTimerType(Qt::PreciseTimer); // others may be up to 5 % early
         connect(&limit_, &QTimer::timeout, this, &ProcessTask::stop);
     }
 
@@ -73,7 +73,7 @@ private:
             return; // it has just ended
         isTimedOut_ = true;
         process_.terminate();
-        QTimer::singleShot(TimeToEnd, &process_, &QProcess::kill);
+        QTimer::singleShot(TimeToEnd, Qt::PreciseTimer, &process_, &QProcess::kill);
     }
 
     void end()

@@ -19,6 +19,9 @@ bool isRunByShell(const QString &program);
 /// invalid characters are replaced.
 QStringList namesThatAreNoText(const QString &folder);
 
+/// Whether a process with this id runs on this machine.
+bool isRunning(qint64 process);
+
 /// The signals that ask this program to end.
 QVector<int> endSignals();
 

@@ -1,5 +1,6 @@
 #include "StudyFolder.h"
 
+#include "Platform.h"
 #include "Text.h"
 
 #include <Utility/System.h>
@@ -11,6 +12,7 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QSaveFile>
+#include <QtCore/QSysInfo>
 
 using namespace Vorn::Util;
 
@@ -199,7 +201,7 @@ QString StudyFolder::lock()
 {
     lock_ = std::make_unique<QLockFile>(file(LockFile));
     lock_->setStaleLockTime(0); // a lock never expires while its process runs
-    if (lock_->tryLock())
+    if (lock_->tryLock() || (removeLockOfEndedProcess() && lock_->tryLock()))
         return QString();
     if (lock_->error() != QLockFile::LockFailedError)
         return QStringLiteral("The output folder cannot be written: %1").arg(shown(path_));
@@ -210,6 +212,19 @@ QString StudyFolder::lock()
     return QStringLiteral("Another run uses the output folder: process %1 on %2. If it has ended, "
                           "remove %3")
         .arg(QString::number(process), oneLine(host), shown(file(LockFile)));
+}
+
+// QLockFile does this itself, but not if a child process holds the file: one that was forked, and
+// whose parent was killed before the child became another program.
+bool StudyFolder::removeLockOfEndedProcess() const
+{
+    QLockFile onlyOne(file(LockFile + QStringLiteral(".remove")));
+    qint64 process = 0;
+    QString host;
+    QString application;
+    return onlyOne.tryLock() && lock_->getLockInfo(&process, &host, &application)
+        && host == QSysInfo::machineHostName() && !isRunning(process)
+        && QFile::remove(file(LockFile));
 }
 
 } // namespace ClusterStudy

@@ -55,6 +55,7 @@ public:
 
 private:
     QString lock();
+    bool removeLockOfEndedProcess() const;
 
     const QString path_;
     int digits_ = 4;

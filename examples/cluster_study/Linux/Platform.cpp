@@ -2,6 +2,7 @@
 
 #include <QtCore/QFile>
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <system_error>
@@ -44,6 +45,11 @@ QStringList namesThatAreNoText(const QString &folder)
         }
     }
     return names;
+}
+
+bool isRunning(qint64 process)
+{
+    return kill(static_cast<pid_t>(process), 0) == 0 || errno != ESRCH;
 }
 
 QVector<int> endSignals()

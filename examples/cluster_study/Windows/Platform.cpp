@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <io.h>
+#include <windows.h>
 
 namespace ClusterStudy {
 
@@ -30,6 +31,16 @@ bool isRunByShell(const QString &program)
 QStringList namesThatAreNoText(const QString &)
 {
     return {};
+}
+
+bool isRunning(qint64 process)
+{
+    HANDLE handle = OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(process));
+    if (!handle)
+        return GetLastError() == ERROR_ACCESS_DENIED;
+    const bool isRunning = WaitForSingleObject(handle, 0) == WAIT_TIMEOUT;
+    CloseHandle(handle);
+    return isRunning;
 }
 
 QVector<int> endSignals()

@@ -7,6 +7,8 @@
 
 #include <QtTest/QtTest>
 
+#include <sys/file.h>
+
 using Vorn::Util::SevenZip;
 
 namespace {
@@ -33,6 +35,7 @@ private Q_SLOTS:
     void aReaderThatEndsDoesNotEndTheStudy();
     void aCaseEndsWithTheKilledStudy();
     void processesThatACaseLeavesBehindAreEnded();
+    void aChildOfAKilledStudyDoesNotKeepTheOutputFolder();
 };
 
 void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
@@ -166,6 +169,30 @@ void TestClusterStudyTerminal::processesThatACaseLeavesBehindAreEnded()
     QCOMPARE(site.runCases({}, {text("child"), number}), 0);
     QVERIFY(!contentOf(number).isEmpty());
     QTRY_VERIFY(!isRunning(number));
+}
+
+// The child of a study that is killed before the child becomes another program holds the lock's
+// file open.
+void TestClusterStudyTerminal::aChildOfAKilledStudyDoesNotKeepTheOutputFolder()
+{
+    NEED_STUDY_ARCHIVER;
+    QProcess ended;
+    ended.start(text("true"), QStringList());
+    const qint64 process = ended.processId();
+    QVERIFY(ended.waitForFinished());
+
+    StudySite site;
+    site.writeCases("x\n1\n");
+    const QString lock = site.output(text("study.lock"));
+    QVERIFY(writeFileInFolder(lock,
+                              QByteArray::number(process) + "\ncluster-study\n"
+                                  + QSysInfo::machineHostName().toLocal8Bit() + '\n'));
+    QFile held(lock);
+    QVERIFY(held.open(QIODevice::ReadWrite));
+    QCOMPARE(flock(held.handle(), LOCK_EX | LOCK_NB), 0);
+    QCOMPARE(site.runCases({}, list("print x")), 0);
+    QCOMPARE(site.states(), list("ok"));
+    QCOMPARE(entriesOf(site.output()).filter(text("lock")), QStringList());
 }
 
 QTEST_GUILESS_MAIN(TestClusterStudyTerminal)

@@ -7,7 +7,8 @@ FOLDER is the project; by default the one that this script belongs to. Checked a
 - docs/compatibility.md: every entry is named by a comment in Utility/, every such comment names an
   entry, and the tests that an entry names exist;
 - in all pages: the files, links, presets, tests, functions and classes named exist;
-- README.md: its table has every public header.
+- README.md: its table has every public header;
+- blocks of C++ and CMake: each is a file in docs/samples/, named in the line before it.
 Prints each problem and ends with 1 when there are any.
 """
 import pathlib
@@ -19,6 +20,7 @@ ROW = re.compile(r"^\| ([^|]+) \| [^|]+ \| ([^|]+) \|$", re.M)
 COMMENT = re.compile(r"Kept for compatibility: see(.*?)docs/compatibility\.md", re.S)
 LINK = re.compile(r"\]\(([^)\s]+)\)")
 PATH = re.compile(rf"(?<![\w/.~$-])(?:{FOLDERS})/[\w./*-]*\w(?![\w/<*])")
+BLOCK = re.compile(r"(?:`([\w.]+)`[^\n`]*:\n\n)?^```(cpp|c\+\+|cmake)\n(.*?)^```$", re.M | re.S)
 CODE = re.compile(r"(?<!`)`([^`\n]+)`(?!`)")
 
 
@@ -109,6 +111,7 @@ def check_code(word, project):
 
 def check_page(page, text, project):
     yield from check_links(page, text)
+    yield from check_blocks(page, text, project)
     for path in sorted(set(PATH.findall(text))):
         if not any(project.root.glob(path)):
             yield f"there is no {path}"
@@ -119,6 +122,16 @@ def check_page(page, text, project):
         problem = check_code(word, project)
         if problem:
             yield problem
+
+
+def check_blocks(page, text, project):
+    """Code is a copy of a file that the tests build."""
+    samples = {path.name: path for path in (project.root / "docs/samples").rglob("*")}
+    for name, language, code in BLOCK.findall(text):
+        if name not in samples:
+            yield f"the block of {language} that begins with {code.splitlines()[0]} is no sample"
+        elif code != read(samples[name]):
+            yield f"the block {name} differs from {samples[name].relative_to(project.root)}"
 
 
 def check_headers(project):

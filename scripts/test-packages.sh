@@ -36,16 +36,10 @@ clean_up() {
 trap clean_up EXIT
 trap 'exit 130' INT TERM HUP
 
-# unpack_program FOLDER: writes the program of README.md.
-unpack_program() {
+# copy_program FOLDER: the program of README.md.
+copy_program() {
     mkdir -p "$1"
-    python3 - README.md "$1" <<'END'
-import pathlib, re, sys
-page = pathlib.Path(sys.argv[1]).read_text(encoding="utf-8")
-for name in "CMakeLists.txt", "main.cpp":
-    text = re.search(rf"`{re.escape(name)}`[^\n]*:\n\n```\w+\n(.*?)```", page, re.S).group(1)
-    pathlib.Path(sys.argv[2], name).write_text(text, encoding="utf-8")
-END
+    cp docs/samples/pack/* "$1"
 }
 
 # check_result FOLDER: the program has packed its sources in FOLDER. Removes what it wrote.
@@ -142,7 +136,7 @@ run_examples() {
 
 build_program() {
     local folder=$root/root/program
-    unpack_program "$folder"
+    copy_program "$folder"
     if [ -n "$qt6" ]; then sed -i 's/find_package(VORNUtility /find_package(VORNUtilityQt6 /' "$folder/CMakeLists.txt"; fi
     say "With CMake"
     in_root sh -ec 'cd /root/program; cmake -S . -B build >/dev/null; cmake --build build; build/pack'
@@ -182,7 +176,7 @@ test_windows() {
     archivers=$(scripts/test-archivers.sh 7zip-16.04)
     python3 -m zipfile -e build/packages/windows/*.zip "$scratch/unpacked"
     unpacked=$(echo "$scratch"/unpacked/*)
-    unpack_program "$program"
+    copy_program "$program"
     cmake -S "$program" -B "$program/build" -G Ninja -DVORNUtility_ROOT="$unpacked" \
         -DCMAKE_TOOLCHAIN_FILE="$project/cmake/windows-x86_64.cmake" \
         -DVORNUTILITY_QT_WINDOWS="$VORNUTILITY_QT_WINDOWS" >/dev/null

@@ -4,6 +4,7 @@
 #include "HelperProgram.h"
 #include "Samples.h"
 #include "TestFiles.h"
+#include "TestSystem.h"
 #include "TestWithFolder.h"
 
 #include <Utility/AsyncTask.h>
@@ -28,8 +29,8 @@ private Q_SLOTS:
 
     void aLogGetsALine();
     void tasksRunInTheirOrder();
-    void aProgramThatFailsEndsItsTaskWithAnError_data();
-    void aProgramThatFailsEndsItsTaskWithAnError();
+    void aTaskEndsWithItsProgram_data();
+    void aTaskEndsWithItsProgram();
     void aSyncTaskCallsItsMethod();
     void aCancelSkipsToTheCleanUpTask();
     void aCommandReturnsItsOutput();
@@ -44,6 +45,8 @@ private Q_SLOTS:
     void anEnumIsFoundByItsName();
     void anElementIsReadBack();
     void aTextIsConvertedAndBack();
+
+    void theProgramOfTheReadmePacksItsSources();
 
 private:
     QString logText() const { return QString::fromUtf8(contentOf(path("samples.log"))); }
@@ -70,7 +73,7 @@ void TestSamples::tasksRunInTheirOrder()
     QVERIFY(logText().contains(QLatin1String("Finished processing tasks in ")));
 }
 
-void TestSamples::aProgramThatFailsEndsItsTaskWithAnError_data()
+void TestSamples::aTaskEndsWithItsProgram_data()
 {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QStringList>("arguments");
@@ -85,15 +88,16 @@ void TestSamples::aProgramThatFailsEndsItsTaskWithAnError_data()
                                      << QStringLiteral("Task finished with errors in ");
 }
 
-void TestSamples::aProgramThatFailsEndsItsTaskWithAnError()
+void TestSamples::aTaskEndsWithItsProgram()
 {
     QFETCH(QString, program);
     QFETCH(QStringList, arguments);
     QFETCH(QString, line);
     Log log(path("samples.log"), Log::NoFileTimeStamp);
     QVERIFY(log.open(true));
-    AsyncTask *task = Samples::makeRunProgram(program, arguments);
+    const QPointer<AsyncTask> task = Samples::makeRunProgram(program, arguments);
     QTEST(Samples::runTask(*QCoreApplication::instance(), task, log), "result");
+    QVERIFY(!task);
     QVERIFY2(logText().contains(line), qPrintable(logText()));
 }
 
@@ -210,6 +214,32 @@ void TestSamples::aTextIsConvertedAndBack()
     std::string name;
     QCOMPARE(Samples::convertText(name), QStringLiteral("Tr\u00e4ger.dat"));
     QCOMPARE(name, std::string("Tr\xc3\xa4ger.dat"));
+}
+
+void TestSamples::theProgramOfTheReadmePacksItsSources()
+{
+    // The paths may have no drive letter, as under Wine.
+    const QDir folder(QCoreApplication::applicationDirPath());
+    const QString program = folder.absoluteFilePath(QStringLiteral(PACK));
+    if (onWindows() && !QFile::exists(QFileInfo(program).path() + QStringLiteral("/7z.exe")))
+        QSKIP("There is no 7z.exe beside the program");
+    qint64 size = 0;
+    for (const QString &name : {QStringLiteral("main.cpp"), QStringLiteral("CMakeLists.txt")}) {
+        const QString source = folder.absoluteFilePath(QStringLiteral(PACK_SOURCE "/") + name);
+        QVERIFY(QFile::copy(source, path(name)));
+        size += QFileInfo(source).size();
+    }
+    QProcess process;
+    process.setWorkingDirectory(testFolder());
+    process.start(program, QStringList());
+    QVERIFY2(process.waitForFinished(60000), qPrintable(process.errorString()));
+
+    const QStringList logs = QDir(testFolder()).entryList({QStringLiteral("pack_20*.log")});
+    QCOMPARE(logs.size(), 1);
+    const QByteArray log = contentOf(path(logs.first()));
+    QVERIFY2(log.contains("] Packed " + QByteArray::number(size) + " bytes"), log.constData());
+    QCOMPARE(process.exitCode(), 0);
+    QVERIFY(contentOf(path(QStringLiteral("source.7z"))).startsWith("7z"));
 }
 
 QTEST_GUILESS_MAIN(TestSamples)

@@ -4,7 +4,6 @@
 #include <Utility/Log.h>
 
 #include "HelperProgram.h"
-#include "RunProgram.h"
 #include "TemporaryLog.h"
 #include "TestTask.h"
 
@@ -65,11 +64,6 @@ private Q_SLOTS:
 
     void aTaskMayBeDeletedInsideItsFinishedSignal();
     void aTaskIsDestroyedThroughItsBase();
-
-    // the example in the header
-    void theExampleIsTheOneTestedHere();
-    void theExampleEndsSafelyHoweverTheProgramEnds_data();
-    void theExampleEndsSafelyHoweverTheProgramEnds();
 };
 
 void TestAsyncTask::aNewTaskHasItsNameAndTheDefaults()
@@ -352,59 +346,6 @@ void TestAsyncTask::aTaskIsDestroyedThroughItsBase()
     QCOMPARE(held.use_count(), 2L);
     std::unique_ptr<AsyncTask>(task).reset();
     QCOMPARE(held.use_count(), 1L);
-}
-
-void TestAsyncTask::theExampleIsTheOneTestedHere()
-{
-    // The class in a file, without the line breaks.
-    const auto exampleIn = [](const QString &name) {
-        QFile file(QFINDTESTDATA(name));
-        if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-            qFatal("Cannot read %s", qPrintable(name));
-        const QString text = QString::fromUtf8(file.readAll());
-        const int start = text.indexOf(QLatin1String("class RunProgram"));
-        const QString end = QStringLiteral("QProcess process_;");
-        return text.mid(start, text.indexOf(end) + end.size() - start).simplified();
-    };
-    const QString tested = exampleIn(QStringLiteral("RunProgram.h"));
-    QVERIFY(tested.contains(QLatin1String("Qt::QueuedConnection")));
-    QCOMPARE(exampleIn(QStringLiteral("../../docs/samples/tasks.cpp")), tested);
-}
-
-void TestAsyncTask::theExampleEndsSafelyHoweverTheProgramEnds_data()
-{
-    QTest::addColumn<QString>("program");
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<bool>("succeeds");
-    const QString helper = helperProgram();
-    QTest::newRow("it succeeds") << helper << texts({"exit", "0"}) << true;
-    QTest::newRow("it fails") << helper << texts({"exit", "3"}) << false;
-    QTest::newRow("it does not start")
-        << QStringLiteral("no-such-program") << QStringList() << false;
-}
-
-void TestAsyncTask::theExampleEndsSafelyHoweverTheProgramEnds()
-{
-    QFETCH(QString, program);
-    QFETCH(QStringList, arguments);
-    QFETCH(bool, succeeds);
-    TemporaryLog log;
-    AsyncTaskProcessor processor;
-    processor.setLog(log);
-    processor.setExitEventLoopWhenDone(true);
-    const QPointer<AsyncTask> task = new RunProgram(program, arguments);
-    processor.addTask(task);
-    processor.startLater();
-    QCOMPARE(QCoreApplication::exec(), succeeds ? 0 : 1);
-    QVERIFY(!task);
-    const QString end = log.linesWithoutTimes().at(2);
-    if (succeeds)
-        QCOMPARE(end, QStringLiteral("Task finished in TIME"));
-    else if (arguments.isEmpty())
-        QVERIFY2(end.size() > QStringLiteral("Task finished with errors in TIME: error = ").size(),
-                 qPrintable(end));
-    else
-        QCOMPARE(end, QStringLiteral("Task finished with errors in TIME: error = Exit code 3"));
 }
 
 QTEST_GUILESS_MAIN(TestAsyncTask)

@@ -12,7 +12,7 @@ namespace Vorn::Util {
 ///
 /// The processor does not own the monitor, which must exist until the run has ended.
 ///
-/// Thread: the processor calls isCanceled() in its own thread, after every task.
+/// Thread: the processor calls isCanceled() in its own thread, after every finished task.
 class VORNUTILITY_EXPORT AsyncTaskMonitor
 {
 public:

@@ -45,8 +45,9 @@ class Log;
 /// A task that gets another parent stays in the queue: the processor still runs and deletes it.
 ///
 /// The application may delete a task. A waiting task is then removed from the queue. The running
-/// task counts as failed, but no line is logged. Its destructor must not emit finished(), or the
-/// processor would delete the task a second time.
+/// task counts as failed, but its end is not logged, and finished() is not emitted. The destructor
+/// of a task must not emit AsyncTask::finished(), or the processor would delete the task a second
+/// time.
 ///
 /// The processor may be deleted in a slot connected to its signals, in
 /// AsyncTaskMonitor::isCanceled() and in the destructor of a task.
@@ -101,8 +102,8 @@ public:
     /// their log. Not owned; null for no log.
     void setLog(Vorn::Util::Log *log);
 
-    /// Sets the monitor, which the processor asks after every task whether the run is cancelled.
-    /// Not owned; null for no monitor.
+    /// Sets the monitor, which the processor asks after every finished task whether the run is
+    /// cancelled. Not owned; null for no monitor.
     void setTaskMonitor(Vorn::Util::AsyncTaskMonitor *monitor);
 
     /// True if no task is waiting. It is already true while the last task runs.

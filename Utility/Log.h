@@ -107,8 +107,8 @@ public:
     QString name() const;
 
     /// Opens the log for writing. If \a append is false, its content is removed. A log that is too
-    /// large is truncated first, in either case. Returns true if the log is open, also if it was
-    /// open before.
+    /// large is truncated first, in either case. If the log is already open, it stays open and
+    /// keeps its content. Returns true if the log is open.
     bool open(bool append);
 
     /// Closes the file. Does nothing if the log is not open. open() opens it again.

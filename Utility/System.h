@@ -192,8 +192,8 @@ public:
     /// Sets the value \a key of the product's machine-wide settings. A failure is not reported.
     static void writeToRegistry(const QString &key, const QString &value);
 
-    /// The folder of the flags file; native. It is created if it does not exist. Empty if it cannot
-    /// be created.
+    /// The folder of the flags file; native. The first call creates it. Empty if it cannot be
+    /// created; the next call then tries again.
     static QString getFlagsDirPath();
 
     /// Whether \a flag is the first word of a line in the file "VORN_flags.txt" in

@@ -20,12 +20,11 @@ export VORNUTILITY_ARCHIVERS
 [ $# -gt 0 ] || set -- linux-release abi tidy linux-asan linux-tsan fuzz docs
 
 run_tidy() {
-    need clang-tidy
+    need clang-tidy clang
     cmake --preset linux-release >/dev/null
     say "clang-tidy"
     find Utility -name '*.cpp' -not -path '*/Windows/*' -print0 |
-        xargs -0 -P "$(nproc)" -n 4 clang-tidy --quiet -p build/linux-release 2> build/tidy.log ||
-        { cat build/tidy.log; exit 1; }
+        xargs -0 scripts/tidy.py build/linux-release "$cache_home/clang-tidy"
 }
 
 # The thread sanitizer fails where the kernel randomises addresses too much, so this is switched off.

@@ -5,10 +5,13 @@ check-site.py FOLDER
 
 FOLDER has the subfolders html and xml. Prints and ends with 1 for
 - every class, member, enumerator and macro that is public or protected and has no description;
-- every link and picture that leads to no file or to no anchor of the site.
+- every link and picture that leads to no file or to no anchor of the site, and every entry of the menu that
+  leads to no file;
+- every page without a title.
 """
 import html.parser
 import pathlib
+import re
 import sys
 import urllib.parse
 import xml.etree.ElementTree as ElementTree
@@ -37,20 +40,27 @@ def undocumented(folder):
 class Page(html.parser.HTMLParser):
     def __init__(self, text):
         super().__init__()
-        self.links, self.anchors = [], set()
+        self.links, self.anchors, self.has_title = [], set(), False
         self.feed(text)
 
     def handle_starttag(self, tag, attributes):
         for name, value in attributes:
             if name in ("id", "name") and value:
                 self.anchors.add(value)
+            elif name == "class" and value == "title":
+                self.has_title = True
             elif name in ("href", "src", "data") and value:
                 self.links.append(value)
 
 
-def dead_links(folder):
+def page_problems(folder):
     pages = {path.resolve(): Page(path.read_text(encoding="utf-8")) for path in folder.rglob("*.html")}
+    for url in re.findall(r'url:"([^"#]+)', (folder / "menudata.js").read_text(encoding="utf-8")):
+        if not (folder / url).exists():
+            yield f"menu: {url} does not exist"
     for path, page in sorted(pages.items()):
+        if path.parent == folder.resolve() and not page.has_title:
+            yield f"{path.name}: no title"
         for link in page.links:
             parts = urllib.parse.urlsplit(link)
             if parts.scheme or parts.netloc or link.startswith("javascript:"):
@@ -67,7 +77,7 @@ def main():
     folder = pathlib.Path(sys.argv[1])
     if not (folder / "html/index.html").exists() or not (folder / "xml/index.xml").exists():
         sys.exit(f"{folder} has no site")
-    problems = sorted({*undocumented(folder / "xml"), *dead_links(folder / "html")})
+    problems = sorted({*undocumented(folder / "xml"), *page_problems(folder / "html")})
     for problem in problems:
         print(problem)
     return 1 if problems else 0

@@ -1,25 +1,30 @@
 #!/usr/bin/env python3
-"""Prints a header or page with links for Doxygen.
+"""Prints a header, page or sample for Doxygen.
 
 docs-filter.py FILE
 
 - In a header, "Kept for compatibility: see "NAME" in docs/compatibility.md" gets a link to the row NAME
-  of that page, and the name of any other page a link to it.
+  of that page, and the name of any other page a link to it. Friends are left out.
 - In a page, the page and its headings get names. A link between pages, "[text](other.md#heading)",
-  becomes a reference to the name. The name of a class gets a link to it.
+  becomes a reference to the name, with the title of the page if the text is its file name. The name of a
+  class gets a link to it.
+- In a sample, the parts between the marks "//! [name]" begin at the left margin.
 """
 import pathlib
 import re
 import sys
+import textwrap
 
 PROJECT = pathlib.Path(__file__).resolve().parent.parent
-TITLES = {"README.md": "Getting started"}
+TITLES = {"README.md": "Getting started", "docs/linux.md": "Linux equivalents"}
 COMMENT = re.compile(r"(Kept for compatibility: see)(.*?)\s(?:///\s*)?in\s(?:\s*///\s*)?docs/compatibility\.md\.", re.S)
+FRIEND = re.compile(r"^ *friend class \w+;$", re.M)
 PAGE = re.compile(r"docs/(\w+)\.md")
 CODE = re.compile(r"(?<!`)`([^`\n]+)`(?!`)")
 CLASSES = {path.stem for path in (PROJECT / "Utility").glob("*.h")
            if path.stem not in ("Export", "TextConversions") and not path.stem.endswith("_p")}
 ROW = re.compile(r"^\| (?!name \||-)([^|]+) \| ", re.M)
+MARK = re.compile(r"(^ *//! \[[^\]]+\]\n)", re.M)
 LINK = re.compile(r"(?<!!)\[([^\]]+)\]\(([^)\s:]+\.md)?(?:#([\w-]+))?\)")
 
 
@@ -45,13 +50,16 @@ def header(text):
     def names(match):
         return match[1] + re.sub(r'"([^"]+)"', reference, match[2]) + "."
 
+    text = FRIEND.sub("", text)
     return PAGE.sub(lambda match: f"\\ref {match[1]}", COMMENT.sub(names, text))
 
 
 def link(match, page):
     text, target, heading = match.groups()
     name = page_name((page.parent / target).resolve() if target else page)
-    return f"[{text}](@ref {name}{'-' + heading if heading else ''})"
+    if heading:
+        name += "-" + heading
+    return f"\\ref {name}" if text.endswith(".md") else f"[{text}](@ref {name})"
 
 
 def code(match):
@@ -79,11 +87,18 @@ def markdown(text, page):
     return "".join(parts)
 
 
+def sample(text):
+    parts = MARK.split(text)  # every second one is a mark, and marks come in pairs
+    parts[2::4] = map(textwrap.dedent, parts[2::4])
+    return "".join(parts)
+
+
 def main():
     page = pathlib.Path(sys.argv[1]).resolve()
     text = page.read_text(encoding="utf-8")
     sys.stdout.reconfigure(encoding="utf-8")
-    sys.stdout.write(markdown(text, page) if page.suffix == ".md" else header(text))
+    filters = {".cpp": sample, ".h": header, ".md": lambda text: markdown(text, page)}
+    sys.stdout.write(filters[page.suffix](text))
 
 
 if __name__ == "__main__":

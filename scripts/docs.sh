@@ -21,5 +21,12 @@ doxygen docs/Doxyfile
 # As images, diagrams and plots fit into a narrow window; in frames and objects they would be cut off.
 sed -i -E -e 's|<object type="image/svg\+xml" data="([^"]*)"[^>]*>([^<]*)</object>|<img src="\1" alt="\2"/>|' \
     -e 's|<iframe [^>]*src="([^"]*\.svg)"[^>]*>.*</iframe>|<img src="\1" alt="Diagram"/>|' build/docs/html/*.html
+
+# Doxygen writes the indexes of members without a title, pages that nothing leads to, and an empty list of
+# pages: the first page has the list.
+sed -i 's|^<div class="contents">|<div class="header"><div class="headertitle"><div class="title">Members</div></div></div>&|' \
+    build/docs/html/{functions,namespacemembers}*.html
+sed -i 's|"pages.html"|"index.html#pages"|' build/docs/html/menudata.js
+rm -f build/docs/html/{pages,classes,dir_*}.html
 scripts/check-site.py build/docs
 say "build/docs/html/index.html"

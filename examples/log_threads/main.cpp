@@ -2,8 +2,8 @@
 //
 //     log-threads LOG [THREADS [LINES]]
 //
-// Shows that threads may share a log, and that the size limit removes only the oldest lines. Ends
-// with 0 if the log holds what it should, otherwise with 1.
+// Shows that threads may share a log, and that the size limit removes only the oldest lines. An
+// older file LOG is replaced. Ends with 0 if the log holds what it should, otherwise with 1.
 
 #include <Utility/Log.h>
 

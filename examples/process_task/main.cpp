@@ -5,7 +5,7 @@
 // Shows a task around a QProcess: when a task may be deleted, and how to end a program. Ends with
 // the exit code of the program; with 124 if the time limit ended it, 126 if it crashed, 127 if it
 // could not be started, 125 after a wrong call. Processes that the program has started are not
-// ended.
+// ended. If process-task itself is killed, the program goes on without a limit.
 
 #include <Utility/AsyncTask.h>
 #include <Utility/AsyncTaskProcessor.h>
@@ -119,7 +119,7 @@ int main(int argc, char *argv[])
         return 0;
     }
     const double seconds = arguments.value(1).toDouble(); // 0 if it is no number
-    if (arguments.size() < 3 || !(seconds > 0 && seconds <= 1000000)) {
+    if (arguments.size() < 3 || !(seconds >= 0.001 && seconds <= 1000000)) {
         report(usage);
         return WrongCall;
     }

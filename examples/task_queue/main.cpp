@@ -13,6 +13,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QCryptographicHash>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTimer>
 
 #include <csignal>
@@ -58,7 +59,11 @@ public:
 protected:
     void execute() override
     {
-        file_.open(QIODevice::ReadOnly);
+        const QFileInfo info(name());
+        if (info.exists() && !info.isFile()) // a pipe or a device may have no end
+            setError(QStringLiteral("%1: not a file").arg(name()));
+        else if (!file_.open(QIODevice::ReadOnly))
+            setError(QStringLiteral("%1: %2").arg(name(), file_.errorString()));
         readBlock();
     }
 
@@ -67,12 +72,12 @@ private:
     void readBlock()
     {
         constexpr qint64 BlockSize = 1 << 20;
-        const QByteArray block = file_.isOpen() ? file_.read(BlockSize) : QByteArray();
-        if (file_.error() != QFile::NoError)
+        const QByteArray block = isOk() ? file_.read(BlockSize) : QByteArray();
+        if (isOk() && file_.error() != QFile::NoError)
             setError(QStringLiteral("%1: %2").arg(name(), file_.errorString()));
-        else if (block.isEmpty() && !cancelRequested)
+        if (isOk() && !cancelRequested && block.isEmpty())
             addToList();
-        if (block.isEmpty() || !isOk() || cancelRequested)
+        if (!isOk() || cancelRequested || block.isEmpty())
             return setFinished(); // deletes this task
         hash_.addData(block);
         Q_EMIT progress(
@@ -133,12 +138,12 @@ int fail(const QString &problem, int exitCode = 1)
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
+    const QStringList files = QCoreApplication::arguments().mid(2);
     const QString usage = QStringLiteral("Usage: task-queue LIST FILE...");
     if (QCoreApplication::arguments().value(1) == QLatin1String("--help")) {
         print(stdout, usage + QLatin1Char('\n'));
         return 0;
     }
-    const QStringList files = QCoreApplication::arguments().mid(2);
     if (files.isEmpty())
         return fail(usage);
     const int count = static_cast<int>(files.size());
@@ -165,10 +170,12 @@ int main(int argc, char *argv[])
 
     QObject::connect(&processor, &AsyncTaskProcessor::progress, &processor,
                      [&](AsyncTask *task, const QString &text) {
+                         const QString line = QStringLiteral("%1 of %2, %3: %4")
+                                                  .arg(QString::number(count - list.missing + 1),
+                                                       QString::number(count), text, task->name());
+                         // Blanks cover the longer line of an earlier file.
                          print(stdout,
-                               QStringLiteral("\r%1 of %2: %3: %4 ")
-                                   .arg(QString::number(count - list.missing + 1),
-                                        QString::number(count), task->name(), text));
+                               QLatin1Char('\r') + line.leftJustified(79, QLatin1Char(' '), true));
                      });
     QString problem;
     QObject::connect(&processor, &AsyncTaskProcessor::finished, &processor, [&](AsyncTask *task) {

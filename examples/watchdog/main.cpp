@@ -15,6 +15,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
 
@@ -35,13 +36,13 @@ int fail(const QString &problem)
     return 1;
 }
 
-// Waits for the last line of a file. A file that has grown is progress.
+// Waits for the last line of a file. A change of the size is progress.
 class WaitTask : public AsyncTask
 {
 public:
     explicit WaitTask(const QString &fileName)
         : AsyncTask(QStringLiteral("Wait for %1").arg(fileName), nullptr)
-        , file_(fileName)
+        , fileName_(fileName)
     {
         // Queued: setFinished() deletes the timer with this task.
         connect(&timer_, &QTimer::timeout, this, &WaitTask::look, Qt::QueuedConnection);
@@ -55,22 +56,24 @@ protected:
     }
 
 private:
+    // Opens the file each time: it may not exist yet, and a program may replace or shorten it.
     void look()
     {
-        // The file may not exist yet.
-        if (!file_.isOpen() && !file_.open(QIODevice::ReadOnly | QIODevice::Text))
+        QFile file(fileName_);
+        if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
             return;
-        const QByteArray text = file_.readAll();
-        if (text.isEmpty())
-            return;
-        end_ = (end_ + text).right(6);
-        if (end_ == "done\n" || end_.endsWith("\ndone\n"))
+        const qint64 size = file.size();
+        file.seek(qMax<qint64>(0, size - 7)); // only the end, because the file may be large
+        const QByteArray end = file.read(7).replace("\r\n", "\n");
+        if (end == "done\n" || end.endsWith("\ndone\n"))
             return setFinished(); // deletes this task
-        Q_EMIT progress(QStringLiteral("%1 bytes").arg(file_.pos()));
+        if (size != size_)
+            Q_EMIT progress(QStringLiteral("%1 bytes").arg(size));
+        size_ = size;
     }
 
-    QFile file_;
-    QByteArray end_;
+    const QString fileName_;
+    qint64 size_ = 0;
     QTimer timer_;
 };
 
@@ -82,6 +85,7 @@ public:
         : log_(log)
     {
         timer_.setSingleShot(true);
+        timer_.setTimerType(Qt::PreciseTimer); // others may be up to 5 % early
         timer_.setInterval(milliseconds);
         connect(&processor, &AsyncTaskProcessor::started, this, [this](AsyncTask *task) {
             task_ = task;
@@ -92,7 +96,7 @@ public:
         connect(&timer_, &QTimer::timeout, this, &Watchdog::endTask);
     }
 
-    /// An error message; empty if no task had to be ended.
+    // An error message; empty if no task had to be ended.
     QString problem() const { return problem_; }
 
 private:
@@ -148,7 +152,7 @@ int main(int argc, char *argv[])
     }
     const QStringList files = arguments.mid(3);
     const double seconds = arguments.value(2).toDouble(); // 0 if it is no number
-    if (files.isEmpty() || !(seconds > 0 && seconds <= 1000000))
+    if (files.isEmpty() || !(seconds >= 0.001 && seconds <= 1000000))
         return fail(usage);
     Log log(QDir::current().absoluteFilePath(arguments.at(1)), Log::NoFileTimeStamp);
     if (!log.open(true)) {

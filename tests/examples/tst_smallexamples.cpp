@@ -16,6 +16,8 @@
 #include <QtCore/QRegularExpression>
 #include <QtTest/QtTest>
 
+#include <list>
+
 using namespace Vorn::Util;
 
 namespace {
@@ -137,6 +139,12 @@ QString heldLines(const QString &name, int threads)
     return report;
 }
 
+// What task-queue prints about its progress. It covers a longer line before it.
+QString progressLine(const char *line)
+{
+    return QLatin1Char('\r') + text(line).leftJustified(79);
+}
+
 } // namespace
 
 class TestSmallExamples : public QObject
@@ -157,6 +165,8 @@ private Q_SLOTS:
 
     void checksumsAreWritten();
     void aFailureLeavesNoList();
+    void whatIsNoFileIsRefused_data();
+    void whatIsNoFileIsRefused();
     void aListThatExistsIsKept();
     void aCancelLeavesNoList_data();
     void aCancelLeavesNoList();
@@ -170,6 +180,10 @@ private Q_SLOTS:
     void aCrashIsReported();
 
     void filesThatAreDoneEndTheRun();
+    void aFileMayBeWrittenAgain_data();
+    void aFileMayBeWrittenAgain();
+    void theEndOfALargeFileIsRead();
+    void noTaskIsEndedBeforeItsTime();
     void theWatchdogEndsATaskThatNeverEnds();
     void progressKeepsATaskAlive();
 };
@@ -207,7 +221,9 @@ void TestSmallExamples::aWrongCallIsRefused_data()
     row("process-task", "1", 125);
     row("process-task", "0 program", 125);
     row("process-task", "program 1", 125);
+    row("process-task", "0.0009 program", 125);
     row("task-watchdog", "a.log 1", 1);
+    row("task-watchdog", "a.log 0.0009 file", 1);
     row("task-watchdog", "a.log -1 file", 1);
     row("task-watchdog", "a.log file 1", 1);
 }
@@ -290,15 +306,20 @@ void TestSmallExamples::checksumsAreWritten()
     const QByteArray large(3 << 20, 'x');
     QVERIFY(writeFile(example.path("large"), large));
     QVERIFY(writeFile(example.path("empty"), QByteArray()));
-    QCOMPARE(example.run({text("list"), text("large"), text("empty")}), 0);
+    QVERIFY(writeFile(example.path("s"), "s"));
+    QCOMPARE(example.run({text("list"), text("large"), text("empty"), text("s")}), 0);
     const auto line = [](const QByteArray &bytes, const char *name) {
         return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex() + "  " + name
             + '\n';
     };
-    QCOMPARE(contentOf(example.path("list")), line(large, "large") + line(QByteArray(), "empty"));
-    QCOMPARE(example.entries(), QStringList({text("empty"), text("large"), text("list")}));
+    QCOMPARE(contentOf(example.path("list")),
+             line(large, "large") + line(QByteArray(), "empty") + line("s", "s"));
+    QCOMPARE(example.entries(),
+             QStringList({text("empty"), text("large"), text("list"), text("s")}));
     QCOMPARE(example.printed(),
-             text("\r1 of 2: large: 33 % \r1 of 2: large: 66 % \r1 of 2: large: 100 % \n"));
+             progressLine("1 of 3, 33 %: large") + progressLine("1 of 3, 66 %: large")
+                 + progressLine("1 of 3, 100 %: large") + progressLine("3 of 3, 100 %: s")
+                 + text("\n"));
     QCOMPARE(example.errors(), QString());
 }
 
@@ -309,8 +330,31 @@ void TestSmallExamples::aFailureLeavesNoList()
     QCOMPARE(example.run({text("list"), text("file"), text("missing"), text("file")}), 1);
     QVERIFY2(example.errors().startsWith(text("task-queue: missing: ")),
              qPrintable(example.errors()));
-    QCOMPARE(example.printed(), text("\r1 of 3: file: 100 % \n"));
+    QCOMPARE(example.printed(), progressLine("1 of 3, 100 %: file") + text("\n"));
     QCOMPARE(example.entries(), QStringList{text("file")});
+}
+
+void TestSmallExamples::whatIsNoFileIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addRow("folder") << text("folder");
+    if (onWindows())
+        return;
+    QTest::addRow("pipe") << text("pipe");
+    QTest::addRow("device") << text("/dev/zero");
+}
+
+void TestSmallExamples::whatIsNoFileIsRefused()
+{
+    QFETCH(QString, name);
+    Example example("task-queue");
+    QVERIFY(QDir(example.path()).mkdir(text("folder")));
+    if (name == text("pipe"))
+        QCOMPARE(QProcess::execute(text("mkfifo"), {example.path("pipe")}), 0);
+    const QStringList entries = example.entries();
+    QCOMPARE(example.run({text("list"), name}), 1);
+    QCOMPARE(example.errors(), QStringLiteral("task-queue: %1: not a file\n").arg(name));
+    QCOMPARE(example.entries(), entries);
 }
 
 void TestSmallExamples::aListThatExistsIsKept()
@@ -340,7 +384,7 @@ void TestSmallExamples::aCancelLeavesNoList()
     QVERIFY(endless.open(QIODevice::WriteOnly));
     QVERIFY(endless.resize(qint64(1) << 40)); // sparse
     example.start({text("list"), text("endless")});
-    QVERIFY(example.waitsForOutput("1 of 1: endless: 0 %"));
+    QVERIFY(example.waitsForOutput("1 of 1, 0 %: endless"));
     QCOMPARE(example.entries(), QStringList({text("endless"), text("list.part")}));
     QCOMPARE(QProcess::execute(text("sh"),
                                {text("-c"), text("kill -$0 $1"), signal,
@@ -434,9 +478,69 @@ void TestSmallExamples::filesThatAreDoneEndTheRun()
     Example example("task-watchdog");
     QVERIFY(writeFile(example.path("a"), "done\n"));
     QVERIFY(writeFile(example.path("b"), "iteration 1\ndone\n"));
-    QCOMPARE(example.run({text("run.log"), text("60"), text("a"), text("b")}), 0);
+    QVERIFY(writeFile(example.path("c"), "iteration 1\r\ndone\r\n"));
+    QCOMPARE(example.run({text("run.log"), text("60"), text("a"), text("b"), text("c")}), 0);
     QCOMPARE(example.errors(), QString());
-    QVERIFY(linesOfLog(example.path("run.log")).contains(text("2 of 2 files are done")));
+    QVERIFY(linesOfLog(example.path("run.log")).contains(text("3 of 3 files are done")));
+}
+
+void TestSmallExamples::aFileMayBeWrittenAgain_data()
+{
+    QTest::addColumn<bool>("isReplaced");
+    QTest::addRow("shortened") << false;
+    QTest::addRow("replaced") << true;
+}
+
+void TestSmallExamples::aFileMayBeWrittenAgain()
+{
+    QFETCH(bool, isReplaced);
+    Example example("task-watchdog");
+    QVERIFY(writeFile(example.path("file"), "a line of an earlier run\n"));
+    example.start({text("run.log"), text("5"), text("file")});
+    QVERIFY(QTest::qWaitFor(
+        [&] { return contentOf(example.path("run.log")).contains("Starting task: Wait for file"); },
+        TimeLimit));
+    QTest::qWait(300); // the program reads the file every 50 ms
+    if (isReplaced) {
+        QVERIFY(writeFile(example.path("new"), "done\n"));
+        QVERIFY(QFile::remove(example.path("file")));
+        QVERIFY(QFile::rename(example.path("new"), example.path("file")));
+    } else {
+        QVERIFY(writeFile(example.path("file"), "done\n"));
+    }
+    QCOMPARE(example.finish(), 0);
+    QCOMPARE(example.errors(), QString());
+}
+
+void TestSmallExamples::theEndOfALargeFileIsRead()
+{
+    if (onWindows())
+        QSKIP("A file with a hole takes its whole size on the disk here");
+    Example example("task-watchdog");
+    QFile large(example.path("large"));
+    QVERIFY(large.open(QIODevice::WriteOnly));
+    QVERIFY(large.resize(qint64(1) << 40));
+    QVERIFY(large.seek(large.size()));
+    QVERIFY(large.write("\ndone\n") == 6 && large.flush());
+    QCOMPARE(example.run({text("run.log"), text("5"), text("large")}), 0);
+}
+
+// A timer that is not precise ends early or late: that depends on when it starts.
+void TestSmallExamples::noTaskIsEndedBeforeItsTime()
+{
+    std::list<Example> examples;
+    for (int count = 0; count < 8; ++count)
+        examples.emplace_back("task-watchdog");
+    for (Example &example : examples) {
+        example.start({text("run.log"), text("2"), text("missing")});
+        QTest::qWait(60);
+    }
+    for (Example &example : examples) {
+        QCOMPARE(example.finish(), 1);
+        const QRegularExpressionMatch time = QRegularExpression(text("in ([0-9.]+) sec$"))
+                                                 .match(linesOfLog(example.path("run.log")).last());
+        QVERIFY2(time.captured(1).toDouble() >= 2, qPrintable(time.captured()));
+    }
 }
 
 void TestSmallExamples::theWatchdogEndsATaskThatNeverEnds()

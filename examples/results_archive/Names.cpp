@@ -79,7 +79,9 @@ QString percentText(qint64 part, qint64 whole)
 {
     if (whole == 0)
         return QString(QLatin1Char('-'));
-    const double percent = 100.0 * static_cast<double>(part) / static_cast<double>(whole);
+    double percent = 100.0 * static_cast<double>(part) / static_cast<double>(whole);
+    if (part < whole)
+        percent = qMin(percent, 99.9); // 100.0 % only if nothing is missing
     return QString::number(percent, 'f', 1) + QStringLiteral(" %");
 }
 

@@ -20,7 +20,8 @@ QString oneLine(QString text);
 /// A number of bytes for the user: "12.3 MiB".
 QString sizeText(qint64 bytes);
 
-/// A part of a whole for the user: "12.3 %"; "-" if the whole is 0.
+/// A part of a whole for the user: "12.3 %"; "-" if the whole is 0. Less than the whole is never
+/// "100.0 %".
 QString percentText(qint64 part, qint64 whole);
 
 /// Compares the names \a listed in an archive with the names \a packed. Returns the first

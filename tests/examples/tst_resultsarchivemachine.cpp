@@ -48,6 +48,7 @@ private Q_SLOTS:
     void aValueThatIsNotKnownIsCalledUnknown();
     void sizesAreShownInMebibytes();
     void partsAreShownInPercent();
+    void onlyTheWholeIsShownAs100Percent();
     void theSizeOfTheArchiveIsLogged();
     void theFreeBytesAreLogged();
     void aDiskNeedsSpaceForItsFiles_data();
@@ -111,15 +112,27 @@ void TestResultsArchiveMachine::aValueThatIsNotKnownIsCalledUnknown()
 void TestResultsArchiveMachine::sizesAreShownInMebibytes()
 {
     QCOMPARE(ResultsArchive::sizeText(0), QStringLiteral("0.0 MiB"));
+    QCOMPARE(ResultsArchive::sizeText(1), QStringLiteral("0.0 MiB"));
     QCOMPARE(ResultsArchive::sizeText(52429), QStringLiteral("0.1 MiB"));
     QCOMPARE(ResultsArchive::sizeText(1 << 20), QStringLiteral("1.0 MiB"));
     QCOMPARE(ResultsArchive::sizeText(qint64(3) << 40), QStringLiteral("3145728.0 MiB"));
+}
+
+void TestResultsArchiveMachine::onlyTheWholeIsShownAs100Percent()
+{
+    constexpr qint64 Whole = qint64(3) << 40;
+    QCOMPARE(ResultsArchive::percentText(9999, 10000), QStringLiteral("99.9 %"));
+    QCOMPARE(ResultsArchive::percentText(Whole - 1, Whole), QStringLiteral("99.9 %"));
+    QCOMPARE(ResultsArchive::percentText(Whole, Whole), QStringLiteral("100.0 %"));
 }
 
 void TestResultsArchiveMachine::partsAreShownInPercent()
 {
     QCOMPARE(ResultsArchive::percentText(1, 3), QStringLiteral("33.3 %"));
     QCOMPARE(ResultsArchive::percentText(3, 3), QStringLiteral("100.0 %"));
+    QCOMPARE(ResultsArchive::percentText(3, 2), QStringLiteral("150.0 %"));
+    QCOMPARE(ResultsArchive::percentText(0, 3), QStringLiteral("0.0 %"));
+    QCOMPARE(ResultsArchive::percentText(1, qint64(3) << 40), QStringLiteral("0.0 %"));
     QCOMPARE(ResultsArchive::percentText(0, 0), QStringLiteral("-"));
 }
 

@@ -103,9 +103,9 @@ QString notice()
         "<p><strong>This page contains</strong> the names of the machine, its user and its "
         "folders, versions, processors, counters, the nodes of the cluster, the product's "
         "settings, flags and running programs.</p>\n"
-        "<p><strong>It does not contain</strong> values of environment variables, contents of "
-        "files other than the product's flags, processes of other products, and passwords. It is "
-        "one file: it loads nothing and runs no script.</p>\n"
+        "<p><strong>It does not contain</strong> values of environment variables except the paths "
+        "of these folders, contents of files other than the product's flags, and processes of "
+        "other products. It is one file: it loads nothing and runs no script.</p>\n"
         "</section>\n");
 }
 

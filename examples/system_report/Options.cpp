@@ -17,8 +17,9 @@ constexpr const char *Description
       "cluster, folders, forms of paths, language, settings, processes and flags of the product.\n"
       "The text is for people: its form may change.\n\n"
       "The report names the machine, its user, its folders and the nodes of the cluster. It\n"
-      "contains no values of environment variables, no content of files other than the names of\n"
-      "the product's flags, and no processes of other products.\n\n"
+      "contains no values of environment variables except the paths of these folders, no content\n"
+      "of files other than the names of the product's flags, and no processes of other "
+      "products.\n\n"
       "The library creates the product's folders for documents, tutorials, rules, templates and\n"
       "flags if they do not exist.\n\n"
       "Exit codes: 0 the report is complete, 1 it could not be written.";
@@ -46,8 +47,8 @@ QString readClusterTools(const QString &text, QString &folder)
 
 QString readHtml(const QString &text, QString &file)
 {
-    if (text.isEmpty())
-        return QStringLiteral("The page has no name");
+    if (text.isEmpty() || text == QLatin1String("-")) // which is the standard output elsewhere
+        return QStringLiteral("The page has no file name");
     const QFileInfo info(text);
     // A device or pipe would be replaced by the page.
     if (info.exists() && !info.isFile())

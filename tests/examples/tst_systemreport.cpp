@@ -9,6 +9,7 @@
 #include <Utility/System.h>
 #include <Utility/Version.h>
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QProcess>
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QSysInfo>
@@ -46,6 +47,27 @@ QString text(QByteArray bytes)
     return QString::fromLocal8Bit(bytes.replace("\r\n", "\n"));
 }
 
+// The product's folders that the program uses and creates.
+void insertFolders(QProcessEnvironment &environment, const QString &folder)
+{
+    environment.insert(QStringLiteral("XDG_CONFIG_DIRS"), folder + QStringLiteral("/settings"));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), folder + QStringLiteral("/data"));
+    environment.insert(QStringLiteral("PUBLIC"), folder + QStringLiteral("/public"));
+}
+
+QString reportProgram()
+{
+    // The path may have no drive letter, as under Wine.
+    return QDir(QCoreApplication::applicationDirPath())
+        .absoluteFilePath(QStringLiteral(SYSTEM_REPORT));
+}
+
+QString clusterTool()
+{
+    return QDir(QCoreApplication::applicationDirPath())
+        .absoluteFilePath(QStringLiteral(FAKE_CLUSTER_TOOL));
+}
+
 } // namespace
 
 class TestSystemReport : public TestWithFolder
@@ -53,6 +75,7 @@ class TestSystemReport : public TestWithFolder
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
     void init() override;
     void cleanup() override;
 
@@ -73,21 +96,48 @@ private Q_SLOTS:
     void aWrongCommandLineIsRefused_data();
     void aWrongCommandLineIsRefused();
     void theHelpNamesTheOptions();
+    void aToolThatDoesNotEndIsNotWaitedFor(); // the last, because it takes half a minute
 
 private:
     Outcome run(const QStringList &arguments);
+    static Outcome finish(QProcess &process);
 
     QProcessEnvironment environment_;
+    TestFolder slowFolder_;
+    QProcess slow_; // a report with a cluster tool that does not end
+    QElapsedTimer slowTime_;
 };
+
+// Runs beside the tests, because it takes half a minute. The program has another name, because the
+// report tells the first process that has its name.
+void TestSystemReport::initTestCase()
+{
+    const QString slowReport
+        = slowFolder_.filePath(QStringLiteral("slow-") + QFileInfo(reportProgram()).fileName());
+    QVERIFY(QFile::copy(reportProgram(), slowReport));
+    QVERIFY(
+        QFile::copy(clusterTool(), slowFolder_.filePath(QStringLiteral("NodeInformation.exe"))));
+    QVERIFY(writeFile(slowFolder_.filePath(QStringLiteral("nodes")), "n1:16:2:64:ComputeNodes\n"));
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("FAKE_NODES"), slowFolder_.filePath(QStringLiteral("nodes")));
+    environment.insert(QStringLiteral("FAKE_NODES_RECORD"),
+                       slowFolder_.filePath(QStringLiteral("record")));
+    environment.insert(QStringLiteral("FAKE_NODES_SECONDS"), QStringLiteral("45"));
+    insertFolders(environment, slowFolder_.path());
+    slow_.setProcessEnvironment(environment);
+    slow_.setWorkingDirectory(slowFolder_.path());
+    slowTime_.start();
+    slow_.start(slowReport,
+                {QStringLiteral("--seconds"), QStringLiteral("1"),
+                 QStringLiteral("--cluster-tools"), slowFolder_.path()});
+}
 
 void TestSystemReport::init()
 {
     TestWithFolder::init();
     QSettings::setPath(QSettings::NativeFormat, QSettings::SystemScope, path("settings"));
     environment_ = QProcessEnvironment::systemEnvironment();
-    environment_.insert(QStringLiteral("XDG_CONFIG_DIRS"), path("settings"));
-    environment_.insert(QStringLiteral("XDG_DATA_HOME"), path("data"));
-    environment_.insert(QStringLiteral("PUBLIC"), path("public"));
+    insertFolders(environment_, testFolder());
 }
 
 void TestSystemReport::cleanup()
@@ -103,10 +153,13 @@ Outcome TestSystemReport::run(const QStringList &arguments)
     QProcess process;
     process.setProcessEnvironment(environment_);
     process.setWorkingDirectory(testFolder());
-    // The path may have no drive letter, as under Wine.
-    process.start(QDir(QCoreApplication::applicationDirPath())
-                      .absoluteFilePath(QStringLiteral(SYSTEM_REPORT)),
+    process.start(reportProgram(),
                   QStringList{QStringLiteral("--seconds"), QStringLiteral("1")} + arguments);
+    return finish(process);
+}
+
+Outcome TestSystemReport::finish(QProcess &process)
+{
     Outcome outcome;
     process.waitForStarted();
     outcome.id = process.processId();
@@ -202,9 +255,7 @@ void TestSystemReport::setFlagsAreReported()
 
 void TestSystemReport::theClusterIsReported()
 {
-    const QString tool = QDir(QCoreApplication::applicationDirPath())
-                             .absoluteFilePath(QStringLiteral(FAKE_CLUSTER_TOOL));
-    QVERIFY(QFile::copy(tool, path("NodeInformation.exe")));
+    QVERIFY(QFile::copy(clusterTool(), path("NodeInformation.exe")));
     QVERIFY(writeFile(path("nodes"), "head:8:2:64:HeadNodes\nn<1>:16:2:64:ComputeNodes\n"));
     environment_.insert(QStringLiteral("FAKE_NODES"), path("nodes"));
     environment_.insert(QStringLiteral("FAKE_NODES_RECORD"), path("record"));
@@ -229,6 +280,17 @@ void TestSystemReport::aToolWithoutNodesIsExplained()
     const Outcome report = run({QStringLiteral("--cluster-tools"), testFolder()});
     QCOMPARE(report.exitCode, 0);
     QVERIFY(report.printed.contains(QLatin1String("Left out: the cluster tool named no node.\n")));
+}
+
+// What the tool has printed until then is in the report.
+void TestSystemReport::aToolThatDoesNotEndIsNotWaitedFor()
+{
+    const Outcome report = finish(slow_);
+    QVERIFY(slowTime_.elapsed() >= 30000);
+    QVERIFY(slowTime_.elapsed() < 45000);
+    QCOMPARE(report.exitCode, 0);
+    QVERIFY2(report.printed.contains(QLatin1String("Compute nodes: 1, cores: 16.\n")),
+             qPrintable(report.printed.mid(report.printed.indexOf(QLatin1String("Cluster")))));
 }
 
 void TestSystemReport::thePageHasTheSameNumberOfPointsAsSamples()
@@ -288,6 +350,7 @@ void TestSystemReport::aWrongCommandLineIsRefused_data()
     row("no folder", "--cluster-tools missing",
         "The folder of the cluster tool does not exist: missing");
     row("a folder", "--html .", "The page is not a file: .");
+    row("standard output", "--html -", "The page has no file name");
 }
 
 void TestSystemReport::aWrongCommandLineIsRefused()

@@ -1,11 +1,13 @@
 // A "NodeInformation.exe" that prints the file that FAKE_NODES names, and adds to the file that
-// FAKE_NODES_RECORD names its own file name and its arguments, all in one line.
+// FAKE_NODES_RECORD names its own file name and its arguments, all in one line. FAKE_NODES_SECONDS
+// is the time that it takes after that.
 
 #include "BinaryStreams.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QThread>
 
 #include <cstdio>
 #include <cstdlib>
@@ -23,6 +25,8 @@ int main(int argc, char *argv[])
     record.write(call.join(QLatin1Char('|')).toUtf8() + '\n');
     const QByteArray output = nodes.readAll();
     std::fwrite(output.constData(), 1, static_cast<std::size_t>(output.size()), stdout);
+    std::fflush(stdout);
+    QThread::sleep(static_cast<unsigned long>(qEnvironmentVariableIntValue("FAKE_NODES_SECONDS")));
     std::fputs("c9:9:9:9:HeadNodes,ComputeNodes\n", stderr); // nobody reads this
     return EXIT_SUCCESS;
 }

@@ -1,13 +1,6 @@
 # Sourced by the scripts that build a library from Debian's source package.
 # shellcheck shell=bash
 
-# A private package list with source entries; the lists of the system are not changed.
-apt_dir=$cache_home/apt-source
-apt_private() {
-    "$1" -o Dir::Etc::sourcelist="$apt_dir/sources.list" -o Dir::Etc::sourceparts=/dev/null \
-        -o Dir::State::lists="$apt_dir/lists" -o Dir::Cache="$apt_dir/cache" "${@:2}"
-}
-
 # package_version PACKAGE: prints the version that apt would install.
 package_version() {
     local version
@@ -19,14 +12,18 @@ package_version() {
     echo "$version"
 }
 
-# fetch_source SOURCE VERSION: unpacks a source package into ./source.
+# fetch_source SOURCE VERSION: unpacks a source package into ./source. The list of the source packages is
+# written to ./apt, so that the lists and the locks of the system are not touched.
 fetch_source() {
+    local apt=$PWD/apt
+    local options=(-qq -o "Dir::Etc::sourcelist=$apt/sources.list" -o Dir::Etc::sourceparts=/dev/null
+        -o "Dir::State::lists=$apt/lists" -o "Dir::Cache=$apt/cache")
     say "Fetching the source of $1 ($2)"
-    mkdir -p "$apt_dir/lists/partial" "$apt_dir/cache/archives/partial"
+    mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial"
     apt-get indextargets --format '$(ORIGIN)|deb-src $(REPO_URI) $(RELEASE) $(COMPONENT)' \
-        'Identifier: Packages' | sed -n 's/^Debian|//p' | sort -u > "$apt_dir/sources.list"
-    apt_private apt-get -qq update
-    apt_private apt-get -qq source --only-source "$1=$2"
+        'Identifier: Packages' | sed -n 's/^Debian|//p' | sort -u > "$apt/sources.list"
+    apt-get "${options[@]}" update
+    apt-get "${options[@]}" source --only-source "$1=$2"
     mv "$1"-*/ source
 }
 

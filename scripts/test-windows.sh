@@ -13,7 +13,8 @@ VORNUTILITY_7ZIP_WINDOWS=$VORNUTILITY_ARCHIVERS/7zip-16.04
 export VORNUTILITY_QT_WINDOWS VORNUTILITY_ARCHIVERS VORNUTILITY_7ZIP_WINDOWS
 
 say "windows-release"
-cmake --preset windows-release >/dev/null
+# Some tests need the name of a branch.
+cmake --preset windows-release -DVORNUTILITY_BRANCH_REFERENCE=Ref=refs/heads/fix/log >/dev/null
 cmake --build --preset windows-release
 
 start_wine "$project/build/windows-release/Utility" "$VORNUTILITY_QT_WINDOWS"

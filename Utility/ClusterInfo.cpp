@@ -54,7 +54,7 @@ QList<NodeInfo> ClusterInfo::computeNodes() const
 
 int ClusterInfo::computeNodeCount() const
 {
-    return computeNodes_.size();
+    return static_cast<int>(computeNodes_.size());
 }
 
 int ClusterInfo::computeCoreCount() const

@@ -6,11 +6,11 @@
 #include <Utility/Platform/Processors.h>
 #include <Utility/Platform/SmallFile.h>
 #include <Utility/Product_p.h>
+#include <Utility/QtVersion_p.h>
 #include <Utility/Xml.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTextCodec>
 #include <QtCore/QTextStream>
 #include <QtXml/QDomDocument>
 
@@ -27,8 +27,9 @@ bool canBeParsed(const QString &text)
     constexpr int MaxElements = 2000;
     constexpr QLatin1Char Start('<');
     int elements = 0;
-    for (int at = text.indexOf(Start); at >= 0; at = text.indexOf(Start, at + 1)) {
-        if (++elements > MaxElements || text.midRef(at).startsWith(QLatin1String("<!DOCTYPE")))
+    for (auto at = text.indexOf(Start); at >= 0; at = text.indexOf(Start, at + 1)) {
+        if (++elements > MaxElements
+            || QStringView(text).mid(at).startsWith(QLatin1String("<!DOCTYPE")))
             return false;
     }
     return true;
@@ -38,11 +39,7 @@ bool canBeParsed(const QString &text)
 // byte-order mark of UTF-16 or UTF-32 counts, and carriage returns are removed.
 QString decoded(const QByteArray &content)
 {
-    static QTextCodec *const utf8 = QTextCodec::codecForName("UTF-8");
-    QTextCodec::ConverterState state;
-    return QTextCodec::codecForUtfText(content, utf8)
-        ->toUnicode(content.constData(), content.size(), &state)
-        .remove(QLatin1Char('\r'));
+    return QtVersion::decodedUnicode(content).remove(QLatin1Char('\r'));
 }
 
 } // namespace
@@ -172,7 +169,7 @@ bool CpuInfo::saveToXml() const
     if (!Platform::openWithoutLink(file))
         return false;
     QTextStream stream(&file);
-    stream.setCodec("UTF-8");
+    QtVersion::setUtf8(stream);
     stream << document.toString(1);
     stream.flush();
     if (stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError)

@@ -39,13 +39,15 @@ int Enum::count(const QString &type)
 Enum Enum::fromString(const QString &type, const QString &string)
 {
     const auto names = strings().constFind(type);
-    return names == strings().cend() ? Enum() : Enum(type, names->indexOf(string));
+    return names == strings().cend() ? Enum()
+                                     : Enum(type, static_cast<int>(names->indexOf(string)));
 }
 
 Enum Enum::fromValue(const QString &type, int value)
 {
     const auto numbers = values().constFind(type);
-    return numbers == values().cend() ? Enum() : Enum(type, numbers->indexOf(value));
+    return numbers == values().cend() ? Enum()
+                                      : Enum(type, static_cast<int>(numbers->indexOf(value)));
 }
 
 QString Enum::toString() const

@@ -3,6 +3,7 @@
 #include <Utility/Formats/TruncationOffset_p.h>
 #include <Utility/LogTruncation_p.h>
 #include <Utility/Platform/LogFile.h>
+#include <Utility/QtVersion_p.h>
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
@@ -31,7 +32,7 @@ struct LastPrefix
 {
     qint64 second = -1;
     Log::TimeStamp form = Log::NoTimeStamp;
-    int length = 0;
+    QtVersion::Size length = 0;
     std::array<char, 128> text{};
 };
 static_assert(std::is_trivially_destructible<LastPrefix>::value);
@@ -55,7 +56,7 @@ void appendUtf8(Line &line, const QString &text)
         appendBytes(line, text.toUtf8());
         return;
     }
-    const int length = line.size();
+    const auto length = line.size();
     line.resize(length + text.size());
     std::transform(text.cbegin(), text.cend(), line.begin() + length,
                    [](QChar character) { return static_cast<char>(character.unicode()); });
@@ -69,12 +70,11 @@ bool isBufferEmpty(const QFile &file)
 
 // Writes \a line without the buffer of \a file. Returns how many bytes were written: none if older
 // bytes are in the buffer, which must be written first.
-int writeUnbuffered(const QFile &file, const Line &line)
+qint64 writeUnbuffered(const QFile &file, const Line &line)
 {
     if (!isBufferEmpty(file))
         return 0;
-    const qint64 written = Platform::writeDirectly(file, line.constData(), line.size());
-    return static_cast<int>(std::max<qint64>(written, 0));
+    return std::max<qint64>(Platform::writeDirectly(file, line.constData(), line.size()), 0);
 }
 
 // A name filter for QDir that matches exactly \a text.
@@ -187,7 +187,7 @@ void Log::fastAppend(const QString &text)
     line.append(' ');
     appendUtf8(line, text);
     line.append('\n');
-    const int written = writeUnbuffered(*file_, line);
+    const qint64 written = writeUnbuffered(*file_, line);
     if (written < line.size()) {
         file_->write(line.constData() + written, line.size() - written);
         file_->flush();
@@ -300,7 +300,7 @@ QString Log::getPrefix() const
 
 QString Log::rstrip(const QString &text) const
 {
-    int length = text.size();
+    auto length = text.size();
     while (length > 0 && text.at(length - 1).isSpace())
         --length;
     return text.left(length);
@@ -320,7 +320,7 @@ bool Log::removeOldTimeStampedLogFiles()
 template <typename Value> void Log::write(Value value)
 {
     QTextStream stream(file_.get());
-    stream.setCodec("UTF-8");
+    QtVersion::setUtf8(stream);
     stream << value;
 }
 

@@ -28,7 +28,7 @@ qint64 tailOffset(QFile &log)
     constexpr int EndOffset = Formats::AmountToTruncate - EndSize;
     if (log.seek(EndOffset)) {
         const QByteArray end = log.read(Formats::LogHeadSize - EndOffset);
-        const int lineStart = end.lastIndexOf('\n', EndSize - 2) + 1;
+        const int lineStart = static_cast<int>(end.lastIndexOf('\n', EndSize - 2) + 1);
         if (lineStart > 0) {
             return EndOffset + lineStart
                 + Formats::truncationOffset(end.mid(lineStart), EndSize - lineStart);

@@ -3,6 +3,7 @@
 #include <Utility/ArchiverProgram_p.h>
 #include <Utility/DebugMessages_p.h>
 #include <Utility/Platform/Archiver.h>
+#include <Utility/QtVersion_p.h>
 #include <Utility/SevenZip.h>
 #include <Utility/System.h>
 
@@ -49,7 +50,7 @@ bool exists(const QString &name)
 bool writeNames(QFile &file, const QStringList &names)
 {
     QTextStream stream(&file);
-    stream.setCodec("UTF-8");
+    QtVersion::setUtf8(stream);
     for (const QString &name : names)
         stream << name << '\n';
     stream.flush();

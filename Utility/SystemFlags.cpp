@@ -1,6 +1,7 @@
 // The flags that a user sets in the flags file.
 
 #include <Utility/Platform/SmallFile.h>
+#include <Utility/QtVersion_p.h>
 #include <Utility/System.h>
 
 #include <QtCore/QTextStream>
@@ -19,7 +20,7 @@ bool System::isFlagSet(const QString &flag)
     if (!content)
         return false;
     QTextStream stream(*content, QIODevice::ReadOnly | QIODevice::Text);
-    stream.setCodec("UTF-8");
+    QtVersion::setUtf8(stream);
     while (!stream.atEnd()) {
         if (stream.readLine().simplified().section(QLatin1Char(' '), 0, 0) == flag)
             return true;

@@ -4,12 +4,23 @@
 #include <Utility/System.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QRegExp>
 #include <QtCore/QStringList>
 
 #include <algorithm>
 
 namespace Vorn::Util {
+
+namespace {
+
+// Kept for compatibility: see "Vertical bar as a drive letter" in docs/compatibility.md.
+bool isDriveLetter(QChar character)
+{
+    return (character >= QLatin1Char('A') && character <= QLatin1Char('Z'))
+        || (character >= QLatin1Char('a') && character <= QLatin1Char('z'))
+        || character == QLatin1Char('|');
+}
+
+} // namespace
 
 bool System::isWslPath(const QString &path)
 {
@@ -23,10 +34,11 @@ bool System::isWindowsPath(const QString &path)
 
 QString System::toWindowsPath(const QString &path)
 {
-    QRegExp mount(QStringLiteral("^/mnt/([a-z])/"));
-    if (!isWslPath(path) || mount.indexIn(path) < 0)
+    // "/mnt/c/": a small letter between two slashes.
+    if (!path.startsWith(QLatin1String("/mnt/")) || path.size() < 7 || path.at(5) < QLatin1Char('a')
+        || path.at(5) > QLatin1Char('z') || path.at(6) != QLatin1Char('/'))
         return path;
-    const QString letter = mount.cap(1);
+    const QString letter = path.at(5);
     // Kept for compatibility: see "Every occurrence of a drive" in docs/compatibility.md.
     return QString(path)
         .replace(QStringLiteral("/mnt/%1").arg(letter), letter.toUpper() + QLatin1Char(':'))
@@ -35,11 +47,9 @@ QString System::toWindowsPath(const QString &path)
 
 QString System::toWslPath(const QString &path)
 {
-    // Kept for compatibility: see "Vertical bar as a drive letter" in docs/compatibility.md.
-    QRegExp drive(QStringLiteral("^([A-Z|a-z]):"));
-    if (isWslPath(path) || drive.indexIn(path) < 0)
+    if (path.size() < 2 || !isDriveLetter(path.at(0)) || path.at(1) != QLatin1Char(':'))
         return path;
-    const QString letter = drive.cap(1);
+    const QString letter = path.at(0);
     // Kept for compatibility: see "Every occurrence of a drive" in docs/compatibility.md.
     return QString(path)
         .replace(letter + QLatin1Char(':'), QStringLiteral("/mnt/%1").arg(letter.toLower()))
@@ -64,8 +74,8 @@ bool System::makePath(const QString &path)
     QStringList missing; // shortest first
     while (!QDir(candidate).exists()) {
         missing.prepend(candidate);
-        const int separator = std::max(candidate.lastIndexOf(QLatin1Char('/')),
-                                       candidate.lastIndexOf(QLatin1Char('\\')));
+        const auto separator = std::max(candidate.lastIndexOf(QLatin1Char('/')),
+                                        candidate.lastIndexOf(QLatin1Char('\\')));
         if (separator < 0)
             return false;
         candidate.truncate(separator);

@@ -1,5 +1,6 @@
 # Sets the compiler options that all targets of the project share. Programs that use the installed
-# library do not get them.
+# library do not get them. A folder that sets vorn_allow_conversions gets no warning about a conversion
+# that may change a number.
 function(vorn_set_compile_options target)
     set_target_properties(${target} PROPERTIES
         CXX_STANDARD 17
@@ -15,8 +16,12 @@ function(vorn_set_compile_options target)
             target_compile_options(${target} PRIVATE /WX)
         endif()
     else()
+        set(conversion -Wconversion)
+        if(vorn_allow_conversions)
+            set(conversion)
+        endif()
         # The last: clang warns of qCDebug(), a macro that Qt 5 calls with fewer arguments than C++17 allows.
-        target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+        target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic ${conversion} -Wshadow
             -Wno-gnu-zero-variadic-macro-arguments)
         if(VORNUTILITY_WARNINGS_AS_ERRORS)
             target_compile_options(${target} PRIVATE -Werror)

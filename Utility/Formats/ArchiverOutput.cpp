@@ -158,9 +158,9 @@ private:
 };
 
 // The text of a header line "KEY = TEXT".
-QString headerText(const QByteArray &line, int keyLength)
+QString headerText(const QByteArray &line, const QByteArray &key)
 {
-    return QString::fromUtf8(line.mid(keyLength));
+    return QString::fromUtf8(line.mid(key.size()));
 }
 
 // The first method in the list that SevenZip::Method contains, without its parameters: "LZMA2" for
@@ -251,9 +251,9 @@ private:
         } else if (isRuler) {
             block_ = Entries;
         } else if (line.startsWith(type)) {
-            events_.type(headerText(line, type.size()));
+            events_.type(headerText(line, type));
         } else if (line.startsWith(method)) {
-            events_.method(plainMethod(headerText(line, method.size())));
+            events_.method(plainMethod(headerText(line, method)));
         }
     }
 

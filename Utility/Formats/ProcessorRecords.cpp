@@ -62,8 +62,8 @@ ProcessorCounts countLogicalProcessors(const QVector<LogicalProcessor> &processo
             cores.append(core);
     }
     ProcessorCounts counts;
-    counts.packages = packages.size();
-    counts.cores = cores.size();
+    counts.packages = static_cast<int>(packages.size());
+    counts.cores = static_cast<int>(cores.size());
     if (!cores.isEmpty())
         counts.smt = threads.value(cores.last()) > 1;
     return counts;

@@ -1,6 +1,6 @@
 #include <Utility/Formats/RegistryKey_p.h>
 
-#include <QtCore/QRegExp>
+#include <Utility/QtVersion_p.h>
 
 #include <algorithm>
 
@@ -12,7 +12,7 @@ namespace {
 // a sign may come before it. Negative for any other text.
 int releaseNumber(const QString &text)
 {
-    int digits = 0;
+    QtVersion::Size digits = 0;
     while (digits < text.size() && text.at(digits).isSpace())
         ++digits;
     QString number = text.mid(digits);
@@ -33,11 +33,14 @@ int releaseNumber(const QString &text)
 
 QString greatestRelease(const QString &release, const QStringList &names)
 {
-    const QString prefix = release.left(release.indexOf(QRegExp(QStringLiteral("[.x]"))));
+    const auto end = std::find_if(release.cbegin(), release.cend(), [](QChar character) {
+        return character == QLatin1Char('.') || character == QLatin1Char('x');
+    });
+    const QString prefix = release.left(static_cast<QtVersion::Size>(end - release.cbegin()));
     QString best;
     int bestNumber = -1;
     for (const QString &name : names) {
-        const int point = name.indexOf(QLatin1Char('.'));
+        const auto point = name.indexOf(QLatin1Char('.'));
         if (point < 0 || point == name.size() - 1 || name.left(point) != prefix)
             continue;
         const int number = releaseNumber(name.mid(point + 1));
@@ -51,8 +54,9 @@ QString greatestRelease(const QString &release, const QStringList &names)
 
 QString resolveKeyPath(const QString &keyPath, const SubkeyNames &subkeys)
 {
-    const int separator = keyPath.lastIndexOf(QRegExp(QStringLiteral("[/\\\\]")));
-    const QString key = keyPath.left(std::max(separator, 0));
+    const auto separator
+        = std::max(keyPath.lastIndexOf(QLatin1Char('/')), keyPath.lastIndexOf(QLatin1Char('\\')));
+    const QString key = keyPath.left(std::max<QtVersion::Size>(separator, 0));
     const QString release = keyPath.mid(separator + 1);
     // Kept for compatibility: see "Key path without its last separator" in docs/compatibility.md.
     if (!release.contains(QLatin1String(".x")))

@@ -1,5 +1,7 @@
 #include <Utility/Formats/SettingsText_p.h>
 
+#include <Utility/QtVersion_p.h>
+
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -8,14 +10,16 @@ namespace Vorn::Util::Formats {
 
 namespace {
 
+using QtVersion::Size;
+
 // A group header, a value, or a line that is neither, with its position in the content.
 struct Entry
 {
     QString group;
     QString key; // group and name of a value; otherwise null
-    int begin;
-    int valueBegin;
-    int end;
+    Size begin;
+    Size valueBegin;
+    Size end;
 };
 
 bool isBlank(QChar character)
@@ -28,14 +32,14 @@ bool isLineBreak(char character)
     return character == '\n' || character == '\r';
 }
 
-int endOfLine(const QByteArray &content, int from)
+Size endOfLine(const QByteArray &content, Size from)
 {
-    return static_cast<int>(std::find_if(content.cbegin() + from, content.cend(), isLineBreak)
-                            - content.cbegin());
+    return static_cast<Size>(std::find_if(content.cbegin() + from, content.cend(), isLineBreak)
+                             - content.cbegin());
 }
 
 // The position of the first byte, starting at \a from, that is not in white space or a comment.
-int beginOfEntry(const QByteArray &content, int from)
+Size beginOfEntry(const QByteArray &content, Size from)
 {
     for (; from < content.size(); ++from) {
         if (content.at(from) == ';')
@@ -48,9 +52,9 @@ int beginOfEntry(const QByteArray &content, int from)
 
 // The number of characters after a backslash that belong to it: 1, or 2 for the line breaks "\r\n"
 // and "\n\r".
-template <typename Text> int escapeSize(const Text &text, int position)
+template <typename Text> int escapeSize(const Text &text, Size position)
 {
-    const auto isAt = [&](int index, char character) {
+    const auto isAt = [&](Size index, char character) {
         return index < text.size() && text.at(index) == QLatin1Char(character);
     };
     const bool isPair = (isAt(position, '\r') && isAt(position + 1, '\n'))
@@ -83,15 +87,17 @@ QString decodedName(const QByteArray &bytes)
 {
     const QString name = QString::fromUtf8(bytes);
     QString decoded;
-    for (int i = 0; i < name.size(); ++i) {
-        const bool isWide = name.midRef(i, 2) == QLatin1String("%U");
-        const int digitsBegin = i + (isWide ? 2 : 1);
-        const QStringRef digits = name.midRef(digitsBegin, isWide ? 4 : 2);
+    for (Size i = 0; i < name.size(); ++i) {
+        const bool isWide = QStringView(name).mid(i).startsWith(QLatin1String("%U"));
+        const int digitsBegin = isWide ? 2 : 1;
+        const int digitCount = isWide ? 4 : 2;
+        const QString digits
+            = name.at(i) == QLatin1Char('%') ? name.mid(i + digitsBegin, digitCount) : QString();
         bool isNumber = false;
         const ushort unit = digits.toUShort(&isNumber, 16);
-        if (name.at(i) == QLatin1Char('%') && isNumber && digits.size() == (isWide ? 4 : 2)) {
+        if (isNumber && digits.size() == digitCount) {
             decoded += QChar(unit);
-            i = digitsBegin + digits.size() - 1;
+            i += digitsBegin + digitCount - 1;
         } else {
             decoded += name.at(i) == QLatin1Char('\\') ? QLatin1Char('/') : name.at(i);
         }
@@ -112,8 +118,8 @@ std::vector<Entry> entriesOf(const QByteArray &content)
 {
     std::vector<Entry> entries;
     QString group;
-    const int start = content.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    for (int position = beginOfEntry(content, start); position < content.size();
+    const Size start = content.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    for (Size position = beginOfEntry(content, start); position < content.size();
          position = beginOfEntry(content, entries.back().end)) {
         Entry entry{QString(), QString(), position, 0, 0};
         findEnd(content, entry);
@@ -142,10 +148,10 @@ int digitValue(QChar character)
 
 // Reads a number in digits of \a base at \a position of \a raw and appends it as a UTF-16 unit.
 // Returns the position after the digits.
-int appendUnit(const QString &raw, int position, int base, QString &text)
+Size appendUnit(const QString &raw, Size position, int base, QString &text)
 {
     ushort unit = 0; // overflows for a large number, as in QSettings
-    const int begin = position;
+    const Size begin = position;
     for (; position < raw.size() && digitValue(raw.at(position)) < base; ++position)
         unit = static_cast<ushort>(unit * base + digitValue(raw.at(position)));
     if (position > begin)
@@ -155,7 +161,7 @@ int appendUnit(const QString &raw, int position, int base, QString &text)
 
 // Decodes the escape sequence whose backslash is before \a position, and appends the result:
 // nothing for a line break and for an unknown sequence. Returns the position after the sequence.
-int appendEscaped(const QString &raw, int position, QString &text)
+Size appendEscaped(const QString &raw, Size position, QString &text)
 {
     if (position >= raw.size())
         return position;
@@ -178,13 +184,13 @@ QString decodedValue(const QString &raw)
     QString text;
     bool isQuoted = false;
     bool wasQuoted = false;
-    int kept = 0; // the length up to the last escape; blanks in this part are not removed
-    const auto afterBlanks = [&raw](int position) {
+    Size kept = 0; // the length up to the last escape; blanks in this part are not removed
+    const auto afterBlanks = [&raw](Size position) {
         while (position < raw.size() && isBlank(raw.at(position)))
             ++position;
         return position;
     };
-    for (int position = afterBlanks(0); position < raw.size();) {
+    for (Size position = afterBlanks(0); position < raw.size();) {
         const QChar character = raw.at(position++);
         if (character == QLatin1Char('\\')) {
             position = appendEscaped(raw, position, text);

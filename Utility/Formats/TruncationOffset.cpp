@@ -1,5 +1,7 @@
 #include <Utility/Formats/TruncationOffset_p.h>
 
+#include <Utility/QtVersion_p.h>
+
 #include <algorithm>
 
 namespace Vorn::Util::Formats {
@@ -19,10 +21,11 @@ qint64 truncationOffset(const QByteArray &head, int amount)
         return head.size();
     // The line that contains the last of the bytes to remove, or the next one if this byte is a
     // line end.
-    const int lineStart = head.lastIndexOf('\n', amount - 1) + 1;
-    const int nextPiece = lineStart + PieceSize * ((amount - lineStart) / PieceSize + 1);
-    const int lineEnd = head.indexOf('\n', amount);
-    const int nextLine = lineEnd < 0 ? head.size() : lineEnd + 1;
+    const QtVersion::Size lineStart = head.lastIndexOf('\n', amount - 1) + 1;
+    const QtVersion::Size nextPiece
+        = lineStart + PieceSize * ((amount - lineStart) / PieceSize + 1);
+    const QtVersion::Size lineEnd = head.indexOf('\n', amount);
+    const QtVersion::Size nextLine = lineEnd < 0 ? head.size() : lineEnd + 1;
     return std::min({nextPiece, nextLine, head.size()});
 }
 

@@ -11,7 +11,7 @@ namespace Vorn::Util::Platform {
 /// file.flush(), which are slower.
 ///
 /// Windows: writes nothing and returns 0, because only file.write() converts line ends.
-qint64 writeDirectly(const QFile &file, const char *bytes, int count);
+qint64 writeDirectly(const QFile &file, const char *bytes, qint64 count);
 
 /// The size in bytes of the open \a file, whose buffer must be empty. This is faster than
 /// file.size(). Returns -1 if the system does not report the size.

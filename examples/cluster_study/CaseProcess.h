@@ -24,8 +24,10 @@ public:
     /// system may give its number to another process.
     void endAll(bool byForce);
 
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 protected:
     void setupChildProcess() override;
+#endif
 
 private:
     struct System;

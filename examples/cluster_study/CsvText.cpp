@@ -1,7 +1,5 @@
 #include "CsvText.h"
 
-#include <QtCore/QTextCodec>
-
 #include <algorithm>
 
 namespace ClusterStudy {
@@ -119,10 +117,10 @@ bool needsQuotes(const QString &field)
 
 QString readCsv(const QByteArray &text, QVector<CsvRow> &rows)
 {
-    QTextCodec::ConverterState state; // removes a byte order mark
     const QString characters
-        = QTextCodec::codecForName("UTF-8")->toUnicode(text.constData(), text.size(), &state);
-    if (state.invalidChars > 0 || state.remainingChars > 0)
+        = QString::fromUtf8(text.constData(), text.size()); // removes a byte order mark
+    const bool hasMark = text.startsWith("\xEF\xBB\xBF");
+    if (characters.toUtf8() != text.mid(hasMark ? 3 : 0))
         return QStringLiteral("The text is not UTF-8");
     if (characters.contains(QChar()))
         return QStringLiteral("The text contains a null character");

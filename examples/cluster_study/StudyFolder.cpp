@@ -49,7 +49,7 @@ QString writeWhole(const QString &path, const QByteArray &content)
 
 int digitsFor(int count)
 {
-    return qMax(4, QString::number(count).size());
+    return qMax(4, static_cast<int>(QString::number(count).size()));
 }
 
 QJsonObject description(const Study &study)

@@ -70,14 +70,14 @@ void TestLineSplitter::theRestOfALongLineIsDropped()
     QFETCH(int, kept);
     const QByteArray output = QByteArray(length - 1, 'x') + "y\n";
     const QByteArray line = output.left(kept) + '\n';
-    for (const int blockSize : {1000, 65536, output.size()})
+    for (const int blockSize : {1000, 65536, static_cast<int>(output.size())})
         QVERIFY(split(output, blockSize) == Lines{line}); // too long to be shown
 }
 
 void TestLineSplitter::theLineAfterALongOneIsWhole()
 {
     const QByteArray output = QByteArray(2 * LineSplitter::MaxLineLength, 'x') + "\nnext\n";
-    for (const int blockSize : {1000, output.size()})
+    for (const int blockSize : {1000, static_cast<int>(output.size())})
         QCOMPARE(split(output, blockSize).value(1), QByteArray("next\n"));
 }
 

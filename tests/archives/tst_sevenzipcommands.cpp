@@ -32,7 +32,11 @@ struct Spies
     }
 
     // The numbers of signals: compressions, extractions, listings.
-    QList<int> counts() const { return {compression.size(), extraction.size(), list.size()}; }
+    QList<int> counts() const
+    {
+        return {static_cast<int>(compression.size()), static_cast<int>(extraction.size()),
+                static_cast<int>(list.size())};
+    }
 
     QSignalSpy progress;
     QSignalSpy compression;

@@ -131,9 +131,9 @@ void run(const QJsonObject &step)
     const QByteArray bytes
         = QByteArray::fromHex(step.value(QStringLiteral("bytes")).toString().toLatin1());
     if (action == QLatin1String("print"))
-        print(stdout, bytes, number > 0 ? number : bytes.size());
+        print(stdout, bytes, number > 0 ? number : static_cast<int>(bytes.size()));
     else if (action == QLatin1String("printError"))
-        print(stderr, bytes, number > 0 ? number : bytes.size());
+        print(stderr, bytes, number > 0 ? number : static_cast<int>(bytes.size()));
     else if (action == QLatin1String("flood"))
         flood(bytes, number);
     else if (action == QLatin1String("writeFile"))

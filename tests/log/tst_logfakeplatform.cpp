@@ -224,7 +224,7 @@ void TestLogFakePlatform::aLineThatIsWrittenInPartIsCompleted()
     QFETCH(QByteArray, completed);
     QVERIFY(writeFile(fileName_, QByteArray()));
     QByteArray written;
-    fakePlatform().writeDirectly = [&](const QFile &, const char *bytes, int) {
+    fakePlatform().writeDirectly = [&](const QFile &, const char *bytes, qint64) {
         written.append(bytes, std::max(result, 0));
         return static_cast<qint64>(result);
     };

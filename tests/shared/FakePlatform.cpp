@@ -123,7 +123,7 @@ bool replaceByTail(QFile &file, const QString &temporaryFolder, qint64 (*tailOff
     return fakePlatform().replaceByTail(file, temporaryFolder, tailOffset);
 }
 
-qint64 writeDirectly(const QFile &file, const char *bytes, int count)
+qint64 writeDirectly(const QFile &file, const char *bytes, qint64 count)
 {
     return fakePlatform().writeDirectly(file, bytes, count);
 }

@@ -38,7 +38,7 @@ struct FakePlatform
     Function<qint64, const QString &> availableSpace;
     Function<bool, const QString &> mayCreateFileIn;
     Function<bool, QFile &, const QString &, qint64 (*)(QFile &)> replaceByTail;
-    Function<qint64, const QFile &, const char *, int> writeDirectly;
+    Function<qint64, const QFile &, const char *, qint64> writeDirectly;
     Function<qint64, const QFile &> sizeOf;
     Function<Vorn::Util::Platform::MoveOutcome, const QString &, const QString &> moveFile;
     Function<bool, const QString &, const QString &> isSameFile;

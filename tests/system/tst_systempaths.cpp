@@ -32,6 +32,7 @@ private Q_SLOTS:
     void wslFormOfAPath_data();
     void wslFormOfAPath();
     void theFormsAreNoExactInverses();
+    void anyCharactersMayFollowTheDrive();
 
     void universalPathOfAnyOtherPathIsThePath_data();
     void universalPathOfAnyOtherPathIsThePath();
@@ -192,6 +193,15 @@ void TestSystemPaths::theFormsAreNoExactInverses()
     QCOMPARE(System::toWslPath(System::toWindowsPath(upperCase)), upperCase);
     QCOMPARE(System::toWindowsPath(System::toWslPath(QStringLiteral("d:\\work"))),
              QStringLiteral("D:\\work"));
+}
+
+// A file name on Windows can contain half of a surrogate pair.
+void TestSystemPaths::anyCharactersMayFollowTheDrive()
+{
+    const QString name = QChar(0xD800) + QStringLiteral("\n.x");
+    QCOMPARE(System::toWslPath(QStringLiteral("C:\\") + name), QStringLiteral("/mnt/c/") + name);
+    QCOMPARE(System::toWindowsPath(QStringLiteral("/mnt/c/") + name),
+             QStringLiteral("C:\\") + name);
 }
 
 void TestSystemPaths::universalPathOfAnyOtherPathIsThePath_data()

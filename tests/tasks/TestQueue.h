@@ -133,7 +133,7 @@ public:
     {
         if (whenAsked)
             whenAsked();
-        return answers_.at(qMin(asked++, answers_.size() - 1));
+        return answers_.at(qMin(asked++, static_cast<int>(answers_.size()) - 1));
     }
 
     int asked = 0;

@@ -1,6 +1,7 @@
+#include "Latin1Locale.h"
+
 #include <Utility/TextConversions.h>
 
-#include <QtCore/QTextCodec>
 #include <QtTest/QtTest>
 
 #include <algorithm>
@@ -15,23 +16,6 @@ namespace {
 
 constexpr char16_t Untouched = u'\x7E7E';
 constexpr wchar_t UntouchedWide = L'\x7E7E';
-
-// Narrow text is UTF-8 whatever the locale says: a test that runs in a UTF-8 locale would not see
-// the difference.
-class Latin1Locale
-{
-public:
-    Latin1Locale()
-        : former_(QTextCodec::codecForLocale())
-    {
-        QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
-    }
-    ~Latin1Locale() { QTextCodec::setCodecForLocale(former_); }
-
-private:
-    Q_DISABLE_COPY(Latin1Locale)
-    QTextCodec *former_;
-};
 
 // One text in all its forms.
 void addTexts()
@@ -179,7 +163,7 @@ void TestTextConversions::aQStringBecomesWideText()
 
 void TestTextConversions::theCommonFormOfNarrowTextIsNeverTheLocalCodePage()
 {
-    const Latin1Locale locale;
+    const Latin1Locale locale; // in a UTF-8 locale the test would not see the difference
     const QString text = QStringLiteral("\u00e4");
     const std::string utf8 = "\xC3\xA4";
     QCOMPARE(toQString(utf8), text);

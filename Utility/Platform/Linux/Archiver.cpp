@@ -1,7 +1,8 @@
 #include <Utility/Platform/Archiver.h>
 
+#include <Utility/QtVersion_p.h>
+
 #include <QtCore/QFileInfo>
-#include <QtCore/QProcess>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QStringList>
 
@@ -16,18 +17,14 @@ namespace {
 // When p7zip adds files to an encrypted archive, it opens the terminal to ask for the password,
 // even if its standard input is closed. Without a controlling terminal it reads the standard input
 // instead. The process stays in its session and process group, so that Ctrl-C still reaches it.
-class ProcessWithoutTerminal : public QProcess
+void leaveTerminal()
 {
-protected:
-    void setupChildProcess() override
-    {
-        const int terminal = ::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
-        if (terminal < 0)
-            return; // there is no terminal
-        ioctl(terminal, TIOCNOTTY);
-        ::close(terminal);
-    }
-};
+    const int terminal = ::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (terminal < 0)
+        return; // there is no terminal
+    ioctl(terminal, TIOCNOTTY);
+    ::close(terminal);
+}
 
 } // namespace
 
@@ -51,7 +48,7 @@ QString findArchiver(const QString &productFolder)
 
 std::unique_ptr<QProcess> makeArchiverProcess()
 {
-    return std::make_unique<ProcessWithoutTerminal>();
+    return std::make_unique<QtVersion::ProcessWithChildFunction>(leaveTerminal);
 }
 
 } // namespace Vorn::Util::Platform

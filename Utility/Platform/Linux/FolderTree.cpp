@@ -1,8 +1,9 @@
 #include <Utility/Platform/FolderTree.h>
 
+#include <Utility/QtVersion_p.h>
+
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
-#include <QtCore/QTextCodec>
 
 #include <cstring>
 #include <dirent.h>
@@ -82,8 +83,7 @@ bool decodeName(const char *bytes, int length, QString &name)
         characters[index] = QLatin1Char(bytes[index]);
     if (index == length)
         return true;
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader); // keeps a byte order mark
-    name = QTextCodec::codecForLocale()->toUnicode(bytes, length, &state);
+    name = QtVersion::decodedLocal(bytes, length);
     return QFile::encodeName(name) == bytes;
 }
 

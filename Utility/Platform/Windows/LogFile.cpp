@@ -8,7 +8,7 @@
 
 namespace Vorn::Util::Platform {
 
-qint64 writeDirectly(const QFile & /*file*/, const char * /*bytes*/, int /*count*/)
+qint64 writeDirectly(const QFile & /*file*/, const char * /*bytes*/, qint64 /*count*/)
 {
     return 0;
 }

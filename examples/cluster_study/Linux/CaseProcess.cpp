@@ -10,11 +10,23 @@ struct CaseProcess::System
 {
     pid_t group = 0; // of the started process; 0 if there is none
     pid_t parent = 0;
+
+    // Runs in the child process, before the program starts.
+    void prepareChild() const
+    {
+        setpgid(0, 0);
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (getppid() != parent)
+            _exit(1); // the parent has ended before prctl()
+    }
 };
 
 CaseProcess::CaseProcess()
     : system_(std::make_unique<System>())
 {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    setChildProcessModifier([this] { system_->prepareChild(); });
+#endif
 }
 
 CaseProcess::~CaseProcess()
@@ -39,13 +51,11 @@ void CaseProcess::endAll(bool byForce)
         ::kill(-system_->group, byForce ? SIGKILL : SIGTERM);
 }
 
-// Runs in the child process, before the program starts.
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 void CaseProcess::setupChildProcess()
 {
-    setpgid(0, 0);
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != system_->parent)
-        _exit(1); // the parent has ended before prctl()
+    system_->prepareChild();
 }
+#endif
 
 } // namespace ClusterStudy

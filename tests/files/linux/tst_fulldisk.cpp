@@ -412,7 +412,8 @@ void TestFullDisk::aListFileThatIsNotWrittenWholeEndsTheCompression()
     archive.setArchiveFile(QStringLiteral("archive.7z"));
     archive.setCurrentPath(folder_.path());
     QSignalSpy finished(&archive, &SevenZip::compressionFinished);
-    for (const int bytes : {0, 1, list.size() / 2, list.size() - 1}) {
+    const int size = static_cast<int>(list.size());
+    for (const int bytes : {0, 1, size / 2, size - 1}) {
         finished.clear();
         bool result = false;
         {

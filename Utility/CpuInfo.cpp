@@ -12,6 +12,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
+#include <QtCore/QXmlStreamReader>
 #include <QtXml/QDomDocument>
 
 #include <optional>
@@ -20,8 +21,8 @@ namespace Vorn::Util {
 
 namespace {
 
-// The parser calls itself for each nested element, so too many would overflow the stack. Each
-// element has a "<". A DOCTYPE can declare entities that expand to any number of elements.
+// A document is deleted with a call for each nested element, so too many would overflow the stack.
+// Each element has a "<". A DOCTYPE can declare entities that expand to any number of elements.
 bool canBeParsed(const QString &text)
 {
     constexpr int MaxElements = 2000;
@@ -106,8 +107,12 @@ bool CpuInfo::loadFromXml()
         return false;
     const QString text = decoded(*content);
 
+    // Given the text itself, Qt 5 would use a parser that accepts some malformed documents, such as
+    // one with an unknown entity.
+    QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
     QDomDocument document;
-    if (!canBeParsed(text) || !document.setContent(text))
+    if (!canBeParsed(text) || !document.setContent(&reader, false))
         return false;
     const QDomElement root = document.documentElement();
     if (isV14Format(root)) {

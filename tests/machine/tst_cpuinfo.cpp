@@ -354,11 +354,9 @@ void TestCpuInfo::onlyAFileWithinTheLimitsIsRead_data()
         << false;
     QTest::newRow("document type in a comment") << root("<!-- <!DOCTYPE a> -->") << false;
     QTest::newRow("entity in a comment") << root("<!-- <!ENTITY e \"a\"> -->") << true;
-    QTest::newRow("unknown entity") << root("<b>&unknown;</b>") << true;
-    QTest::newRow("many elements and one attribute twice")
-        << root("<b a=\"1\" a=\"2\"/>" + QByteArray("<a/>").repeated(600)) << true;
-    QTest::newRow("many elements and an unknown entity")
-        << root("<b>&unknown;</b>" + QByteArray("<a/>").repeated(600)) << true;
+    QTest::newRow("unknown entity") << root("<b>&unknown;</b>") << false;
+    QTest::newRow("one attribute twice") << root("<b a=\"1\" a=\"2\"/>") << false;
+    QTest::newRow("undeclared prefix") << root("<a:b a:c=\"1\"/>") << true;
 }
 
 void TestCpuInfo::onlyAFileWithinTheLimitsIsRead()
@@ -377,7 +375,7 @@ void TestCpuInfo::onlyAFileWithinTheLimitsIsRead()
     QVERIFY(contentOf(infoFile()) == content);
 }
 
-// Elements in each other are read and deleted recursively.
+// Elements in each other are deleted recursively.
 void TestCpuInfo::theDeepestFileFitsTheStackOfAThread_data()
 {
     QTest::addColumn<QByteArray>("content");

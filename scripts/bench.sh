@@ -54,6 +54,7 @@ run_linux() {
 
 run_windows() {
     build_windows
+    trap stop_wine EXIT
     start_wine "$project/build/bench-windows/Utility" "$VORNUTILITY_QT_WINDOWS"
     measure windows build/bench-windows "$1" wine build/bench-windows/benchmarks/vorn_benchmarks.exe
 }

@@ -19,43 +19,58 @@ SOURCE_DATE_EPOCH=$(git log -1 --format=%ct 2>/dev/null || date +%s)
 export SOURCE_DATE_EPOCH
 umask 022
 
-# build FOLDER PRESET OPTION...: builds the library in FOLDER/library and installs it in FOLDER/stage.
+# Everything is built in one folder, and build/packages/PART appears only when its packages are complete.
+unfinished=build/packages/unfinished
+trap 'rm -rf "$project/$unfinished"' EXIT
+trap 'exit 130' INT TERM HUP
+
+# build PRESET OPTION...: builds the library in the folder "library" and installs it in "stage".
 build() {
-    rm -rf "$1"
-    cmake --preset "$2" -B "$1/library" -DVORNUTILITY_BUILD_TESTS=OFF -DVORNUTILITY_BUILD_PACKAGES=ON \
-        -DVORNUTILITY_BRANCH_REFERENCE="${VORNUTILITY_BRANCH_REFERENCE:-DetachedHead}" "${@:3}" >/dev/null
-    cmake --build "$1/library"
-    cmake --install "$1/library" --prefix "$1/stage" >/dev/null
+    local folder=$unfinished
+    cmake --preset "$1" -B "$folder/library" -DVORNUTILITY_BUILD_TESTS=OFF -DVORNUTILITY_BUILD_PACKAGES=ON \
+        -DVORNUTILITY_BRANCH_REFERENCE="${VORNUTILITY_BRANCH_REFERENCE:-DetachedHead}" "${@:2}" >/dev/null
+    cmake --build "$folder/library"
+    cmake --install "$folder/library" --prefix "$folder/stage" >/dev/null
 }
 
-# build_examples FOLDER OPTION...: builds the examples in FOLDER/examples with the installed library.
+# build_examples OPTION...: builds the examples in the folder "examples" with the installed library.
 build_examples() {
-    local example name
+    local example name folder=$unfinished
     for example in examples/*/CMakeLists.txt; do
         name=$(basename "$(dirname "$example")")
-        cmake -S "examples/$name" -B "$1/examples/$name" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-            -DVORNUtility_ROOT="$project/$1/stage" "${@:2}" >/dev/null
-        cmake --build "$1/examples/$name"
+        cmake -S "examples/$name" -B "$folder/examples/$name" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+            -DVORNUtility_ROOT="$project/$folder/stage" "$@" >/dev/null
+        cmake --build "$folder/examples/$name"
     done
 }
 
-# pack FOLDER: packs the library, and the examples as a part of its tools.
+# pack: packs the library, and the examples as a part of its tools, in the folder "packages".
 pack() {
-    local folder=$project/$1 projects example
+    local folder=$project/$unfinished projects example
     projects="$folder/library;VORNUtility;ALL;/"
     for example in "$folder"/examples/*/; do
         [ ! -d "$example" ] || projects+=";${example%/};$(basename "$example");tools;/"
     done
-    (cd "$folder" && cpack --config library/CPackConfig.cmake -D CPACK_INSTALL_CMAKE_PROJECTS="$projects" \
-        >cpack.log 2>&1) || { cat "$folder/cpack.log"; exit 1; }
+    cpack --config "$folder/library/CPackConfig.cmake" -B "$folder/packages" \
+        -D CPACK_INSTALL_CMAKE_PROJECTS="$projects" >"$folder/cpack.log" 2>&1 ||
+        { cat "$folder/cpack.log"; exit 1; }
+    rm -r "$folder/packages/_CPack_Packages"
 }
 
-# repack_symbols FOLDER: replaces the packages of the debug symbols. CPack gives them the ending of another
-# system, no copyright file, and sums with paths of the build machine.
-repack_symbols() {
-    local package root name
-    for package in "$1"/*-dbgsym_*.ddeb; do
-        root=$1/symbols
+# repack: mends the packages. CPack adds scripts that call ldconfig, which is done by a trigger. It gives the
+# packages of the debug symbols the ending of another system, no copyright file, and sums with paths of the
+# build machine.
+repack() {
+    local package name root=$unfinished/root
+    for package in "$unfinished"/packages/*.deb; do
+        dpkg-deb -R "$package" "$root"
+        if [ -e "$root/DEBIAN/triggers" ]; then
+            rm "$root"/DEBIAN/post*
+            dpkg-deb --root-owner-group --build "$root" "$package" >/dev/null
+        fi
+        rm -r "$root"
+    done
+    for package in "$unfinished"/packages/*-dbgsym_*.ddeb; do
         name=$(dpkg-deb -f "$package" Package)
         dpkg-deb -R "$package" "$root"
         find "$root/usr" -type f -exec chmod 644 {} +
@@ -68,7 +83,7 @@ repack_symbols() {
     done
 }
 
-# Builds as Debian does, with its compiler options.
+# debian COMMAND...: runs the command with Debian's compiler options, packs and checks the packages.
 debian() {
     need dpkg-dev file lintian
     (
@@ -79,46 +94,40 @@ debian() {
         export CXXFLAGS LDFLAGS
         "$@"
     )
+    pack
+    repack
+    lintian --allow-root --fail-on error "$unfinished"/packages/*.deb
 }
 
 debian_qt5() {
-    build build/packages/debian linux-release -DCMAKE_INSTALL_PREFIX=/usr
-    build_examples build/packages/debian -DCMAKE_INSTALL_PREFIX=/usr
-    pack build/packages/debian
-    repack_symbols build/packages/debian
+    build linux-release -DCMAKE_INSTALL_PREFIX=/usr
+    build_examples -DCMAKE_INSTALL_PREFIX=/usr
 }
 
-debian_qt6() {
-    build build/packages/debian-qt6 linux-qt6 -DCMAKE_INSTALL_PREFIX=/usr
-    pack build/packages/debian-qt6
-    repack_symbols build/packages/debian-qt6
-}
+debian_qt6() { build linux-qt6 -DCMAKE_INSTALL_PREFIX=/usr; }
 
 windows() {
     need g++-mingw-w64-x86-64-posix
     VORNUTILITY_QT_WINDOWS=$(scripts/qt-windows.sh)
     export VORNUTILITY_QT_WINDOWS
-    build build/packages/windows windows-release
-    build_examples build/packages/windows -DVORNUTILITY_QT_WINDOWS="$VORNUTILITY_QT_WINDOWS" \
+    build windows-release
+    build_examples -DVORNUTILITY_QT_WINDOWS="$VORNUTILITY_QT_WINDOWS" \
         -DCMAKE_TOOLCHAIN_FILE="$project/cmake/windows-x86_64.cmake"
-    pack build/packages/windows
+    pack
 }
 
 for part in "$@"; do
     say "Packages: $part"
-    rm -rf "build/packages/$part"
+    rm -rf "$unfinished" "build/packages/$part"
     case $part in
-    debian)
-        debian debian_qt5
-        lintian --allow-root --fail-on error build/packages/debian/*.deb
-        ;;
+    debian) debian debian_qt5 ;;
     debian-qt6)
         need qt6-base-dev
         debian debian_qt6
-        lintian --allow-root --fail-on error build/packages/debian-qt6/*.deb
         ;;
     windows) windows ;;
     *) echo "package.sh: no such part: $part" >&2; exit 1 ;;
     esac
+    mv "$unfinished/packages" "build/packages/$part"
 done
 find build/packages -maxdepth 2 '(' -name '*.deb' -o -name '*.zip' ')' -printf '%p  %k KiB\n' | sort

@@ -26,13 +26,17 @@ need_build_tools
 
 scratch=$(mktemp -d)
 root=$scratch/root
+copy= # of the bare Debian, while it is being written
 clean_up() {
+    local folder
     cd /
-    wineserver -k 2>/dev/null || true
-    # A folder with something mounted must never be removed.
-    if mountpoint -q "$root/proc"; then umount "$root/proc" || return; fi
-    rm -rf --one-file-system "$scratch"
+    stop_wine
+    # What is mounted, also by debootstrap, must never be removed. Lazily, since a program may still use it.
+    mounts | while read -r folder; do umount "$folder" 2>/dev/null || umount --lazy "$folder"; done
+    [ -z "$(mounts)" ] || { echo "test-packages.sh: still mounted, so not removed: $scratch" >&2; return 1; }
+    rm -rf --one-file-system "$scratch" ${copy:+"$copy"}
 }
+mounts() { awk -v folder="$scratch/" 'index($2, folder) == 1 { print $2 }' /proc/self/mounts | sort -r; }
 trap clean_up EXIT
 trap 'exit 130' INT TERM HUP
 
@@ -60,7 +64,7 @@ apt_in_root() {
 
 # make_root: a bare Debian, from a copy that is kept in the cache folder.
 make_root() {
-    local copy kept
+    local kept
     kept=$cache_home/debian-bookworm-$(dpkg --print-architecture).tar
     if [ ! -e "$kept" ]; then
         say "Fetching a bare Debian"
@@ -75,6 +79,7 @@ make_root() {
         copy=$(mktemp "$kept.XXXXXX")
         tar -C "$root" -cf "$copy" .
         mv "$copy" "$kept"
+        copy=
     else
         mkdir "$root"
         tar -C "$root" -xf "$kept"
@@ -134,6 +139,7 @@ run_examples() {
     { in_root /usr/libexec/vornutility/NodeInformation -cluster || true; } | grep '^Error: '
 }
 
+tools="g++ cmake make pkg-config 7zip gdb-minimal" # for build_program
 build_program() {
     local folder=$root/root/program
     copy_program "$folder"
@@ -146,6 +152,11 @@ build_program() {
         "vornutility$qt6"
     check_result "$folder"
     in_root pkg-config --modversion "vornutility$qt6"
+    say "In the debugger"
+    in_root sh -c 'cd /root/program; gdb -batch -ex "set breakpoint pending on" -ex "break Log.cpp:$0" -ex run \
+        -ex backtrace pack' Vorn::Util::Log::append >"$scratch/backtrace" 2>&1 || true
+    grep -E '^#0 .*Vorn::Util::Log::append \(.*\) at .*Utility/Log\.cpp:[0-9]+$' "$scratch/backtrace" ||
+        { cat "$scratch/backtrace"; return 1; }
     rm -r "$folder"
 }
 
@@ -155,7 +166,7 @@ test_debian() {
     say "The library and the tools"
     with_packages run_examples "" libvornutility24 libvornutility-tools
     say "The library and the development files"
-    with_packages build_program "g++ cmake make pkg-config 7zip" libvornutility24 libvornutility-dev
+    with_packages build_program "$tools" libvornutility24 libvornutility-dev libvornutility24-dbgsym
     umount "$root/proc"
     rm -rf --one-file-system "$root"
 }
@@ -164,7 +175,7 @@ test_debian_qt6() {
     qt6=-qt6
     make_root
     say "The library and the development files"
-    with_packages build_program "g++ cmake make pkg-config 7zip" libvornutility-qt6-24 libvornutility-qt6-dev
+    with_packages build_program "$tools" libvornutility-qt6-24 libvornutility-qt6-dev libvornutility-qt6-24-dbgsym
     umount "$root/proc"
     rm -rf --one-file-system "$root"
 }
@@ -174,8 +185,10 @@ test_windows() {
     need g++-mingw-w64-x86-64-posix wine wine64
     VORNUTILITY_QT_WINDOWS=$(scripts/qt-windows.sh)
     archivers=$(scripts/test-archivers.sh 7zip-16.04)
-    python3 -m zipfile -e build/packages/windows/*.zip "$scratch/unpacked"
-    unpacked=$(echo "$scratch"/unpacked/*)
+    export LC_ALL=C.UTF-8 # for Wine, which converts the names of files
+    unpacked="$scratch/Any folder, früher oder später"
+    python3 -m zipfile -e build/packages/windows/*.zip "$unpacked"
+    unpacked=$(echo "$unpacked"/*)
     copy_program "$program"
     cmake -S "$program" -B "$program/build" -G Ninja -DVORNUtility_ROOT="$unpacked" \
         -DCMAKE_TOOLCHAIN_FILE="$project/cmake/windows-x86_64.cmake" \
@@ -185,7 +198,6 @@ test_windows() {
     cp "$archivers"/7zip-16.04/7z.* "$program/build/"
 
     start_wine "$unpacked/bin" "$VORNUTILITY_QT_WINDOWS"
-    trap clean_up EXIT
     WINEPATH=$(windows_path "$unpacked/bin") # only the DLLs of the zip
     say "A program that was built with the zip"
     (cd "$program" && wine build/pack.exe)
@@ -196,13 +208,11 @@ test_windows() {
         say "$(basename "$example") --help"
         wine "$example" --help # prints nothing without a console; fails if a DLL is missing
     done
-    wineserver -k 2>/dev/null || true
+    stop_wine
 }
 
 for part in "$@"; do
-    if [ -z "$(find "build/packages/$part" -maxdepth 1 -name '*.deb' -o -maxdepth 1 -name '*.zip' 2>/dev/null)" ]; then
-        scripts/package.sh "$part"
-    fi
+    [ -d "build/packages/$part" ] || scripts/package.sh "$part"
     say "Testing the packages: $part"
     case $part in
     debian) test_debian ;;

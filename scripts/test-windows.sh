@@ -17,6 +17,7 @@ say "windows-release"
 cmake --preset windows-release -DVORNUTILITY_BRANCH_REFERENCE=Ref=refs/heads/fix/log >/dev/null
 cmake --build --preset windows-release
 
+trap stop_wine EXIT
 start_wine "$project/build/windows-release/Utility" "$VORNUTILITY_QT_WINDOWS"
 
 # A drive for the test that empties the root of a drive.

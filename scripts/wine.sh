@@ -2,7 +2,7 @@
 # shellcheck shell=bash
 
 # start_wine LIBRARY_FOLDER QT: prepares a private Wine prefix, in which programs find the DLLs of the
-# library, of Qt and of the compiler, and stops Wine when the script ends.
+# library, of Qt and of the compiler. The script calls stop_wine when it ends.
 start_wine() {
     local folder
     WINEPATH=$(windows_path "$1")
@@ -14,8 +14,10 @@ start_wine() {
     # Started here, so that it is not kept on the core of a program. Fails if it runs already.
     wineserver --persistent 2>/dev/null || true
     wine wineboot --init >/dev/null 2>&1
-    trap 'wineserver -k 2>/dev/null || true' EXIT
 }
+
+# stop_wine: ends all programs in the private prefix, if it was prepared.
+stop_wine() { [ "${WINEPREFIX:-}" != "$project/build/wine" ] || wineserver -k 2>/dev/null || true; }
 
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 compiler_file() { dirname "$(x86_64-w64-mingw32-g++-posix -print-file-name="$1")"; }

@@ -50,8 +50,8 @@ QString readMethod(const QString &text, Options &options)
                               QStringLiteral("LZMA"), QStringLiteral("LZMA2"),
                               QStringLiteral("BZip2")}; // in the order of SevenZip::Method
     const bool isZip = options.type == SevenZip::TypeZip;
-    const int index
-        = text.isEmpty() ? (isZip ? SevenZip::Deflate : SevenZip::LZMA2) : methods.indexOf(text);
+    const int standard = isZip ? SevenZip::Deflate : SevenZip::LZMA2;
+    const int index = text.isEmpty() ? standard : static_cast<int>(methods.indexOf(text));
     if (index < 0) {
         return QStringLiteral("The method %1 is unknown: use Copy, Deflate, LZMA, LZMA2 or BZip2")
             .arg(oneLine(text));

@@ -653,8 +653,9 @@ void TestRegistry::aFolderThatDoesNotFitIsEmpty_data()
                               QStringLiteral("VORN_HLXServer.exe")};
     for (const QStringList &lastParts : {QStringList(), server, program}) {
         const int longest = FolderSize - 1 - translators(lastParts, QString()).size();
-        QTest::addRow("%d parts fit", lastParts.size()) << longest;
-        QTest::addRow("%d parts do not fit", lastParts.size()) << longest + 1;
+        const int count = lastParts.size();
+        QTest::addRow("%d parts fit", count) << longest;
+        QTest::addRow("%d parts do not fit", count) << longest + 1;
     }
     QTest::newRow("the variable just fits") << FolderSize - 1;
     QTest::newRow("the variable does not fit") << FolderSize;

@@ -25,7 +25,12 @@ CaseProcess::CaseProcess()
     : system_(std::make_unique<System>())
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    setChildProcessModifier([this] { system_->prepareChild(); });
+    // As Qt 5 does: if the reader of the study's output ends, the study goes on.
+    std::signal(SIGPIPE, SIG_IGN);
+    setChildProcessModifier([this] {
+        std::signal(SIGPIPE, SIG_DFL);
+        system_->prepareChild();
+    });
 #endif
 }
 

@@ -9,6 +9,7 @@
 #   linux-tsan      the tests with several threads, thread sanitizer
 #   fuzz            each fuzzer for 20 seconds
 #   docs            the documentation site: every public member is described, no link is dead
+#   linux-qt6       all tests, release build with Qt 6; run only when it is named
 #   linux-valgrind  all tests under valgrind; slow, and run only when it is named
 . "$(dirname "$0")/common.sh"
 need_build_tools
@@ -44,6 +45,10 @@ for part in "$@"; do
     tidy) run_tidy ;;
     fuzz) scripts/fuzz.sh 20 ;;
     docs) scripts/docs.sh ;;
+    linux-qt6)
+        need qt6-base-dev
+        run_preset linux-qt6
+        ;;
     linux-valgrind)
         need valgrind
         run_preset linux-valgrind

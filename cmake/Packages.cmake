@@ -25,11 +25,23 @@ if(WIN32)
     foreach(module IN ITEMS Core Xml Network)
         install(FILES $<TARGET_FILE:${vorn_qt}::${module}> DESTINATION bin COMPONENT tools)
     endforeach()
+    file(MAKE_DIRECTORY "${made}")
     foreach(library IN ITEMS libgcc_s_seh-1 libstdc++-6 libwinpthread-1)
         execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=${library}.dll
             OUTPUT_VARIABLE dll OUTPUT_STRIP_TRAILING_WHITESPACE)
-        install(FILES "${dll}" DESTINATION bin COMPONENT tools)
+        # Most of the file would be debug symbols.
+        execute_process(COMMAND "${CMAKE_STRIP}" "${dll}" -o "${made}/${library}.dll" COMMAND_ERROR_IS_FATAL ANY)
+        install(FILES "${made}/${library}.dll" DESTINATION bin COMPONENT tools)
     endforeach()
+
+    # The Debian packages that they come from.
+    function(package_version package variable)
+        execute_process(COMMAND dpkg-query -W -f \${Version} ${package} OUTPUT_VARIABLE version COMMAND_ERROR_IS_FATAL ANY)
+        set(${variable} "${version}" PARENT_SCOPE)
+    endfunction()
+    package_version(qtbase5-dev qt_version)
+    package_version(gcc-mingw-w64-x86-64-posix-runtime gcc_version)
+    package_version(mingw-w64-x86-64-dev mingw_version)
 
     # Their licenses: from the folder of Qt and from the Debian packages that the DLLs were built with.
     set(licenses /usr/share/common-licenses)
@@ -84,21 +96,22 @@ endif()
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${maintainer} <${address}>")
 set(version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # the first line of each description is its summary
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "7zip | p7zip-full")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${files}/triggers")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "general services of the VORN programs - shared library
- Log files, a queue of tasks, child processes, 7-Zip archives, settings, and
- information on the machine and its cluster, for programs that use Qt.")
+Log files, a queue of tasks, child processes, 7-Zip archives, settings, and
+information on the machine and its cluster, for programs that use Qt.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME ${development})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${runtime} (= ${version}), ${qt_development}")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "general services of the VORN programs - development files
- The headers, the CMake package and the description for pkg-config that are
- needed to build programs with the library.")
+The headers, the CMake package and the description for pkg-config that are
+needed to build programs with the library.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ${tools})
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
@@ -107,8 +120,8 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${runtime} (>= ${version})")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "7zip | p7zip-full")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS slurm-client)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION "general services of the VORN programs - tools and examples
- The cluster tool for Slurm, and programs that show the use of the library:
- they pack folders and run parameter studies, among other things.")
+The cluster tool for Slurm, and programs that show the use of the library:
+they pack folders and run parameter studies, among other things.")
 
 # pack(SOURCE FILE): compresses a file as Debian requires it.
 function(pack source file)

@@ -32,13 +32,15 @@ need() {
 # another package manager runs. apt-get itself can wait for dpkg's lock. If one of its own locks is held,
 # that of the package lists or that of the downloaded packages, it fails at once.
 apt_get() {
-    local output end=$((SECONDS + 1800))
+    local output waiting='' end=$((SECONDS + 1800))
     until output=$(as_root env LC_ALL=C DEBIAN_FRONTEND=noninteractive \
         apt-get -qq -o DPkg::Lock::Timeout=1800 "$@" 2>&1); do
         if [[ $output != *'Could not get lock'* ]] || [ $SECONDS -ge $end ]; then
             printf '%s\n' "$output" >&2
             return 1
         fi
+        [ -n "$waiting" ] || say "Waiting for another package manager" >&2
+        waiting=yes
         sleep 1
     done
 }

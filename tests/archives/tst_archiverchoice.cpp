@@ -1,5 +1,6 @@
 #include <Utility/ArchiverProgram_p.h>
 
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
 
@@ -17,7 +18,7 @@ namespace {
 // A program file whose version block holds this version.
 QByteArray programOfVersion(int majorNumber, int minorNumber)
 {
-    QByteArray bytes = contentOf(QStringLiteral(TEST_DATA "/programs/version64.dll"));
+    QByteArray bytes = contentOf(BuildPaths::testData(QStringLiteral("programs/version64.dll")));
     const int version = bytes.indexOf("\xbd\x04\xef\xfe") + 8;
     qToLittleEndian(static_cast<quint32>(majorNumber << 16 | minorNumber), bytes.data() + version);
     return bytes;

@@ -1,5 +1,7 @@
 #include <Utility/Formats/ArchiverOutput_p.h>
 
+#include "BuildPaths.h"
+
 #include <QtCore/QFile>
 #include <QtTest/QtTest>
 
@@ -73,7 +75,7 @@ QStringList totals(const char *size, const char *compressed)
 
 QByteArray recording(const QString &name)
 {
-    QFile file(QStringLiteral(TEST_DATA "/archiver/%1.txt").arg(name));
+    QFile file(BuildPaths::testData(QStringLiteral("archiver/%1.txt").arg(name)));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 

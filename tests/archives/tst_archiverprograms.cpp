@@ -3,6 +3,7 @@
 #include <Utility/SevenZip.h>
 
 #include "ArchiveTree.h"
+#include "BuildPaths.h"
 #include "OwnTempFolder.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
@@ -443,8 +444,8 @@ void TestArchiverPrograms::anEncryptedArchiveIsListedButNotExtracted()
     QFETCH(int, type);
     SevenZip archive;
     archive.setArchiveFile(type == SevenZip::Type7z
-                               ? QStringLiteral(TEST_DATA "/archives/encrypted.7z")
-                               : QStringLiteral(TEST_DATA "/archives/encrypted.zip"));
+                               ? BuildPaths::testData(QStringLiteral("archives/encrypted.7z"))
+                               : BuildPaths::testData(QStringLiteral("archives/encrypted.zip")));
     QVERIFY(archive.listFiles());
     QCOMPARE(int(archive.type()), type);
     QCOMPARE(archive.files(), (QStringList{QStringLiteral("a.txt"), QStringLiteral("b.txt")}));
@@ -462,7 +463,7 @@ void TestArchiverPrograms::anArchiveWithEncryptedNamesIsAFatalError_data()
 void TestArchiverPrograms::anArchiveWithEncryptedNamesIsAFatalError()
 {
     SevenZip archive;
-    archive.setArchiveFile(QStringLiteral(TEST_DATA "/archives/encrypted-names.7z"));
+    archive.setArchiveFile(BuildPaths::testData(QStringLiteral("archives/encrypted-names.7z")));
     QVERIFY(!archive.listFiles());
     QCOMPARE(archive.error(), SevenZip::FatalError);
     QVERIFY(!archive.extractFilesTo(path("out")));
@@ -514,8 +515,8 @@ void TestArchiverPrograms::archivesOfOtherProgramsAreRead()
         {QStringLiteral("d/empty"), QByteArray()}};
     const SevenZip::Type type
         = archive.endsWith(QLatin1String(".7z")) ? SevenZip::Type7z : SevenZip::TypeZip;
-    compareWithArchive(QStringLiteral(TEST_DATA "/archives/") + archive, path("out"), type,
-                       SevenZip::LZMA2, tree, {QStringLiteral("d")});
+    compareWithArchive(BuildPaths::testData(QStringLiteral("archives/") + archive), path("out"),
+                       type, SevenZip::LZMA2, tree, {QStringLiteral("d")});
 }
 
 void TestArchiverPrograms::aHundredThousandEntriesAreListed_data()

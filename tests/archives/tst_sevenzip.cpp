@@ -1,5 +1,6 @@
 #include <Utility/SevenZip.h>
 
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
 
@@ -400,7 +401,7 @@ void TestSevenZip::whatHasNoTextFailsAnAssertionOrFallsBack()
     QFETCH(QStringList, call);
     QFETCH(QByteArray, fallback);
     QProcess child;
-    child.start(QStringLiteral(HELPER_PROGRAM),
+    child.start(BuildPaths::helperProgram(),
                 QStringList{QStringLiteral("sevenzip-convert")} + call);
     QVERIFY(child.waitForFinished());
     const QByteArray output = child.readAllStandardOutput();
@@ -475,7 +476,7 @@ QJsonObject runWithoutArchiver(const TestFolder &folder, const QString &operatio
 {
     QProcess child;
     child.setWorkingDirectory(folder.path());
-    child.start(QStringLiteral(HELPER_PROGRAM),
+    child.start(BuildPaths::helperProgram(),
                 {QStringLiteral("sevenzip-missing"), folder.filePath(QStringLiteral("programs")),
                  currentPath, operation});
     if (!child.waitForFinished() || child.exitStatus() != QProcess::NormalExit)

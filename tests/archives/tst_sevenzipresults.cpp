@@ -1,5 +1,6 @@
 // What is read from the output of an extraction and of a listing.
 
+#include "BuildPaths.h"
 #include "FakeArchiver.h"
 #include "TestFiles.h"
 #include "TestWithFakeArchiver.h"
@@ -14,7 +15,7 @@ namespace {
 
 QByteArray recording(const char *name)
 {
-    return contentOf(QStringLiteral(TEST_DATA "/archiver/") + QString::fromLatin1(name));
+    return contentOf(BuildPaths::testData(QStringLiteral("archiver/")) + QString::fromLatin1(name));
 }
 
 constexpr qint64 SizeBefore = 11; // what both sizes are until a line sets them

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestWithFolder.h"
 
@@ -82,7 +83,7 @@ protected:
 
     static Answer tool()
     {
-        return answerOf(QStringLiteral(CLUSTER_TOOL),
+        return answerOf(BuildPaths::clusterTool(),
                         {QStringLiteral("-q"), QStringLiteral("-cluster")});
     }
 };

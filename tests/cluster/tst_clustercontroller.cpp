@@ -1,4 +1,5 @@
 // The cluster tool and the library while the controller of Slurm does not answer.
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestWithCluster.h"
 
@@ -95,7 +96,7 @@ void TestClusterController::withoutAControllerThereAreAnErrorAndNoNodesInTime()
     QElapsedTimer timer;
     timer.start();
     std::future<Answer> toolAnswer = std::async(std::launch::async, tool);
-    const ClusterInfo cluster(nullptr, QFileInfo(QStringLiteral(CLUSTER_TOOL)).path());
+    const ClusterInfo cluster(nullptr, QFileInfo(BuildPaths::clusterTool()).path());
     QVERIFY2(timer.elapsed() < Limit, QByteArray::number(timer.elapsed()).constData());
     QVERIFY(cluster.headNode().isEmpty());
     QCOMPARE(cluster.computeNodeCount(), 0);

@@ -1,5 +1,6 @@
 // The cluster tool and the library beside what Slurm itself says about its nodes. scripts/slurm.sh
 // has the configuration of the cluster.
+#include "BuildPaths.h"
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestWithCluster.h"
@@ -166,7 +167,7 @@ void TestClusterNodes::aNodeInNoPartitionIsNotListed()
 void TestClusterNodes::theLibraryReadsTheCluster()
 {
     TemporaryLog log;
-    const ClusterInfo cluster(log, QStringLiteral(INSTALLED_TOOLS));
+    const ClusterInfo cluster(log, BuildPaths::installedTools());
     QCOMPARE(cluster.headNode(), hostName());
     QCOMPARE(cluster.headNodes().size(), 1);
     QCOMPARE(cluster.isHeadNodeAComputeNode(), false);
@@ -187,8 +188,8 @@ void TestClusterNodes::resultsArchiveLogsTheCluster()
     QVERIFY(writeFileInFolder(path("data/a.txt"), "abc"));
     QVERIFY(QDir(testFolder()).mkdir(QStringLiteral("log")));
     const Answer answer
-        = answerOf(QStringLiteral(RESULTS_ARCHIVE),
-                   {QStringLiteral("--cluster-tools"), QStringLiteral(INSTALLED_TOOLS),
+        = answerOf(BuildPaths::resultsArchive(),
+                   {QStringLiteral("--cluster-tools"), BuildPaths::installedTools(),
                     QStringLiteral("--archive"), path("results.7z"), QStringLiteral("--log"),
                     path("log/run.log"), QStringLiteral("--"), path("data")});
     QVERIFY2(answer.exitCode == 0, answer.errors.constData());

@@ -1,4 +1,5 @@
 // scripts/slurm.sh, with a second cluster beside that of the other tests.
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestWithCluster.h"
 
@@ -86,7 +87,7 @@ private:
     static Answer script(const QString &action, const QStringList &variables = {})
     {
         return answerOf(QStringLiteral("env"),
-                        variables + QStringList{QStringLiteral(CLUSTER_SCRIPT), action, cluster()});
+                        variables + QStringList{BuildPaths::clusterScript(), action, cluster()});
     }
     // Beside the first cluster, where scripts/test-cluster.sh ends it after Ctrl-C.
     static QString cluster()
@@ -171,7 +172,7 @@ void TestClusterScript::stopLeavesOtherFoldersAlone()
 {
     QVERIFY(writeFileInFolder(path("other/slurm.conf"), "abc"));
     const Answer stopped
-        = answerOf(QStringLiteral(CLUSTER_SCRIPT), {QStringLiteral("stop"), path("other")});
+        = answerOf(BuildPaths::clusterScript(), {QStringLiteral("stop"), path("other")});
     QCOMPARE(stopped.exitCode, 1);
     QCOMPARE(contentOf(path("other/slurm.conf")), QByteArray("abc"));
 }
@@ -187,10 +188,9 @@ void TestClusterScript::aFolderThatSlurmCannotReadIsRefused()
 {
     QFETCH(QString, name);
     const QString folder = cluster() + name;
-    const Answer started
-        = answerOf(QStringLiteral(CLUSTER_SCRIPT), {QStringLiteral("start"), folder});
+    const Answer started = answerOf(BuildPaths::clusterScript(), {QStringLiteral("start"), folder});
     const bool wasCreated = QFile::exists(folder);
-    answerOf(QStringLiteral(CLUSTER_SCRIPT), {QStringLiteral("stop"), folder});
+    answerOf(BuildPaths::clusterScript(), {QStringLiteral("stop"), folder});
     QCOMPARE(started.exitCode, 1);
     QVERIFY2(started.errors.startsWith("slurm.sh: ")
                  && started.errors.endsWith(QFile::encodeName(folder) + '\n'),

@@ -1,4 +1,5 @@
 // cluster-study on a real Slurm cluster.
+#include "BuildPaths.h"
 #include "TestWithCluster.h"
 
 #include "BeamStudy.h"
@@ -77,7 +78,7 @@ private:
         return asText(contentOf(site.output(text("study.log"))));
     }
     static QStringList slurm() { return {text("--slurm"), text("--cluster-tools"), tools()}; }
-    static QString tools() { return QFileInfo(QStringLiteral(CLUSTER_TOOL)).path(); }
+    static QString tools() { return QFileInfo(BuildPaths::clusterTool()).path(); }
 };
 
 void TestSlurmStudy::initTestCase()
@@ -194,7 +195,7 @@ void TestSlurmStudy::aCaseThatSlurmEndsIsCancelledAndNoneIsRequeued()
     Terminal terminal(site.program(),
                       slurm()
                           + QStringList{site.path(text("cases.csv")), text("--"),
-                                        builtProgram(STUDY_CASE), text("count"),
+                                        BuildPaths::studyCase(), text("count"),
                                         site.path(text("run-{x}")), text("wait"),
                                         site.path(text("go-{x}"))});
     QVERIFY(terminal.isStarted());

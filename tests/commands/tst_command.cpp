@@ -1,4 +1,4 @@
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
@@ -30,8 +30,8 @@ QString scriptName()
 // told not to.
 QString helperCall(const QString &arguments)
 {
-    const QString call
-        = QStringLiteral("\"%1\" %2").arg(QDir::toNativeSeparators(helperProgram()), arguments);
+    const QString call = QStringLiteral("\"%1\" %2")
+                             .arg(QDir::toNativeSeparators(BuildPaths::helperProgram()), arguments);
     return onWindows() ? QLatin1Char('@') + call : call;
 }
 
@@ -355,7 +355,7 @@ void TestCommand::theScriptRunsInTheCurrentFolder()
 void TestCommand::aProgramNamedAsTheInterpreterIsNotRun()
 {
     const QString decoy = onWindows() ? QStringLiteral("cmd.exe") : QStringLiteral("sh");
-    QVERIFY(QFile::copy(helperProgram(), decoy));
+    QVERIFY(QFile::copy(BuildPaths::helperProgram(), decoy));
     const QByteArray folders = qgetenv("PATH");
     qputenv("PATH",
             QFile::encodeName(QDir::toNativeSeparators(QDir::currentPath()))

@@ -1,4 +1,4 @@
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
@@ -23,7 +23,7 @@ QString scriptLine(const QString &arguments)
 {
     return QStringLiteral("%1\"%2\" %3\n")
         .arg(onWindows() ? QStringLiteral("@") : QString(),
-             QDir::toNativeSeparators(helperProgram()), arguments);
+             QDir::toNativeSeparators(BuildPaths::helperProgram()), arguments);
 }
 
 QString hangLine(const QString &output)
@@ -40,7 +40,7 @@ public:
     {
         process_.setWorkingDirectory(folder_.path());
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process_.start(helperProgram(),
+        process_.start(BuildPaths::helperProgram(),
                        {QStringLiteral("run-command"), operation,
                         QString::fromLatin1(command.toUtf8().toHex())});
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "BuildPaths.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
@@ -55,7 +57,7 @@ public:
     /// \a caseCount: the number of cases from the beginning of the list; all if it is negative.
     explicit BeamStudy(int caseCount = -1)
     {
-        QFile all(QStringLiteral(BEAM_STUDY "/cases.csv"));
+        QFile all(BuildPaths::beamStudy() + QStringLiteral("/cases.csv"));
         QFile some(casesFile());
         if (!all.open(QIODevice::ReadOnly) || !some.open(QIODevice::WriteOnly))
             qFatal("The cases cannot be copied");
@@ -92,13 +94,11 @@ public:
     {
         process.setWorkingDirectory(folder_.path());
         process.setProcessChannelMode(QProcess::MergedChannels);
-        // The path may have no drive letter, as under Wine.
-        process.start(QDir(QCoreApplication::applicationDirPath())
-                          .absoluteFilePath(QStringLiteral(CLUSTER_STUDY)),
+        process.start(BuildPaths::clusterStudy(),
                       options
                           + QStringList{QStringLiteral("--output"), outputFolder(), casesFile(),
                                         QStringLiteral("--"), QStringLiteral("python3"),
-                                        QStringLiteral(BEAM_STUDY "/beam.py"),
+                                        BuildPaths::beamStudy() + QStringLiteral("/beam.py"),
                                         QStringLiteral("--length"), QStringLiteral("{length}"),
                                         QStringLiteral("--width"), QStringLiteral("{width}"),
                                         QStringLiteral("--height"), QStringLiteral("{height}"),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BuildPaths.h"
 #include "FakeArchiver.h"
 #include "FileTree.h"
 #include "Fixture.h"
@@ -88,8 +89,7 @@ public:
             QDir().mkpath(folder);
         if (!writeTree(dataFolder(), data))
             qFatal("The test's data cannot be written.");
-        copy(QStringLiteral(RESULTS_ARCHIVE),
-             QFileInfo(QStringLiteral(RESULTS_ARCHIVE)).fileName());
+        copy(BuildPaths::resultsArchive(), QFileInfo(BuildPaths::resultsArchive()).fileName());
         environment_ = QProcessEnvironment::systemEnvironment();
         useTempFolder(tempFolder());
     }
@@ -106,7 +106,7 @@ public:
         const QString tool = path(QStringLiteral("tools/NodeInformation.exe"));
         const QString nodes = path(QStringLiteral("nodes"));
         if (!writeFileInFolder(nodes, lines) || !QDir().mkpath(QFileInfo(tool).path())
-            || !QFile::copy(QStringLiteral(FAKE_CLUSTER_TOOL), tool))
+            || !QFile::copy(BuildPaths::fakeClusterTool(), tool))
             qFatal("The cluster tool cannot be placed.");
         environment_.insert(QStringLiteral("FAKE_NODES"), native(nodes));
         environment_.insert(QStringLiteral("FAKE_NODES_RECORD"),
@@ -135,7 +135,7 @@ public:
     {
         for (const char *variable : {"FAKE_ARCHIVER", "FAKE_ARCHIVER_RECORD"})
             environment_.insert(QString::fromLatin1(variable), qEnvironmentVariable(variable));
-        copy(QStringLiteral(FAKE_ARCHIVER_PROGRAM), QStringLiteral("7z.exe"));
+        copy(BuildPaths::fakeArchiver(), QStringLiteral("7z.exe"));
     }
 
     void hideArchivers()
@@ -149,7 +149,7 @@ public:
         process_.setProcessEnvironment(environment_);
         process_.setWorkingDirectory(root_.path());
         process_.start(path(Program) + QLatin1Char('/')
-                           + QFileInfo(QStringLiteral(RESULTS_ARCHIVE)).fileName(),
+                           + QFileInfo(BuildPaths::resultsArchive()).fileName(),
                        arguments);
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BuildPaths.h"
 #include "FileTree.h"
 #include "Fixture.h"
 #include "TestFolder.h"
@@ -16,12 +17,6 @@
 #include <QtTest/QtTest>
 
 constexpr int StudyTimeLimit = 60000; // milliseconds
-
-/// The full path of a program of the build. The definition may have no drive letter, as under Wine.
-inline QString builtProgram(const char *path)
-{
-    return QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QString::fromUtf8(path));
-}
 
 inline QString asText(QByteArray bytes)
 {
@@ -50,7 +45,7 @@ public:
     StudySite()
     {
         QDir().mkpath(path(QStringLiteral("program")));
-        copy(builtProgram(CLUSTER_STUDY), QFileInfo(program()).fileName());
+        copy(BuildPaths::clusterStudy(), QFileInfo(program()).fileName());
         for (const char *name : {"7z.exe", "7z.dll"}) {
             const QString file = QCoreApplication::applicationDirPath() + QLatin1Char('/')
                 + QString::fromLatin1(name);
@@ -72,8 +67,7 @@ public:
     QString path(const QString &name) const { return root_.filePath(name); }
     QString program() const
     {
-        return path(QStringLiteral("program/")
-                    + QFileInfo(QStringLiteral(CLUSTER_STUDY)).fileName());
+        return path(QStringLiteral("program/") + QFileInfo(BuildPaths::clusterStudy()).fileName());
     }
     QString output(const QString &name = QString()) const
     {
@@ -94,7 +88,7 @@ public:
     {
         return options
             + QStringList{QStringLiteral("cases.csv"), QStringLiteral("--"),
-                          builtProgram(STUDY_CASE)}
+                          BuildPaths::studyCase()}
         + actions;
     }
 

@@ -1,6 +1,6 @@
 // The small examples: what they write, print and end with.
 
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
@@ -51,10 +51,7 @@ class Example
 {
 public:
     explicit Example(const char *name)
-        // The path may have no drive letter, as under Wine.
-        : program_(
-            QDir(QCoreApplication::applicationDirPath())
-                .absoluteFilePath(text(SMALL_EXAMPLES "/") + text(name) + text(PROGRAM_SUFFIX)))
+        : program_(BuildPaths::smallExample(text(name)))
     {
         process_.setWorkingDirectory(folder_.path());
     }
@@ -406,7 +403,8 @@ void TestSmallExamples::theExitCodeIsPassedOn()
 {
     QFETCH(int, exitCode);
     Example example("process-task");
-    QCOMPARE(example.run({text("60"), helperProgram(), text("exit"), QString::number(exitCode)}),
+    QCOMPARE(example.run({text("60"), BuildPaths::helperProgram(), text("exit"),
+                          QString::number(exitCode)}),
              exitCode);
     QCOMPARE(example.errors(), QString());
 }
@@ -417,7 +415,8 @@ void TestSmallExamples::argumentsArePassedAsTheyAre()
                                 text("%PATH%$HOME"), text("--"), text("ends with \\")};
     Example example("process-task");
     QCOMPARE(
-        example.run(QStringList{text("60"), helperProgram(), text("print-arguments")} + arguments),
+        example.run(QStringList{text("60"), BuildPaths::helperProgram(), text("print-arguments")}
+                    + arguments),
         0);
     QCOMPARE(example.printed(), arguments.join(text("\n")) + text("\n"));
 }
@@ -437,7 +436,7 @@ void TestSmallExamples::theTimeLimitEndsTheProgram()
     QFETCH(int, atLeast);
     Example example("process-task");
     const QString limit = onWindows() ? text("3") : text("1"); // the start takes longer there
-    const QStringList arguments{example.program(), limit,        helperProgram(),
+    const QStringList arguments{example.program(), limit,        BuildPaths::helperProgram(),
                                 text("hang"),      text("6869"), text("ended by itself")};
     QElapsedTimer time;
     time.start();

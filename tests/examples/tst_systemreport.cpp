@@ -1,6 +1,7 @@
 // The program system-report: its values, its page and its command line.
 
 #include "../system/TestSettings.h"
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
 #include "TestWithFolder.h"
@@ -55,19 +56,6 @@ void insertFolders(QProcessEnvironment &environment, const QString &folder)
     environment.insert(QStringLiteral("PUBLIC"), folder + QStringLiteral("/public"));
 }
 
-QString reportProgram()
-{
-    // The path may have no drive letter, as under Wine.
-    return QDir(QCoreApplication::applicationDirPath())
-        .absoluteFilePath(QStringLiteral(SYSTEM_REPORT));
-}
-
-QString clusterTool()
-{
-    return QDir(QCoreApplication::applicationDirPath())
-        .absoluteFilePath(QStringLiteral(FAKE_CLUSTER_TOOL));
-}
-
 } // namespace
 
 class TestSystemReport : public TestWithFolder
@@ -112,11 +100,11 @@ private:
 // report tells the first process that has its name.
 void TestSystemReport::initTestCase()
 {
-    const QString slowReport
-        = slowFolder_.filePath(QStringLiteral("slow-") + QFileInfo(reportProgram()).fileName());
-    QVERIFY(QFile::copy(reportProgram(), slowReport));
-    QVERIFY(
-        QFile::copy(clusterTool(), slowFolder_.filePath(QStringLiteral("NodeInformation.exe"))));
+    const QString slowReport = slowFolder_.filePath(
+        QStringLiteral("slow-") + QFileInfo(BuildPaths::systemReport()).fileName());
+    QVERIFY(QFile::copy(BuildPaths::systemReport(), slowReport));
+    QVERIFY(QFile::copy(BuildPaths::fakeClusterTool(),
+                        slowFolder_.filePath(QStringLiteral("NodeInformation.exe"))));
     QVERIFY(writeFile(slowFolder_.filePath(QStringLiteral("nodes")), "n1:16:2:64:ComputeNodes\n"));
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("FAKE_NODES"), slowFolder_.filePath(QStringLiteral("nodes")));
@@ -153,7 +141,7 @@ Outcome TestSystemReport::run(const QStringList &arguments)
     QProcess process;
     process.setProcessEnvironment(environment_);
     process.setWorkingDirectory(testFolder());
-    process.start(reportProgram(),
+    process.start(BuildPaths::systemReport(),
                   QStringList{QStringLiteral("--seconds"), QStringLiteral("1")} + arguments);
     return finish(process);
 }
@@ -192,7 +180,7 @@ void TestSystemReport::theValuesAreThoseOfTheSystem()
     QCOMPARE(report.value(QStringLiteral("Kernel")),
              QSysInfo::kernelType() + QLatin1Char(' ') + QSysInfo::kernelVersion());
     QCOMPARE(report.value(QStringLiteral("Qt, running")), QString::fromLatin1(qVersion()));
-    const QString self = QFileInfo(QStringLiteral(SYSTEM_REPORT)).fileName();
+    const QString self = QFileInfo(BuildPaths::systemReport()).fileName();
     QCOMPARE(report.value(self), QStringLiteral("running, process %1").arg(report.id));
     if (onWindows())
         return; // "nproc" and "uname" are programs of other systems
@@ -255,7 +243,7 @@ void TestSystemReport::setFlagsAreReported()
 
 void TestSystemReport::theClusterIsReported()
 {
-    QVERIFY(QFile::copy(clusterTool(), path("NodeInformation.exe")));
+    QVERIFY(QFile::copy(BuildPaths::fakeClusterTool(), path("NodeInformation.exe")));
     QVERIFY(writeFile(path("nodes"), "head:8:2:64:HeadNodes\nn<1>:16:2:64:ComputeNodes\n"));
     environment_.insert(QStringLiteral("FAKE_NODES"), path("nodes"));
     environment_.insert(QStringLiteral("FAKE_NODES_RECORD"), path("record"));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BuildPaths.h"
 #include "Fixture.h"
 #include "OwnTempFolder.h"
 #include "TestFiles.h"
@@ -38,7 +39,7 @@ inline QJsonObject runHelper(const QString &file, const QString &tempFolder)
     QProcess process;
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(QStringLiteral(HELPER_PROGRAM), {QStringLiteral("unicode-file"), file});
+    process.start(BuildPaths::helperProgram(), {QStringLiteral("unicode-file"), file});
     if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit
         || process.exitCode() != 0)
         return QJsonObject();

@@ -1,6 +1,6 @@
 // Flags, sizes of folders, and shared folders.
 
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "SystemCalls.h"
 #include "TestSystem.h"
 #include "TestWithEntries.h"
@@ -55,7 +55,7 @@ void TestSystemFiles::theFlagsFolderLiesInTheUsersData()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_DATA_HOME"), here_);
     const SystemOutcome outcome = runSystemCalls(
-        helperProgram(), QStringLiteral("system"),
+        BuildPaths::helperProgram(), QStringLiteral("system"),
         {QStringLiteral("getUserDataPath"), QStringLiteral("getFlagsDirPath")}, environment);
     QCOMPARE(outcome.results.size(), 2);
     QDir flags(outcome.results.at(1));
@@ -81,7 +81,7 @@ void TestSystemFiles::flagsOfTheUserAreSet()
     environment.remove(QStringLiteral("XDG_DATA_HOME"));
     environment.insert(QStringLiteral("HOME"), path("home"));
     const SystemOutcome outcome
-        = runSystemCalls(helperProgram(), QStringLiteral("system"),
+        = runSystemCalls(BuildPaths::helperProgram(), QStringLiteral("system"),
                          {QStringLiteral("isFlagSet=DebugMode"), QStringLiteral("isFlagSet=on"),
                           QStringLiteral("isFlagSet=Other")},
                          environment);

@@ -1,6 +1,6 @@
 // The versions of program files.
 
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "TestMessages.h"
 #include "TestSystem.h"
 #include "TestWithEntries.h"
@@ -14,15 +14,9 @@ using namespace Vorn::Util;
 
 namespace {
 
-// A path that the build knows, whatever the current folder. It need not name its drive.
-QString built(const char *path)
-{
-    return QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(QString::fromUtf8(path));
-}
-
 QString recorded(const char *name)
 {
-    return built(TEST_DATA "/programs/") + QString::fromLatin1(name);
+    return BuildPaths::testData(QStringLiteral("programs/")) + QString::fromLatin1(name);
 }
 
 } // namespace
@@ -47,7 +41,7 @@ void TestSystemFileVersion::versionOfTheLibrary()
     const QString number = QString::number(Version::Hotfix);
     const QString expected = onWindows() ? Version::Current.toString() + QLatin1Char('.') + number
                                          : QStringLiteral("0.0.0.0");
-    const QString library = built(LIBRARY_FILE);
+    const QString library = BuildPaths::library();
     QVERIFY(QFile::exists(library));
     QCOMPARE(System::getFileVersion(library), expected);
     QCOMPARE(System::getFileVersion(QDir::toNativeSeparators(library)), expected);
@@ -140,7 +134,7 @@ void TestSystemFileVersion::theVersionIsPrinted()
     if (!before.isEmpty())
         arguments += before;
     QProcess process;
-    process.start(helperProgram(), arguments);
+    process.start(BuildPaths::helperProgram(), arguments);
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.exitCode(), 0);
     QByteArray output = process.readAllStandardOutput();

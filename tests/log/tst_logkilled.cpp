@@ -1,6 +1,6 @@
 // A program that is killed while it writes and truncates its log.
 
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "NumberedLines.h"
 #include "OtherFileSystem.h"
 #include "TestFiles.h"
@@ -122,7 +122,7 @@ void TestLogKilled::aKilledProgramLeavesTheWholeLogOrTheTruncatedOne()
         const int delay = random.bounded(LongestLife);
         QProcess program;
         program.setProcessEnvironment(environment);
-        program.start(helperProgram(),
+        program.start(BuildPaths::helperProgram(),
                       {QStringLiteral("log-truncate-endlessly"), fileName,
                        QString::number(before.size() / lineLength())});
         if (random.bounded(4) == 0)

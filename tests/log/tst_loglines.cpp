@@ -1,5 +1,6 @@
 // What a log writes: times, texts, and values that are streamed.
 
+#include "BuildPaths.h"
 #include "TestSystem.h"
 #include "TestWithLog.h"
 
@@ -300,7 +301,7 @@ void TestLogLines::aStaticObjectMayWriteWhileItIsDestroyed()
     QFETCH(QString, prefix);
     QProcess helper;
     helper.setProcessChannelMode(QProcess::ForwardedChannels);
-    helper.start(QStringLiteral(HELPER_PROGRAM),
+    helper.start(BuildPaths::helperProgram(),
                  {QStringLiteral("log-at-exit"), fileName_, QString::number(timeStamp)});
     QVERIFY(helper.waitForFinished());
     QCOMPARE(helper.exitStatus(), QProcess::NormalExit);

@@ -1,6 +1,6 @@
 // Many threads and several programs write to one log.
 
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "NumberedLines.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
@@ -123,7 +123,7 @@ void TestLogLoad::programsLoseNoLineBelowTheLimit()
     for (int writer = 0; writer < ProgramCount; ++writer) {
         QProcess &program = programs.at(static_cast<std::size_t>(writer));
         program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        program.start(helperProgram(),
+        program.start(BuildPaths::helperProgram(),
                       {QStringLiteral("log-append-lines"), fileName, nameOf(writer),
                        QString::number(LinesPerProgram)});
         QVERIFY(program.waitForReadyRead()); // it has the log open

@@ -1,3 +1,4 @@
+#include "BuildPaths.h"
 #include "OtherFileSystem.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
@@ -105,7 +106,7 @@ bool run(const QString &program, const QStringList &arguments,
 
 bool runHelper(const QStringList &arguments, const QString &temporaryFolder)
 {
-    return run(QStringLiteral(HELPER_PROGRAM), arguments, withTemporaryFolder(temporaryFolder));
+    return run(BuildPaths::helperProgram(), arguments, withTemporaryFolder(temporaryFolder));
 }
 
 } // namespace
@@ -602,7 +603,7 @@ void TestLogTruncation::withoutSpaceForTheTailTheLogStaysAsItWas()
     const QString script
         = QStringLiteral("trap '' XFSZ; ulimit -f 4096; exec \"$0\" log-check \"$1\"");
     QVERIFY(run(QStringLiteral("sh"),
-                {QStringLiteral("-c"), script, QStringLiteral(HELPER_PROGRAM), fileName_},
+                {QStringLiteral("-c"), script, BuildPaths::helperProgram(), fileName_},
                 withTemporaryFolder(temporary_)));
     QVERIFY(contentOf(fileName_) == log);
     QCOMPARE(entriesOf(temporary_), QStringList());

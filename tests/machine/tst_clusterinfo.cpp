@@ -1,3 +1,4 @@
+#include "BuildPaths.h"
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
@@ -46,7 +47,6 @@ class TestClusterInfo : public TestWithFolder
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() override;
     void init() override;
     void cleanup() override;
 
@@ -101,13 +101,7 @@ private:
     QStringList calls() const;
 
     std::unique_ptr<CurrentFolder> current_;
-    QString tool_; // found from the first current folder, which names the drive
 };
-
-void TestClusterInfo::initTestCase()
-{
-    tool_ = QFileInfo(QStringLiteral(FAKE_CLUSTER_TOOL)).absoluteFilePath();
-}
 
 // Each function has folders of its own: one is current, one holds the tool.
 void TestClusterInfo::init()
@@ -131,7 +125,7 @@ QString TestClusterInfo::placeTool(const QString &folder, const QString &name)
 {
     const QString dir = path(folder);
     const QString tool = dir + QDir::separator() + name;
-    if (!QDir().mkpath(dir) || !QFile::copy(tool_, tool))
+    if (!QDir().mkpath(dir) || !QFile::copy(BuildPaths::fakeClusterTool(), tool))
         qFatal("The tool cannot be placed");
     return dir;
 }
@@ -484,7 +478,7 @@ void TestClusterInfo::withoutAToolThereAreNoNodes()
 void TestClusterInfo::withoutAFolderThereAreNoNodes()
 {
     QVERIFY(print("h:8:1:32:HeadNodes\n"));
-    QVERIFY(QFile::copy(tool_, toolName()));
+    QVERIFY(QFile::copy(BuildPaths::fakeClusterTool(), toolName()));
     QVERIFY(ClusterInfo(nullptr, QString()).headNodes().isEmpty()); // not the current folder
     QVERIFY(calls().isEmpty());
 }

@@ -1,3 +1,4 @@
+#include "BuildPaths.h"
 #include "TemporaryLog.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
@@ -135,7 +136,7 @@ void TestClusterTool::placeScontrol(std::initializer_list<const char *> lines, i
 Answer TestClusterTool::run(const QStringList &options) const
 {
     QProcess tool;
-    tool.start(QStringLiteral(CLUSTER_TOOL), options);
+    tool.start(BuildPaths::clusterTool(), options);
     if (!tool.waitForFinished() || tool.exitStatus() != QProcess::NormalExit)
         return Answer();
     Answer answer;
@@ -442,7 +443,7 @@ void TestClusterTool::theLibraryReadsTheNodes()
 {
     placeScontrol({"SlurmctldHost[0] = head1(10.0.0.1)"});
     placeSinfo({"cn1 2 16 64000", "cn2 2 16 64000"});
-    const ClusterInfo cluster(nullptr, QFileInfo(QStringLiteral(CLUSTER_TOOL)).path());
+    const ClusterInfo cluster(nullptr, QFileInfo(BuildPaths::clusterTool()).path());
     QCOMPARE(cluster.headNode(), QStringLiteral("head1"));
     QCOMPARE(cluster.isHeadNodeAComputeNode(), false);
     QCOMPARE(cluster.computeNodeCount(), 2);
@@ -455,7 +456,7 @@ void TestClusterTool::theLibraryReadsTheNodes()
 void TestClusterTool::theLibraryReadsNoNodesWithoutSlurm()
 {
     QVERIFY(QFile::remove(inPath(QStringLiteral("sinfo"))));
-    const ClusterInfo cluster(nullptr, QFileInfo(QStringLiteral(CLUSTER_TOOL)).path());
+    const ClusterInfo cluster(nullptr, QFileInfo(BuildPaths::clusterTool()).path());
     QVERIFY(cluster.headNodes().isEmpty());
     QVERIFY(cluster.computeNodes().isEmpty());
 }

@@ -1,3 +1,4 @@
+#include "BuildPaths.h"
 #include "TestFiles.h"
 
 #include <Utility/Formats/ProcessorRecords_p.h>
@@ -735,7 +736,7 @@ void TestProcessorRecords::cpuinfoIsCounted()
 {
     QFETCH(QString, file);
     QFETCH(ProcessorCounts, expected);
-    const QByteArray text = contentOf(QStringLiteral(TEST_DATA "/processors/") + file);
+    const QByteArray text = contentOf(BuildPaths::testData(QStringLiteral("processors/") + file));
     QVERIFY(!text.isEmpty());
     QCOMPARE(countCpuinfo(QString::fromLatin1(text)), expected);
 }

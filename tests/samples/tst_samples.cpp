@@ -1,7 +1,7 @@
 // Runs the samples of the documentation.
 
+#include "BuildPaths.h"
 #include "FakeArchiver.h"
-#include "HelperProgram.h"
 #include "Samples.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
@@ -79,7 +79,7 @@ void TestSamples::aTaskEndsWithItsProgram_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("result");
     QTest::addColumn<QString>("line");
-    const QString helper = helperProgram();
+    const QString helper = BuildPaths::helperProgram();
     QTest::newRow("success") << helper << QStringList{QStringLiteral("exit"), QStringLiteral("0")}
                              << 0 << QStringLiteral("Task finished in ");
     QTest::newRow("exit code") << helper << QStringList{QStringLiteral("exit"), QStringLiteral("3")}
@@ -159,7 +159,7 @@ void TestSamples::theClusterAndItsNodesAreRead()
     qputenv("FAKE_NODES_RECORD", QFile::encodeName(path("record")));
     Log log(path("samples.log"), Log::NoFileTimeStamp);
     QVERIFY(log.open(true));
-    const QString toolFolder = QFileInfo(QStringLiteral(FAKE_CLUSTER_TOOL)).path();
+    const QString toolFolder = QFileInfo(BuildPaths::fakeClusterTool()).path();
     QCOMPARE(Samples::submitToCluster(log, toolFolder), QStringLiteral("h1 16"));
     QVERIFY(logText().endsWith(QLatin1String("] cn1:16:2:64\n"))
             || logText().endsWith(QLatin1String("] cn1:16:2:64\r\n")));
@@ -218,14 +218,12 @@ void TestSamples::aTextIsConvertedAndBack()
 
 void TestSamples::theProgramOfTheReadmePacksItsSources()
 {
-    // The paths may have no drive letter, as under Wine.
-    const QDir folder(QCoreApplication::applicationDirPath());
-    const QString program = folder.absoluteFilePath(QStringLiteral(PACK));
+    const QString program = BuildPaths::smallExample(QStringLiteral("pack"));
     if (onWindows() && !QFile::exists(QFileInfo(program).path() + QStringLiteral("/7z.exe")))
         QSKIP("There is no 7z.exe beside the program");
     qint64 size = 0;
     for (const QString &name : {QStringLiteral("main.cpp"), QStringLiteral("CMakeLists.txt")}) {
-        const QString source = folder.absoluteFilePath(QStringLiteral(PACK_SOURCE "/") + name);
+        const QString source = BuildPaths::samples() + QStringLiteral("/pack/") + name;
         QVERIFY(QFile::copy(source, path(name)));
         size += QFileInfo(source).size();
     }

@@ -1,4 +1,4 @@
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestSettings.h"
@@ -207,7 +207,8 @@ SystemOutcome TestRegistry::runCalls(const QStringList &calls) const
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_DIRS"), settings_.path());
-    return runSystemCalls(helperProgram(), QStringLiteral("system"), calls, environment);
+    return runSystemCalls(BuildPaths::helperProgram(), QStringLiteral("system"), calls,
+                          environment);
 }
 
 void TestRegistry::noNameDoesNothing()
@@ -465,7 +466,7 @@ void TestRegistry::everyFolderOfTheSettingsIsSearched()
     environment.insert(QStringLiteral("XDG_CONFIG_DIRS"),
                        first.path() + QLatin1Char(':') + settings_.path());
     const SystemOutcome outcome
-        = runSystemCalls(helperProgram(), QStringLiteral("system"),
+        = runSystemCalls(BuildPaths::helperProgram(), QStringLiteral("system"),
                          {QStringLiteral("readRegistryValue=InstallationDirectory")}, environment);
     QCOMPARE(outcome.results, QStringList{QStringLiteral("product")});
 }

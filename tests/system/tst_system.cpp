@@ -1,4 +1,4 @@
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestSettings.h"
@@ -33,7 +33,7 @@ QString productKey()
 
 QString helperFolder()
 {
-    return native(QFileInfo(helperProgram()).canonicalPath());
+    return native(QFileInfo(BuildPaths::helperProgram()).canonicalPath());
 }
 
 } // namespace
@@ -117,7 +117,8 @@ SystemOutcome TestSystem::run(const QStringList &calls,
     environment.remove(QStringLiteral("TAVELINE2024DIR"));
     for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
         environment.insert(variable.key(), variable.value());
-    return runSystemCalls(helperProgram(), QStringLiteral("system"), calls, environment);
+    return runSystemCalls(BuildPaths::helperProgram(), QStringLiteral("system"), calls,
+                          environment);
 }
 
 void TestSystem::initTestCase()
@@ -550,8 +551,8 @@ void TestSystem::programFolderIsThatOfTheRunningProgram()
 
 void TestSystem::programFolderIsThatOfTheMainProgram()
 {
-    const QString program = path(QFileInfo(helperProgram()).fileName());
-    QVERIFY(QFile::copy(helperProgram(), program));
+    const QString program = path(QFileInfo(BuildPaths::helperProgram()).fileName());
+    QVERIFY(QFile::copy(BuildPaths::helperProgram(), program));
     QVERIFY(writeFile(path(QStringLiteral("VORN.exe")), QByteArray()));
     QCOMPARE(
         runSystemCalls(program, QStringLiteral("system"), {QStringLiteral("getCurrentExePath")})
@@ -562,7 +563,7 @@ void TestSystem::programFolderIsThatOfTheMainProgram()
 void TestSystem::programFolderWithoutAnApplication()
 {
     const SystemOutcome outcome
-        = runSystemCalls(helperProgram(), QStringLiteral("system-without-application"),
+        = runSystemCalls(BuildPaths::helperProgram(), QStringLiteral("system-without-application"),
                          {QStringLiteral("getCurrentExePath")});
     QCOMPARE(outcome.results, QStringList{helperFolder()});
 }

@@ -1,4 +1,4 @@
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
 #include "TestSettings.h"
@@ -271,7 +271,7 @@ void TestSystemLocale::aStoreThatCannotBeWrittenIsSilent()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_DIRS"), file);
     const SystemOutcome outcome = runSystemCalls(
-        helperProgram(), QStringLiteral("system"),
+        BuildPaths::helperProgram(), QStringLiteral("system"),
         {QStringLiteral("setLocale=fr-FR"), QStringLiteral("getLocale")}, environment);
     QCOMPARE(outcome.results, QStringList{QStringLiteral("en-US")});
     QCOMPARE(outcome.messages, QStringList());

@@ -1,4 +1,4 @@
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
 
@@ -26,7 +26,7 @@ public:
     explicit Child(const QString &program)
         : program_(program)
     {
-        if (!QFile::exists(program) && !QFile::copy(helperProgram(), program))
+        if (!QFile::exists(program) && !QFile::copy(BuildPaths::helperProgram(), program))
             qFatal("The helper program cannot be copied.");
         // It has started when its first output arrives; before, it may still be a copy of this one.
         process_.start(program, {QStringLiteral("hang"), QStringLiteral("68690d0a"), endFile()});
@@ -359,7 +359,8 @@ void TestSystemProcesses::aStartedProgramGetsItsArguments()
     const QString source = path(QStringLiteral("a source  with blanks, 100% & more.txt"));
     const QString target = path(QStringLiteral("the target.txt"));
     QVERIFY(writeFile(source, "content"));
-    QVERIFY(System::startProcess(helperProgram(), {QStringLiteral("copy"), source, target}));
+    QVERIFY(System::startProcess(BuildPaths::helperProgram(),
+                                 {QStringLiteral("copy"), source, target}));
     QTRY_COMPARE(contentOf(target), QByteArray("content"));
 }
 
@@ -369,9 +370,10 @@ void TestSystemProcesses::aStartedProgramOutlivesTheOneThatStartedIt()
 {
     const QString ended = path(QStringLiteral("ended"));
     QProcess process;
-    process.start(helperProgram(),
-                  {QStringLiteral("system"),
-                   QStringLiteral("startProcess=%1|hang||%2").arg(helperProgram(), ended)});
+    process.start(
+        BuildPaths::helperProgram(),
+        {QStringLiteral("system"),
+         QStringLiteral("startProcess=%1|hang||%2").arg(BuildPaths::helperProgram(), ended)});
     QVERIFY(process.waitForFinished());
     QVERIFY(process.readAllStandardOutput().startsWith("=true"));
     QTRY_VERIFY(QFile::exists(ended));

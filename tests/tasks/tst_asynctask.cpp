@@ -3,7 +3,6 @@
 #include <Utility/AsyncTaskProcessor.h>
 #include <Utility/Log.h>
 
-#include "HelperProgram.h"
 #include "TemporaryLog.h"
 #include "TestTask.h"
 

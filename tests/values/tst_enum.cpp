@@ -1,5 +1,7 @@
 #include <Utility/Enum.h>
 
+#include "BuildPaths.h"
+
 #include <QtCore/QLibrary>
 #include <QtCore/QProcess>
 #include <QtTest/QtTest>
@@ -478,13 +480,13 @@ void TestEnum::allModulesShareTheRegistries()
     QCOMPARE(OfProgram.id(), 0);
     QCOMPARE(Enum::count(shared()), 1);
 
-    QLibrary first(QStringLiteral(FIRST_MODULE));
+    QLibrary first(BuildPaths::firstModule());
     QVERIFY2(first.load(), qPrintable(first.errorString()));
     QCOMPARE(call(first, "idOfAutomatic"), 1);
     QCOMPARE(call(first, "idOfExplicit"), 2);
     QCOMPARE(Enum::count(shared()), 3);
 
-    QLibrary second(QStringLiteral(SECOND_MODULE));
+    QLibrary second(BuildPaths::secondModule());
     QVERIFY2(second.load(), qPrintable(second.errorString()));
     QCOMPARE(call(second, "idOfAutomatic"), 3);
     QCOMPARE(call(second, "idOfExplicit"), 4);
@@ -507,7 +509,7 @@ void TestEnum::allModulesShareTheRegistries()
 void TestEnum::theRegistriesLiveUntilTheProcessEnds()
 {
     QProcess helper;
-    helper.start(QStringLiteral(HELPER_PROGRAM), {QStringLiteral("enum-at-exit")});
+    helper.start(BuildPaths::helperProgram(), {QStringLiteral("enum-at-exit")});
     QVERIFY(helper.waitForFinished());
     QCOMPARE(helper.readAllStandardOutput().trimmed(), QByteArray("Red of 1"));
     QCOMPARE(helper.exitStatus(), QProcess::NormalExit);

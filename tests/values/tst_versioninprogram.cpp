@@ -1,3 +1,4 @@
+#include "BuildPaths.h"
 #include "TestFiles.h"
 
 #include <Utility/Formats/VersionBlock_p.h>
@@ -15,7 +16,7 @@ namespace {
 
 QByteArray recorded(const char *name)
 {
-    return contentOf(QStringLiteral(TEST_DATA "/programs/") + QString::fromLatin1(name));
+    return contentOf(BuildPaths::testData(QStringLiteral("programs/")) + QString::fromLatin1(name));
 }
 
 Formats::ProgramVersion versionIn(const QByteArray &bytes)

@@ -2,6 +2,7 @@
 // file that another process attacks.
 
 #include "Adversary.h"
+#include "BuildPaths.h"
 #include "FakeArchiver.h"
 #include "OwnTempFolder.h"
 #include "ProcessState.h"
@@ -133,7 +134,7 @@ void TestArchiverFaults::init()
 {
     messages_ = std::make_unique<TestMessages>(); // the command lines
     QFile::remove(archiverFile());
-    QVERIFY(QFile::copy(QStringLiteral(FAKE_ARCHIVER_PROGRAM), archiverFile()));
+    QVERIFY(QFile::copy(BuildPaths::fakeArchiver(), archiverFile()));
 }
 
 // No test leaves a process, not even one that has ended.

@@ -1,5 +1,6 @@
 // The archiver of a program that a user has started on a terminal.
 
+#include "BuildPaths.h"
 #include "Terminal.h"
 #include "TestFiles.h"
 #include "TestWithFolder.h"
@@ -78,7 +79,7 @@ void TestArchiverTerminal::anArchiverThatAsksOnTheTerminalGetsNoAnswer()
 {
     QFETCH(QString, operation);
     QVERIFY(writeArchiver("read -r answer < /dev/tty || exit 2\n"));
-    Terminal terminal(QStringLiteral(HELPER_PROGRAM), call(path(QStringLiteral("bin")), operation));
+    Terminal terminal(BuildPaths::helperProgram(), call(path(QStringLiteral("bin")), operation));
     QVERIFY(terminal.isStarted());
     QVERIFY2(terminal.waitForEnd(TimeLimit), "The archiver waits for an answer.");
     const QJsonObject report = reportIn(terminal.output());
@@ -94,7 +95,7 @@ void TestArchiverTerminal::ctrlCReachesTheArchiver()
     QVERIFY(writeArchiver("trap '' HUP\ntrap ': > \"" + QFile::encodeName(interrupted)
                           + "\"; exit 255' INT\n: > \"" + QFile::encodeName(started)
                           + "\"\nfor i in $(/usr/bin/seq 1000); do /bin/sleep 0.02; done\n"));
-    Terminal terminal(QStringLiteral(HELPER_PROGRAM),
+    Terminal terminal(BuildPaths::helperProgram(),
                       call(path(QStringLiteral("bin")), QStringLiteral("extract")));
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(started), TimeLimit);
@@ -140,9 +141,9 @@ void TestArchiverTerminal::p7zipDoesNotAskForAPassword()
     QFETCH(QString, archive);
     QFETCH(QString, operation);
     const QString copy = path(QStringLiteral("archive.bin"));
-    QVERIFY(QFile::copy(QStringLiteral(TEST_DATA "/archives/") + archive, copy));
+    QVERIFY(QFile::copy(BuildPaths::testData(QStringLiteral("archives/") + archive), copy));
     const QByteArray before = contentOf(copy);
-    Terminal terminal(QStringLiteral(HELPER_PROGRAM), call(p7zip(), operation));
+    Terminal terminal(BuildPaths::helperProgram(), call(p7zip(), operation));
     QVERIFY(terminal.isStarted());
     QVERIFY2(terminal.waitForEnd(TimeLimit), "The archiver waits for an answer.");
     const QJsonObject report = reportIn(terminal.output());
@@ -171,9 +172,9 @@ void TestArchiverTerminal::p7zipReadsAnArchiveThatIsNotEncrypted()
         QSKIP(NoP7zip);
     QFETCH(QString, archive);
     QFETCH(QString, operation);
-    QVERIFY(QFile::copy(QStringLiteral(TEST_DATA "/archives/") + archive,
+    QVERIFY(QFile::copy(BuildPaths::testData(QStringLiteral("archives/") + archive),
                         path(QStringLiteral("archive.bin"))));
-    Terminal terminal(QStringLiteral(HELPER_PROGRAM), call(p7zip(), operation));
+    Terminal terminal(BuildPaths::helperProgram(), call(p7zip(), operation));
     QVERIFY(terminal.isStarted());
     QVERIFY(terminal.waitForEnd(TimeLimit));
     const QJsonObject report = reportIn(terminal.output());

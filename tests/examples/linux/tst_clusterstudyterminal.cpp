@@ -1,5 +1,6 @@
 // A parameter study on a terminal, and what becomes of the processes of its cases.
 
+#include "BuildPaths.h"
 #include "Terminal.h"
 #include "TestWithStudy.h"
 
@@ -46,7 +47,7 @@ void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
     site.writeCases("x\n1\n2\n");
     Terminal terminal(site.program(),
                       {text("--jobs"), text("1"), site.path(text("cases.csv")), text("--"),
-                       builtProgram(STUDY_CASE), text("count"), text("running"), text("wait"),
+                       BuildPaths::studyCase(), text("count"), text("running"), text("wait"),
                        text("forever")});
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0001/running"))),
@@ -69,7 +70,7 @@ void TestClusterStudyTerminal::ctrlCWhilePackingDoesNotLoseTheArchive()
     QVERIFY(writeFile(site.path(text("there")), "x"));
     Terminal terminal(site.program(),
                       {text("--jobs"), text("1"), site.path(text("cases.csv")), text("--"),
-                       builtProgram(STUDY_CASE), text("noise"), text("8192"), text("count"),
+                       BuildPaths::studyCase(), text("noise"), text("8192"), text("count"),
                        text("running"), text("wait"), site.path(text("{x}"))});
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0002/running"))),
@@ -101,7 +102,7 @@ void TestClusterStudyTerminal::aClosedTerminalEndsTheStudy()
     site.writeCases("x\n1\n2\n");
     Terminal terminal(site.program(),
                       {text("--jobs"), text("1"), site.path(text("cases.csv")), text("--"),
-                       builtProgram(STUDY_CASE), text("count"), text("running"), text("wait"),
+                       BuildPaths::studyCase(), text("count"), text("running"), text("wait"),
                        text("forever")});
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0001/running"))),
@@ -120,7 +121,7 @@ void TestClusterStudyTerminal::aProgramStartedWithNohupDoesNotEndWithTheTerminal
     const QString go = site.path(text("go"));
     Terminal terminal(text("/usr/bin/nohup"),
                       {site.program(), site.path(text("cases.csv")), text("--"),
-                       builtProgram(STUDY_CASE), text("count"), text("running"), text("wait"), go});
+                       BuildPaths::studyCase(), text("count"), text("running"), text("wait"), go});
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0001/running"))),
                              StudyTimeLimit);

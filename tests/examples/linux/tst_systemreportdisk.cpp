@@ -1,5 +1,6 @@
 // A system report that cannot be written completely, as on a full disk.
 
+#include "BuildPaths.h"
 #include "FileSizeLimit.h"
 #include "TestFiles.h"
 #include "TestWithFolder.h"
@@ -19,7 +20,7 @@ private Q_SLOTS:
 private:
     static void run(QProcess &process, const QStringList &arguments)
     {
-        process.start(QStringLiteral(SYSTEM_REPORT),
+        process.start(BuildPaths::systemReport(),
                       QStringList{QStringLiteral("--seconds"), QStringLiteral("1")} + arguments);
         process.waitForFinished();
     }

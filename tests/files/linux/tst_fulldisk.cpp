@@ -1,9 +1,9 @@
 // Files that are written while the disk is full or no further file can be opened.
 
+#include "BuildPaths.h"
 #include "DescriptorLimit.h"
 #include "FakeArchiver.h"
 #include "FileSizeLimit.h"
-#include "HelperProgram.h"
 #include "NumberedLines.h"
 #include "OtherFileSystem.h"
 #include "OwnTempFolder.h"
@@ -232,7 +232,7 @@ void TestFullDisk::withoutSpaceBesideTheLogItStaysAsItWas()
     const int exitCode = QProcess::execute(
         QStringLiteral("unshare"),
         {QStringLiteral("--map-root-user"), QStringLiteral("--mount"), QStringLiteral("sh"),
-         QStringLiteral("-c"), script, helperProgram(), mount, fileName_, copy, names});
+         QStringLiteral("-c"), script, BuildPaths::helperProgram(), mount, fileName_, copy, names});
     if (exitCode != 0 && exitCode != Failed)
         QSKIP("This account cannot mount a file system of its own");
     QCOMPARE(exitCode, 0);

@@ -1,6 +1,6 @@
 // Processes without a program, with reused ids, or with a name that they set themselves.
 
-#include "HelperProgram.h"
+#include "BuildPaths.h"
 #include "TestFiles.h"
 #include "TestFolder.h"
 
@@ -180,7 +180,7 @@ void TestProcesses::aKilledProcessDoesNotRunBeforeItIsWaitedFor()
     // Short enough to stand in "comm" as a whole.
     const QString name = uniqueName();
     const QString program = folder.filePath(name);
-    QVERIFY(QFile::copy(helperProgram(), program));
+    QVERIFY(QFile::copy(BuildPaths::helperProgram(), program));
     const Child child(program);
     QVERIFY(child.isStarted());
     QTRY_VERIFY(System::isProcessRunning(name));
@@ -208,7 +208,7 @@ void TestProcesses::aReusedIdIsNeverEnded()
 {
     const TestFolder folder;
     const QString program = folder.filePath(uniqueName());
-    QVERIFY(QFile::copy(helperProgram(), program));
+    QVERIFY(QFile::copy(BuildPaths::helperProgram(), program));
     Child child(program);
     QVERIFY(child.isStarted());
     QTRY_VERIFY(System::isProcessRunning(QFileInfo(program).fileName()));
@@ -244,7 +244,7 @@ void TestProcesses::withoutPidfdsTheProcessWithTheIdIsEnded()
     QFETCH(int, error);
     const TestFolder folder;
     const QString name = uniqueName();
-    QVERIFY(QFile::copy(helperProgram(), folder.filePath(name)));
+    QVERIFY(QFile::copy(BuildPaths::helperProgram(), folder.filePath(name)));
     const Child child(folder.filePath(name));
     QVERIFY(child.isStarted());
     QTRY_VERIFY(System::isProcessRunning(name));
@@ -266,7 +266,7 @@ void TestProcesses::aProgramNameMayEndWithDeleted()
     const TestFolder folder;
     const QString name = uniqueName() + QStringLiteral(" (deleted)");
     const QString program = folder.filePath(name);
-    QVERIFY(QFile::copy(helperProgram(), program));
+    QVERIFY(QFile::copy(BuildPaths::helperProgram(), program));
     const Child child(program);
     QVERIFY(child.isStarted());
     QTRY_COMPARE(System::getPID({name.toUpper()}), static_cast<long>(child.id()));
@@ -282,7 +282,7 @@ void TestProcesses::aDeletedProgramIsNotTheFileNamedDeleted()
     const TestFolder folder;
     const QString name = uniqueName();
     const QString program = folder.filePath(name);
-    QVERIFY(QFile::copy(helperProgram(), program));
+    QVERIFY(QFile::copy(BuildPaths::helperProgram(), program));
     const Child child(program);
     QVERIFY(child.isStarted());
     QTRY_VERIFY(System::isProcessRunning(name));

@@ -1,8 +1,8 @@
 // Which file holds the machine-wide settings, and how its text is read and changed. Every call runs
 // in a fresh process: Qt works the folders out once.
 
+#include "BuildPaths.h"
 #include "FileSizeLimit.h"
-#include "HelperProgram.h"
 #include "OrdinaryUser.h"
 #include "SystemCalls.h"
 #include "TestFiles.h"
@@ -74,7 +74,8 @@ private:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_CONFIG_DIRS"),
                            folder("first") + QLatin1Char(':') + folder("second"));
-        return runSystemCalls(helperProgram(), QStringLiteral("system"), calls, environment);
+        return runSystemCalls(BuildPaths::helperProgram(), QStringLiteral("system"), calls,
+                              environment);
     }
     QString installationDirectory() const { return run({ReadDirectory}).results.value(0); }
 };

@@ -5,11 +5,11 @@
 #   linux-release   all tests, release build
 #   abi             the binary interface of the release build, see abi.sh
 #   tidy            clang-tidy on the library
+#   linux-qt6       all tests, release build with Qt 6
 #   linux-asan      all tests, debug build, address and undefined-behaviour sanitizers
 #   linux-tsan      the tests with several threads, thread sanitizer
 #   fuzz            each fuzzer for 20 seconds
 #   docs            the documentation site: every public member is described, no link is dead
-#   linux-qt6       all tests, release build with Qt 6; run only when it is named
 #   linux-valgrind  all tests under valgrind; slow, and run only when it is named
 . "$(dirname "$0")/common.sh"
 need_build_tools
@@ -18,7 +18,7 @@ cd "$project"
 VORNUTILITY_ARCHIVERS=$(scripts/test-archivers.sh p7zip-16.02)
 export VORNUTILITY_ARCHIVERS
 
-[ $# -gt 0 ] || set -- linux-release abi tidy linux-asan linux-tsan fuzz docs
+[ $# -gt 0 ] || set -- linux-release abi tidy linux-qt6 linux-asan linux-tsan fuzz docs
 
 run_tidy() {
     need clang-tidy clang

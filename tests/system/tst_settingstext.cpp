@@ -17,6 +17,8 @@ using Texts = QMap<QString, QString>;
 
 namespace {
 
+constexpr bool IsQt5 = QT_VERSION < QT_VERSION_CHECK(6, 0, 0);
+
 void useUtf8(QSettings &settings)
 {
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
@@ -160,7 +162,8 @@ void TestSettingsText::namesAreReadAsUtf8()
     const QByteArray key = "Gr\xC3\xB6\xC3\x9F"
                            "e/N\xC3\xA4me";
     QCOMPARE(settingsTexts(content), (Texts{{QString::fromUtf8(key), QStringLiteral("x")}}));
-    QCOMPARE(readByQt(content), (Texts{{QString::fromLatin1(key), QStringLiteral("x")}}));
+    const QString readKey = IsQt5 ? QString::fromLatin1(key) : QString::fromUtf8(key);
+    QCOMPARE(readByQt(content), (Texts{{readKey, QStringLiteral("x")}}));
 }
 
 void TestSettingsText::theFormIsThatOfQt_data()
@@ -211,7 +214,8 @@ void TestSettingsText::whatQtWritesIsRead_data()
         "e \xE6\x97\xA5 \xF0\x9F\x94\xA9"
         "1");
     QTest::newRow("null") << QStringLiteral("a") + QChar() + QStringLiteral("1b");
-    QTest::newRow("half a pair") << QStringLiteral("a") + QChar(0xD800) + QStringLiteral("b");
+    if (IsQt5) // Qt 6 writes another character instead
+        QTest::newRow("half a pair") << QStringLiteral("a") + QChar(0xD800) + QStringLiteral("b");
     QTest::newRow("control characters") << QStringLiteral("\x01"
                                                           "a\x7f");
 }

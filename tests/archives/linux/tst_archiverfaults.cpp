@@ -14,6 +14,7 @@
 #include <Utility/System.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QProcess>
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QTimer>
 #include <QtTest/QtTest>
@@ -76,6 +77,18 @@ public:
 private:
     int count_ = 0;
 };
+
+// Qt 6.4 leaves a descriptor open for each program that cannot be started.
+int descriptorsLeftByQt()
+{
+    const int before = openDescriptors();
+    {
+        QProcess process;
+        process.start(QStringLiteral("./missing"), QStringList());
+        process.waitForFinished();
+    }
+    return openDescriptors() - before;
+}
 
 void addOperations()
 {
@@ -206,7 +219,8 @@ void TestArchiverFaults::anArchiverThatCannotBeStartedGivesFalseAndNoSignal()
     const FakeArchiver fake;
     SevenZip archive;
     const Ends ends(archive);
-    const int descriptors = openDescriptors();
+    const int starts = 2 * Operations;
+    const int descriptors = openDescriptors() + starts * descriptorsLeftByQt();
     for (int operation = 0; operation < Operations; ++operation) {
         QVERIFY(!run(archive, operation));
         start(archive, operation);

@@ -13,6 +13,7 @@
 #include <QtCore/QRegularExpression>
 
 #include <cstdio>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -40,20 +41,28 @@ int number(const QStringList &arguments, int index, int standard)
 
 // Any number of threads may call append() at the same time. The log is opened before the threads
 // start and closed after they have ended, because open() and close() are not for several threads.
-void write(Log &log, int threads, int lines)
+// Returns whether the system has started all threads.
+bool write(Log &log, int threads, int lines)
 {
     const QString rest(150, QLatin1Char('.'));
     std::vector<std::thread> writers;
-    for (int thread = 1; thread <= threads; ++thread) {
-        writers.emplace_back([&log, &rest, thread, lines] {
+    bool areStarted = true;
+    for (int thread = 1; areStarted && thread <= threads; ++thread) {
+        const auto writeLines = [&log, &rest, thread, lines] {
             for (int line = 1; line <= lines; ++line) {
                 log.append(QStringLiteral("thread %1 line %2 %3")
                                .arg(QString::number(thread), QString::number(line), rest));
             }
-        });
+        };
+        try {
+            writers.emplace_back(writeLines);
+        } catch (const std::system_error &) {
+            areStarted = false;
+        }
     }
     for (std::thread &writer : writers)
         writer.join();
+    return areStarted;
 }
 
 // The lines of a thread that the log holds.
@@ -141,7 +150,8 @@ int main(int argc, char *argv[])
         return fail(QStringLiteral("The log cannot be written: %1")
                         .arg(QDir::toNativeSeparators(log.name())));
     }
-    write(log, threads, lines);
+    if (!write(log, threads, lines))
+        return fail(QStringLiteral("%1 threads cannot be started").arg(threads));
     log.close();
     return report(log.name(), threads, lines);
 }

@@ -43,8 +43,9 @@ public:
         process_.setArguments(arguments); // each is passed as it is, without a shell
         process_.setProcessChannelMode(QProcess::ForwardedChannels);
         process_.setInputChannelMode(QProcess::ForwardedInputChannel);
-        // Queued: setFinished() deletes this task and the process with it, which must not happen
-        // while the process emits a signal.
+        // Either signal means that the program does not run, because the only errors of forwarded
+        // channels are a failed start and a crash. Queued: setFinished() deletes this task and the
+        // process with it, which must not happen while the process emits a signal.
         connect(&process_, &QProcess::errorOccurred, this, &ProcessTask::end, Qt::QueuedConnection);
         connect(&process_, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
                 &ProcessTask::end, Qt::QueuedConnection);
@@ -78,8 +79,6 @@ private:
 
     void end()
     {
-        if (process_.state() != QProcess::NotRunning)
-            return; // an error of a program that still runs; finished() will follow
         if (isTimedOut_)
             fail(TimedOut,
                  QStringLiteral("The time limit of %1 s has ended the program")

@@ -42,7 +42,7 @@ struct List
 {
     QFile file;
     QString name;
-    int missing;
+    qint64 missing; // number of files
 };
 
 // Adds the checksum of a file to the list.
@@ -59,8 +59,9 @@ public:
 protected:
     void execute() override
     {
-        const QFileInfo info(name());
-        if (info.exists() && !info.isFile()) // a pipe or a device may have no end
+        if (name().contains(QLatin1Char('\n'))) // would look like two lines of the list
+            setError(QStringLiteral("%1: the name contains a line break").arg(name()));
+        else if (QFileInfo::exists(name()) && !QFileInfo(name()).isFile()) // may have no end
             setError(QStringLiteral("%1: not a file").arg(name()));
         else if (!file_.open(QIODevice::ReadOnly))
             setError(QStringLiteral("%1: %2").arg(name(), file_.errorString()));
@@ -88,10 +89,10 @@ private:
     void addToList()
     {
         const QByteArray line = hash_.result().toHex() + "  " + name().toUtf8() + '\n';
-        if (list_.file.write(line) == line.size() && list_.file.flush())
+        if (list_.file.write(line) == line.size())
             --list_.missing;
         else
-            setError(QStringLiteral("%1: %2").arg(list_.name, list_.file.errorString()));
+            setError(QStringLiteral("%1: cannot be written").arg(list_.name));
     }
 
     QFile file_;
@@ -146,12 +147,11 @@ int main(int argc, char *argv[])
     }
     if (files.isEmpty())
         return fail(usage);
-    const int count = static_cast<int>(files.size());
-    List list{{}, QCoreApplication::arguments().at(1), count};
+    List list{{}, QCoreApplication::arguments().at(1), files.size()};
     list.file.setFileName(list.name + QStringLiteral(".part"));
     if (QFile::exists(list.name))
         return fail(QStringLiteral("%1 exists already").arg(list.name));
-    if (!list.file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+    if (!list.file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
         return fail(QStringLiteral("%1: %2").arg(list.file.fileName(), list.file.errorString()));
     std::signal(SIGINT, requestCancel);
     std::signal(SIGTERM, requestCancel);
@@ -167,16 +167,14 @@ int main(int argc, char *argv[])
         processor.setCleanUpTask(task, cleanUp); // skip to it after a failure or a cancel
     }
     processor.addTask(cleanUp);
-
-    QObject::connect(&processor, &AsyncTaskProcessor::progress, &processor,
-                     [&](AsyncTask *task, const QString &text) {
-                         const QString line = QStringLiteral("%1 of %2, %3: %4")
-                                                  .arg(QString::number(count - list.missing + 1),
-                                                       QString::number(count), text, task->name());
-                         // Blanks cover the longer line of an earlier file.
-                         print(stdout,
-                               QLatin1Char('\r') + line.leftJustified(79, QLatin1Char(' '), true));
-                     });
+    const auto showProgress = [&](AsyncTask *task, const QString &text) {
+        const qint64 number = files.size() - list.missing + 1;
+        const QString line = QStringLiteral("%1 of %2, ").arg(number).arg(files.size()) + text
+            + QLatin1String(": ") + task->name();
+        // Blanks cover the longer line of an earlier file.
+        print(stdout, QLatin1Char('\r') + line.leftJustified(79, QLatin1Char(' '), true));
+    };
+    QObject::connect(&processor, &AsyncTaskProcessor::progress, &processor, showProgress);
     QString problem;
     QObject::connect(&processor, &AsyncTaskProcessor::finished, &processor, [&](AsyncTask *task) {
         if (!task->isOk() && problem.isEmpty())

@@ -16,7 +16,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QPointer>
 #include <QtCore/QTimer>
 
 #include <cstdio>
@@ -83,36 +82,33 @@ class Watchdog : public QObject
 public:
     Watchdog(AsyncTaskProcessor &processor, Log &log, int milliseconds)
         : log_(log)
+        , milliseconds_(milliseconds)
     {
-        timer_.setSingleShot(true);
-        timer_.setTimerType(Qt::PreciseTimer); // others may be up to 5 % early
-        timer_.setInterval(milliseconds);
-        connect(&processor, &AsyncTaskProcessor::started, this, [this](AsyncTask *task) {
-            task_ = task;
-            timer_.start();
-        });
-        connect(&processor, &AsyncTaskProcessor::progress, this, [this] { timer_.start(); });
-        connect(&processor, &AsyncTaskProcessor::finished, this, [this] { timer_.stop(); });
-        connect(&timer_, &QTimer::timeout, this, &Watchdog::endTask);
+        connect(&processor, &AsyncTaskProcessor::started, this, &Watchdog::watch);
     }
 
-    // An error message; empty if no task had to be ended.
-    QString problem() const { return problem_; }
+    QString problem() const { return problem_; } // empty if no task had to be ended
 
 private:
-    void endTask()
+    void watch(AsyncTask *task)
     {
-        if (!task_)
-            return;
-        problem_ = QStringLiteral("No progress for %1 s, task ended: %2")
-                       .arg(QString::number(timer_.interval() / 1000.0), task_->name());
-        log_.append(problem_); // first: the processor logs nothing about a deleted task
-        delete task_;
+        auto *timer = new QTimer(task); // deleted with the task
+        timer->setSingleShot(true);
+        timer->setTimerType(Qt::PreciseTimer); // others may be up to 5 % early
+        connect(task, &AsyncTask::progress, timer, QOverload<>::of(&QTimer::start));
+        const auto endTask = [this, task] {
+            problem_ = QStringLiteral("No progress for %1 s, task ended: %2")
+                           .arg(QString::number(milliseconds_ / 1000.0), task->name());
+            log_.append(problem_); // first: the processor logs nothing about a deleted task
+            delete task;
+        };
+        // Queued: the timer must not be deleted while it emits a signal.
+        connect(timer, &QTimer::timeout, task, endTask, Qt::QueuedConnection);
+        timer->start(milliseconds_);
     }
 
     Log &log_;
-    QTimer timer_;
-    QPointer<AsyncTask> task_;
+    const int milliseconds_;
     QString problem_;
 };
 
@@ -120,7 +116,7 @@ private:
 class SummaryTask : public AsyncTask
 {
 public:
-    SummaryTask(const int &done, int all)
+    SummaryTask(const int &done, qint64 all)
         : AsyncTask(QStringLiteral("Summary"), nullptr)
         , done_(done)
         , all_(all)
@@ -136,8 +132,17 @@ protected:
 
 private:
     const int &done_;
-    const int all_;
+    const qint64 all_;
 };
+
+// Whether the log holds the last line of this run. The log itself does not report a full disk.
+bool isComplete(const QString &logName, qint64 sizeBefore)
+{
+    QFile log(logName);
+    const QByteArray end = log.open(QIODevice::ReadOnly) ? log.readAll().right(80) : QByteArray();
+    return log.size() != sizeBefore && end.contains("] Finished processing tasks in ")
+        && end.endsWith('\n');
+}
 
 } // namespace
 
@@ -159,13 +164,14 @@ int main(int argc, char *argv[])
         return fail(QStringLiteral("The log cannot be written: %1")
                         .arg(QDir::toNativeSeparators(log.name())));
     }
+    const qint64 logSize = QFileInfo(log.name()).size();
 
     AsyncTaskProcessor processor;
     processor.setLog(&log); // before the tasks are added
     processor.setExitEventLoopWhenDone(true);
     const Watchdog watchdog(processor, log, qRound(seconds * 1000));
     int done = 0;
-    auto *summary = new SummaryTask(done, static_cast<int>(files.size()));
+    auto *summary = new SummaryTask(done, files.size());
     for (const QString &file : files) {
         auto *task = new WaitTask(file);
         QObject::connect(task, &AsyncTask::finished, &processor, [&done] { ++done; });
@@ -174,6 +180,10 @@ int main(int argc, char *argv[])
     }
     processor.addTask(summary);
     processor.startLater();
-    const int exitCode = QCoreApplication::exec(); // 1 if a task was deleted
-    return watchdog.problem().isEmpty() ? exitCode : fail(watchdog.problem());
+    int exitCode = QCoreApplication::exec(); // 1 if a task was deleted
+    if (!watchdog.problem().isEmpty())
+        exitCode = fail(watchdog.problem());
+    if (!isComplete(log.name(), logSize))
+        exitCode = fail(QStringLiteral("The log is incomplete"));
+    return exitCode;
 }

@@ -158,19 +158,22 @@ private Q_SLOTS:
 
     void aSmallLogHoldsAllLines();
     void aTruncatedLogHoldsTheNewestLines();
-    void missingLinesAreReported();
 
     void checksumsAreWritten();
     void aFailureLeavesNoList();
     void whatIsNoFileIsRefused_data();
     void whatIsNoFileIsRefused();
+    void aListThatExistsIsKept_data();
     void aListThatExistsIsKept();
+    void aNameWithALineBreakIsRefused();
     void aCancelLeavesNoList_data();
     void aCancelLeavesNoList();
 
     void theExitCodeIsPassedOn_data();
     void theExitCodeIsPassedOn();
     void argumentsArePassedAsTheyAre();
+    void theStandardInputIsPassedOn();
+    void theEndOfTheStandardInputIsPassedOn();
     void theTimeLimitEndsTheProgram_data();
     void theTimeLimitEndsTheProgram();
     void aProgramThatCannotBeStartedIsReported();
@@ -213,6 +216,8 @@ void TestSmallExamples::aWrongCallIsRefused_data()
     row("log-threads", "a.log 0", 1);
     row("log-threads", "a.log 1 x", 1);
     row("log-threads", "a.log 1 1 1", 1);
+    row("log-threads", "a.log 101", 1);
+    row("log-threads", "a.log 1 1000001", 1);
     row("task-queue", "", 1);
     row("task-queue", "list", 1);
     row("process-task", "1", 125);
@@ -284,19 +289,6 @@ void TestSmallExamples::aTruncatedLogHoldsTheNewestLines()
     QVERIFY(example.printed().contains(text(" to 10000\n")));
 }
 
-void TestSmallExamples::missingLinesAreReported()
-{
-    if (onWindows())
-        QSKIP("The size of files cannot be limited here");
-    Example example("log-threads");
-    example.process().start(
-        text("sh"),
-        {text("-c"), text("trap '' XFSZ; ulimit -f 100; exec \"$0\" run.log"), example.program()});
-    QCOMPARE(example.finish(), 1);
-    QVERIFY(QFile(example.path("run.log")).size() > 0);
-    QCOMPARE(example.errors(), text("log-threads: The log holds a damaged line\n"));
-}
-
 void TestSmallExamples::checksumsAreWritten()
 {
     Example example("task-queue");
@@ -354,14 +346,37 @@ void TestSmallExamples::whatIsNoFileIsRefused()
     QCOMPARE(example.entries(), entries);
 }
 
+void TestSmallExamples::aListThatExistsIsKept_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QString>("error");
+    QTest::addRow("complete") << QByteArray("list") << text("task-queue: list exists already\n");
+    QTest::addRow("incomplete") << QByteArray("list.part") << text("task-queue: list.part: ");
+}
+
 void TestSmallExamples::aListThatExistsIsKept()
 {
+    QFETCH(QByteArray, name);
+    QFETCH(QString, error);
     Example example("task-queue");
-    QVERIFY(writeFile(example.path("list"), "precious"));
-    QCOMPARE(example.run({text("list"), text("list")}), 1);
-    QCOMPARE(example.errors(), text("task-queue: list exists already\n"));
-    QCOMPARE(contentOf(example.path("list")), QByteArray("precious"));
-    QCOMPARE(example.entries(), QStringList{text("list")});
+    QVERIFY(writeFile(example.path(name.constData()), "precious"));
+    QCOMPARE(example.run({text("list"), text(name)}), 1);
+    QVERIFY2(example.errors().startsWith(error), qPrintable(example.errors()));
+    QCOMPARE(contentOf(example.path(name.constData())), QByteArray("precious"));
+    QCOMPARE(example.entries(), QStringList{text(name)});
+}
+
+void TestSmallExamples::aNameWithALineBreakIsRefused()
+{
+    Example example("task-queue");
+    const QString name = text("a\nb");
+    if (!onWindows()) // such a file cannot exist there
+        QVERIFY(writeFile(example.path("a\nb"), "x"));
+    const QStringList entries = example.entries();
+    QCOMPARE(example.run({text("list"), name}), 1);
+    QCOMPARE(example.errors(),
+             text("task-queue: ") + name + text(": the name contains a line break\n"));
+    QCOMPARE(example.entries(), entries);
 }
 
 void TestSmallExamples::aCancelLeavesNoList_data()
@@ -419,6 +434,31 @@ void TestSmallExamples::argumentsArePassedAsTheyAre()
                     + arguments),
         0);
     QCOMPARE(example.printed(), arguments.join(text("\n")) + text("\n"));
+}
+
+void TestSmallExamples::theStandardInputIsPassedOn()
+{
+    if (onWindows())
+        QSKIP("There is no program that prints its input here");
+    Example example("process-task");
+    example.start({text("60"), text("cat")});
+    example.process().write("a line\nthe rest");
+    example.process().closeWriteChannel();
+    QCOMPARE(example.finish(), 0);
+    QCOMPARE(example.printed(), text("a line\nthe rest"));
+    QCOMPARE(example.errors(), QString());
+}
+
+void TestSmallExamples::theEndOfTheStandardInputIsPassedOn()
+{
+    Example example("process-task");
+    example.start({text("60"), BuildPaths::helperProgram(), text("hang"), text("6869"),
+                   text("end of input")});
+    QVERIFY(example.waitsForOutput("hi"));
+    QCOMPARE(example.entries(), QStringList());
+    example.process().closeWriteChannel();
+    QCOMPARE(example.finish(), 0);
+    QCOMPARE(example.entries(), QStringList{text("end of input")});
 }
 
 void TestSmallExamples::theTimeLimitEndsTheProgram_data()

@@ -27,6 +27,17 @@ inline void setUtf8(QTextStream &stream)
 #endif
 }
 
+/// Decode the bytes before the first null byte, as Qt 5 does with a QByteArray.
+inline QString fromUtf8(const QByteArray &bytes)
+{
+    return QString::fromUtf8(bytes.constData());
+}
+
+inline QString fromLatin1(const QByteArray &bytes)
+{
+    return QString::fromLatin1(bytes.constData());
+}
+
 /// Decodes UTF-8, or UTF-16 or UTF-32 if the text begins with their byte order mark. The mark is
 /// removed.
 inline QString decodedUnicode(const QByteArray &content)

@@ -158,7 +158,7 @@ void SevenZipCommand::endRefused()
 
 void SevenZipCommand::readOutput()
 {
-    owner_->setOutput(QString::fromUtf8(process_->readAllStandardOutput()));
+    owner_->setOutput(QtVersion::fromUtf8(process_->readAllStandardOutput()));
 }
 
 void SevenZipCommand::readLines()

@@ -1,5 +1,7 @@
 #include <Utility/Formats/ArchiverOutput_p.h>
 
+#include <Utility/QtVersion_p.h>
+
 #include <QtCore/QStringList>
 
 #include <algorithm>
@@ -32,7 +34,7 @@ QByteArray withoutLineEnd(QByteArray line)
 
 QString simplifiedLatin1(const QByteArray &line)
 {
-    return QString::fromLatin1(line).simplified();
+    return QtVersion::fromLatin1(line).simplified();
 }
 
 // The text after the first \a count blanks; empty if there are fewer.
@@ -160,7 +162,7 @@ private:
 // The text of a header line "KEY = TEXT".
 QString headerText(const QByteArray &line, const QByteArray &key)
 {
-    return QString::fromUtf8(line.mid(key.size()));
+    return QtVersion::fromUtf8(line.mid(key.size()));
 }
 
 // The first method in the list that SevenZip::Method contains, without its parameters: "LZMA2" for
@@ -194,7 +196,7 @@ public:
     bool hasName() const { return line_.size() >= packedEnd_ + 2; }
 
     // In the row of an entry its name, in the totals the number of files.
-    QString name() const { return QString::fromUtf8(line_.mid(packedEnd_ + 2)); }
+    QString name() const { return QtVersion::fromUtf8(line_.mid(packedEnd_ + 2)); }
 
     QByteArray size() const { return line_.mid(SizeAt, sizeEnd_ - SizeAt).trimmed(); }
     QByteArray packedSize() const { return line_.mid(sizeEnd_, packedEnd_ - sizeEnd_).trimmed(); }
@@ -307,7 +309,7 @@ public:
         static const QByteArray prefix = QByteArrayLiteral("Extracting  ");
         const QByteArray line = withoutLineEnd(bytes);
         if (line.startsWith(prefix))
-            events_.file(QString::fromUtf8(line.mid(prefix.size())));
+            events_.file(QtVersion::fromUtf8(line.mid(prefix.size())));
         else
             readExtractionTotals(line, events_);
     }
@@ -347,7 +349,7 @@ private:
         QByteArray name = line.mid(2);
         if (name.endsWith(separator_))
             name.chop(1);
-        events_.file(QString::fromUtf8(name));
+        events_.file(QtVersion::fromUtf8(name));
     }
 
     // A comment without braces can contain lines that look like names ("- NAME"), and nothing marks

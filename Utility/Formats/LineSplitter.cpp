@@ -13,7 +13,7 @@ QList<QByteArray> LineSplitter::add(const QByteArray &block)
         const QtVersion::Size end = block.indexOf('\n', from);
         const QtVersion::Size length = (end < 0 ? block.size() : end) - from;
         partialLine_.append(block.constData() + from,
-                            std::min<QtVersion::Size>(length, MaxLineLength - partialLine_.size()));
+                            std::min(length, MaxLineLength - partialLine_.size()));
         if (end < 0)
             break;
         lines << partialLine_ + '\n';

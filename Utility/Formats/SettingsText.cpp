@@ -85,7 +85,7 @@ void findEnd(const QByteArray &content, Entry &entry)
 // "/".
 QString decodedName(const QByteArray &bytes)
 {
-    const QString name = QString::fromUtf8(bytes);
+    const QString name = QtVersion::fromUtf8(bytes);
     QString decoded;
     for (Size i = 0; i < name.size(); ++i) {
         const bool isWide = QStringView(name).mid(i).startsWith(QLatin1String("%U"));
@@ -110,7 +110,7 @@ QString groupName(const QByteArray &entry)
     const QByteArray name = entry.mid(1, entry.indexOf(']') - 1).trimmed();
     if (name.compare("general", Qt::CaseInsensitive) == 0)
         return QString(); // "General" contains the values without a group
-    return name.compare("%general", Qt::CaseInsensitive) == 0 ? QString::fromLatin1(name.mid(1))
+    return name.compare("%general", Qt::CaseInsensitive) == 0 ? QtVersion::fromLatin1(name.mid(1))
                                                               : decodedName(name);
 }
 
@@ -217,7 +217,7 @@ QString textOfStored(const QString &stored)
         return stored.startsWith(QLatin1String(type)) && stored.endsWith(QLatin1Char(')'));
     };
     if (isOf("@ByteArray("))
-        return QString::fromUtf8(stored.mid(11).chopped(1).toLatin1());
+        return QtVersion::fromUtf8(stored.mid(11).chopped(1).toLatin1());
     if (isOf("@String("))
         return stored.mid(8).chopped(1);
     if (stored == QLatin1String("@Invalid()"))
@@ -279,7 +279,7 @@ QMap<QString, QString> settingsTexts(const QByteArray &content)
         if (entry.key.isNull())
             continue;
         const QByteArray value = content.mid(entry.valueBegin, entry.end - entry.valueBegin);
-        texts.insert(entry.key, textOfStored(decodedValue(QString::fromUtf8(value))));
+        texts.insert(entry.key, textOfStored(decodedValue(QtVersion::fromUtf8(value))));
     }
     return texts;
 }

@@ -22,6 +22,9 @@ QStringList namesThatAreNoText(const QString &folder);
 /// Whether a process with this id runs on this machine.
 bool isRunning(qint64 process);
 
+/// Lets the program go on when the reader of its output ends.
+void ignoreEndOfReader();
+
 /// The signals that ask this program to end.
 QVector<int> endSignals();
 

@@ -8,6 +8,7 @@
 #include "LocalRun.h"
 #include "Options.h"
 #include "Output.h"
+#include "Platform.h"
 #include "Progress.h"
 #include "Report.h"
 #include "RunCase.h"
@@ -133,6 +134,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("cluster-study"));
     // SevenZip writes the arguments of 7-Zip to Qt's debug channel, which is not needed here.
     QLoggingCategory::setFilterRules(QStringLiteral("vorn.utility.debug=false"));
+    ignoreEndOfReader();
     if (QCoreApplication::arguments().value(1) == QLatin1String(RunCaseOption))
         return runCaseOfJob();
     QElapsedTimer time;

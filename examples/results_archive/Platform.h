@@ -7,6 +7,9 @@ namespace ResultsArchive {
 /// Whether the standard output is a terminal.
 bool isTerminal();
 
+/// Lets the program go on when the reader of its output ends.
+void ignoreEndOfReader();
+
 /// A command line that lists the file whose path is in the environment variable \a variable. The
 /// path itself cannot be part of a command line, which has letters of Latin-1 only.
 QString listingCommand(const QString &variable);

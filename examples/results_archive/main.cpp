@@ -6,6 +6,7 @@
 #include "Display.h"
 #include "Job.h"
 #include "Options.h"
+#include "Platform.h"
 #include "Tasks.h"
 
 #include <Utility/AsyncTaskProcessor.h>
@@ -78,6 +79,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("results-archive"));
     // SevenZip writes the arguments of 7-Zip to Qt's debug channel, which is not needed here.
     QLoggingCategory::setFilterRules(QStringLiteral("vorn.utility.debug=false"));
+    ignoreEndOfReader();
     QElapsedTimer time;
     time.start();
 

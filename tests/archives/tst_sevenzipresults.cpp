@@ -96,6 +96,7 @@ void TestSevenZipResults::linesOfAnExtraction_data()
         "e.txt\n",
         names("größe.txt"));
     row("UTF-8 is not decoded", "Extracting  \xc3\xb6.txt\n", names("Ã¶.txt"));
+    row("a null byte", QByteArray("Extracting  a\0b\n", 16), names("a"));
     row("a newer program's archive line", "Extracting archive: x.7z\n", names("archive: x.7z"));
     row("a longer first word", "ExtractingSome more words\n", names("more words"));
     row("no name", "Extracting\n", {QString()});

@@ -67,6 +67,7 @@ private Q_SLOTS:
     void namesThatHoldTheFoldersPathArePacked();
     void linksAreLeftOutAndLogged();
     void emptyFilesArePacked();
+    void aReaderThatEndsDoesNotEndTheRun();
 };
 
 void TestResultsArchive::aFolderIsPackedWithNothingLost_data()
@@ -396,6 +397,19 @@ void TestResultsArchive::emptyFilesArePacked()
     QCOMPARE(site.run({QStringLiteral("--archive"), site.archive(), site.dataFolder()}), 0);
     QVERIFY(site.output().contains(
         QStringLiteral("Packed and verified: 1 files, 0.0 MiB in 0.0 MiB (-), ")));
+}
+
+void TestResultsArchive::aReaderThatEndsDoesNotEndTheRun()
+{
+    NEED_ARCHIVER;
+    Site site(resultsTree());
+    site.useRealArchiver();
+    site.start({QStringLiteral("--archive"), site.archive(), site.dataFolder()});
+    QVERIFY(site.process().waitForReadyRead(TimeLimit));
+    site.process().closeReadChannel(QProcess::StandardOutput);
+    QCOMPARE(site.finish(), 0);
+    QVERIFY(QFile::exists(site.archive()));
+    QVERIFY(site.isTempFolderClean());
 }
 
 QTEST_GUILESS_MAIN(TestResultsArchive)

@@ -40,6 +40,7 @@ private Q_SLOTS:
     void aValueIsReadAsByQt_data();
     void aValueIsReadAsByQt();
     void namesAreReadAsUtf8();
+    void namesAndValuesEndAtANullByte();
     void theFormIsThatOfQt_data();
     void theFormIsThatOfQt();
     void whatQtWritesIsRead_data();
@@ -164,6 +165,16 @@ void TestSettingsText::namesAreReadAsUtf8()
     QCOMPARE(settingsTexts(content), (Texts{{QString::fromUtf8(key), QStringLiteral("x")}}));
     const QString readKey = IsQt5 ? QString::fromLatin1(key) : QString::fromUtf8(key);
     QCOMPARE(readByQt(content), (Texts{{readKey, QStringLiteral("x")}}));
+}
+
+void TestSettingsText::namesAndValuesEndAtANullByte()
+{
+    const QByteArray content = QByteArray("[24.0^x]\nName^y=a^b\n").replace('^', '\0');
+    const QByteArray changed = QByteArray("[24.0^x]\nName=c\n").replace('^', '\0');
+    QCOMPARE(settingsTexts(content), (Texts{{QStringLiteral("24.0/Name"), QStringLiteral("a")}}));
+    QCOMPARE(withSettingsText(content, QStringLiteral("24.0"), QStringLiteral("Name"),
+                              QStringLiteral("c")),
+             changed);
 }
 
 void TestSettingsText::theFormIsThatOfQt_data()

@@ -25,12 +25,7 @@ CaseProcess::CaseProcess()
     : system_(std::make_unique<System>())
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    // As Qt 5 does: if the reader of the study's output ends, the study goes on.
-    std::signal(SIGPIPE, SIG_IGN);
-    setChildProcessModifier([this] {
-        std::signal(SIGPIPE, SIG_DFL);
-        system_->prepareChild();
-    });
+    setChildProcessModifier([this] { system_->prepareChild(); });
 #endif
 }
 

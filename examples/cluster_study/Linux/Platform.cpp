@@ -52,6 +52,11 @@ bool isRunning(qint64 process)
     return kill(static_cast<pid_t>(process), 0) == 0 || errno != ESRCH;
 }
 
+void ignoreEndOfReader()
+{
+    std::signal(SIGPIPE, SIG_IGN); // Qt restores it in child processes
+}
+
 QVector<int> endSignals()
 {
     QVector<int> all{SIGINT, SIGTERM};

@@ -43,6 +43,8 @@ bool isRunning(qint64 process)
     return isRunning;
 }
 
+void ignoreEndOfReader() { }
+
 QVector<int> endSignals()
 {
     return {SIGINT, SIGTERM, SIGBREAK}; // SIGBREAK also when the window of the console is closed

@@ -2,6 +2,7 @@
 
 #include <QtCore/QFile>
 
+#include <csignal>
 #include <unistd.h>
 
 namespace ResultsArchive {
@@ -9,6 +10,11 @@ namespace ResultsArchive {
 bool isTerminal()
 {
     return isatty(STDOUT_FILENO) != 0;
+}
+
+void ignoreEndOfReader()
+{
+    std::signal(SIGPIPE, SIG_IGN); // Qt restores it in child processes
 }
 
 QString listingCommand(const QString &variable)

@@ -11,6 +11,8 @@ bool isTerminal()
     return _isatty(_fileno(stdout)) != 0;
 }
 
+void ignoreEndOfReader() { }
+
 QString listingCommand(const QString &variable)
 {
     return QStringLiteral("@dir /a /b \"%%1%\"").arg(variable);

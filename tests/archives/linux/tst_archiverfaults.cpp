@@ -219,8 +219,8 @@ void TestArchiverFaults::anArchiverThatCannotBeStartedGivesFalseAndNoSignal()
     const FakeArchiver fake;
     SevenZip archive;
     const Ends ends(archive);
-    const int starts = 2 * Operations;
-    const int descriptors = openDescriptors() + starts * descriptorsLeftByQt();
+    const int leftByQt = 2 * Operations * descriptorsLeftByQt();
+    const int descriptors = openDescriptors() + leftByQt;
     for (int operation = 0; operation < Operations; ++operation) {
         QVERIFY(!run(archive, operation));
         start(archive, operation);

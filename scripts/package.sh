@@ -118,7 +118,7 @@ windows() {
 
 for part in "$@"; do
     say "Packages: $part"
-    rm -rf "$unfinished" "build/packages/$part"
+    rm -rf "$unfinished"
     case $part in
     debian) debian debian_qt5 ;;
     debian-qt6)
@@ -128,6 +128,7 @@ for part in "$@"; do
     windows) windows ;;
     *) echo "package.sh: no such part: $part" >&2; exit 1 ;;
     esac
+    rm -rf "build/packages/$part"
     mv "$unfinished/packages" "build/packages/$part"
 done
 find build/packages -maxdepth 2 '(' -name '*.deb' -o -name '*.zip' ')' -printf '%p  %k KiB\n' | sort

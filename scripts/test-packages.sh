@@ -5,7 +5,7 @@
 # is built with them is the one in README.md. The parts, debian and windows by default:
 #   debian      in a bare Debian 12: installs the packages, runs the example programs, builds a program with
 #               CMake and with pkg-config and runs it, and checks that nothing is left after the removal
-#   debian-qt6  the same with the packages for Qt 6
+#   debian-qt6  builds the program with the packages for Qt 6, which are installed beside those for Qt 5
 #   windows     builds the program with the unpacked zip and runs it with Wine and the DLLs of the zip
 #
 # The bare Debian lies in a temporary folder (about 1 GiB), which is removed at the end, also after a failure.
@@ -141,7 +141,7 @@ run_examples() {
 
 tools="g++ cmake make pkg-config 7zip gdb-minimal" # for build_program
 build_program() {
-    local folder=$root/root/program
+    local folder=$root/root/program qt6=${1:-}
     copy_program "$folder"
     if [ -n "$qt6" ]; then sed -i 's/find_package(VORNUtility /find_package(VORNUtilityQt6 /' "$folder/CMakeLists.txt"; fi
     say "With CMake"
@@ -160,8 +160,12 @@ build_program() {
     rm -r "$folder"
 }
 
+build_with_both() {
+    build_program
+    build_program -qt6
+}
+
 test_debian() {
-    qt6=
     make_root
     say "The library and the tools"
     with_packages run_examples "" libvornutility24 libvornutility-tools
@@ -172,10 +176,11 @@ test_debian() {
 }
 
 test_debian_qt6() {
-    qt6=-qt6
+    [ -d build/packages/debian ] || scripts/package.sh debian
     make_root
-    say "The library and the development files"
-    with_packages build_program "$tools" libvornutility-qt6-24 libvornutility-qt6-dev libvornutility-qt6-24-dbgsym
+    say "The libraries for both versions of Qt"
+    with_packages build_with_both "$tools" libvornutility24 libvornutility-dev libvornutility24-dbgsym \
+        libvornutility-qt6-24 libvornutility-qt6-dev libvornutility-qt6-24-dbgsym
     umount "$root/proc"
     rm -rf --one-file-system "$root"
 }

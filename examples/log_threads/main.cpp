@@ -1,9 +1,4 @@
-// Writes a log from several threads, reads it back and says what it holds:
-//
-//     log-threads LOG [THREADS [LINES]]
-//
-// Shows that threads may share a log, and that the size limit removes only the oldest lines. An
-// older file LOG is replaced. Ends with 0 if the log holds what it should, otherwise with 1.
+// Shows that threads may share a log, and that the size limit removes only the oldest lines.
 
 #include <Utility/Log.h>
 
@@ -20,6 +15,14 @@
 using namespace Vorn::Util;
 
 namespace {
+
+constexpr char Help[] = R"(Usage: log-threads LOG [THREADS [LINES]]
+
+Writes a log from several threads, reads it back and says what it holds. There are 1 to 100
+threads (default 4), and each writes LINES lines (default 10000). A file LOG that exists is
+replaced.
+
+Exit codes: 0 the log holds what it should, 1 it does not.)";
 
 void print(std::FILE *stream, const QString &line)
 {
@@ -135,15 +138,15 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const QString usage = QStringLiteral("Usage: log-threads LOG [THREADS [LINES]]");
+    const QString help = QString::fromLatin1(Help);
     if (arguments.value(1) == QLatin1String("--help")) {
-        print(stdout, usage);
+        print(stdout, help);
         return 0;
     }
     const int threads = number(arguments, 2, 4);
     const int lines = number(arguments, 3, 10000);
     if (arguments.size() < 2 || arguments.size() > 4 || threads == 0 || threads > 100 || lines == 0)
-        return fail(usage);
+        return fail(help.section(QLatin1Char('\n'), 0, 0));
 
     Log log(QDir::current().absoluteFilePath(arguments.at(1)), Log::NoFileTimeStamp);
     if (!log.open(false)) {

@@ -1,11 +1,4 @@
-// Runs a program with a time limit:
-//
-//     process-task SECONDS PROGRAM [ARGUMENT...]
-//
-// Shows a task around a QProcess: when a task may be deleted, and how to end a program. Ends with
-// the exit code of the program; with 124 if the time limit ended it, 126 if it crashed, 127 if it
-// could not be started, 125 after a wrong call. Processes that the program has started are not
-// ended. If process-task itself is killed, the program goes on without a limit.
+// Shows a task around a QProcess: when a task may be deleted, and how to end a program.
 
 #include <Utility/AsyncTask.h>
 #include <Utility/AsyncTaskProcessor.h>
@@ -19,6 +12,14 @@
 using namespace Vorn::Util;
 
 namespace {
+
+constexpr char Help[] = R"(Usage: process-task SECONDS PROGRAM [ARGUMENT...]
+
+Runs a program with a time limit. Processes that the program has started are not ended with it.
+If process-task itself is killed, the program goes on without a limit.
+
+Exit codes: that of the program; 124 the time limit ended it, 125 a wrong call, 126 it crashed,
+127 it could not be started.)";
 
 enum ExitCode : int { TimedOut = 124, WrongCall = 125, Crashed = 126, NotStarted = 127 };
 
@@ -112,14 +113,14 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const QString usage = QStringLiteral("Usage: process-task SECONDS PROGRAM [ARGUMENT...]");
+    const QString help = QString::fromLatin1(Help);
     if (arguments.value(1) == QLatin1String("--help")) {
-        print(stdout, usage);
+        print(stdout, help);
         return 0;
     }
     const double seconds = arguments.value(1).toDouble(); // 0 if it is no number
     if (arguments.size() < 3 || !(seconds >= 0.001 && seconds <= 1000000)) {
-        report(usage);
+        report(help.section(QLatin1Char('\n'), 0, 0));
         return WrongCall;
     }
 

@@ -1,10 +1,5 @@
-// Writes the SHA-256 checksums of files into a new file:
-//
-//     task-queue LIST FILE...
-//
 // Shows a queue of tasks with a line about the progress, a cancel with Ctrl-C, and a clean-up task
-// that runs after a failure or a cancel too. Ends with 0 if the list was written; otherwise there
-// is no list, and the exit code is 130 after a cancel and 1 after a failure.
+// that runs after a failure or a cancel too.
 
 #include <Utility/AsyncTask.h>
 #include <Utility/AsyncTaskMonitor.h>
@@ -22,6 +17,14 @@
 using namespace Vorn::Util;
 
 namespace {
+
+constexpr char Help[] = R"(Usage: task-queue LIST FILE...
+
+Writes the SHA-256 checksums of files into the new file LIST. There is no list after a failure,
+or after a cancel with Ctrl-C.
+
+Exit codes: 0 the list was written, 1 a failure, 130 a cancel.
+)";
 
 volatile std::sig_atomic_t cancelRequested = 0;
 
@@ -140,13 +143,13 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList files = QCoreApplication::arguments().mid(2);
-    const QString usage = QStringLiteral("Usage: task-queue LIST FILE...");
+    const QString help = QString::fromLatin1(Help);
     if (QCoreApplication::arguments().value(1) == QLatin1String("--help")) {
-        print(stdout, usage + QLatin1Char('\n'));
+        print(stdout, help);
         return 0;
     }
     if (files.isEmpty())
-        return fail(usage);
+        return fail(help.section(QLatin1Char('\n'), 0, 0));
     List list{{}, QCoreApplication::arguments().at(1), files.size()};
     list.file.setFileName(list.name + QStringLiteral(".part"));
     if (QFile::exists(list.name))

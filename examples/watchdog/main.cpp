@@ -1,10 +1,6 @@
-// Waits until other programs have written the line "done" at the end of files:
-//
-//     task-watchdog LOG SECONDS FILE...
-//
 // Shows how to end a task that never ends by itself. A watchdog deletes the running task when it
-// has reported no progress for this time. The processor counts it as failed and skips to its
-// clean-up task. Ends with 0 if all files are done, otherwise with 1.
+// has reported no progress for some time. The processor counts it as failed and skips to its
+// clean-up task.
 //
 // The watchdog needs the event loop: it cannot end a task that never returns to it.
 
@@ -23,6 +19,14 @@
 using namespace Vorn::Util;
 
 namespace {
+
+constexpr char Help[] = R"(Usage: task-watchdog LOG SECONDS FILE...
+
+Waits until other programs have written the line "done" at the end of each file, one file after
+another. Gives up when the size of the file has not changed for SECONDS. What happens is added
+to LOG.
+
+Exit codes: 0 all files are done, 1 a failure.)";
 
 void print(std::FILE *stream, const QString &line)
 {
@@ -150,15 +154,15 @@ int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const QString usage = QStringLiteral("Usage: task-watchdog LOG SECONDS FILE...");
+    const QString help = QString::fromLatin1(Help);
     if (arguments.value(1) == QLatin1String("--help")) {
-        print(stdout, usage);
+        print(stdout, help);
         return 0;
     }
     const QStringList files = arguments.mid(3);
     const double seconds = arguments.value(2).toDouble(); // 0 if it is no number
     if (files.isEmpty() || !(seconds >= 0.001 && seconds <= 1000000))
-        return fail(usage);
+        return fail(help.section(QLatin1Char('\n'), 0, 0));
     Log log(QDir::current().absoluteFilePath(arguments.at(1)), Log::NoFileTimeStamp);
     if (!log.open(true)) {
         return fail(QStringLiteral("The log cannot be written: %1")

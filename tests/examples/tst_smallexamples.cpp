@@ -201,6 +201,7 @@ void TestSmallExamples::theHelpIsPrinted()
     Example example(name.toLatin1().constData());
     QCOMPARE(example.run({text("--help")}), 0);
     QVERIFY2(example.printed().startsWith(text("Usage: ") + name), qPrintable(example.printed()));
+    QVERIFY2(example.printed().contains(text("\nExit codes: ")), qPrintable(example.printed()));
     QCOMPARE(example.entries(), QStringList());
 }
 

@@ -27,7 +27,7 @@ inline void setUtf8(QTextStream &stream)
 #endif
 }
 
-/// Decode the bytes before the first null byte, as Qt 5 does with a QByteArray.
+/// Decodes the bytes before the first null byte, as Qt 5 does with a QByteArray.
 inline QString fromUtf8(const QByteArray &bytes)
 {
     return QString::fromUtf8(bytes.constData());

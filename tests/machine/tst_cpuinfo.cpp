@@ -356,6 +356,10 @@ void TestCpuInfo::onlyAFileWithinTheLimitsIsRead_data()
     QTest::newRow("entity in a comment") << root("<!-- <!ENTITY e \"a\"> -->") << true;
     QTest::newRow("unknown entity") << root("<b>&unknown;</b>") << false;
     QTest::newRow("one attribute twice") << root("<b a=\"1\" a=\"2\"/>") << false;
+    QTest::newRow("two colons in a name") << root("<a:b:c/>") << false;
+    QTest::newRow("XML 1.1") << "<?xml version=\"1.1\"?>\n" + root("") << false;
+    QTest::newRow("unknown encoding")
+        << "<?xml version=\"1.0\" encoding=\"unknown\"?>\n" + root("") << false;
     QTest::newRow("undeclared prefix") << root("<a:b a:c=\"1\"/>") << true;
 }
 

@@ -133,6 +133,8 @@ configure_file("${files}/copyright.in" "${made}/copyright" @ONLY)
 configure_file("${files}/changelog.in" "${made}/changelog" @ONLY)
 pack("${made}/changelog" "${made}/changelog.Debian.gz")
 pack("${CMAKE_CURRENT_SOURCE_DIR}/CHANGELOG.md" "${made}/changelog.gz")
+# The manual pages of the programs, which package.sh writes.
+install(DIRECTORY "${made}/man1" DESTINATION "${CMAKE_INSTALL_MANDIR}" COMPONENT tools OPTIONAL)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     install(FILES "${made}/copyright" "${made}/changelog.Debian.gz" "${made}/changelog.gz"
         DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/${${component}}" COMPONENT ${component})

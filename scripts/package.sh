@@ -44,6 +44,23 @@ build_examples() {
     done
 }
 
+# cached FOLDER NAME: the value that CMake keeps in a build folder.
+cached() { sed -n "s/^$2:[A-Z]*=//p" "$1/CMakeCache.txt"; }
+
+# write_manual_pages: writes the manual pages of the example programs, from what they print as help.
+write_manual_pages() {
+    local program folder=$unfinished pages=$unfinished/library/packages/man1
+    need help2man
+    mkdir -p "$pages"
+    for program in "$folder"/examples/*/*; do
+        if [ -f "$program" ] && [ -x "$program" ]; then
+            help2man --no-info --name="$(cached "$(dirname "$program")" CMAKE_PROJECT_DESCRIPTION)" \
+                --version-string="$(cached "$folder/library" CMAKE_PROJECT_VERSION)" "$program" |
+                gzip -9n >"$pages/$(basename "$program").1.gz"
+        fi
+    done
+}
+
 # pack: packs the library, and the examples as a part of its tools, in the folder "packages".
 pack() {
     local folder=$project/$unfinished projects example
@@ -102,6 +119,7 @@ debian() {
 debian_qt5() {
     build linux-release -DCMAKE_INSTALL_PREFIX=/usr
     build_examples -DCMAKE_INSTALL_PREFIX=/usr
+    write_manual_pages
 }
 
 debian_qt6() { build linux-qt6 -DCMAKE_INSTALL_PREFIX=/usr; }

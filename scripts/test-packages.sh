@@ -24,6 +24,7 @@ case " $* " in
 esac
 need_build_tools
 
+major=$(sed -nE 's/.*int Major = ([0-9]+);.*/\1/p' Utility/Version.h) # a part of the names of the packages
 scratch=$(mktemp -d)
 root=$scratch/root
 copy= # of the bare Debian, while it is being written
@@ -132,6 +133,7 @@ run_examples() {
             say "$program --help"
             in_root "$program" --help >"$scratch/help"
             grep -qi usage "$scratch/help"
+            in_root test -e "/usr/share/man/man1/$(basename "$program").1.gz"
         fi
     done
     [ -s "$scratch/help" ]
@@ -168,9 +170,9 @@ build_with_both() {
 test_debian() {
     make_root
     say "The library and the tools"
-    with_packages run_examples "" libvornutility24 libvornutility-tools
+    with_packages run_examples "" "libvornutility$major" libvornutility-tools
     say "The library and the development files"
-    with_packages build_program "$tools" libvornutility24 libvornutility-dev libvornutility24-dbgsym
+    with_packages build_program "$tools" "libvornutility$major" libvornutility-dev "libvornutility$major-dbgsym"
     umount "$root/proc"
     rm -rf --one-file-system "$root"
 }
@@ -179,8 +181,8 @@ test_debian_qt6() {
     [ -d build/packages/debian ] || scripts/package.sh debian
     make_root
     say "The libraries for both versions of Qt"
-    with_packages build_with_both "$tools" libvornutility24 libvornutility-dev libvornutility24-dbgsym \
-        libvornutility-qt6-24 libvornutility-qt6-dev libvornutility-qt6-24-dbgsym
+    with_packages build_with_both "$tools" "libvornutility$major" libvornutility-dev "libvornutility$major-dbgsym" \
+        "libvornutility-qt6-$major" libvornutility-qt6-dev "libvornutility-qt6-$major-dbgsym"
     umount "$root/proc"
     rm -rf --one-file-system "$root"
 }

@@ -100,7 +100,7 @@ void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed()
 
     int lost = 0;
     int exchanges = 0;
-    for (int round = 0; round < Rounds; ++round) {
+    for (int round = 0; round < Rounds || exchanges == 0; ++round) {
         const QString made = path(QStringLiteral("made %1").arg(round));
         const QString outside = path(QStringLiteral("outside %1").arg(round));
         QVERIFY(QDir().mkpath(made + QStringLiteral("/links")));
@@ -120,7 +120,6 @@ void TestRemoveDir::aFolderThatBecomesALinkIsNeverFollowed()
         QVERIFY(QFile::rename(path("round"), made));
         lost += Files - entriesOf(outside).size();
     }
-    QVERIFY(exchanges > 0);
     QCOMPARE(lost, 0);
 }
 

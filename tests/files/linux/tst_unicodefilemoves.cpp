@@ -174,7 +174,8 @@ void TestUnicodeFileMoves::aLinkPlantedInTheMeantimeIsNeverWrittenThrough()
                 ++count;
         });
         QVERIFY(adversary.isRunning());
-        for (int round = 0; round < Rounds || adversary.count() == 0; ++round) {
+        for (int round = 0; round < Rounds; ++round) {
+            adversary.waitForWork();
             {
                 const UnicodeFile file(own());
             }
@@ -182,6 +183,7 @@ void TestUnicodeFileMoves::aLinkPlantedInTheMeantimeIsNeverWrittenThrough()
                 ++written;
             QCOMPARE(contentOf(own()), Content);
         }
+        QVERIFY(adversary.count() > 0);
     }
     unlink(link.constData());
     QCOMPARE(written, 0);
@@ -197,8 +199,9 @@ void TestUnicodeFileMoves::aPrivateFileIsPrivateAtEveryMoment()
         count += countFiles(temp, isReadableByOthers) + countFiles(folder, isReadableByOthers);
     });
     QVERIFY(adversary.isRunning());
-    for (int round = 0; round < Rounds || adversary.rounds() < Rounds; ++round) {
+    for (int round = 0; round < Rounds; ++round) {
         const UnicodeFile file(own());
+        adversary.waitForWork();
         QVERIFY(file.isOk());
     }
     QCOMPARE(adversary.count(), 0);
@@ -213,8 +216,9 @@ void TestUnicodeFileMoves::aCopyIsPrivateUntilItIsComplete()
     const Adversary adversary(
         [&](std::atomic<int> &count) { count += countFiles(temp, isPublishedTooEarly); });
     QVERIFY(adversary.isRunning());
-    for (int round = 0; round < Rounds || adversary.rounds() < Rounds; ++round) {
+    for (int round = 0; round < Rounds; ++round) {
         const UnicodeFile file(own());
+        adversary.waitForWork();
         QVERIFY(file.isOk());
     }
     QCOMPARE(adversary.count(), 0);

@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 /// A process that repeats work without a pause, until the object is destroyed. On a busy machine it
-/// may not run for a while, so a test goes on until rounds() or count() says that they have met.
+/// may not run for a while: waitForWork() gives it the time.
 class Adversary
 {
 public:
@@ -34,8 +34,14 @@ public:
 
     bool isRunning() const { return process_ > 0; }
 
-    /// How often the work was done.
-    int rounds() const { return shared_->rounds; }
+    /// Waits until the work was done once more, from its beginning.
+    void waitForWork() const
+    {
+        constexpr int Pause = 50; // microseconds
+        const int before = shared_->rounds;
+        while (shared_->rounds - before < 2)
+            usleep(Pause);
+    }
 
     /// What the work has counted.
     int count() const { return shared_->count; }
@@ -46,7 +52,7 @@ private:
     // Shared with the process, and zero at first.
     struct Shared
     {
-        std::atomic<int> rounds;
+        std::atomic<int> rounds; // how often the work was done
         std::atomic<int> count;
     };
 

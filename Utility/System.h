@@ -197,7 +197,8 @@ public:
     static QString getFlagsDirPath();
 
     /// Whether \a flag is the first word of a line in the file "VORN_flags.txt" in
-    /// getFlagsDirPath(). The file is read in each call.
+    /// getFlagsDirPath(). The file is read in each call, up to the first line of 1048576 or more
+    /// characters.
     static bool isFlagSet(const QString &flag);
 
     /// The total size of the files below \a path in bytes; 0 if the folder does not exist. Hidden

@@ -1,12 +1,11 @@
 // The flags that a user sets in the flags file.
 
-#include <Utility/Platform/SmallFile.h>
+#include <Utility/Platform/Files.h>
 #include <Utility/QtVersion_p.h>
 #include <Utility/System.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QTextStream>
-
-#include <optional>
 
 namespace Vorn::Util {
 
@@ -15,14 +14,17 @@ bool System::isFlagSet(const QString &flag)
     const QString folder = getFlagsDirPath();
     if (folder.isEmpty())
         return false;
-    const std::optional<QByteArray> content
-        = Platform::readSmallFile(folder + QStringLiteral("/VORN_flags.txt"));
-    if (!content)
+    QFile file(folder + QStringLiteral("/VORN_flags.txt"));
+    if (!Platform::openPlainFile(file))
         return false;
-    QTextStream stream(*content, QIODevice::ReadOnly | QIODevice::Text);
+    file.setTextModeEnabled(true);
+    QTextStream stream(&file);
     QtVersion::setUtf8(stream);
-    while (!stream.atEnd()) {
-        if (stream.readLine().simplified().section(QLatin1Char(' '), 0, 0) == flag)
+    constexpr int MaxLength = 1048576; // of a line, so that no file fills the memory
+    QString line;
+    while (line.size() < MaxLength && !stream.atEnd()) {
+        line = stream.readLine(MaxLength);
+        if (line.simplified().section(QLatin1Char(' '), 0, 0) == flag)
             return true;
     }
     return false;

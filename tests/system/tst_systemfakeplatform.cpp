@@ -172,7 +172,9 @@ private Q_SLOTS:
     void aFlagIsTheFirstWordOfALine_data();
     void aFlagIsTheFirstWordOfALine();
     void flagsAreReadAnewByEveryCall();
-    void aFlagsFileOfMoreThanAMebibyteSetsNoFlag();
+    void aFlagsFileMayHaveAnySize();
+    void aLineOfAMebibyteEndsTheFlags_data();
+    void aLineOfAMebibyteEndsTheFlags();
     void withoutAFlagsFileNoFlagIsSet();
     void theFlagsFolderIsKept();
     void aFlagsFolderThatCannotBeMadeIsTriedAgain();
@@ -635,14 +637,35 @@ void TestSystemFakePlatform::flagsAreReadAnewByEveryCall()
     QVERIFY(!System::isFlagSet(flag));
 }
 
-void TestSystemFakePlatform::aFlagsFileOfMoreThanAMebibyteSetsNoFlag()
+void TestSystemFakePlatform::aFlagsFileMayHaveAnySize()
 {
-    const QByteArray flag = "DebugMode\n";
-    const QByteArray longest = flag + QByteArray(1024 * 1024 - flag.size(), ' ');
-    QVERIFY(writeFile(flagsFile(), longest));
-    QVERIFY(System::isFlagSet(QStringLiteral("DebugMode")));
-    QVERIFY(writeFile(flagsFile(), longest + ' '));
-    QVERIFY(!System::isFlagSet(QStringLiteral("DebugMode")));
+    QByteArray lines = "First\n";
+    for (int number = 0; number < 300000; ++number)
+        lines += "Flag" + QByteArray::number(number) + '\n';
+    QVERIFY(writeFile(flagsFile(), lines));
+    QVERIFY(System::isFlagSet(QStringLiteral("First")));
+    QVERIFY(System::isFlagSet(QStringLiteral("Flag299999")));
+    QVERIFY(!System::isFlagSet(QStringLiteral("Flag300000")));
+    QVERIFY(QFile::remove(flagsFile()));
+}
+
+void TestSystemFakePlatform::aLineOfAMebibyteEndsTheFlags_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<bool>("isNextRead");
+    QTest::newRow("one less") << 1048575 << true;
+    QTest::newRow("1 MiB") << 1048576 << false;
+    QTest::newRow("one more") << 1048577 << false;
+}
+
+void TestSystemFakePlatform::aLineOfAMebibyteEndsTheFlags()
+{
+    QFETCH(int, length);
+    const QByteArray longLine = "Long" + QByteArray(length - 4, ' ');
+    QVERIFY(writeFile(flagsFile(), "First\n" + longLine + "\nNext\n"));
+    QVERIFY(System::isFlagSet(QStringLiteral("First")));
+    QVERIFY(System::isFlagSet(QStringLiteral("Long")));
+    QTEST(System::isFlagSet(QStringLiteral("Next")), "isNextRead");
     QVERIFY(QFile::remove(flagsFile()));
 }
 

@@ -7,6 +7,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QHash>
+#include <QtCore/QLibrary>
 #include <QtCore/QUrl>
 
 #include <array>
@@ -72,6 +73,16 @@ QString startProcess(const QString &commandLine)
 {
     const QStringList parts = commandLine.split(QLatin1Char('|'));
     return textOf(System::startProcess(parts.first(), parts.mid(1)));
+}
+
+// False when the system keeps no last error of Windows.
+bool setLastError(quint32 code)
+{
+    const auto set = reinterpret_cast<void (*)(quint32)>(
+        QLibrary::resolve(QStringLiteral("kernel32"), "SetLastError"));
+    if (set)
+        set(code);
+    return set != nullptr;
 }
 
 using Function = std::function<QString(const QString &)>;
@@ -156,6 +167,8 @@ bool SystemCalls::run(const QString &call)
         QDir(argument).removeRecursively();
     } else if (name == QLatin1String("removeFile")) {
         QFile::remove(argument);
+    } else if (name == QLatin1String("setLastError")) {
+        return setLastError(argument.toUInt());
     } else if (name == QLatin1String("printNarrow")) {
         std::printf("%s\n", argument.toLocal8Bit().constData());
     } else if (name == QLatin1String("printWide")) {

@@ -10,9 +10,9 @@
 /// - whatever the library itself prints to the standard output.
 ///
 /// Beside the functions: "setVariable=NAME=VALUE", "removeFolder=PATH", "removeFile=PATH",
-/// "printNarrow=TEXT" and "printWide=TEXT" (as C's narrow and wide functions print it). Several
-/// arguments: "readRegistryValue=NAME" or "readRegistryValue=NAME|KEYPATH",
-/// "startProcess=PROGRAM|ARGUMENT...".
+/// "printNarrow=TEXT" and "printWide=TEXT" (as C's narrow and wide functions print it), and on
+/// Windows "setLastError=CODE" (of the thread). Several arguments: "readRegistryValue=NAME" or
+/// "readRegistryValue=NAME|KEYPATH", "startProcess=PROGRAM|ARGUMENT...".
 class SystemCalls
 {
 public:

@@ -6,6 +6,7 @@
 
 #include <Utility/Registry.h>
 
+#include <QtCore/QLibrary>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
@@ -93,6 +94,19 @@ QString translators(const QStringList &lastParts, const QString &base)
     return (parts + lastParts).join(QDir::separator());
 }
 
+// The message of Windows for an error, without its line end.
+QString messageOf(quint32 code)
+{
+    constexpr quint32 FromSystemIgnoringInserts = 0x1200;
+    const auto format = reinterpret_cast<quint32 (*)(quint32, const void *, quint32, quint32,
+                                                     wchar_t *, quint32, void *)>(
+        QLibrary::resolve(QStringLiteral("kernel32"), "FormatMessageW"));
+    std::array<wchar_t, 512> message{};
+    if (format)
+        format(FromSystemIgnoringInserts, nullptr, code, 0, message.data(), 512, nullptr);
+    return QString::fromWCharArray(message.data()).trimmed();
+}
+
 QString readTranslatorsFolder()
 {
     FolderBuffer out;
@@ -155,6 +169,7 @@ private Q_SLOTS:
     void aMissingKeyIsPrinted();
     void aMissingReleaseIsPrintedUnderItsOwnName();
     void aMissingValueIsPrinted();
+    void theMessageOfAMissingValueIsThatOfTheLastError();
     void aValueThatIsReadPrintsNothing();
     void linesArePrintedAfterWideText();
 
@@ -509,6 +524,20 @@ void TestRegistry::aMissingValueIsPrinted()
     const QString missing = QStringLiteral("RegQueryValueEx: 2 ");
     QVERIFY2(outcome.printed.first().startsWith(missing), qPrintable(outcome.printed.first()));
     QVERIFY(outcome.printed.first().size() > missing.size());
+}
+
+void TestRegistry::theMessageOfAMissingValueIsThatOfTheLastError()
+{
+    if (!onWindows())
+        QSKIP("Only Windows keeps a last error beside the result of the query");
+    const SystemOutcome outcome = runCalls(
+        {QStringLiteral("setLastError=1234"), QStringLiteral("readRegistryValue=Missing")});
+    const QString message = messageOf(1234);
+    QVERIFY(!message.isEmpty());
+    QVERIFY(message != messageOf(2));
+    QCOMPARE(outcome.results, QStringList{QString()});
+    QCOMPARE(outcome.printed.size(), 1);
+    QCOMPARE(outcome.printed.first().trimmed(), QStringLiteral("RegQueryValueEx: 2 ") + message);
 }
 
 void TestRegistry::aValueThatIsReadPrintsNothing()

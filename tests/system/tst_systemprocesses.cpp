@@ -1,4 +1,5 @@
 #include "BuildPaths.h"
+#include "CurrentFolder.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
 
@@ -115,6 +116,7 @@ private Q_SLOTS:
     void aKilledProcessHasTheExitCodeOne();
 
     void aStartedProgramGetsItsArguments();
+    void aStartedProgramHasTheCallersCurrentFolder();
     void aStartedProgramOutlivesTheOneThatStartedIt();
     void aProgramThatCannotBeStartedIsFalse_data();
     void aProgramThatCannotBeStartedIsFalse();
@@ -362,6 +364,18 @@ void TestSystemProcesses::aStartedProgramGetsItsArguments()
     QVERIFY(System::startProcess(BuildPaths::helperProgram(),
                                  {QStringLiteral("copy"), source, target}));
     QTRY_COMPARE(contentOf(target), QByteArray("content"));
+}
+
+// The program copies between two names without a folder.
+void TestSystemProcesses::aStartedProgramHasTheCallersCurrentFolder()
+{
+    QVERIFY(writeFile(path(QStringLiteral("source")), "content"));
+    const CurrentFolder current(here_);
+    QVERIFY(current.isUsed());
+    QVERIFY(System::startProcess(
+        BuildPaths::helperProgram(),
+        {QStringLiteral("copy"), QStringLiteral("source"), QStringLiteral("target")}));
+    QTRY_COMPARE(contentOf(path(QStringLiteral("target"))), QByteArray("content"));
 }
 
 // Between the test and the program is a process that has ended. The program ends when its input

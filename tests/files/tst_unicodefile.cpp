@@ -40,6 +40,7 @@ private Q_SLOTS:
     void aUnicodeFolderAndNameAreBothReplaced();
     void aRelativePathIsThatOfTheCurrentFolder_data();
     void aRelativePathIsThatOfTheCurrentFolder();
+    void withoutAPathTheFolderIsTheCurrentOne();
     void theCurrentFolderIsTheSameAfterwards();
 
     void aCopyHasTheSameNames();
@@ -267,6 +268,14 @@ void TestUnicodeFile::aRelativePathIsThatOfTheCurrentFolder()
     QVERIFY(QDir::setCurrent(current_));
     QVERIFY(good);
     QVERIFY(isBack);
+}
+
+void TestUnicodeFile::withoutAPathTheFolderIsTheCurrentOne()
+{
+    const UnicodeFile file{QString()};
+    QCOMPARE(file.unicodePath(), current_);
+    QCOMPARE(file.unicodeName(), QString());
+    QVERIFY(file.isOk());
 }
 
 void TestUnicodeFile::theCurrentFolderIsTheSameAfterwards()

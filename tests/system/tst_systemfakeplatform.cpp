@@ -150,6 +150,7 @@ private Q_SLOTS:
     void aHostNameThatFailsIsAskedForElsewhere();
     void theLocalHostHasTheMachinesName();
     void aUserNameThatFailsIsReported();
+    void theUserNameIsAskedForByEveryCall();
 
     void theSearchForAnIdEndsWithTheFirstFound();
     void aProcessWithoutANameIsUnknown();
@@ -371,6 +372,14 @@ void TestSystemFakePlatform::aUserNameThatFailsIsReported()
     fakePlatform().userName = [] { return QStringLiteral("a user"); };
     QCOMPARE(System::getUserName(), QStringLiteral("a user"));
     QCOMPARE(messages.lines().size(), 1);
+}
+
+void TestSystemFakePlatform::theUserNameIsAskedForByEveryCall()
+{
+    for (const QString &name : {QStringLiteral("first user"), QStringLiteral("second user")}) {
+        fakePlatform().userName = [name] { return name; };
+        QCOMPARE(System::getUserName(), name);
+    }
 }
 
 void TestSystemFakePlatform::theSearchForAnIdEndsWithTheFirstFound()

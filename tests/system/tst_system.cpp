@@ -54,6 +54,7 @@ private Q_SLOTS:
     void programDataPathOfAnotherNameReplacesTheOneKept();
     void programDataPathIsNotCreated();
     void userDataPath();
+    void userDataPathIsNotThatOfTheVariable();
     void userDataPathIsKeptAndNotCreated();
 
     void publicDocumentsLieInTheFolderOfTheVariable();
@@ -77,6 +78,7 @@ private Q_SLOTS:
     void workingFolderOfAFileIsItsFolder();
     void workingFolderOfARelativeFileIsAbsolute();
     void workingFolderOfAFileInALinkedFolderIsTheLink();
+    void workingFolderOfALinkToAFileIsTheFolderOfTheLink();
     void settingTheWorkingFolderKeepsTheCurrentOne();
 
     void analysisFolderIsReadAgainUntilItIsFound();
@@ -219,6 +221,16 @@ void TestSystem::userDataPath()
                 .results,
             QStringList{withProductFolder(path(QStringLiteral(".local/share")))});
     }
+}
+
+void TestSystem::userDataPathIsNotThatOfTheVariable()
+{
+    if (!onWindows())
+        QSKIP("The variable has a meaning only on Windows");
+    QCOMPARE(run({QStringLiteral("getUserDataPath")},
+                 {{QStringLiteral("LOCALAPPDATA"), native(path(QStringLiteral("elsewhere")))}})
+                 .results,
+             QStringList{withProductFolder(QDir::homePath() + QStringLiteral("/AppData/Local"))});
 }
 
 void TestSystem::userDataPathIsKeptAndNotCreated()
@@ -446,6 +458,21 @@ void TestSystem::workingFolderOfAFileInALinkedFolderIsTheLink()
     QTest::ignoreMessage(QtDebugMsg, message.toUtf8().constData());
     System::setWorkingDirPath(file);
     QCOMPARE(System::getWorkingDirPath(), link);
+}
+
+void TestSystem::workingFolderOfALinkToAFileIsTheFolderOfTheLink()
+{
+    if (onWindows())
+        QSKIP("A link is a file of its own here");
+    const QString file = path(QStringLiteral("folder/a file.dat"));
+    const QString link = path(QStringLiteral("link"));
+    QVERIFY(writeFileInFolder(file, QByteArray()));
+    QVERIFY(QFile::link(file, link));
+    const QString message
+        = debugMessage("Passing file name to Util::System::setWorkingDirPath", link);
+    QTest::ignoreMessage(QtDebugMsg, message.toUtf8().constData());
+    System::setWorkingDirPath(link);
+    QCOMPARE(System::getWorkingDirPath(), here_);
 }
 
 void TestSystem::settingTheWorkingFolderKeepsTheCurrentOne()

@@ -627,24 +627,34 @@ void TestSystem::installationFolderAskedForFirstIsTheProgramFolder()
 void TestSystem::makePathCreatesAllMissingFolders_data()
 {
     QTest::addColumn<QString>("missing"); // below a folder that exists
+    QTest::addColumn<QString>("parent");  // the last folder but one that is created
 
-    QTest::newRow("one") << QStringLiteral("/a");
-    QTest::newRow("three") << QStringLiteral("/a/b/c");
-    QTest::newRow("backslashes") << QStringLiteral("\\a\\b");
-    QTest::newRow("mixed") << QStringLiteral("/a\\b/c");
-    QTest::newRow("separator at the end") << QStringLiteral("/a/b/");
-    QTest::newRow("two separators") << QStringLiteral("/a//b");
-    QTest::newRow("blanks and dots") << QStringLiteral("/a b/c.d");
+    const auto row = [](const char *name, const char *missing, const char *parent) {
+        QTest::newRow(name) << QString::fromLatin1(missing) << QString::fromLatin1(parent);
+    };
+    row("one", "/a", "");
+    row("three", "/a/b/c", "/a/b");
+    row("backslashes", "\\a\\b", "\\a");
+    row("a backslash before the last slash", "/a\\b/c", "/a\\b");
+    row("a backslash after the last slash", "/a/b\\c", "/a/b");
+    row("separator at the end", "/a/b/", "/a");
+    row("two separators", "/a//b", "/a");
+    row("blanks and dots", "/a b/c.d", "/a b");
 }
 
 void TestSystem::makePathCreatesAllMissingFolders()
 {
     QFETCH(QString, missing);
+    QFETCH(QString, parent);
 
-    const QString folder = here_ + missing;
+    // Elsewhere than on Windows, the folder "top\a" lies beside "top".
+    const QString top = path(QStringLiteral("top"));
+    QVERIFY(QDir().mkdir(top));
+    const QString folder = top + missing;
     QVERIFY(!QDir(folder).exists());
     QVERIFY(System::makePath(folder));
     QVERIFY(QDir(folder).exists());
+    QVERIFY(QDir(top + parent).exists());
     QVERIFY(System::makePath(folder));
     QCOMPARE(QDir::currentPath(), here_);
 }

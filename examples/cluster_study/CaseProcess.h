@@ -34,4 +34,9 @@ private:
     const std::unique_ptr<System> system_;
 };
 
+/// Lets this program run as many cases at a time as it may: each needs three open files, and the
+/// usual limit on Linux is 1024. The programs of the cases keep the limit that this program was
+/// started with. Call it before the first of them starts.
+void allowManyProcesses();
+
 } // namespace ClusterStudy

@@ -3,6 +3,7 @@
 // results.
 
 #include "CancelRequest.h"
+#include "CaseProcess.h"
 #include "Cluster.h"
 #include "Display.h"
 #include "LocalRun.h"
@@ -146,6 +147,7 @@ int main(int argc, char *argv[])
         return fail(problem);
     if (!canStart7Zip())
         return fail(QStringLiteral("7-Zip cannot be started"));
+    allowManyProcesses();
     CancelRequest cancel;
     StudyFolder folder(options.output);
     problem = options.resume ? folder.resume(options.study) : folder.create(options.study);

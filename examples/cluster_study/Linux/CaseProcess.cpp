@@ -2,9 +2,17 @@
 
 #include <csignal>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace ClusterStudy {
+
+namespace {
+
+rlimit filesOfCases = {};
+bool isFileLimitRaised = false;
+
+} // namespace
 
 struct CaseProcess::System
 {
@@ -18,6 +26,8 @@ struct CaseProcess::System
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         if (getppid() != parent)
             _exit(1); // the parent has ended before prctl()
+        if (isFileLimitRaised)
+            setrlimit(RLIMIT_NOFILE, &filesOfCases);
     }
 };
 
@@ -57,5 +67,14 @@ void CaseProcess::setupChildProcess()
     system_->prepareChild();
 }
 #endif
+
+void allowManyProcesses()
+{
+    if (getrlimit(RLIMIT_NOFILE, &filesOfCases) != 0)
+        return;
+    rlimit raised = filesOfCases;
+    raised.rlim_cur = raised.rlim_max;
+    isFileLimitRaised = setrlimit(RLIMIT_NOFILE, &raised) == 0;
+}
 
 } // namespace ClusterStudy

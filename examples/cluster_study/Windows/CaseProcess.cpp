@@ -47,4 +47,6 @@ void CaseProcess::endAll(bool)
 
 void CaseProcess::setupChildProcess() { }
 
+void allowManyProcesses() { } // the number of handles has no such limit
+
 } // namespace ClusterStudy

@@ -1,4 +1,5 @@
-// A parameter study whose files cannot be written completely, as on a full disk.
+// A parameter study with the limits of the system: files that cannot be written completely, as on
+// a full disk, and the number of open files.
 
 #include "FileSizeLimit.h"
 #include "TestWithStudy.h"
@@ -13,6 +14,7 @@ private Q_SLOTS:
     void aStudyThatCannotBeRecordedIsRefused();
     void aTableThatCannotBeWrittenIsAnErrorAndCanBeResumed();
     void anOlderArchiveRemainsIfPackingFails();
+    void theLimitOfOpenFilesDoesNotLimitTheCases();
 };
 
 void TestClusterStudyDisk::aStudyThatCannotBeRecordedIsRefused()
@@ -82,6 +84,32 @@ void TestClusterStudyDisk::anOlderArchiveRemainsIfPackingFails()
 
     QCOMPARE(site.runCases({text("--resume")}, actions), 0);
     QVERIFY(contentOf(site.output(text("results.7z"))) != before);
+}
+
+// Each case waits until all have started. They keep the limit of the user.
+void TestClusterStudyDisk::theLimitOfOpenFilesDoesNotLimitTheCases()
+{
+    NEED_STUDY_ARCHIVER;
+    constexpr int Count = 40;
+    const QString script = text("echo files=$(ulimit -Sn) >result.txt; : >started\n"
+                                "while [ $(ls -d ../*/started | wc -l) -lt %1 ]; do\n"
+                                "    [ $((tries += 1)) -lt 600 ] || exit 1\n"
+                                "    sleep 0.1\n"
+                                "done");
+    StudySite site;
+    QByteArray csv = "x\n";
+    for (int number = 1; number <= Count; ++number)
+        csv += QByteArray::number(number) + '\n';
+    site.writeCases(csv);
+    QProcess shell;
+    shell.setWorkingDirectory(site.path(QString()));
+    shell.start(text("sh"),
+                {text("-c"), text("ulimit -Sn 64; exec \"$@\""), text("sh"), site.program(),
+                 text("--jobs"), QString::number(Count), text("cases.csv"), text("--"), text("sh"),
+                 text("-c"), script.arg(Count)});
+    QVERIFY(shell.waitForFinished(2 * StudyTimeLimit));
+    QVERIFY2(shell.exitCode() == 0, shell.readAllStandardOutput().constData());
+    QCOMPARE(site.column(text("files")).count(text("64")), Count);
 }
 
 QTEST_GUILESS_MAIN(TestClusterStudyDisk)

@@ -25,6 +25,7 @@
 #include <Utility/SevenZip.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QTemporaryDir>
@@ -40,6 +41,11 @@ int fail(const QString &problem)
 {
     printLine(stderr, QStringLiteral("cluster-study: ") + problem);
     return CouldNotRun;
+}
+
+bool canMakeTemporaryFolders()
+{
+    return QTemporaryDir().isValid();
 }
 
 // An asynchronous operation never ends if 7-Zip cannot be started, so this is tried first. The
@@ -145,6 +151,10 @@ int main(int argc, char *argv[])
     QString problem = readOptions(options);
     if (!problem.isEmpty())
         return fail(problem);
+    if (!canMakeTemporaryFolders()) {
+        return fail(
+            QStringLiteral("A temporary folder cannot be made in %1").arg(shown(QDir::tempPath())));
+    }
     if (!canStart7Zip())
         return fail(QStringLiteral("7-Zip cannot be started"));
     allowManyProcesses();

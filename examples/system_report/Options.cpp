@@ -22,7 +22,7 @@ constexpr const char *Description
       "products.\n\n"
       "The library creates the product's folders for documents, tutorials, rules, templates and\n"
       "flags if they do not exist.\n\n"
-      "Exit codes: 0 the report is complete, 1 it could not be written.";
+      "Exit codes: 0 the report is complete, 1 it could not be made or written.";
 
 QString readSeconds(const QString &text, int &seconds)
 {

@@ -11,6 +11,8 @@
 #include "TextReport.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
 
 #include <cstdio>
 #include <cstdlib>
@@ -62,6 +64,10 @@ int main(int argc, char *argv[])
     const QString problem = readOptions(options);
     if (!problem.isEmpty())
         return fail(problem);
+    if (!QTemporaryDir().isValid()) { // which several tables need
+        return fail(QStringLiteral("A temporary folder cannot be made in %1")
+                        .arg(shownPath(QDir::tempPath())));
+    }
     collectMessages();
     return options.html.isEmpty() ? printReport(options) : writeReport(options);
 }

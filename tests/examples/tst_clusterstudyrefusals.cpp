@@ -1,5 +1,6 @@
 // What a parameter study refuses, before any case runs, and disks that are full.
 
+#include "OwnTempFolder.h"
 #include "TestWithStudy.h"
 
 #include <QtTest/QtTest>
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void anOutputFolderWithContentIsRefused();
     void anEmptyOutputFolderIsUsed();
     void aFolderWithOnlyALockThatIsStaleIsUsed();
+    void withoutATemporaryFolderNothingRuns();
     void aFolderWithoutAStudyIsNotResumed();
     void theLockOfAnotherMachineIsExplained();
     void anotherStudyIsNotResumed_data();
@@ -196,6 +198,19 @@ void TestClusterStudyRefusals::aFolderWithOnlyALockThatIsStaleIsUsed()
     QCOMPARE(entriesOf(site.output()), list("study.lock"));
     QCOMPARE(site.runCases({}, list("print x")), 0);
     QCOMPARE(site.states(), list("ok"));
+}
+
+void TestClusterStudyRefusals::withoutATemporaryFolderNothingRuns()
+{
+    StudySite site;
+    site.writeCases("x\n1\n");
+    const QString temp = QDir::toNativeSeparators(site.path(text("file")));
+    QVERIFY(writeFile(temp, "no folder"));
+    for (const char *variable : TempVariables)
+        site.environment().insert(text(variable), temp);
+    QCOMPARE(site.runCases({}, list("print x")), 1);
+    QCOMPARE(site.errors(), asError(text("A temporary folder cannot be made in ") + temp));
+    QVERIFY(!QFile::exists(site.output()));
 }
 
 void TestClusterStudyRefusals::aFolderWithoutAStudyIsNotResumed()

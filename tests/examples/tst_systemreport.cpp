@@ -2,6 +2,7 @@
 
 #include "../system/TestSettings.h"
 #include "BuildPaths.h"
+#include "OwnTempFolder.h"
 #include "TestFiles.h"
 #include "TestSystem.h"
 #include "TestWithFolder.h"
@@ -82,6 +83,7 @@ private Q_SLOTS:
     void noValueOfAVariableIsInThePage();
     void anOlderPageIsReplaced();
     void aPageThatCannotBeWrittenIsAnError();
+    void withoutATemporaryFolderThereIsNoReport();
     void aWrongCommandLineIsRefused_data();
     void aWrongCommandLineIsRefused();
     void theHelpNamesTheOptions();
@@ -319,6 +321,21 @@ void TestSystemReport::aPageThatCannotBeWrittenIsAnError()
     QVERIFY2(
         outcome.errors.startsWith(QLatin1String("system-report: The page cannot be written: ")),
         qPrintable(outcome.errors));
+}
+
+// Without one the settings would look empty, and the numbers of processors could be those of an
+// earlier day.
+void TestSystemReport::withoutATemporaryFolderThereIsNoReport()
+{
+    const QString temp = QDir::toNativeSeparators(path("file"));
+    QVERIFY(writeFile(temp, "no folder"));
+    for (const char *variable : TempVariables)
+        environment_.insert(QString::fromLatin1(variable), temp);
+    const Outcome outcome = run({});
+    QCOMPARE(outcome.exitCode, 1);
+    QCOMPARE(outcome.printed, QString());
+    QCOMPARE(outcome.errors,
+             QStringLiteral("system-report: A temporary folder cannot be made in %1\n").arg(temp));
 }
 
 void TestSystemReport::aWrongCommandLineIsRefused_data()

@@ -1,5 +1,7 @@
 #include "CancelRequest.h"
 
+#include "Platform.h"
+
 #include <csignal>
 
 namespace ResultsArchive {
@@ -18,8 +20,9 @@ extern "C" void request(int signal)
 
 CancelRequest::CancelRequest()
 {
-    std::signal(SIGINT, request);
-    std::signal(SIGTERM, request);
+    const QVector<int> signalsToEnd = endSignals();
+    for (const int signal : signalsToEnd)
+        std::signal(signal, request);
 }
 
 bool CancelRequest::isCanceled()

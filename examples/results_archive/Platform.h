@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QString>
+#include <QtCore/QVector>
 
 namespace ResultsArchive {
 
@@ -9,6 +10,9 @@ bool isTerminal();
 
 /// Lets the program go on when the reader of its output ends.
 void ignoreEndOfReader();
+
+/// The signals that ask this program to end.
+QVector<int> endSignals();
 
 /// A command line that lists the file whose path is in the environment variable \a variable. The
 /// path itself cannot be part of a command line, which has letters of Latin-1 only.

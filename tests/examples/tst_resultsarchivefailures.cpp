@@ -104,7 +104,7 @@ void TestResultsArchiveFailures::aSignalCancelsTheRun_data()
 {
     QTest::addColumn<QString>("signal");
     QTest::addColumn<int>("exitCode");
-    for (const char *signal : {"INT", "TERM"}) {
+    for (const char *signal : {"INT", "TERM", "HUP"}) {
         QTest::addRow("%s", signal) << QString::fromLatin1(signal) << 0;
         QTest::addRow("%s, archiver stopped as well", signal) << QString::fromLatin1(signal) << 2;
     }

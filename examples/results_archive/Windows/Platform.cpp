@@ -1,5 +1,6 @@
 #include "Platform.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <io.h>
@@ -12,6 +13,11 @@ bool isTerminal()
 }
 
 void ignoreEndOfReader() { }
+
+QVector<int> endSignals()
+{
+    return {SIGINT, SIGTERM, SIGBREAK}; // SIGBREAK also when the window of the console is closed
+}
 
 QString listingCommand(const QString &variable)
 {

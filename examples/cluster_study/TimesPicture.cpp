@@ -86,7 +86,12 @@ QString rectangle(double x, double y, double width, double height, const QString
 
 QString seconds(double milliseconds)
 {
-    return QString::number(milliseconds / 1000, 'g', 3) + QStringLiteral(" s");
+    const double value = milliseconds / 1000;
+    // The form with significant digits is "1e+03" from here on.
+    constexpr double FirstWithExponent = 999.5;
+    return (value < FirstWithExponent ? QString::number(value, 'g', 3)
+                                      : QString::number(value, 'f', 0))
+        + QStringLiteral(" s");
 }
 
 QString axes(qint64 longest, int cases)

@@ -88,6 +88,8 @@ private Q_SLOTS:
     void thePictureHasABarForEachCaseThatRan();
     void thePictureOfManyCasesHasFewerBars();
     void thePictureShowsTheWorstStateOfABar();
+    void theTimesInThePictureAreWrittenOut_data();
+    void theTimesInThePictureAreWrittenOut();
     void theTimeLeftIsInProportion_data();
     void theTimeLeftIsInProportion();
     void aStepIsShownInsteadOfTheTimeLeft();
@@ -475,6 +477,36 @@ void TestClusterStudyRules::thePictureShowsTheWorstStateOfABar()
     const int reds = timesPicture(ends).count("#c0392b"); // in the legend
     ends[5000] = {CaseEnd::Failed, 1, 1, text("Exit code 1")};
     QCOMPARE(timesPicture(ends).count("#c0392b"), reds + 1);
+}
+
+void TestClusterStudyRules::theTimesInThePictureAreWrittenOut_data()
+{
+    QTest::addColumn<qint64>("milliseconds"); // of the longest case
+    QTest::addColumn<QStringList>("times");
+    const auto row = [](const char *name, qint64 milliseconds, const char *times) {
+        QTest::newRow(name) << milliseconds << list(times);
+    };
+    row("a millisecond", 1, "0 0.00025 0.0005 0.00075 0.001");
+    row("a fraction of a second", 310, "0 0.0775 0.155 0.233 0.31");
+    row("just below 1000 seconds", 999499, "0 250 500 750 999");
+    row("1000 seconds", 999600, "0 250 500 750 1000");
+    row("two hours", 7200000, "0 1800 3600 5400 7200");
+    row("a month", qint64(2592000) * 1000, "0 648000 1296000 1944000 2592000");
+}
+
+void TestClusterStudyRules::theTimesInThePictureAreWrittenOut()
+{
+    QFETCH(qint64, milliseconds);
+    QStringList times;
+    QXmlStreamReader reader(timesPicture({okAfter(milliseconds)}));
+    while (reader.readNextStartElement() || !reader.atEnd()) {
+        if (reader.name() != text("text"))
+            continue;
+        const QString label = reader.readElementText();
+        if (label.endsWith(text(" s")))
+            times << label.chopped(2);
+    }
+    QTEST(times, "times");
 }
 
 void TestClusterStudyRules::theTimeLeftIsInProportion_data()

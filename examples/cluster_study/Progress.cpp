@@ -8,7 +8,7 @@ namespace ClusterStudy {
 
 qint64 timeLeft(const Progress &progress, qint64 elapsed)
 {
-    const int ended = progress.ok + progress.failed;
+    const int ended = progress.ok + progress.failed + progress.cancelled;
     if (ended == 0)
         return -1;
     const double perCase = static_cast<double>(elapsed) / ended;

@@ -285,6 +285,7 @@ void SlurmRun::caseEnded(int number, const CaseEnd &end)
     } else if (isStopping_) {
         // The user has cancelled it.
     } else if (end.state == CaseEnd::Cancelled) {
+        ++progress_.cancelled;
         printLine(stdout, QStringLiteral("Case %1 cancelled: Slurm ended its job").arg(number));
     } else {
         ++progress_.failed;

@@ -92,6 +92,7 @@ private Q_SLOTS:
     void theTimesInThePictureAreWrittenOut();
     void theTimeLeftIsInProportion_data();
     void theTimeLeftIsInProportion();
+    void theTimeLeftDoesNotIncludeCancelledCases();
     void aStepIsShownInsteadOfTheTimeLeft();
     void filesThatCannotBePackedAreLeftOut();
 };
@@ -540,6 +541,17 @@ void TestClusterStudyRules::theTimeLeftIsInProportion()
     progress.failed = failed;
     progress.running = 2;
     QCOMPARE(progressLine(progress, 10000), line);
+}
+
+void TestClusterStudyRules::theTimeLeftDoesNotIncludeCancelledCases()
+{
+    Progress progress;
+    progress.total = 12;
+    progress.ok = 6;
+    progress.failed = 1;
+    progress.cancelled = 3;
+    progress.running = 2;
+    QCOMPARE(timeLeft(progress, 10000), qint64(2000));
 }
 
 void TestClusterStudyRules::aStepIsShownInsteadOfTheTimeLeft()

@@ -29,17 +29,18 @@ QStringList filesToPack(const QString &folder, const QString &name, QStringList 
     QStringList names;
     const int prefix = folder.size() + 1;
     const QString start = folder + QLatin1Char('/') + name;
-    QDirIterator entries(start,
-                         QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden
-                             | QDir::System | QDir::NoSymLinks,
-                         QDirIterator::Subdirectories);
+    QDirIterator entries(
+        start, QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
+        QDirIterator::Subdirectories);
     while (entries.hasNext()) {
         const QString path = entries.next();
         const QFileInfo entry = entries.fileInfo();
         const QString relative = path.mid(prefix);
-        if (entry.isSymLink() || (!entry.isFile() && !entry.isDir()))
-            continue; // such as a pipe
-        if (!entry.isReadable())
+        if (entry.isSymLink())
+            leftOut << withReason(relative, QStringLiteral("a link"));
+        else if (!entry.isFile() && !entry.isDir()) // such as a pipe
+            leftOut << withReason(relative, QStringLiteral("neither a file nor a folder"));
+        else if (!entry.isReadable())
             leftOut << withReason(relative, QStringLiteral("cannot be read"));
         else if (entry.isFile() && !canBePacked(relative))
             leftOut << withReason(relative, QStringLiteral("7-Zip cannot be given this name"));

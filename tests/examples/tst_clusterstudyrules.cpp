@@ -14,6 +14,7 @@
 #include "Text.h"
 #include "TimesPicture.h"
 
+#include <QtCore/QProcess>
 #include <QtCore/QXmlStreamReader>
 #include <QtTest/QtTest>
 
@@ -578,8 +579,14 @@ void TestClusterStudyRules::filesThatCannotBePackedAreLeftOut()
         }
     }
     // A link out of the folder: on Windows this makes a shortcut, which is a file.
-    if (QDir::separator() == QLatin1Char('/'))
+    if (QDir::separator() == QLatin1Char('/')) {
         QVERIFY(QFile::link(text("/"), folder.filePath(text("cases/1/root"))));
+        QVERIFY(QFile::link(text("missing"), folder.filePath(text("cases/1/sub/broken"))));
+        QCOMPARE(QProcess::execute(text("mkfifo"), {folder.filePath(text("cases/1/pipe"))}), 0);
+        expected << text("cases/1/pipe: neither a file nor a folder")
+                 << text("cases/1/root: a link")
+                 << text("cases/1/sub/broken: a link");
+    }
     QStringList leftOut;
     QCOMPARE(filesToPack(folder.path(), text("cases/1"), leftOut),
              QStringList({text("cases/1/a.txt"), text("cases/1/sub/.b")}));

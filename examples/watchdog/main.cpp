@@ -56,6 +56,7 @@ protected:
     {
         constexpr int Pause = 50; // milliseconds
         timer_.start(Pause);
+        look(); // the file may be done already
     }
 
 private:
@@ -100,7 +101,9 @@ private:
         timer->setSingleShot(true);
         timer->setTimerType(Qt::PreciseTimer); // others may be up to 5 % early
         connect(task, &AsyncTask::progress, timer, QOverload<>::of(&QTimer::start));
-        const auto endTask = [this, task] {
+        const auto endTask = [this, task, timer] {
+            if (timer->isActive())
+                return; // progress meanwhile, for example after this program was stopped
             problem_ = QStringLiteral("No progress for %1 s, task ended: %2")
                            .arg(QString::number(milliseconds_ / 1000.0), task->name());
             log_.append(problem_); // first: the processor logs nothing about a deleted task

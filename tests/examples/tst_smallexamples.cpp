@@ -180,6 +180,7 @@ private Q_SLOTS:
     void aCrashIsReported();
 
     void filesThatAreDoneEndTheRun();
+    void aFileThatIsDoneNeedsNoTime();
     void aFileMayBeWrittenAgain_data();
     void aFileMayBeWrittenAgain();
     void theEndOfALargeFileIsRead();
@@ -522,6 +523,15 @@ void TestSmallExamples::filesThatAreDoneEndTheRun()
     QCOMPARE(example.run({text("run.log"), text("60"), text("a"), text("b"), text("c")}), 0);
     QCOMPARE(example.errors(), QString());
     QVERIFY(linesOfLog(example.path("run.log")).contains(text("3 of 3 files are done")));
+}
+
+// Not even until the first pause is over.
+void TestSmallExamples::aFileThatIsDoneNeedsNoTime()
+{
+    Example example("task-watchdog");
+    QVERIFY(writeFile(example.path("file"), "done\n"));
+    QCOMPARE(example.run({text("run.log"), text("0.001"), text("file")}), 0);
+    QCOMPARE(example.errors(), QString());
 }
 
 void TestSmallExamples::aFileMayBeWrittenAgain_data()

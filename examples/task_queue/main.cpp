@@ -28,8 +28,9 @@ Exit codes: 0 the list was written, 1 a failure, 130 a cancel.
 
 volatile std::sig_atomic_t cancelRequested = 0;
 
-extern "C" void requestCancel(int) // a signal handler may do little more than set a flag
+extern "C" void requestCancel(int signal) // a signal handler may do little more than set a flag
 {
+    std::signal(signal, requestCancel); // some systems remove the handler when they call it
     cancelRequested = 1;
 }
 

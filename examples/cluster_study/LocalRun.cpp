@@ -43,7 +43,7 @@ void LocalRun::execute()
         processor->setExitOnError(false);
         connect(processor.get(), &AsyncTaskProcessor::finished, this,
                 [this, runner = processor.get()](AsyncTask *task) {
-                    caseEnded(*static_cast<CaseTask *>(task));
+                    caseEnded(static_cast<CaseTask *>(task));
                     // The processor continues with a task that is added here.
                     if (!addNextCase(*runner))
                         checkEnd();
@@ -68,19 +68,19 @@ bool LocalRun::addNextCase(AsyncTaskProcessor &processor)
     return true;
 }
 
-void LocalRun::caseEnded(const CaseTask &task)
+void LocalRun::caseEnded(CaseTask *task)
 {
-    running_.remove(const_cast<CaseTask *>(&task));
+    running_.remove(task);
     progress_.running = running_.size();
-    if (task.end().state == CaseEnd::Ok)
+    if (task->end().state == CaseEnd::Ok)
         ++progress_.ok;
-    if (task.end().state == CaseEnd::Failed) {
+    if (task->end().state == CaseEnd::Failed) {
         ++progress_.failed;
-        printLine(stdout, QStringLiteral("%1 failed: %2").arg(task.name(), task.error()));
+        printLine(stdout, QStringLiteral("%1 failed: %2").arg(task->name(), task->error()));
     }
-    if (!task.problem().isEmpty() && isOk()) {
+    if (!task->problem().isEmpty() && isOk()) {
         // A disk that is full for this case is full for the next one too.
-        setError(task.problem());
+        setError(task->problem());
         waiting_.clear();
     }
 }

@@ -38,7 +38,7 @@ protected:
 
 private:
     bool addNextCase(Vorn::Util::AsyncTaskProcessor &processor);
-    void caseEnded(const CaseTask &task);
+    void caseEnded(CaseTask *task);
     void checkCancel();
     void checkEnd();
 

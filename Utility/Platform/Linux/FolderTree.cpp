@@ -103,8 +103,7 @@ void readStatus(int folder, const dirent &found, bool wantsSize, FolderEntry &en
     if (::fstatat(folder, found.d_name, &status, 0) != 0)
         return;
     entry.size = status.st_size;
-    if (entry.isLink)
-        entry.kind = kindOf(status.st_mode);
+    entry.kind = kindOf(status.st_mode); // of the target, or of what has taken the place of a file
 }
 
 class LinuxFolderTree : public FolderTree

@@ -29,11 +29,11 @@ qint64 availableSpace(const QString &folder);
 /// called only after a new file was created.
 ///
 /// Linux: other users cannot read a copy before it is in the folder of \a file. It gets the owner,
-/// group, access control list and permission bits of \a file just before the replacement. If the
-/// group or the access control list cannot be kept, the group gets only the permissions of others.
-/// Until a copy is complete, it has no name, if the file system supports this and /proc is
-/// available. So a killed process leaves no file in \a temporaryFolder, but it can leave one in the
-/// folder of \a file.
+/// group, access control list and permission bits of \a file just before the replacement, and its
+/// owner may write it. If the group or the access control list cannot be kept, the group gets only
+/// the permissions of others. Until a copy is complete, it has no name, if the file system supports
+/// this and /proc is available. So a killed process leaves no file in \a temporaryFolder, but it
+/// can leave one in the folder of \a file.
 ///
 /// Windows: the permissions are those of a new file in \a temporaryFolder or, if it is on another
 /// volume, in the folder of \a file. A killed process leaves its copies.

@@ -113,7 +113,8 @@ bool NewFile::replace(const QString &name, int former)
     return true;
 }
 
-// Copies owner, group, access control list and permission bits of the file open as \a former.
+// Copies owner, group, access control list and permission bits of the file open as \a former. The
+// owner may also write: the log is opened again and continued.
 void NewFile::copyPermissions(int former)
 {
     constexpr mode_t GroupsBits = S_IRWXG;
@@ -122,7 +123,7 @@ void NewFile::copyPermissions(int former)
         return;
     const bool hasGroup = fchown(descriptor_, status.st_uid, status.st_gid) == 0
         || fchown(descriptor_, static_cast<uid_t>(-1), status.st_gid) == 0;
-    mode_t mode = status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO);
+    mode_t mode = (status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO)) | S_IWUSR;
     // The permissions of the group were meant for the former group, or for names in the list. If
     // these cannot be kept, the group gets the permissions of others.
     if (!hasGroup || !copyAccessList(former, descriptor_))

@@ -223,6 +223,7 @@ private Q_SLOTS:
     void theSuperuserLeavesALogToItsOwner();
     void aLogOfAnotherUserIsTruncated_data();
     void aLogOfAnotherUserIsTruncated();
+    void anOpenLogThatBecomesReadOnlyIsContinued();
     void theAccessListIsKept();
     void noAccessListIsInherited_data();
     void noAccessListIsInherited();
@@ -353,6 +354,27 @@ void TestTruncatedLogs::aLogOfAnotherUserIsTruncated()
     });
     QCOMPARE(outcome, status);
     QVERIFY(contentOf(log_) == truncatedLog());
+}
+
+void TestTruncatedLogs::anOpenLogThatBecomesReadOnlyIsContinued()
+{
+    QVERIFY(useTemporaryFolder(false));
+    QVERIFY(changeMode(path("logs"), 0777));
+    QVERIFY(QFile::remove(log_));
+    const QByteArray outcome = asOrdinaryUser([this] {
+        Log log(log_, Log::NoFileTimeStamp);
+        log.setTimeStamp(Log::NoTimeStamp);
+        if (!log.open(true))
+            return QByteArray("not opened");
+        log << QString::fromLatin1(tooLargeLog());
+        if (!changeMode(log_, 0440))
+            return QByteArray("not read-only");
+        log.append(QStringLiteral("last"));
+        log.close();
+        return statusOf(log_);
+    });
+    QCOMPARE(outcome, QByteArray("65534 65534 640"));
+    QVERIFY(contentOf(log_) == truncatedLog() + " last\n");
 }
 
 // With an access list, the group's permission bits are the upper limit for all of its entries.

@@ -29,10 +29,11 @@ public:
     static QDomElement textElement(const QString &tagName, const QString &text,
                                    QDomDocument &document);
 
-    /// The text of the first child element of \a element with the name \a name. Returns
-    /// \a defaultValue if there is none, and an empty string if the child element is empty.
+    /// The text of the first child of \a element with the name \a name. Returns \a defaultValue if
+    /// there is none, and an empty string if the child is empty. A processing instruction with this
+    /// name counts as an empty child.
     ///
-    /// Only the first node of the child element is read: for `<a>one<!-- -->two</a>` the result is
+    /// Only the first node of the child is read: for `<a>one<!-- -->two</a>` the result is
     /// "one". If the first node is a comment, the result is the text of the comment. If it is an
     /// element, the result is empty.
     static QString valueOf(const QString &name, const QDomElement &element,

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void setNameDoesTheSameAsTheConstructor();
     void fileTimeStampStringIsTheStampInTheName();
     void fileTimeStampStringIsEmptyWithoutTimeStamp();
+    void anyOtherValueMeansNoTimeStamp();
     void fileTimeStampStringIsEmptyAfterAnEarlierTimeStampedName();
 
     void openWithAppendKeepsTheFile();
@@ -195,6 +196,13 @@ void TestLog::fileTimeStampStringIsTheStampInTheName()
 void TestLog::fileTimeStampStringIsEmptyWithoutTimeStamp()
 {
     const Log log(fileName_, Log::NoFileTimeStamp);
+    QCOMPARE(log.fileTimeStampString(), QString());
+}
+
+void TestLog::anyOtherValueMeansNoTimeStamp()
+{
+    const Log log(fileName_, static_cast<Log::FileTimeStamp>(2));
+    QCOMPARE(log.name(), fileName_);
     QCOMPARE(log.fileTimeStampString(), QString());
 }
 

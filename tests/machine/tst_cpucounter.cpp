@@ -73,6 +73,7 @@ private Q_SLOTS:
     void thePathsAreTheNamesOfTheSystem();
 
     void theLoadIsAPercentage();
+    void theFirstSampleIsTakenByTheConstructor();
     void theSecondSampleIsTheLoadSinceTheFirst();
     void countersAreIndependent();
 
@@ -123,6 +124,19 @@ void TestCpuCounter::theLoadIsAPercentage()
     CpuCounter counter(CpuCounter::CpuPercent);
     const long load = counter.getValue();
     QVERIFY2(isPercentage(load), qPrintable(QString::number(load)));
+}
+
+// Between two ticks of the system's clock there is no load. Without the sample of the constructor
+// each value would be the load since the system was started.
+void TestCpuCounter::theFirstSampleIsTakenByTheConstructor()
+{
+    if (onWindows())
+        QSKIP("The clock of this system has no ticks to tell the two apart");
+    constexpr int Attempts = 1000;
+    bool isNone = false;
+    for (int attempt = 0; attempt < Attempts && !isNone; ++attempt)
+        isNone = CpuCounter(CpuCounter::CpuPercent).getValue() == 0;
+    QVERIFY(isNone);
 }
 
 void TestCpuCounter::theSecondSampleIsTheLoadSinceTheFirst()

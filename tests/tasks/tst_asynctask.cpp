@@ -37,6 +37,7 @@ private Q_SLOTS:
 
     void startExecutesTheTaskBeforeItReturns();
     void startItselfEmitsNothing();
+    void startKeepsAnErrorThatWasSetBefore();
     void setFinishedEmitsFinishedOnce();
     void aTaskMayFinishInALaterTurnOfTheEventLoop();
     void aTaskThatNeverCallsSetFinishedNeverEmitsFinished();
@@ -112,6 +113,15 @@ void TestAsyncTask::startItselfEmitsNothing()
     task.start();
     QCOMPARE(finished.count(), 0);
     QCOMPARE(progress.count(), 0);
+}
+
+void TestAsyncTask::startKeepsAnErrorThatWasSetBefore()
+{
+    TestTask task(QStringLiteral("A"), succeed());
+    task.setError(QStringLiteral("broken"));
+    task.start();
+    QVERIFY(!task.isOk());
+    QCOMPARE(task.error(), QStringLiteral("broken"));
 }
 
 void TestAsyncTask::setFinishedEmitsFinishedOnce()

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void addTaskTakesOwnership();
     void addTaskIgnoresNull();
     void aTaskGetsTheLogThatTheProcessorHasWhenItIsAdded();
+    void aProcessorWithoutALogTakesTheLogOfATaskAway();
     void isFinishedTellsWhetherATaskWaits();
     void isFinishedIsTrueDuringTheLastTask();
     void addingTasksTakesLinearTimeWithEitherParent();
@@ -41,6 +42,7 @@ private Q_SLOTS:
     void theNextStartIsPostedWhenTheTaskBeforeHasFinished();
     void theStackDoesNotGrowWithTheQueue();
     void progressIsPassedOnWithTheRunningTaskAndNotLogged();
+    void progressInASlotOfStartedIsPassedOn();
     void namesAndErrorsAreWrittenAsTheyStand();
     void theTimeOfATaskIsThatOfTheTask();
     void theTimeOfTheRunBeginsWithStartLater();
@@ -130,6 +132,22 @@ void TestAsyncTaskQueue::aTaskGetsTheLogThatTheProcessorHasWhenItIsAdded()
              texts({"Start processing tasks", "Starting task: A", "Task finished in TIME",
                     "Starting task: B", "Task finished in TIME", "Starting task: C", "I am C",
                     "Task finished in TIME", "Finished processing tasks in TIME"}));
+}
+
+void TestAsyncTaskQueue::aProcessorWithoutALogTakesTheLogOfATaskAway()
+{
+    TemporaryLog log;
+    AsyncTaskProcessor processor;
+    processor.setExitEventLoopWhenDone(true);
+    auto *task = new TestTask(QStringLiteral("A"), [](TestTask &self) {
+        self.log(QStringLiteral("I am A"));
+        self.setFinished();
+    });
+    task->setLog(log);
+    processor.addTask(task);
+    processor.startLater();
+    QCOMPARE(exec(), 0);
+    QCOMPARE(log.lines(), QStringList());
 }
 
 void TestAsyncTaskQueue::isFinishedTellsWhetherATaskWaits()
@@ -325,6 +343,16 @@ void TestAsyncTaskQueue::progressIsPassedOnWithTheRunningTaskAndNotLogged()
              texts({"started A", "progress A 50 %1", "progress A ", "finished A", "started B",
                     "progress B 50 %1", "progress B ", "finished B"}));
     QCOMPARE(queue.lines(), linesOfRun({"A", "B"}));
+}
+
+void TestAsyncTaskQueue::progressInASlotOfStartedIsPassedOn()
+{
+    Queue queue;
+    queue.add("A");
+    connect(&queue.processor, &AsyncTaskProcessor::started, this,
+            [](AsyncTask *task) { Q_EMIT task->progress(QStringLiteral("half")); });
+    QCOMPARE(queue.run(), 0);
+    QCOMPARE(queue.journal, texts({"started A", "progress A half", "finished A"}));
 }
 
 void TestAsyncTaskQueue::namesAndErrorsAreWrittenAsTheyStand()

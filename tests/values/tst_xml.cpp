@@ -171,6 +171,8 @@ void TestXml::anEmptyChildHasAnEmptyValueAndNotTheDefault_data()
     QTest::newRow("two tags") << QStringLiteral("<root><cores></cores></root>");
     QTest::newRow("attribute") << QStringLiteral("<root><cores value=\"1\"/></root>");
     QTest::newRow("only an element") << QStringLiteral("<root><cores><a>1</a></cores></root>");
+    QTest::newRow("an instruction with the name before it")
+        << QStringLiteral("<root><?cores 1?><cores>2</cores></root>");
     QTest::newRow("followed by a full one")
         << QStringLiteral("<root><cores/><cores>1</cores></root>");
 }

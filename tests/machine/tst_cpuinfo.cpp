@@ -358,9 +358,8 @@ void TestCpuInfo::onlyAFileWithinTheLimitsIsRead_data()
     QTest::newRow("one attribute twice") << root("<b a=\"1\" a=\"2\"/>") << false;
     QTest::newRow("two colons in a name") << root("<a:b:c/>") << false;
     QTest::newRow("XML 1.1") << "<?xml version=\"1.1\"?>\n" + root("") << false;
-    QTest::newRow("unknown encoding")
-        << "<?xml version=\"1.0\" encoding=\"unknown\"?>\n" + root("")
-        << (QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)); // which takes it as UTF-8
+    QTest::newRow("unknown encoding") << "<?xml version=\"1.0\" encoding=\"unknown\"?>\n"
+            + root("") << (QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)); // which takes it as UTF-8
     QTest::newRow("undeclared prefix") << root("<a:b a:c=\"1\"/>") << true;
 }
 

@@ -584,8 +584,7 @@ void TestClusterStudyRules::filesThatCannotBePackedAreLeftOut()
         QVERIFY(QFile::link(text("missing"), folder.filePath(text("cases/1/sub/broken"))));
         QCOMPARE(QProcess::execute(text("mkfifo"), {folder.filePath(text("cases/1/pipe"))}), 0);
         expected << text("cases/1/pipe: neither a file nor a folder")
-                 << text("cases/1/root: a link")
-                 << text("cases/1/sub/broken: a link");
+                 << text("cases/1/root: a link") << text("cases/1/sub/broken: a link");
     }
     QStringList leftOut;
     QCOMPARE(filesToPack(folder.path(), text("cases/1"), leftOut),

@@ -72,6 +72,7 @@ SettingsValue readSettingsValue(const QString &keyPath, const QString &name)
         code = ERROR_MORE_DATA; // the text fills the buffer: no space for the terminating null
     // The code is the result of the call, but the message is that of GetLastError(), which can be
     // another error. The caller prints both.
+    // Kept for compatibility: see "Message of a missing value" in docs/compatibility.md.
     return {SettingsValue::NoValue, QString(), static_cast<int>(code), messageOf(lastError)};
 }
 

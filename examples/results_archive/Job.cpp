@@ -190,6 +190,12 @@ QString Job::startUnpacking(SevenZip &archive) const
     return QString();
 }
 
+QString Job::unpackedPart() const
+{
+    // getDirectorySize() does not count hidden files.
+    return percentText(System::getDirectorySize(unpackFolder()), files_.bytes - files_.hiddenBytes);
+}
+
 QString Job::checkUnpacking(const SevenZip &archive) const
 {
     if (!archive.isOk())

@@ -44,6 +44,7 @@ public:
     QString checkListing(const Vorn::Util::SevenZip &archive) const;
 
     QString startUnpacking(Vorn::Util::SevenZip &archive) const;
+    QString unpackedPart() const; ///< in percent, so far
     QString checkUnpacking(const Vorn::Util::SevenZip &archive) const;
 
     QStringList names() const;

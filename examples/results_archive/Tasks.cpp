@@ -4,8 +4,6 @@
 #include "Job.h"
 #include "Names.h"
 
-#include <QtCore/QTimer>
-
 using namespace Vorn::Util;
 
 namespace ResultsArchive {
@@ -40,11 +38,14 @@ void StepTask::execute()
 }
 
 ArchiveTask::ArchiveTask(const QString &name, const CancelRequest &cancel, const Start &start,
-                         const Check &check)
+                         const Check &check, const Progress &progress)
     : JobTask(name, cancel)
     , start_(start)
     , check_(check)
+    , progress_(progress)
 {
+    timer_.setSingleShot(true);
+    connect(&timer_, &QTimer::timeout, this, &ArchiveTask::showProgress);
     // Queued: the archive is deleted with this task, which must not happen while it emits a signal.
     for (const auto signal :
          {&SevenZip::compressionFinished, &SevenZip::extractionFinished, &SevenZip::listFinished})
@@ -57,6 +58,15 @@ void ArchiveTask::execute()
     const QString problem = start_(archive_);
     if (!problem.isEmpty())
         finishWith(problem);
+    else if (progress_)
+        showProgress();
+}
+
+void ArchiveTask::showProgress()
+{
+    constexpr int Pause = 500; // milliseconds
+    Q_EMIT progress(progress_());
+    timer_.start(Pause);
 }
 
 void ArchiveTask::end()

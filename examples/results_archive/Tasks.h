@@ -4,6 +4,7 @@
 #include <Utility/SevenZip.h>
 
 #include <QtCore/QString>
+#include <QtCore/QTimer>
 
 #include <functional>
 
@@ -41,24 +42,29 @@ private:
     Work work_;
 };
 
-/// Starts an asynchronous operation of an archive and checks its result at the end.
+/// Starts an asynchronous operation of an archive and checks its result at the end. Meanwhile
+/// \a progress, if there is one, is asked for what to show.
 class ArchiveTask : public JobTask
 {
 public:
     using Start = std::function<QString(Vorn::Util::SevenZip &)>;
     using Check = std::function<QString(const Vorn::Util::SevenZip &)>;
+    using Progress = std::function<QString()>;
 
     ArchiveTask(const QString &name, const CancelRequest &cancel, const Start &start,
-                const Check &check);
+                const Check &check, const Progress &progress = Progress());
 
 protected:
     void execute() override;
 
 private:
+    void showProgress();
     void end();
 
     Start start_;
     Check check_;
+    Progress progress_;
+    QTimer timer_;
     Vorn::Util::SevenZip archive_;
 };
 

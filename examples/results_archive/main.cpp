@@ -38,9 +38,13 @@ void addTasks(AsyncTaskProcessor &processor, const Options &options, Job &job,
         return new StepTask(QString::fromLatin1(name), cancel, work);
     };
     const auto archiveStep
-        = [&](const char *name, const ArchiveTask::Start &start, const ArchiveTask::Check &check) {
-              return new ArchiveTask(QString::fromLatin1(name), cancel, start, check);
+        = [&](const char *name, const ArchiveTask::Start &start, const ArchiveTask::Check &check,
+              const ArchiveTask::Progress &progress = ArchiveTask::Progress()) {
+              return new ArchiveTask(QString::fromLatin1(name), cancel, start, check, progress);
           };
+    ArchiveTask::Progress unpackedPart; // takes time, so it is only for somebody who looks
+    if (isTerminal())
+        unpackedPart = [&job] { return job.unpackedPart(); };
     // The temporary folder is created after the checks: it may be inside the folder to pack.
     QList<AsyncTask *> tasks{
         new SyncTask(&job, QStringLiteral("inspectFolder"), nullptr),
@@ -59,7 +63,7 @@ void addTasks(AsyncTaskProcessor &processor, const Options &options, Job &job,
             [&job](const SevenZip &archive) { return job.checkListing(archive); }),
         archiveStep(
             "Unpack", [&job](SevenZip &archive) { return job.startUnpacking(archive); },
-            [&job](const SevenZip &archive) { return job.checkUnpacking(archive); }),
+            [&job](const SevenZip &archive) { return job.checkUnpacking(archive); }, unpackedPart),
         new CompareTask(QStringLiteral("Compare"), cancel, job),
         step("List with the system", [&job] { return job.listWithSystem(); }),
     };

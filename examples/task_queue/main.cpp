@@ -159,6 +159,9 @@ int main(int argc, char *argv[])
         return fail(QStringLiteral("%1: %2").arg(list.file.fileName(), list.file.errorString()));
     std::signal(SIGINT, requestCancel);
     std::signal(SIGTERM, requestCancel);
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN); // the list is completed even if nobody reads the output
+#endif
 
     CancelRequest cancelRequest;
     AsyncTaskProcessor processor;

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void aListThatDoesNotFitIsRemoved_data();
     void aListThatDoesNotFitIsRemoved();
     void aFileThatCannotBeReadIsReported();
+    void theListIsCompletedWhenTheReaderOfTheOutputEnds();
 
     void aLogOfTheWatchdogThatDoesNotFitIsReported_data();
     void aLogOfTheWatchdogThatDoesNotFitIsReported();
@@ -82,6 +83,19 @@ void TestSmallExamplesDisk::aFileThatCannotBeReadIsReported()
     QCOMPARE(process_.readAllStandardError(),
              QByteArray("task-queue: /proc/self/mem: Input/output error\n"));
     QCOMPARE(entriesOf(testFolder()), QStringList());
+}
+
+void TestSmallExamplesDisk::theListIsCompletedWhenTheReaderOfTheOutputEnds()
+{
+    QVERIFY(writeFile(path("a"), "x"));
+    runScript("mkfifo output; : <output & "
+              "exec 3>output; wait; "
+              "exec \"$0\" list a a >&3",
+              "task-queue");
+    QCOMPARE(process_.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process_.exitCode(), 0);
+    QCOMPARE(contentOf(path("list")).count('\n'), 2);
+    QVERIFY(!QFile::exists(path("list.part")));
 }
 
 void TestSmallExamplesDisk::aLogOfTheWatchdogThatDoesNotFitIsReported_data()

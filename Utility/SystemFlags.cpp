@@ -22,8 +22,9 @@ bool System::isFlagSet(const QString &flag)
     QtVersion::setUtf8(stream);
     constexpr int MaxLength = 1048576; // of a line, so that no file fills the memory
     QString line;
-    while (line.size() < MaxLength && !stream.atEnd()) {
-        line = stream.readLine(MaxLength);
+    bool isRead = true; // after a read error atEnd() stays false
+    while (isRead && line.size() < MaxLength && !stream.atEnd()) {
+        isRead = stream.readLineInto(&line, MaxLength);
         if (line.simplified().section(QLatin1Char(' '), 0, 0) == flag)
             return true;
     }

@@ -74,6 +74,7 @@ private Q_SLOTS:
 
     void aHugeInformationFileCannotBeRead();
     void aHugeFlagsFileIsReadUpToItsLongLine();
+    void aFlagsFileThatEndsBeforeItsSizeIsReadToItsEnd();
     void aLargeFileIsNotReadIntoMemory();
 
     void nothingIsWrittenThroughALinkToNothing();
@@ -182,6 +183,19 @@ void TestSpecialFiles::aHugeFlagsFileIsReadUpToItsLongLine()
     QVERIFY(System::isFlagSet(QStringLiteral("DebugMode")));
     QVERIFY(!System::isFlagSet(QStringLiteral("Other")));
     QVERIFY(file.remove());
+}
+
+void TestSpecialFiles::aFlagsFileThatEndsBeforeItsSizeIsReadToItsEnd()
+{
+    const QString shortFile = QStringLiteral("/sys/kernel/uevent_seqnum");
+    const QByteArray number = contentOf(shortFile).trimmed();
+    if (number.isEmpty())
+        QSKIP("There is no file here that is shorter than its size");
+    const QString flagsFile = System::getFlagsDirPath() + QStringLiteral("/VORN_flags.txt");
+    QVERIFY(QFile::link(shortFile, flagsFile));
+    QVERIFY(System::isFlagSet(QString::fromLatin1(number)));
+    QVERIFY(!System::isFlagSet(QStringLiteral("Other")));
+    QVERIFY(QFile::remove(flagsFile));
 }
 
 // Less than 2 GiB, so that the whole file would fit a byte array.

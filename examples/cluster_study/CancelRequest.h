@@ -4,8 +4,8 @@
 
 namespace ClusterStudy {
 
-/// Cancels the run when the user presses Ctrl-C or closes the terminal, or when the system asks the
-/// program to end. A program has one object of this class.
+/// Cancels the run when the user presses Ctrl-C or, on Linux, closes the terminal, or when the
+/// system asks the program to end. A program has one object of this class.
 class CancelRequest : public Vorn::Util::AsyncTaskMonitor
 {
 public:

@@ -89,7 +89,7 @@ QString Report::summary(qint64 milliseconds) const
                             QString::number(count(CaseEnd::Missing)),
                             System::getElapsedTimeString(milliseconds), shown(folder_.path()));
     if (notPacked_ > 0)
-        line += QStringLiteral("; %1 files were not packed, see study.log").arg(notPacked_);
+        line += QStringLiteral("; %1 entries were not packed, see study.log").arg(notPacked_);
     return line;
 }
 

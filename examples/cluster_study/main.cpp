@@ -91,6 +91,7 @@ AsyncTask *newRun(const Options &options, const StudyFolder &folder, const QList
     }
     const int jobs = options.jobs > 0 ? options.jobs : coreCount(log);
     log.append(counts + QStringLiteral("%1 at a time").arg(jobs));
+    allowManyProcesses();
     return new LocalRun(options.study, folder, cases, jobs, progress, cancel, &log);
 }
 
@@ -157,7 +158,6 @@ int main(int argc, char *argv[])
     }
     if (!canStart7Zip())
         return fail(QStringLiteral("7-Zip cannot be started"));
-    allowManyProcesses();
     CancelRequest cancel;
     StudyFolder folder(options.output);
     problem = options.resume ? folder.resume(options.study) : folder.create(options.study);

@@ -4,8 +4,8 @@
 
 namespace ResultsArchive {
 
-/// Cancels the run when the user presses Ctrl-C or closes the terminal, or when the system asks the
-/// program to end. A program has one object of this class.
+/// Cancels the run when the user presses Ctrl-C or, on Linux, closes the terminal, or when the
+/// system asks the program to end. A program has one object of this class.
 ///
 /// On a terminal Ctrl-C also stops 7-Zip while it runs, so that the current step ends early.
 /// Otherwise the current step is completed first.

@@ -156,7 +156,7 @@ void TestClusterStudy::filesThatAreNotPackedAreCounted()
     StudySite site;
     site.writeCases("x\n1\n2\n");
     QCOMPARE(site.runCases({}, list("count mark\"")), 0);
-    QVERIFY2(site.printed().contains(text("; 2 files were not packed, see study.log\n")),
+    QVERIFY2(site.printed().contains(text("; 2 entries were not packed, see study.log\n")),
              qPrintable(site.printed()));
     QVERIFY(
         asText(contentOf(site.output(text("study.log"))))

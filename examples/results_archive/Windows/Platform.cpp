@@ -16,7 +16,7 @@ void ignoreEndOfReader() { }
 
 QVector<int> endSignals()
 {
-    return {SIGINT, SIGTERM, SIGBREAK}; // SIGBREAK also when the window of the console is closed
+    return {SIGINT, SIGTERM, SIGBREAK}; // SIGBREAK: Ctrl-Break
 }
 
 QString listingCommand(const QString &variable)

@@ -8,6 +8,7 @@
 
 #include <QtTest/QtTest>
 
+#include <csignal>
 #include <sys/file.h>
 
 using Vorn::Util::SevenZip;
@@ -113,6 +114,7 @@ void TestClusterStudyTerminal::ctrlCWhilePackingDoesNotLoseTheArchive()
 void TestClusterStudyTerminal::aClosedTerminalEndsTheStudy()
 {
     NEED_STUDY_ARCHIVER;
+    std::signal(SIGHUP, SIG_DFL); // nohup may have started this test
     StudySite site;
     site.writeCases("x\n1\n2\n");
     Terminal terminal(site.program(),

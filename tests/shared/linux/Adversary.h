@@ -6,6 +6,7 @@
 #include <csignal>
 #include <functional>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,15 +21,21 @@ public:
         : shared_(static_cast<Shared *>(mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE,
                                              MAP_SHARED | MAP_ANONYMOUS, -1, 0)))
     {
+        const pid_t parent = getpid();
         process_ = fork();
+        // It ends with this process, also if that is killed.
+        if (process_ == 0 && (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent))
+            _exit(1);
         for (; process_ == 0; ++shared_->rounds)
             work(shared_->count);
     }
 
     ~Adversary()
     {
-        ::kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
+        if (isRunning()) {
+            ::kill(process_, SIGKILL);
+            waitpid(process_, nullptr, 0);
+        }
         munmap(shared_, sizeof *shared_);
     }
 

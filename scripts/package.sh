@@ -49,13 +49,15 @@ cached() { sed -n "s/^$2:[A-Z]*=//p" "$1/CMakeCache.txt"; }
 
 # write_manual_pages: writes the manual pages of the example programs, from what they print as help.
 write_manual_pages() {
-    local program folder=$unfinished pages=$unfinished/library/packages/man1
+    local program description version folder=$unfinished pages=$unfinished/library/packages/man1
     need help2man
     mkdir -p "$pages"
+    version=$(cached "$folder/library" CMAKE_PROJECT_VERSION)
     for program in "$folder"/examples/*/*; do
         if [ -f "$program" ] && [ -x "$program" ]; then
-            help2man --no-info --name="$(cached "$(dirname "$program")" CMAKE_PROJECT_DESCRIPTION)" \
-                --version-string="$(cached "$folder/library" CMAKE_PROJECT_VERSION)" "$program" |
+            description=$(cached "$(dirname "$program")" CMAKE_PROJECT_DESCRIPTION)
+            [ -n "$description" ] || { echo "package.sh: no description: $program" >&2; return 1; }
+            help2man --no-info --name="$description" --version-string="$version" "$program" |
                 gzip -9n >"$pages/$(basename "$program").1.gz"
         fi
     done

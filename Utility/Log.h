@@ -39,7 +39,7 @@ namespace Vorn::Util {
 /// - If the name of the log is a symbolic link, the file that it points to is replaced, and the
 ///   link is kept. A hard link still refers to the old file.
 /// - Linux: permission bits, owner, group and access control list are kept as far as the process
-///   may set them.
+///   may set them. The owner may always write the truncated log.
 /// - Windows: the new file has the access control list of a new file in the folder for temporary
 ///   files. If that folder is on another volume, it has that of a new file in the log's folder.
 /// - The log is closed for the truncation and opened again. If it cannot be opened again, for

@@ -97,7 +97,7 @@ void TestSlurmStudy::cleanup()
 
 void TestSlurmStudy::theValuesAreExactAndTheClusterIsInTheLog()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     const QStringList values{text("a b"),   text("\"q\" 'p'"), text("$(exit 3) `x` ; & | > y"),
                              text("a,b=c"), text("*?\\"),      QString::fromUtf8("\xC3\xA4")};
@@ -148,7 +148,7 @@ void TestSlurmStudy::goesOnAfterCommandsOfSlurmHaveFailed()
 
 void TestSlurmStudy::aFirstSubmissionThatFailsEndsTheStudy()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     replaceCommand(site, "sbatch", "echo 'no such partition' >&2\nexit 1\n");
@@ -160,7 +160,7 @@ void TestSlurmStudy::aFirstSubmissionThatFailsEndsTheStudy()
 
 void TestSlurmStudy::aFailedCaseIsARowAndRunsAgain()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("action,value\nprint,a\nexit,7\nfail-without,../../../later\ncrash,-\n");
     const QStringList actions{text("count"), site.path(text("runs-{case}")), text("{action}"),
@@ -188,7 +188,7 @@ void TestSlurmStudy::aFailedCaseIsARowAndRunsAgain()
 // As at the end of its time limit, or if an administrator ends it.
 void TestSlurmStudy::aCaseThatSlurmEndsIsCancelledAndNoneIsRequeued()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     constexpr int UntilTheNextLine = 500; // milliseconds
     StudySite site;
     site.writeCases("x\n1\n2\n");
@@ -219,7 +219,7 @@ void TestSlurmStudy::aCaseThatSlurmEndsIsCancelledAndNoneIsRequeued()
 
 void TestSlurmStudy::noMoreCasesRunThanAllowed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n3\n");
     site.start(site.commandLine(
@@ -235,7 +235,7 @@ void TestSlurmStudy::noMoreCasesRunThanAllowed()
 
 void TestSlurmStudy::studiesGoOnAfterALostJobAndAfterFailedCommands()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
     QVERIFY(writeFile(site.path(text("go-1")), "x"));
@@ -261,7 +261,7 @@ void TestSlurmStudy::studiesGoOnAfterALostJobAndAfterFailedCommands()
 
 void TestSlurmStudy::ctrlCEndsTheJobs()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\ngo\n2\n3\n4\n5\n6\n7\n8\n9\n");
     QVERIFY(writeFile(site.path(text("go")), "x"));
@@ -288,7 +288,7 @@ void TestSlurmStudy::ctrlCCancelsEveryRunningCase_data()
 
 void TestSlurmStudy::ctrlCCancelsEveryRunningCase()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     QFETCH(QString, action);
     StudySite site;
     // Variables of the user that hide the jobs.
@@ -307,7 +307,7 @@ void TestSlurmStudy::ctrlCCancelsEveryRunningCase()
 // As when the queue of Slurm is full.
 void TestSlurmStudy::ctrlCEndsAWaitingSubmission()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     constexpr int AtOnce = 10000; // milliseconds; sbatch is ended after 20 seconds otherwise
     StudySite site;
     site.writeCases("x\n1\n");
@@ -326,7 +326,7 @@ void TestSlurmStudy::ctrlCEndsAWaitingSubmission()
 // The jobs of the killed run still run when the study is resumed.
 void TestSlurmStudy::aKilledStudyIsResumed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\nthere\nlater\nthere\n");
     QVERIFY(writeFile(site.path(text("there")), "x"));
@@ -356,7 +356,7 @@ void TestSlurmStudy::aKilledAndResumedBeamStudyGivesTheSameTableOnBothEngines()
         QSKIP(qPrintable(missing));
     // Meanwhile another study waits, as when the queue is full: its first call of sbatch is ended
     // after 20 seconds, and the second follows 10 seconds later.
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite waiting;
     waiting.writeCases("x\n1\n");
     replaceCommand(waiting, "sbatch",

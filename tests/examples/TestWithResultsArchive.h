@@ -6,6 +6,7 @@
 #include "Fixture.h"
 #include "Noise.h"
 #include "OwnTempFolder.h"
+#include "RealArchiver.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
@@ -16,7 +17,6 @@
 #include <QtCore/QProcess>
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QStandardPaths>
 #include <QtTest/QtTest>
 
 constexpr int TimeLimit = 120000; // milliseconds
@@ -212,22 +212,6 @@ private:
     QString output_;
     QString errors_;
 };
-
-inline bool haveArchiver()
-{
-    if (onWindows())
-        return QFile::exists(QCoreApplication::applicationDirPath() + QStringLiteral("/7z.exe"));
-    for (const QString &name :
-         {QStringLiteral("7z"), QStringLiteral("7zz"), QStringLiteral("7za")}) {
-        if (!QStandardPaths::findExecutable(name).isEmpty())
-            return true;
-    }
-    return false;
-}
-
-#define NEED_ARCHIVER                                                                              \
-    if (!haveArchiver())                                                                           \
-    QSKIP("There is no 7-Zip on PATH, or on Windows 7z.exe beside this test")
 
 /// A listing as the 7-Zip that is shipped with the product prints it.
 inline QByteArray listing(const QByteArray &name, int size)

@@ -3,6 +3,7 @@
 #include "BuildPaths.h"
 #include "FileTree.h"
 #include "Fixture.h"
+#include "RealArchiver.h"
 #include "TestFolder.h"
 #include "TestSystem.h"
 
@@ -13,7 +14,6 @@
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QProcess>
 #include <QtCore/QProcessEnvironment>
-#include <QtCore/QStandardPaths>
 #include <QtTest/QtTest>
 
 constexpr int StudyTimeLimit = 60000; // milliseconds
@@ -22,21 +22,6 @@ inline QString asText(QByteArray bytes)
 {
     return QString::fromLocal8Bit(bytes.replace("\r\n", "\n"));
 }
-
-inline bool haveStudyArchiver()
-{
-    if (onWindows())
-        return QFile::exists(QCoreApplication::applicationDirPath() + QStringLiteral("/7z.exe"));
-    for (const char *name : {"7z", "7zz", "7za"}) {
-        if (!QStandardPaths::findExecutable(QString::fromLatin1(name)).isEmpty())
-            return true;
-    }
-    return false;
-}
-
-#define NEED_STUDY_ARCHIVER                                                                        \
-    if (!haveStudyArchiver())                                                                      \
-    QSKIP("There is no 7-Zip on PATH, or on Windows 7z.exe beside this test")
 
 /// The program cluster-study in a folder of its own, a file of cases, and the output folder.
 class StudySite
@@ -86,13 +71,8 @@ public:
     /// Runs a shell script before each call of 7-Zip, with the same arguments. Not on Windows.
     void wrapArchiver(const QByteArray &script)
     {
-        QString archiver;
-        for (const char *name : {"7za", "7zz", "7z"}) {
-            const QString found = QStandardPaths::findExecutable(QString::fromLatin1(name));
-            archiver = found.isEmpty() ? archiver : found;
-        }
         const QString wrapper = path(QStringLiteral("bin/7z"));
-        const QByteArray end = "exec " + QFile::encodeName(archiver) + " \"$@\"\n";
+        const QByteArray end = "exec " + QFile::encodeName(archiverOnPath()) + " \"$@\"\n";
         if (!writeFileInFolder(wrapper, "#!/bin/sh\n" + script + end)
             || !QFile::setPermissions(wrapper, QFile::ReadOwner | QFile::ExeOwner))
             qFatal("The script for 7-Zip cannot be written.");

@@ -47,7 +47,7 @@ private Q_SLOTS:
 
 void TestClusterStudy::everyCaseRunsInAFolderOfItsOwn()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\na\nb\nc\n");
     QCOMPARE(site.runCases({}, list("print {x}{case} error e{x} count here")), 0);
@@ -68,7 +68,7 @@ void TestClusterStudy::everyCaseRunsInAFolderOfItsOwn()
 
 void TestClusterStudy::argumentsAndVariablesHaveTheExactValues()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     const QStringList values{
         text("a b"),     text("\"quoted\""), text("$(exit 3) ; & | > x"),
@@ -92,7 +92,7 @@ void TestClusterStudy::argumentsAndVariablesHaveTheExactValues()
 
 void TestClusterStudy::theResultsAreInTheTable()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("load,name\r\n1.5,\"a,b\"\r\n2,c\r\n");
     QCOMPARE(site.runCases({},
@@ -109,7 +109,7 @@ void TestClusterStudy::theResultsAreInTheTable()
 
 void TestClusterStudy::resultsThatAreIgnoredAreInTheLog()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2000000\n");
     QCOMPARE(site.runCases({}, list("result x=5 result state=5 result y=5 long-result {x}")), 0);
@@ -122,7 +122,7 @@ void TestClusterStudy::resultsThatAreIgnoredAreInTheLog()
 
 void TestClusterStudy::theSummaryIsShownWithoutAnArchive()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     QCOMPARE(site.runCases({}, {text("folder"), text("../../results.7z/in-the-way")}), 1);
@@ -134,7 +134,7 @@ void TestClusterStudy::theSummaryIsShownWithoutAnArchive()
 
 void TestClusterStudy::everythingIsInTheArchive()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n0\n");
     QCOMPARE(site.runCases({}, list("result x={x} exit {x}")), 2);
@@ -152,7 +152,7 @@ void TestClusterStudy::filesThatAreNotPackedAreCounted()
 {
     if (onWindows())
         QSKIP("No name ends with a quotation mark here");
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
     QCOMPARE(site.runCases({}, list("count mark\"")), 0);
@@ -169,7 +169,7 @@ void TestClusterStudy::theArchiveIsKeptWhenAFileCannotBeRead()
 {
     if (onWindows())
         QSKIP("7-Zip is started by a shell script here");
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.wrapArchiver("rm -f cases/0001/gone\n");
     site.writeCases("x\n1\n2\n");
@@ -196,7 +196,7 @@ void TestClusterStudy::aFailedCaseIsARow_data()
 
 void TestClusterStudy::aFailedCaseIsARow()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     QFETCH(QString, actions);
     QFETCH(QString, exitCode);
     QFETCH(QString, message);
@@ -214,7 +214,7 @@ void TestClusterStudy::aFailedCaseIsARow()
 
 void TestClusterStudy::aProgramThatCannotBeStartedIsAFailedCase()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
     QCOMPARE(site.run({text("cases.csv"), text("no-such-program")}), 2);
@@ -225,7 +225,7 @@ void TestClusterStudy::aProgramThatCannotBeStartedIsAFailedCase()
 
 void TestClusterStudy::anEndThatCannotBeWrittenStopsTheStudy()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
     QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("folder ../0001.json/in-the-way")), 1);
@@ -236,7 +236,7 @@ void TestClusterStudy::anEndThatCannotBeWrittenStopsTheStudy()
 
 void TestClusterStudy::aCaseThatRemovesItsFolderDoesNotStopTheStudy()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("action,value\nremove-folder,-\nprint,2\n");
     QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("{action} {value}")), 0);
@@ -247,7 +247,7 @@ void TestClusterStudy::aCaseThatRemovesItsFolderDoesNotStopTheStudy()
 
 void TestClusterStudy::muchOutputGoesToTheFile()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n20000\n");
     QCOMPARE(site.runCases({}, list("flood {x}")), 0);
@@ -264,7 +264,7 @@ void TestClusterStudy::casesRunSideBySide_data()
 // Each case waits for a file that the other one writes.
 void TestClusterStudy::casesRunSideBySide()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     QFETCH(int, jobs);
     StudySite site;
     site.writeCases("mine,other\na,b\nb,a\n");
@@ -278,7 +278,7 @@ void TestClusterStudy::casesRunSideBySide()
 
 void TestClusterStudy::theOutputEndsWithASummary()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     QCOMPARE(site.runCases({}, list("print {x}")), 0);
@@ -294,7 +294,7 @@ void TestClusterStudy::theOutputEndsWithASummary()
 
 void TestClusterStudy::theLogHoldsEachCase()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n0\n3\n");
     QCOMPARE(site.runCases({text("--jobs"), text("1")}, list("exit {x}")), 2);
@@ -325,7 +325,7 @@ void TestClusterStudy::aSignalEndsTheCases()
 {
     if (onWindows())
         QSKIP("A process cannot send another one Ctrl-C here");
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     QFETCH(QString, signal);
     QFETCH(QString, actions);
     StudySite site;
@@ -349,7 +349,7 @@ void TestClusterStudy::aCancelledStudyIsPackedAndCanBeResumed()
 {
     if (onWindows())
         QSKIP("A process cannot send another one Ctrl-C here");
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\nthere\nlater\nthere\n");
     QVERIFY(writeFile(site.path(text("there")), "x"));
@@ -382,7 +382,7 @@ void TestClusterStudy::aCancelledStudyIsPackedAndCanBeResumed()
 
 void TestClusterStudy::anArchiveIsReplacedAndAnIncompleteOneRemoved()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     const QStringList actions{text("fail-without"), site.path(text("later"))};
@@ -397,7 +397,7 @@ void TestClusterStudy::anArchiveIsReplacedAndAnIncompleteOneRemoved()
 
 void TestClusterStudy::aKilledStudyIsResumed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\nthere\nlater\nthere\n");
     QVERIFY(writeFile(site.path(text("there")), "x"));
@@ -420,7 +420,7 @@ void TestClusterStudy::aKilledStudyIsResumed()
 
 void TestClusterStudy::onlyCasesThatHaveNotSucceededAreResumed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\nthere\nlater\nthere\nthere\n");
     QVERIFY(writeFile(site.path(text("there")), "x"));
@@ -450,7 +450,7 @@ void TestClusterStudy::pipesAndBrokenLinksOfACaseAreRemoved()
 {
     if (onWindows())
         QSKIP("There are no pipes in folders here");
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
     const QStringList actions{text("fail-without"), site.path(text("later"))};
@@ -472,7 +472,7 @@ void TestClusterStudy::pipesAndBrokenLinksOfACaseAreRemoved()
 
 void TestClusterStudy::aCaseWhoseFolderCannotBeRemovedHasFailed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
     const QStringList actions{text("fail-without"), site.path(text("later"))};
@@ -497,7 +497,7 @@ void TestClusterStudy::aStudyOfSeveralHundredCasesIsPackedWhole()
 {
     if (onWindows())
         QSKIP("The start of a program is slow under Wine");
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     constexpr int Count = 200;
     StudySite site;
     QByteArray csv = "x\n";

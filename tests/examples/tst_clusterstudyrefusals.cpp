@@ -118,7 +118,7 @@ void TestClusterStudyRefusals::aBatchFileIsRefusedOnWindows_data()
 
 void TestClusterStudyRefusals::aBatchFileIsRefusedOnWindows()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     QFETCH(QString, program);
     QFETCH(bool, isRefused);
     StudySite site;
@@ -156,7 +156,7 @@ void TestClusterStudyRefusals::anOutputFolderWithContentIsRefused_data()
 
 void TestClusterStudyRefusals::anOutputFolderWithContentIsRefused()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     QFETCH(QString, file);
     QFETCH(QString, message);
     StudySite site;
@@ -172,7 +172,7 @@ void TestClusterStudyRefusals::anOutputFolderWithContentIsRefused()
 
 void TestClusterStudyRefusals::anEmptyOutputFolderIsUsed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     QVERIFY(QDir().mkpath(site.output()));
@@ -183,7 +183,7 @@ void TestClusterStudyRefusals::anEmptyOutputFolderIsUsed()
 
 void TestClusterStudyRefusals::aFolderWithOnlyALockThatIsStaleIsUsed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     site.start(site.commandLine({}, list("count running wait forever")));
@@ -215,7 +215,7 @@ void TestClusterStudyRefusals::withoutATemporaryFolderNothingRuns()
 
 void TestClusterStudyRefusals::aFolderWithoutAStudyIsNotResumed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     const QString message = text("There is no study to resume, start it without --resume: ");
@@ -230,7 +230,7 @@ void TestClusterStudyRefusals::aFolderWithoutAStudyIsNotResumed()
 
 void TestClusterStudyRefusals::theLockOfAnotherMachineIsExplained()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     const QString lock = site.output(text("study.lock"));
@@ -260,7 +260,7 @@ void TestClusterStudyRefusals::anotherStudyIsNotResumed_data()
 
 void TestClusterStudyRefusals::anotherStudyIsNotResumed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     QFETCH(QByteArray, csv);
     QFETCH(QString, actions);
     QFETCH(bool, isSame);
@@ -279,7 +279,7 @@ void TestClusterStudyRefusals::anotherStudyIsNotResumed()
 
 void TestClusterStudyRefusals::twoRunsOnOneFolderAreRefused()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     const QStringList actions{text("count"), text("running"), text("wait"),
@@ -300,7 +300,7 @@ void TestClusterStudyRefusals::twoRunsOnOneFolderAreRefused()
 
 void TestClusterStudyRefusals::aStudyWithoutSlurmCanBeResumedWithoutIt()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
     // Slurm is either not installed, or fails without its configuration.
@@ -315,7 +315,7 @@ void TestClusterStudyRefusals::aStudyWithoutSlurmCanBeResumedWithoutIt()
 
 void TestClusterStudyRefusals::aStudyWithJobsOnTheClusterIsNotResumedWithoutSlurm()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     QCOMPARE(site.runCases({}, list("exit 1")), 2);
@@ -328,7 +328,7 @@ void TestClusterStudyRefusals::aStudyWithJobsOnTheClusterIsNotResumedWithoutSlur
 
 void TestClusterStudyRefusals::aCaseRunsOnlyInItsJob()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     QCOMPARE(site.run({text("--run-case")}), 1);

@@ -19,7 +19,7 @@ private Q_SLOTS:
 
 void TestClusterStudyDisk::aStudyThatCannotBeRecordedIsRefused()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     constexpr qint64 LessThanTheStudy = 100; // more than the lock needs
     StudySite site;
     site.writeCases("x\n1\n");
@@ -36,7 +36,7 @@ void TestClusterStudyDisk::aStudyThatCannotBeRecordedIsRefused()
 
 void TestClusterStudyDisk::aTableThatCannotBeWrittenIsAnErrorAndCanBeResumed()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     constexpr int Limit = 4096;
     StudySite site;
     site.writeCases("x\n" + QByteArray(Limit, 'x') + "\n2\n");
@@ -59,7 +59,7 @@ void TestClusterStudyDisk::aTableThatCannotBeWrittenIsAnErrorAndCanBeResumed()
 
 void TestClusterStudyDisk::anOlderArchiveRemainsIfPackingFails()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     constexpr qint64 Limit = 60000; // less than two cases need in the archive
     StudySite site;
     site.writeCases("x\nthere\nlater\n");
@@ -89,7 +89,7 @@ void TestClusterStudyDisk::anOlderArchiveRemainsIfPackingFails()
 // Each case waits until all have started. They keep the limit of the user.
 void TestClusterStudyDisk::theLimitOfOpenFilesDoesNotLimitTheCases()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     constexpr int Count = 40;
     const QString script = text("echo files=$(ulimit -Sn) >result.txt; : >started\n"
                                 "while [ $(ls -d ../*/started | wc -l) -lt %1 ]; do\n"

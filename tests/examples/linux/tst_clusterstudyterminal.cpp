@@ -44,7 +44,7 @@ private Q_SLOTS:
 
 void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n");
     Terminal terminal(site.program(),
@@ -68,7 +68,7 @@ void TestClusterStudyTerminal::theProgressIsOneLineAndCtrlCEndsTheStudy()
 
 void TestClusterStudyTerminal::ctrlCWhilePackingDoesNotLoseTheArchive()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     constexpr int Keys = 2; // while packing
     StudySite site;
     site.writeCases("x\nthere\nlater\n");
@@ -113,7 +113,7 @@ void TestClusterStudyTerminal::ctrlCWhilePackingDoesNotLoseTheArchive()
 
 void TestClusterStudyTerminal::aClosedTerminalEndsTheStudy()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     std::signal(SIGHUP, SIG_DFL); // nohup may have started this test
     StudySite site;
     site.writeCases("x\n1\n2\n");
@@ -132,7 +132,7 @@ void TestClusterStudyTerminal::aClosedTerminalEndsTheStudy()
 
 void TestClusterStudyTerminal::aProgramStartedWithNohupDoesNotEndWithTheTerminal()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     const QString go = site.path(text("go"));
@@ -151,7 +151,7 @@ void TestClusterStudyTerminal::aProgramStartedWithNohupDoesNotEndWithTheTerminal
 
 void TestClusterStudyTerminal::aReaderThatEndsDoesNotEndTheStudy()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n2\n3\n");
     QProcess shell;
@@ -167,7 +167,7 @@ void TestClusterStudyTerminal::aReaderThatEndsDoesNotEndTheStudy()
 
 void TestClusterStudyTerminal::aCaseEndsWithTheKilledStudy()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     const QString number = site.path(text("number"));
@@ -180,7 +180,7 @@ void TestClusterStudyTerminal::aCaseEndsWithTheKilledStudy()
 
 void TestClusterStudyTerminal::processesThatACaseLeavesBehindAreEnded()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     StudySite site;
     site.writeCases("x\n1\n");
     const QString number = site.path(text("number"));
@@ -193,7 +193,7 @@ void TestClusterStudyTerminal::processesThatACaseLeavesBehindAreEnded()
 // file open.
 void TestClusterStudyTerminal::aChildOfAKilledStudyDoesNotKeepTheOutputFolder()
 {
-    NEED_STUDY_ARCHIVER;
+    NEED_ARCHIVER;
     QProcess ended;
     ended.start(text("true"), QStringList());
     const qint64 process = ended.processId();

@@ -19,15 +19,10 @@ void TestResultsArchiveTerminal::theUnpackedPartIsShownInPercent()
     Tree tree = smallTree();
     tree.insert(QStringLiteral(".hidden"), "hidden");
     const Site site(tree);
-    QString archiver;
-    for (const char *name : {"7za", "7zz", "7z"}) {
-        const QString found = QStandardPaths::findExecutable(QString::fromLatin1(name));
-        archiver = found.isEmpty() ? archiver : found;
-    }
     const QString script = site.path(QStringLiteral("bin/7z"));
     const QString seen = site.path(QStringLiteral("seen"));
     QVERIFY(writeFileInFolder(script,
-                              "#!/bin/sh\n" + QFile::encodeName(archiver)
+                              "#!/bin/sh\n" + QFile::encodeName(archiverOnPath())
                                   + " \"$@\" || exit\n"
                                     "[ \"$1\" = x ] || exit 0\n"
                                     "until [ -e "
